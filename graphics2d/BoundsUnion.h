@@ -1,0 +1,43 @@
+// Uniting the bounds of several pieces. Internal.
+#pragma once
+
+#include "graphics2d/MMContext2D.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+// Smallest rectangle around all that was added; starts empty.
+struct BoundsUnion {
+    Fixed minX = kEmptyBoundsMin;
+    Fixed minY = kEmptyBoundsMin;
+    Fixed maxX = kEmptyBoundsMax;
+    Fixed maxY = kEmptyBoundsMax;
+
+    void addPoint(const MMPoint2D& p)
+    {
+        if (p.x < minX) minX = p.x;
+        if (p.y < minY) minY = p.y;
+        if (p.x > maxX) maxX = p.x;
+        if (p.y > maxY) maxY = p.y;
+    }
+
+    // Adds what the last operation left in the bounds fields.
+    void addBoundsOf(const MMContext2D& context)
+    {
+        if (context.boundsMinX < minX) minX = context.boundsMinX;
+        if (context.boundsMinY < minY) minY = context.boundsMinY;
+        if (context.boundsMaxX > maxX) maxX = context.boundsMaxX;
+        if (context.boundsMaxY > maxY) maxY = context.boundsMaxY;
+    }
+
+    void storeTo(MMContext2D& context) const
+    {
+        context.boundsMinX = minX;
+        context.boundsMinY = minY;
+        context.boundsMaxX = maxX;
+        context.boundsMaxY = maxY;
+    }
+};
+
+} // namespace Graphics2D
+} // namespace KAVO

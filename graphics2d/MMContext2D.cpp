@@ -1,0 +1,43 @@
+// Construction and destruction of the drawing context.
+#include "graphics2d/MMContext2D.h"
+
+#include <cstdlib>
+#include <cstring>
+
+namespace KAVO {
+namespace Graphics2D {
+
+namespace {
+
+constexpr uint32_t kFirstScratchWords = 1024;
+
+} // namespace
+
+MMContext2D::MMContext2D()
+{
+    // Padding included: a context compares and copies as plain bytes.
+    std::memset(static_cast<void*>(this), 0, sizeof *this);
+    savedTransforms[0] = kIdentityMatrix;
+    savedTransforms[1] = kIdentityMatrix;
+    transform = kIdentityMatrix;
+    scratchStack.Create(kFirstScratchWords);
+    strokePaint.paintType = kPaintNone;
+    fillPaint.paintColour = 0xFF000000;
+    miterLimit = 4 * kFixedOne;
+    imageOpacity = 255;
+    strokeHalfWidth = kFixedHalf;
+    target.backgroundColour = 0xFFFFFFFF;
+    strokePaint.paintOpacity = 255;
+    fillPaint.paintOpacity = 255;
+    reservedFlag = 1;
+    pointStep = 1;
+    patternFilter = kFilterBilinear;
+}
+
+MMContext2D::~MMContext2D()
+{
+    std::free(scratchStack.firstBlock);
+}
+
+} // namespace Graphics2D
+} // namespace KAVO

@@ -1,0 +1,214 @@
+// The drawing context: the one object through which everything is drawn.
+//
+// Give a context a target and a clip rectangle, set its transform, paints and stroke style, and
+// call the drawing operations. Most state has no setters: the fields are public and written
+// directly.
+//
+//     KAVO::Graphics2D::MMContext2D context;
+//     context.target = {width, height, width * 4u, 0xFFFFFFFF, pixels, 0};
+//     context.clipRight = width;
+//     context.clipBottom = height;
+//     context.antiAlias = 1;
+//     context.fillPaint.paintColour = 0xFF2060C0;
+//     context.drawPath(path);
+//
+// Pixel grid. Without anti-aliasing pixel c covers [c, c + 1) and is drawn when its centre is
+// inside the shape. With it, the half pixel that the rasterisers add to every vertex makes pixel c
+// cover [c - 1/2, c + 1/2): for the grid that SVG uses, translate by minus half a pixel while
+// antiAlias is set. Text and images do not take part in the shift.
+//
+// Failure. Nothing throws and nothing is logged. An operation that cannot get memory sets bit 0 of
+// outOfMemory, gives back what it took and draws nothing (further); the bit stays until the caller
+// clears it. No input makes the library write outside the target and the clip rectangle.
+//
+// Threads. A context is used by one thread at a time. The font engine is shared by all contexts of
+// a process without a lock, so contexts are created, used for text and destroyed on one thread.
+#pragma once
+
+#include "graphics2d/MMLinkPath.h"
+#include "graphics2d/MMPaint.h"
+#include "graphics2d/MMPathPos.h"
+#include "graphics2d/MMPixmap.h"
+#include "graphics2d/MMTextLayout.h"
+#include "math/Matrix2D.h"
+#include "memory/MMStackContext.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+// Values of MMContext2D::joinStyle, capStyle, fillRule and patternFilter.
+enum MMJoinStyle : uint8_t { kJoinMiter = 0, kJoinRound = 1, kJoinBevel = 2 };
+enum MMCapStyle : uint8_t { kCapButt = 0, kCapRound = 1, kCapSquare = 2 };
+enum MMFillRule : uint8_t { kFillNonZero = 0, kFillEvenOdd = 1 };
+enum MMPatternFilter : uint8_t { kFilterNearest = 0, kFilterBilinear = 1, kFilterBicubic = 2 };
+
+// Bits of MMContext2D::renderFlags and outOfMemory.
+constexpr uint32_t kRenderBoundsOnly = 8; // drawPath computes untransformed bounds, draws nothing
+constexpr uint16_t kScratchExhausted = 1;
+
+// The bounds fields of an operation that drew nothing.
+constexpr Fixed kEmptyBoundsMin = 0x7FFFFFFF;
+constexpr Fixed kEmptyBoundsMax = -0x7FFFFFFF;
+
+#pragma GCC visibility push(default)
+
+class MMContext2D {
+public:
+    MMContext2D();
+    ~MMContext2D();
+    MMContext2D(const MMContext2D&) = delete;
+    MMContext2D& operator=(const MMContext2D&) = delete;
+
+    // --- Polygons, in device space, closed implicitly -------------------------------------------
+
+    // Fills a polygon with the current paint by the fill rule. Fewer than three points, or all on
+    // one horizontal line, draw nothing. Sets the bounds fields.
+    void rasterPolygon(MMPoint2D* points, uint16_t count);
+
+    // The quick way for a polygon that every horizontal line meets at most twice. Any other polygon
+    // is drawn wrongly, but safely.
+    void rasterMonotonePolygon(MMPoint2D* points, uint16_t count);
+
+    // The general way: self-crossing outlines, holes, many subpaths bridged into one polygon.
+    void rasterComplexPolygon(MMPoint2D* points, uint16_t count);
+
+    // Draws the edge pixels and the interior of one anti-aliased row from the edge state below.
+    // Called by the rasterisers only.
+    void smoothEdges();
+
+    // --- Paths, in user space -------------------------------------------------------------------
+
+    // Fills and strokes an encoded path. The first word is the header: the number of subpaths in
+    // its low half, the number of segments in its high half (a hint, not relied on). Commands
+    // follow:
+    //   bits 0-27   number of items that follow
+    //   bits 28-29  0: points (x, y each), 1: cubic curves (two control points and the end each),
+    //               2 and 3: ignored, without words of their own
+    //   bit 30      ends the subpath;  bit 31: and closes it
+    // Coordinates are 16.16. A path has no length of its own: the array must hold what its commands
+    // announce up to the last subpath's end bit; everything else about it may be wrong.
+    void drawPath(const uint32_t* path);
+
+    // Number of points and curve ends of a stored path (one word, which is skipped, then the path
+    // as drawPath reads it), one more for each command with bit 31.
+    uint32_t getPathKeyPointCount(const uint32_t* storedPath);
+
+    // Walks along a stored path to the given distance from its start, in user units, curves
+    // flattened as drawing does. Leaves the point in pos.current and the direction of the path
+    // there in *result unless that is null. Gaps between subpaths add no length; beyond the end the
+    // walk stays at the end. A smaller distance than before, or pos.subpathsLeft of 0, starts anew.
+    void getPathPos(MMPathPos& pos, Fixed distance, Degrees* result);
+
+    // Flattens one cubic curve into points every pointStep positions from out on, its start left
+    // out and its end always the last; fine enough for the current transform. Returns pointStep
+    // plus the index of the last position written. out must have room for 1,024 points.
+    int32_t getBezierPts(MMPoint2D* out, MMPoint2D start, MMPoint2D control1, MMPoint2D control2,
+                         MMPoint2D end);
+
+    // Strokes one subpath with the current paint and the stroke style below.
+    void drawPolyline(MMLinkPath* records, int16_t segmentCount, uint8_t closed);
+
+    // The same cut into dashes by dashArray, dashCount and dashOffset.
+    void drawDashArray(MMLinkPath* records, uint16_t segmentCount, uint8_t closed);
+
+    // Fills and strokes a rectangle with elliptical corners, or an ellipse (radii equal to the half
+    // sizes).
+    void drawEllipticalRect(Fixed cx, Fixed cy, Fixed halfWidth, Fixed halfHeight, Fixed rx,
+                            Fixed ry);
+
+    // Points on the circle from `from` (not written) to `to` (written exactly, last), every
+    // pointStep positions from out on, in the direction of increasing or decreasing angle. Returns
+    // pointStep plus the index of the last position written. At most 360 points.
+    int32_t getCircularArcPts(MMPoint2D* out, MMPoint2D& centre, MMPoint2D& from, MMPoint2D& to,
+                              Fixed radius, uint8_t increasing);
+
+    // Fills and strokes a circular arc of sweep degrees from the direction start. pie 1 closes it
+    // through the centre, 0 by the chord; outline 1 strokes the open arc only and fills nothing. A
+    // sweep of 360 degrees or more either way is the whole circle.
+    void drawCircularArc(MMPoint2D* centre, Fixed radius, Degrees start, Degrees sweep, uint8_t pie,
+                         uint8_t outline);
+
+    // --- Strip fillers --------------------------------------------------------------------------
+    // Each fills the current span with the current paint. They take everything from the span fields
+    // and do no clipping. The T fillers blend with the coverage fields.
+
+    void drawSolidStrip();
+    void drawSolidXORStrip();
+    void drawPickingStrip();
+    void drawSolidTStrip();
+    void drawTransStrip(); // blends with paintOpacity alone; for callers, no rasteriser uses it
+
+    // --- State, in the order of the record ------------------------------------------------------
+
+    MMStackContext scratchStack; // temporary arrays of all operations
+    MMPaint strokePaint;         // kPaintNone
+    MMPaint fillPaint;           // opaque black
+
+    Matrix2D savedTransforms[2]; // free for callers
+    Matrix2D transform;          // user space to device pixels
+
+    int16_t clipLeft; // device pixels; left and top inclusive, right and bottom exclusive
+    int16_t clipTop;
+    int16_t clipRight;
+    int16_t clipBottom;
+
+    Fixed strokeHalfWidth;  // user units, 0.5
+    Fixed miterLimit;       // greatest miter length by stroke width, 4.0
+    uint8_t joinStyle;      // MMJoinStyle
+    uint8_t capStyle;       // MMCapStyle
+    const Fixed* dashArray; // lengths on and off alternately, user units; null: no dashes
+    Fixed dashOffset;       // distance into the pattern at which a subpath starts
+    uint16_t dashCount;
+
+    uint8_t patternFilter;    // MMPatternFilter, bilinear
+    uint8_t imageOpacity;     // 255; taken over into paintOpacity by drawImage
+    uint8_t accumulateBounds; // strokes and text unite the bounds of all their pieces
+    uint8_t reservedFlag;     // 1; nothing reads it
+
+    Fixed boundsMinX; // of the last polygon drawn, device space
+    Fixed boundsMinY;
+    Fixed boundsMaxX;
+    Fixed boundsMaxY;
+
+    MMPaint currentPaint; // the paint being drawn: a copy of fillPaint or strokePaint
+
+    // The current span, from the rasteriser to the strip filler. The first pixel is column
+    // spanStart >> 16, the one after the last spanEnd >> 16.
+    Fixed spanStart;
+    Fixed spanEnd;
+    int32_t spanRow;
+    Pixel* spanPixels;         // column 0 of the row
+    Coverage spanCoverage;     // of the first pixel
+    Coverage spanCoverageNext; // of the second pixel; the T fillers advance it
+    Coverage spanCoverageStep; // added per pixel from the second on
+    Coverage spanTailCoverage; // of one more pixel right of the span; 0 or less: none
+
+    // Edge state of the current row, from the rasterisers to smoothEdges. The edges' x at the
+    // bottom of the row are spanStart and spanEnd.
+    Fixed leftPreviousX; // x at the top of the row
+    Fixed rightPreviousX;
+    Fixed leftSlope; // x per row
+    Fixed rightSlope;
+    Fixed leftCoverageSlope; // coverage per pixel of travel
+    Fixed rightCoverageSlope;
+    uint8_t leftEdgeAlpha; // height of the edge within the row, 255 for a whole row
+    uint8_t rightEdgeAlpha;
+
+    uint8_t antiAlias;      // bit 0: edges are anti-aliased
+    uint8_t drawSuppressed; // not 0: polygons only set the bounds
+    MMPixmap target;        // what is drawn into
+
+    Fixed pickX; // the point that kPaintPicking looks for; hits only when pickY is a whole row
+    Fixed pickY;
+    uint8_t pickHit;      // set to 1 by a hit, cleared by the caller
+    uint16_t outOfMemory; // bit 0: kScratchExhausted
+
+    uint32_t renderFlags; // kRenderBoundsOnly
+    int32_t pointStep;    // 1; positions between the points that flattening writes
+    uint8_t fillRule;     // MMFillRule; strokes are always non-zero
+};
+
+#pragma GCC visibility pop
+
+} // namespace Graphics2D
+} // namespace KAVO

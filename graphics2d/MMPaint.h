@@ -1,0 +1,63 @@
+// The paint record: what a shape is filled or stroked with.
+#pragma once
+
+#include "graphics2d/MMPixmap.h"
+#include "math/Matrix2D.h"
+
+// Values of MMPaint::paintType. They are even: the strip dispatch adds 1 for a translucent paint.
+enum MMPaintType : uint32_t {
+    kPaintSolid = 0,          // paintColour
+    kPaintNone = 2,           // nothing is drawn
+    kPaintXOR = 4,            // exclusive-or with paintColour, alpha included; ignores the opacity
+    kPaintLinearGradient = 6, // gradientStop..., gradientOrigin..., gradientStep...
+    kPaintRadialGradient = 8, // gradientStop..., radial...
+    kPaintPattern = 10,       // patternTransform, patternImage, patternHasAlpha
+    kPaintPicking = 12        // writes no pixel; reports whether pickX, pickY is covered
+};
+
+// The parameters share storage as the groups below show: with 4-byte pointers the record is
+// fourteen words. paintColour, gradientStopCount and patternTransform.a are the same word on every
+// host, so setting a paint up overwrites the parameters of the paint that was there before.
+// graphics2d/PaintSetup.h fills gradients and patterns in from end points, radii and transforms.
+struct MMPaint {
+    uint32_t paintType; // MMPaintType
+
+    union {
+        Pixel paintColour;
+
+        __extension__ struct {
+            uint32_t gradientStopCount;       // at least 1; 0 draws nothing
+            const Pixel* gradientStopColors;  // the caller's, read at every use
+            const Fixed* gradientStopOffsets; // ascending, in units of the gradient parameter
+            uint8_t paintHasAlpha;            // some stop is translucent
+
+            union {
+                // The gradient parameter is 0 at the origin and grows by a step per device pixel.
+                __extension__ struct {
+                    Fixed gradientOriginX;
+                    Fixed gradientOriginY;
+                    Fixed gradientStepX;
+                    Fixed gradientStepY;
+                };
+                // The gradient parameter is the length of the device offset from the centre mapped
+                // through this 2 by 2 matrix.
+                __extension__ struct {
+                    Fixed radialXToU;
+                    Fixed radialXToV;
+                    Fixed radialYToU;
+                    Fixed radialYToV;
+                    Fixed radialCenterX;
+                    Fixed radialCenterY;
+                };
+            };
+        };
+
+        __extension__ struct {
+            Matrix2D patternTransform; // device pixels to texels
+            MMPixmap patternImage;     // rows are exactly width texels apart
+        };
+    };
+
+    alignas(uint32_t) uint8_t patternHasAlpha; // the image has translucent texels
+    alignas(uint32_t) uint8_t paintOpacity;    // 0 to 255, 255 is opaque
+};

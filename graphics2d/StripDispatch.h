@@ -1,0 +1,40 @@
+// From the current paint to the strip filler that draws its spans. Internal.
+//
+// Both rasterisers choose once per polygon and then draw many spans.
+#pragma once
+
+#include "graphics2d/MMContext2D.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+using StripFiller = void (MMContext2D::*)();
+
+// How a paint draws whole spans. A null filler draws nothing.
+struct SpanFiller {
+    StripFiller filler;
+    bool flatCoverage; // the filler is translucent: its coverage is paintOpacity throughout
+};
+
+// For the interior of shapes: the opaque filler where paint and opacity allow it.
+SpanFiller chooseSpanFiller(const MMContext2D& context);
+
+// For anti-aliased edge pixels: always a filler that honours the coverage fields (exclusive-or and
+// picking have none and ignore them). Null draws nothing.
+StripFiller chooseEdgeFiller(const MMContext2D& context);
+
+// Draws the current span, its coverage fields set to the paint's flat opacity when it needs them.
+inline void drawSpan(MMContext2D& context, const SpanFiller& choice)
+{
+    if (choice.filler == nullptr) return;
+    if (choice.flatCoverage) {
+        context.spanCoverage = context.currentPaint.paintOpacity << 16;
+        context.spanCoverageNext = context.spanCoverage;
+        context.spanCoverageStep = 0;
+        context.spanTailCoverage = 0;
+    }
+    (context.*choice.filler)();
+}
+
+} // namespace Graphics2D
+} // namespace KAVO

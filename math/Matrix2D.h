@@ -1,0 +1,67 @@
+// The affine transform of the library.
+#pragma once
+
+#include "math/MMPoint2D.h"
+
+#pragma GCC visibility push(default)
+
+// Maps (x, y) to (a x + c y + e, b x + d y + f), all 16.16. It has no constructor, so that records
+// holding one stay plain data; start from kIdentityMatrix. Every modifying operation applies after
+// the transform that is already there. Overflow wraps; only compose reports anything.
+class Matrix2D {
+public:
+    enum TransformTypes : uint32_t {
+        Translate = 0, // tx [, ty = 0]
+        Scale = 1,     // sx [, sy = sx], neither 0
+        Rotate = 2,    // angle [, cx, cy]
+        SkewX = 3,     // angle
+        SkewY = 4,     // angle
+        Matrix = 5     // a, b, c, d, e, f
+    };
+
+    // Result of compose for an item with the wrong number of values or a scale of 0.
+    static constexpr uint32_t kBadTransform = 8192;
+
+    Fixed a;
+    Fixed b;
+    Fixed c;
+    Fixed d;
+    Fixed e;
+    Fixed f;
+
+    // this := this, then t. t may be this matrix itself.
+    Matrix2D& operator*=(const Matrix2D& t);
+
+    // this := first, then second. Either may be this matrix itself.
+    void mul(const Matrix2D* first, const Matrix2D* second);
+
+    void translate(Fixed tx, Fixed ty);
+    void scale(Fixed sx, Fixed sy);
+
+    // Any angle; whole turns change nothing.
+    void rotate(Degrees angle);
+    void rotateCenter(Degrees angle, Fixed cx, Fixed cy);
+    void skewX(Degrees angle);
+    void skewY(Degrees angle);
+
+    // Maps count points; dst may be src.
+    void transform(MMPoint2D* dst, const MMPoint2D* src, uint16_t count) const;
+
+    // Replaces the matrix by its inverse. The reciprocals come out one unit low for powers of two
+    // (the identity inverts to a = d = 0xFFFF). Elements that would need a division by zero or
+    // intermediate results beyond 32 bits become 0, so a singular matrix does no harm.
+    void invert();
+
+    // Scales all six elements so that the smallest non-zero linear one becomes about 1.0; returns
+    // the factor.
+    Fixed normalize();
+
+    // Applies one item of a transform list. Returns 0, or kBadTransform when the count does not fit
+    // the type or a scale factor is 0. A type of 6 or more is ignored and returns 0. With one
+    // value, Translate and Scale write values[1], which must exist.
+    uint32_t compose(TransformTypes type, Fixed* values, uint32_t count);
+};
+
+constexpr Matrix2D kIdentityMatrix = {kFixedOne, 0, 0, kFixedOne, 0, 0};
+
+#pragma GCC visibility pop

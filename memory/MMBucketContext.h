@@ -1,0 +1,35 @@
+// A pool of equal-sized items in one heap block, with a bitmap of free slots.
+#pragma once
+
+#include <cstdint>
+
+#pragma GCC visibility push(default)
+
+// The complex polygon rasteriser keeps its active edges here: items come and go in any order while
+// the scan proceeds, and there is one heap call for all of them. The lowest free slot is always
+// taken first. Sizes are in 32-bit words.
+class MMBucketContext {
+public:
+    explicit MMBucketContext(uint32_t wordsPerItem);
+    ~MMBucketContext();
+    MMBucketContext(const MMBucketContext&) = delete;
+    MMBucketContext& operator=(const MMBucketContext&) = delete;
+
+    // Makes room for count items and drops all that were held. Returns 0, or 1 when the heap
+    // refused (the pool is then empty).
+    uint32_t Resize(uint32_t count);
+
+    // An item of itemWords words, or null when none is free.
+    void* Alloc();
+
+    // Gives an item of this pool back.
+    void DeAlloc(void* item);
+
+    uint32_t itemWords;
+    uint32_t itemCount;
+    uint32_t* slots;  // slot i starts at i * (itemWords + 1) with its own index; the item follows
+    uint32_t* buffer; // the one heap block: bitmap (a set bit is a free slot), then the slots
+    uint32_t searchStart; // bitmap word at which Alloc starts to look
+};
+
+#pragma GCC visibility pop
