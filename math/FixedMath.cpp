@@ -1,0 +1,227 @@
+// 16.16 division, roots and trigonometry by shifts, additions and tables.
+#include "math/FixedMath.h"
+
+namespace {
+
+// Shifts by 32 or more give 0.
+constexpr uint32_t shiftLeft(uint32_t v, uint32_t n)
+{
+    return n < 32 ? v << n : 0;
+}
+
+constexpr uint32_t shiftRight(uint32_t v, uint32_t n)
+{
+    return n < 32 ? v >> n : 0;
+}
+
+// sin(x) = slope * x + offset over [5 i, 5 i + 5) degrees: the slope is the chord's in 2^-24 per
+// degree, the offset in 2^-24 is raised a little so that the error lies on both sides of the curve.
+struct SineChord {
+    int32_t slope;
+    int32_t offset;
+};
+
+constexpr SineChord kSineChords[18] = {
+    {292446, 357},     {290220, 12174},   {285786, 57203},   {279176, 157017},  {270442, 332354},
+    {259650, 602795},  {246881, 986452},  {232234, 1499681}, {215819, 2156808}, {197761, 2969881},
+    {178199, 3948451}, {157280, 5099375}, {135165, 6426662}, {112020, 7931339}, {88024, 9611359},
+    {63357, 11461549}, {38208, 13473588}, {12768, 15636030},
+};
+
+// atan(2^-i) in 16.16 degrees, rounded to nearest.
+constexpr int32_t kArcTangents[22] = {
+    2949120, 1740967, 919879, 466945, 234379, 117304, 58666, 29335, 14668, 7334, 3667,
+    1833,    917,     458,    229,    115,    57,     29,    14,    7,     4,    2,
+};
+
+constexpr Fixed kOneFifth =
+    0x3333; // a little below 0.2, so that 90 degrees falls into the last row
+
+// Sine of an angle in [0, 90] degrees. The row lags one behind at and just above multiples of five
+// degrees, where both rows agree closely.
+Fixed sineOfFirstQuadrant(Degrees angle)
+{
+    const SineChord& chord = kSineChords[fixMul(angle, kOneFifth) >> 16];
+    return wrapAdd(fixMul(chord.slope, angle), chord.offset) >> 8;
+}
+
+// Leaves [0, 360] degrees alone and brings every other angle into it.
+Degrees reducedAngle(Degrees angle)
+{
+    if (angle >= 0 && angle <= kDegrees360) return angle;
+    const Degrees rest = angle % kDegrees360;
+    return rest < 0 ? rest + kDegrees360 : rest;
+}
+
+} // namespace
+
+Fixed fixMulSHR(Fixed a, Fixed b, uint8_t shift)
+{
+    const uint32_t magA = magnitudeOf(a);
+    const uint32_t magB = magnitudeOf(b);
+    const uint32_t highA = magA >> 16;
+    const uint32_t lowA = magA & 0xFFFFu;
+    const uint32_t highB = magB >> 16;
+    const uint32_t lowB = magB & 0xFFFFu;
+    const uint32_t middle = highB * lowA + ((lowB * lowA) >> 16);
+    const uint32_t high = highB * highA + (middle >> 16);
+    const uint32_t low = highA * lowB + (middle & 0xFFFFu);
+    const uint32_t shiftedHigh =
+        shift < 16 ? shiftLeft(high, 16u - shift) : shiftRight(high, shift - 16u);
+    return applySign(shiftedHigh + shiftRight(low, shift), signMaskOf(a) ^ signMaskOf(b));
+}
+
+int32_t fixMulDiv(int32_t a, int32_t b, int32_t c)
+{
+    if (c == 0) return 0;
+    const uint32_t magA = magnitudeOf(a);
+    const uint32_t magB = magnitudeOf(b);
+    const bool firstIsSmaller = static_cast<int32_t>(magA) <= static_cast<int32_t>(magB);
+    const uint32_t divisor = magnitudeOf(c);
+    const uint32_t small = firstIsSmaller ? magA : magB;
+    uint32_t big = firstIsSmaller ? magB : magA;
+
+    // The larger factor is multiplied bit by bit with the smaller one's exact quotient and
+    // remainder.
+    uint32_t quotient = small / divisor;
+    uint32_t remainder = small - quotient * divisor;
+    uint32_t sum = 0;
+    uint32_t sumRemainder = 0;
+    while (big != 0) {
+        if ((big & 1u) != 0) {
+            sumRemainder += remainder;
+            sum += quotient;
+            if (sumRemainder >= divisor) {
+                ++sum;
+                sumRemainder -= divisor;
+            }
+        }
+        remainder *= 2;
+        quotient *= 2;
+        if (remainder >= divisor) {
+            ++quotient;
+            remainder -= divisor;
+        }
+        big >>= 1;
+    }
+    if (sumRemainder >= divisor >> 1) ++sum;
+    return applySign(sum, signMaskOf(a) ^ signMaskOf(b) ^ signMaskOf(c));
+}
+
+Fixed fixDiv(Fixed a, Fixed b)
+{
+    const uint32_t magA = magnitudeOf(a);
+    const uint32_t magB = magnitudeOf(b);
+    uint32_t quotient = magB != 0 ? magA / magB : 0;
+    uint32_t remainder = magA - quotient * magB;
+    if (remainder >= magB) { // only for a divisor of 0
+        ++quotient;
+        remainder -= magB;
+    }
+    for (int bit = 0; bit < 16; ++bit) {
+        remainder *= 2;
+        quotient *= 2;
+        if (remainder >= magB) {
+            remainder -= magB;
+            ++quotient;
+        }
+    }
+    return applySign(quotient, signMaskOf(a) ^ signMaskOf(b));
+}
+
+Fixed fixSqrt(Fixed x)
+{
+    uint32_t remainder = static_cast<uint32_t>(x);
+    uint32_t root = 0;
+    for (uint32_t k = 16; k-- > 0;) {
+        const uint32_t trial = (root << (k + 1)) + (1u << (2 * k));
+        if (remainder >= trial) {
+            remainder -= trial;
+            root |= 1u << k;
+        }
+    }
+    // The trial values of the fraction leave out the square of the new bit: it may come out high.
+    root <<= 8;
+    remainder <<= 8;
+    for (uint32_t k = 1; k <= 7; ++k) {
+        const uint32_t trial = root >> (k - 1);
+        if (remainder >= trial) {
+            remainder -= trial;
+            root |= 0x100u >> k;
+        }
+    }
+    if (root >> 7 <= remainder) root |= 1u;
+    return static_cast<Fixed>(root);
+}
+
+Fixed fixSin(Degrees angle)
+{
+    const Degrees reduced = reducedAngle(angle);
+    const bool negative = reduced > kDegrees180;
+    Degrees phi = negative ? reduced - kDegrees180 : reduced;
+    if (phi > kDegrees90) phi = kDegrees180 - phi;
+    const Fixed sine = sineOfFirstQuadrant(phi);
+    return negative ? -sine : sine;
+}
+
+Fixed fixCos(Degrees angle)
+{
+    const Degrees reduced = reducedAngle(angle);
+    Degrees phi = reduced > kDegrees180 ? kDegrees360 - reduced : reduced;
+    const bool negative = phi > kDegrees90;
+    if (negative) phi = kDegrees180 - phi;
+    const Fixed cosine = sineOfFirstQuadrant(kDegrees90 - phi);
+    return negative ? -cosine : cosine;
+}
+
+Degrees fixATan(int32_t x, int32_t y)
+{
+    if (y == 0) return x < 0 ? kDegrees180 : 0;
+    Degrees angle = 0;
+    if (x < 0) { // a rotation by 180 degrees
+        x = wrapNeg(x);
+        y = wrapNeg(y);
+        angle = kDegrees180;
+    }
+    if ((magnitudeOf(y) | static_cast<uint32_t>(x)) > 0x3FFFFFFFu) {
+        x >>= 2;
+        y >>= 2;
+    }
+    // Each round turns the vector toward the x axis by atan(2^-i) and counts the angle.
+    for (int i = 0; i < 22; ++i) {
+        const int32_t xShifted = x >> i;
+        const int32_t yShifted = y >> i;
+        if (y < 0) {
+            y = wrapAdd(y, xShifted);
+            x = wrapSub(x, yShifted);
+            angle -= kArcTangents[i];
+        } else {
+            y = wrapSub(y, xShifted);
+            x = wrapAdd(x, yShifted);
+            angle += kArcTangents[i];
+        }
+    }
+    return angle < 0 ? angle + kDegrees360 : angle;
+}
+
+uint32_t MMLog2(uint32_t v)
+{
+    uint32_t n = 0;
+    if (v >= 0x10000u) {
+        v >>= 16;
+        n += 16;
+    }
+    if (v > 0xFFu) {
+        v >>= 8;
+        n += 8;
+    }
+    if (v > 0xFu) {
+        v >>= 4;
+        n += 4;
+    }
+    if (v > 3u) {
+        v >>= 2;
+        n += 2;
+    }
+    return n + (v >> 1);
+}
