@@ -33,6 +33,13 @@ public:
     // Makes the most recent allocation n words long, keeping its contents, moving it when it has
     // to. Returns where it is now, or null when the heap is exhausted.
     void* ReAlloc(void* p, uint32_t n);
+
+private:
+    Block* consolidate();
+    bool spill(uint32_t n);
+    void* place(uint32_t n);
+    Block* pop(const void* p, uint32_t n);
+    static void freeChain(Block* block);
 };
 
 #pragma GCC visibility pop
