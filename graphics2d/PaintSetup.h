@@ -1,0 +1,65 @@
+// Filling a paint in from what a person knows about it: end points, radii, stops, an image, and the
+// transform they live under.
+//
+// The transform of all three maps the paint's own space to device pixels, so it is usually the
+// gradient's or image's transform followed by the context's. With anti-aliasing and the half-pixel
+// shift that goes with it (see MMContext2D.h) the shift belongs into the transform of a gradient
+// and must be left out of that of a pattern.
+//
+// paintOpacity is left alone; everything else that the paint type reads is set. The paint then
+// points into the caller's arrays, which must live as long as the paint is drawn with.
+#pragma once
+
+#include "graphics2d/MMContext2D.h"
+#include "graphics2d/MMPaint.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+// Colour stops as documents give them: offsets from 0 to 1.0. Offsets outside are clamped, and one
+// smaller than its predecessor counts as equal to it. No stops (or null arrays) draw nothing; one
+// stop paints its colour everywhere.
+struct GradientStops {
+    const Pixel* colours;
+    const Fixed* offsets; // 16.16
+    uint32_t count;
+};
+
+// Where a gradient's stops go after scaling: two arrays that the caller supplies, each with room
+// for gradientRampRoom(count) items. They must not be the arrays that the stops came in.
+struct GradientRamp {
+    Pixel* colours;
+    Fixed* offsets;
+};
+
+// The room that a ramp of this many stops needs. Wide linear segments are cut into up to eight.
+constexpr uint32_t gradientRampRoom(uint32_t stopCount)
+{
+    return 8 * stopCount;
+}
+
+#pragma GCC visibility push(default)
+
+// A linear gradient from start (offset 0) to end (offset 1.0), perpendicular in its own space, so
+// that a skewing transform tilts its lines of equal colour. When start and end coincide, or the
+// transform is singular, the last stop is painted everywhere.
+void setLinearGradient(MMPaint& paint, MMPoint2D start, MMPoint2D end, const Matrix2D& transform,
+                       const GradientStops& stops, const GradientRamp& ramp);
+
+// A radial gradient from the centre (offset 0) to the circle of the radius (offset 1.0). With a
+// radius of 0 or less, or a singular transform, the last stop is painted everywhere.
+void setRadialGradient(MMPaint& paint, MMPoint2D centre, Fixed radius, const Matrix2D& transform,
+                       const GradientStops& stops, const GradientRamp& ramp);
+
+// An image whose texel (i, j) covers the square from (i, j) to (i + 1, j + 1) of its own space;
+// beyond its edges the outermost texels repeat. filter is the patternFilter that the paint will be
+// drawn with: the sampling points differ, and with the right one the image lies at the same place
+// under each. Whether the image has alpha is taken from the low byte of its pixmapExtra. An image
+// without texels, or a singular transform, draws nothing.
+void setPattern(MMPaint& paint, const MMPixmap& image, const Matrix2D& transform,
+                MMPatternFilter filter);
+
+#pragma GCC visibility pop
+
+} // namespace Graphics2D
+} // namespace KAVO
