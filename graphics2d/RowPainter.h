@@ -1,0 +1,85 @@
+// From coverage to strip fillers: draws one row after another, each from left to right. Internal.
+//
+// Callers name pieces of the row with the share of each pixel that is inside the shape. Whole
+// pixels go to the paint's span filler in runs as long as possible. Partial ones go to its edge
+// filler in arithmetic runs: an arbitrary first and second pixel, a constant step from the second
+// on, and an arbitrary last one. No pixel is written twice, and none before its left neighbour,
+// because most fillers take a pixel's background from the neighbour on its right.
+#pragma once
+
+#include "graphics2d/PolygonBounds.h"
+#include "graphics2d/StripDispatch.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+// Share of a pixel inside the shape: 0 to kWholeArea.
+using Area = int32_t;
+constexpr Area kWholeArea = 0x10000;
+
+// Areas that round to a weight of 0 or 255 count as nothing and as all of the pixel.
+constexpr Area kLeastArea = 129;
+constexpr Area kMostArea = kWholeArea - 128;
+
+class RowPainter {
+public:
+    RowPainter(MMContext2D& context, const PixelBox& visible);
+
+    // False when the paint draws nothing at all.
+    bool draws() const { return span_.filler != nullptr || edge_ != nullptr; }
+
+    const PixelBox& visible() const { return visible_; }
+
+    void beginRow(int32_t row);
+
+    // Whole pixels of columns first to end - 1, which lie within the visible box.
+    void drawWhole(int32_t first, int32_t end)
+    {
+        if (first >= end) return;
+        context_.spanStart = fixFromInt(first);
+        context_.spanEnd = fixFromInt(end);
+        drawSpan(context_, span_);
+    }
+
+    // Columns first to first + count - 1 with the areas start, next, next + step, ... and one more
+    // column with the area tail unless that is 0. The step has 24 fraction bits. Within the visible
+    // box.
+    void drawPartial(int32_t first, int32_t count, Area start, Area next, int32_t step, Area tail);
+
+    // Gives the columns first to end - 1 the same area each, to the right of what was given before.
+    // Drawing is delayed until flush().
+    void add(int32_t first, int32_t end, Area area);
+
+    void flush()
+    {
+        flushWhole();
+        flushPartial();
+    }
+
+private:
+    void flushWhole();
+    void flushPartial();
+    void addPartial(int32_t column, Area area);
+
+    MMContext2D& context_;
+    PixelBox visible_;
+    SpanFiller span_;
+    StripFiller edge_;
+    int32_t opacity_;
+    bool edgeIgnoresCoverage_; // exclusive-or and picking: no tail pixel either
+
+    // The pending run of whole pixels.
+    int32_t wholeFirst_ = 0;
+    int32_t wholeEnd_ = 0;
+
+    // The pending arithmetic run.
+    int32_t runFirst_ = 0;
+    int32_t runCount_ = 0;
+    Area runStart_ = 0;
+    Area runNext_ = 0;
+    Area runStep_ = 0;
+    Area runLast_ = 0;
+};
+
+} // namespace Graphics2D
+} // namespace KAVO

@@ -1,0 +1,208 @@
+// A plain model of filled polygons in double precision, against which the rasterisers are held, and
+// the shapes that the tests draw.
+#pragma once
+
+#include "math/MMPoint2D.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace model {
+
+using Polygon = std::vector<MMPoint2D>;
+
+inline Fixed toFixed(double v)
+{
+    return static_cast<Fixed>(std::lround(v * 65536));
+}
+
+inline double toDouble(Fixed v)
+{
+    return v / 65536.0;
+}
+
+inline void add(Polygon& polygon, double x, double y)
+{
+    polygon.push_back({toFixed(x), toFixed(y)});
+}
+
+inline bool inside(int winding, bool evenOdd)
+{
+    return evenOdd ? (winding & 1) != 0 : winding != 0;
+}
+
+// Crossings (x, winding) of the polygon with the horizontal line at y, from left to right. An edge
+// owns its lower end and not its upper one.
+inline std::vector<std::pair<double, int>> crossings(const Polygon& polygon, double y)
+{
+    std::vector<std::pair<double, int>> result;
+    for (std::size_t i = 0; i < polygon.size(); ++i) {
+        MMPoint2D a = polygon[i];
+        MMPoint2D b = polygon[(i + 1) % polygon.size()];
+        int winding = 1;
+        if (a.y > b.y) {
+            std::swap(a, b);
+            winding = -1;
+        }
+        const double y0 = toDouble(a.y), y1 = toDouble(b.y), x0 = toDouble(a.x);
+        if (!(y0 < y && y <= y1)) continue;
+        result.emplace_back(x0 + (toDouble(b.x) - x0) * (y - y0) / (y1 - y0), winding);
+    }
+    std::sort(result.begin(), result.end());
+    return result;
+}
+
+// The spans of the line at y that are inside.
+inline std::vector<std::pair<double, double>> spans(const Polygon& polygon, double y, bool evenOdd)
+{
+    std::vector<std::pair<double, double>> result;
+    int winding = 0;
+    double left = 0;
+    for (const auto& [x, direction] : crossings(polygon, y)) {
+        const bool was = inside(winding, evenOdd);
+        winding += direction;
+        if (inside(winding, evenOdd) == was) continue;
+        if (was)
+            result.emplace_back(left, x);
+        else
+            left = x;
+    }
+    return result;
+}
+
+// The share of every pixel inside the polygon, 0 to 1. Pixel (c, r) is the unit square around the
+// point (c, r). Lines at fine steps in y, exact in x.
+inline std::vector<double> areas(const Polygon& polygon, int width, int height, bool evenOdd,
+                                 int lines = 256)
+{
+    std::vector<double> area(static_cast<std::size_t>(width * height));
+    for (int row = 0; row < height; ++row) {
+        for (int line = 0; line < lines; ++line) {
+            const double y = row - 0.5 + (line + 0.5) / lines;
+            for (auto [left, right] : spans(polygon, y, evenOdd)) {
+                left = std::clamp(left + 0.5, 0.0, double(width));
+                right = std::clamp(right + 0.5, 0.0, double(width));
+                for (int c = int(left); c < width && c < right; ++c)
+                    area[std::size_t(row * width + c)] +=
+                        (std::min(right, c + 1.0) - std::max(left, double(c))) / lines;
+            }
+        }
+    }
+    return area;
+}
+
+inline double distanceToSegment(double x, double y, const MMPoint2D& a, const MMPoint2D& b)
+{
+    const double ax = toDouble(a.x), ay = toDouble(a.y);
+    const double dx = toDouble(b.x) - ax, dy = toDouble(b.y) - ay;
+    const double length = dx * dx + dy * dy;
+    const double t =
+        length == 0 ? 0 : std::clamp(((x - ax) * dx + (y - ay) * dy) / length, 0.0, 1.0);
+    return std::hypot(ax + t * dx - x, ay + t * dy - y);
+}
+
+inline double distanceToOutline(const Polygon& polygon, double x, double y)
+{
+    double least = 1e9;
+    for (std::size_t i = 0; i < polygon.size(); ++i)
+        least =
+            std::min(least, distanceToSegment(x, y, polygon[i], polygon[(i + 1) % polygon.size()]));
+    return least;
+}
+
+// --- Shapes
+// ---------------------------------------------------------------------------------------
+
+inline Polygon rectangle(double x0, double y0, double x1, double y1)
+{
+    Polygon p;
+    add(p, x0, y0);
+    add(p, x1, y0);
+    add(p, x1, y1);
+    add(p, x0, y1);
+    return p;
+}
+
+inline Polygon circle(double cx, double cy, double radius, int points)
+{
+    Polygon p;
+    for (int i = 0; i < points; ++i)
+        add(p, cx + radius * std::cos(2 * M_PI * i / points),
+            cy + radius * std::sin(2 * M_PI * i / points));
+    return p;
+}
+
+// A self-crossing star that joins every step-th of the points.
+inline Polygon star(double cx, double cy, double radius, int points, int step)
+{
+    Polygon p;
+    for (int i = 0; i < points; ++i)
+        add(p, cx + radius * std::cos(2 * M_PI * i * step / points),
+            cy + radius * std::sin(2 * M_PI * i * step / points));
+    return p;
+}
+
+// Points in turn on an outer and an inner circle.
+inline Polygon burst(double cx, double cy, double outer, double inner, int points)
+{
+    Polygon p;
+    for (int i = 0; i < 2 * points; ++i) {
+        const double radius = i % 2 == 0 ? outer : inner;
+        add(p, cx + radius * std::cos(M_PI * i / points),
+            cy + radius * std::sin(M_PI * i / points));
+    }
+    return p;
+}
+
+// A band of the given width that winds inward.
+inline Polygon spiral(double cx, double cy, double radius, double turns, double width, int points)
+{
+    Polygon p;
+    for (int side = 0; side < 2; ++side) {
+        for (int i = 0; i < points; ++i) {
+            const double t = (side == 0 ? i : points - 1 - i) / double(points - 1);
+            const double r = radius * (1 - t * 0.9) - (side == 0 ? 0 : width);
+            add(p, cx + r * std::cos(2 * M_PI * turns * t),
+                cy + r * std::sin(2 * M_PI * turns * t));
+        }
+    }
+    return p;
+}
+
+inline Polygon random(unsigned seed, int points, double size)
+{
+    std::mt19937 generator(seed);
+    Polygon p;
+    for (int i = 0; i < points; ++i) {
+        const double x = generator() / 4294967296.0 * size;
+        const double y = generator() / 4294967296.0 * size;
+        add(p, x + 2, y + 2);
+    }
+    return p;
+}
+
+// Several subpaths as one polygon, joined by bridges that are walked once each way.
+inline Polygon bridged(const std::vector<Polygon>& parts)
+{
+    Polygon p;
+    for (const Polygon& part : parts) {
+        p.insert(p.end(), part.begin(), part.end());
+        p.push_back(part.front());
+    }
+    for (std::size_t i = parts.size(); i-- > 0;)
+        p.push_back(parts[i].front());
+    return p;
+}
+
+inline Polygon reversed(Polygon p)
+{
+    std::reverse(p.begin(), p.end());
+    return p;
+}
+
+} // namespace model
