@@ -24,7 +24,8 @@ Fixed v2dDot(const MMPoint2D* a, const MMPoint2D* b);
 // a.x * b.y - a.y * b.x
 Fixed v2dCross(const MMPoint2D* a, const MMPoint2D* b);
 
-// Quick approximate length, 3.1 % short to 3.8 % long. A component of 16384.0 or more wraps.
+// Quick approximate length, 3.1 % short to 3.8 % long; to 7.4 % long when the smaller component
+// reaches 4096.0. A component of 16384.0 or more wraps.
 Fixed v2dQDNorm(MMPoint2D v);
 
 // Length to the last three units, without overflow as long as the length itself fits.
