@@ -96,59 +96,30 @@ ActiveEdges::ActiveEdges(MMContext2D& context, const VertexRing& ring)
 {
 }
 
-bool ActiveEdges::startChains(Fixed level, bool inclusive)
+void ActiveEdges::startAbove(Fixed level)
 {
-    while (minimum_ != kNoVertex) {
-        const Fixed y = ring_[minimum_].y;
-        if (y > level || (y == level && !inclusive)) break;
-        if (!startChain(minimum_, -1) || !startChain(minimum_, 1)) return false;
+    while (minimum_ != kNoVertex && ring_[minimum_].y < level) {
+        startChain(minimum_, -1);
+        startChain(minimum_, 1);
         minimum_ = ring_.nextMinimum(minimum_);
     }
-    return true;
 }
 
-bool ActiveEdges::startChain(uint32_t minimum, int32_t winding)
+void ActiveEdges::startChain(uint32_t minimum, int32_t winding)
 {
-    void* item = pool_.Alloc();
-    if (item == nullptr) return false;
+    void* item = pool_.Alloc(); // two slots per edge: never null
+    if (item == nullptr) return;
     const MMPoint2D& p = ring_[minimum];
     ActiveEdge& edge = *static_cast<ActiveEdge*>(item);
     edge.line = {p.x, p.y, 0, p.x, p.y};
     edge.vertex = minimum;
     edge.winding = winding;
-    const uint32_t offset = static_cast<uint32_t>(static_cast<uint32_t*>(item) - pool_.slots);
-    order_[size_++] = {p.x, p.x, winding, offset};
-    return true;
-}
-
-Fixed ActiveEdges::advance(Fixed level, bool inclusive)
-{
-    Fixed nearest = 0x7FFFFFFF;
-    uint32_t kept = 0;
-    for (uint32_t i = 0; i < size_; ++i) {
-        SlabEdge place = order_[i];
-        ActiveEdge& edge = edgeOf(place);
-        bool ended = false;
-        bool moved = false;
-        while (edge.line.endY < level || (!inclusive && edge.line.endY == level)) {
-            const MMPoint2D& from = ring_[edge.vertex];
-            const uint32_t next = ring_.next(edge.vertex, edge.winding);
-            ended = ring_[next].y < from.y;
-            if (ended) break;
-            edge.line = EdgeLine::between(from, ring_[next]);
-            edge.vertex = next;
-            moved = true;
-        }
-        if (ended) {
-            pool_.DeAlloc(&edge);
-            continue;
-        }
-        if (moved) place.bottom = edge.line.xAt(level);
-        if (edge.line.endY < nearest) nearest = edge.line.endY;
-        order_[kept++] = place;
+    if (!edge.descend(ring_, p.y)) {
+        pool_.DeAlloc(item);
+        return;
     }
-    size_ = kept;
-    return nearest;
+    const uint32_t offset = static_cast<uint32_t>(static_cast<uint32_t*>(item) - pool_.slots);
+    order_[size_++] = {p.x, p.x, winding, offset & 0x7FFFFFFFu, 0};
 }
 
 } // namespace Graphics2D

@@ -1,9 +1,10 @@
-// The edges that cross the current row of a polygon, and the vertices they come from. Internal.
+// The vertices of a polygon as a ring, and the chains of edges that cross the current row.
+// Internal.
 //
-// The vertices form a ring. From every local minimum of y (the topmost vertices of the shape's
-// parts) two chains of edges run down, one each way round the ring, to the next local maximum. Only
-// the minima are sorted; a chain moves on to its next edge in place. A forward chain counts +1 for
-// the winding number of what lies right of it, a backward one -1.
+// From every local minimum of y (the topmost vertices of the shape's parts) two chains of edges run
+// down, one each way round the ring, to the next local maximum. Only the minima are sorted; a chain
+// moves on to its next edge in place. A forward chain adds 1 to the winding number of what lies
+// right of it, a backward one takes 1 away.
 #pragma once
 
 #include "graphics2d/EdgeLine.h"
@@ -16,7 +17,7 @@ namespace Graphics2D {
 
 struct RingVertex {
     MMPoint2D point;
-    uint32_t nextMinimum; // index of the next local minimum downward, kNoVertex at the end
+    uint32_t nextMinimum; // the local minimum that follows in the order of y
 };
 
 constexpr uint32_t kNoVertex = 0xFFFFFFFF;
@@ -37,7 +38,7 @@ public:
         return i == 0 ? size_ - 1 : i - 1;
     }
 
-    // Local minima in the order of y, then of x.
+    // Local minima in the order of y, then of x; kNoVertex after the last.
     uint32_t firstMinimum() const { return firstMinimum_; }
     uint32_t nextMinimum(uint32_t i) const { return vertices_[i].nextMinimum; }
     uint32_t minimumCount() const { return minimumCount_; }
@@ -55,61 +56,83 @@ private:
     ScratchArray<RingVertex> vertices_;
 };
 
-// A chain on its current edge. Lives in a bucket pool of 11-word items.
-struct ActiveEdge {
+// A chain on one of its edges.
+struct Chain {
     EdgeLine line;
     uint32_t vertex; // ring index of the line's lower end
-    int32_t winding; // also the direction round the ring
+    int32_t winding; // 1 or -1, also the direction round the ring
+
+    // Moves to the next edge down. False at the end of the chain.
+    bool step(const VertexRing& ring)
+    {
+        const uint32_t next = ring.next(vertex, winding);
+        const MMPoint2D& from = ring[vertex];
+        if (ring[next].y < from.y) return false;
+        line = EdgeLine::between(from, ring[next]);
+        vertex = next;
+        return true;
+    }
+
+    // Moves to the first edge that reaches below the level, and down to the level. False when the
+    // chain ends before.
+    bool descend(const VertexRing& ring, Fixed level)
+    {
+        while (line.endY <= level)
+            if (!step(ring)) return false;
+        if (line.y < level) line.moveTo(level, line.xAt(level));
+        return true;
+    }
+};
+
+// A chain's record: an item of a bucket pool. Between rows it stands at the top of the next row, or
+// at its first vertex when that lies lower.
+struct ActiveEdge : Chain {
+    Fixed bottom; // x at the row's lower end, while the chain is straight throughout the row
 };
 constexpr uint32_t kActiveEdgeWords = 11;
 static_assert(sizeof(ActiveEdge) <= kActiveEdgeWords * 4, "the record must fit its slot");
 
-// A chain's place in the left-to-right order of the current slab.
-struct SlabEdge {
-    Fixed top;       // x at the slab's upper end
-    Fixed bottom;    // x at its lower end
-    int32_t winding; // 1 or -1
-    uint32_t edge;   // the ActiveEdge: its offset in the pool's slots, in words
+// A chain's place in the left-to-right order of the row.
+struct RowPlace {
+    Fixed minX; // extent within the row
+    Fixed maxX;
+    int32_t winding;
+    uint32_t edge : 31;    // the ActiveEdge: its offset in the pool's slots, in words
+    uint32_t straight : 1; // the chain crosses the whole row on one edge
 };
 
-// All chains that cross the current slab, from left to right.
+// All chains that cross the current row.
 class ActiveEdges {
 public:
     ActiveEdges(MMContext2D& context, const VertexRing& ring);
 
     explicit operator bool() const { return ready_; }
 
-    SlabEdge* begin() { return order_.data(); }
+    RowPlace* begin() { return order_.data(); }
+    RowPlace* end() { return order_.data() + size_; }
     uint32_t size() const { return size_; }
-    bool empty() const { return size_ == 0; }
 
-    ActiveEdge& edgeOf(const SlabEdge& place)
+    ActiveEdge& edgeOf(const RowPlace& place)
     {
         return *reinterpret_cast<ActiveEdge*>(pool_.slots + place.edge);
     }
 
-    // Level of the next local minimum; false when none is left.
-    bool nextMinimumY(Fixed& y) const
-    {
-        if (minimum_ == kNoVertex) return false;
-        y = ring_[minimum_].y;
-        return true;
-    }
+    // The next local minimum whose chains have not been started, or kNoVertex.
+    uint32_t nextMinimum() const { return minimum_; }
 
-    // Starts the two chains of every minimum above the level (or on it, when inclusive), behind the
-    // edges that are there. False when the pool is exhausted.
-    bool startChains(Fixed level, bool inclusive);
+    // Starts the chains of all minima above the level.
+    void startAbove(Fixed level);
 
-    // Moves every chain to the edge that reaches below the level (or ends on it, when inclusive)
-    // and drops the chains that end above. Returns the y at which the first of the edges ends.
-    Fixed advance(Fixed level, bool inclusive);
+    // Drops a chain. Its place must not be used again.
+    void drop(const RowPlace& place) { pool_.DeAlloc(&edgeOf(place)); }
+    void setEnd(RowPlace* end) { size_ = static_cast<uint32_t>(end - order_.data()); }
 
 private:
-    bool startChain(uint32_t minimum, int32_t winding);
+    void startChain(uint32_t minimum, int32_t winding);
 
     const VertexRing& ring_;
     MMBucketContext pool_;
-    ScratchArray<SlabEdge> order_;
+    ScratchArray<RowPlace> order_;
     uint32_t size_ = 0;
     uint32_t minimum_;
     bool ready_;

@@ -1,21 +1,25 @@
 // The rasteriser for any polygon: self-crossing outlines, holes, bridged subpaths.
 //
-// A sweep from top to bottom keeps the edges that cross the current row in left-to-right order and
-// fills where the winding number says inside. Only edges at which inside and outside meet are
-// drawn, so outlines that overlap or run back on themselves leave no trace.
+// A sweep from top to bottom keeps the chains of edges that cross the current row in left-to-right
+// order and fills where the winding number says inside. Only where inside and outside meet is an
+// edge drawn, so outlines that overlap or run back on themselves leave no trace.
 //
 // Without anti-aliasing a row is decided on its lower boundary, which the half-pixel shift makes
-// the centre line of the pixels. With it, the row is cut into slabs at the vertices inside it, and
-// the slabs' trapezoids are summed up exactly in a CoverageRow. Where the order of edges at the top
-// and at the bottom of a slab differs they cross: two edges are cut at their intersection, more are
-// bisected down to 1/16 of a row. A row with vertices at more than 16 levels is cut into sixteen
-// equal slabs instead, so that no input makes a row cost more than that.
+// the centre line of the pixels.
 //
-// Cost: n log n for the local minima, and a pass over the active edges per slab. Memory: three
-// words per vertex, twelve words per active edge and row of coverage, all bounded by the vertices.
+// With anti-aliasing the row falls into clusters: neighbouring chains whose extents in the row
+// overlap. Between clusters the winding number is the same all the way down the row, so each is
+// settled on its own. A single chain is added to the row's coverage along all its edges. Several
+// are cut into slabs at the vertices inside the row and settled slab by slab; a cluster with
+// vertices at more than 16 levels takes sixteen equal slabs instead, so that no input makes a row
+// cost more than that. Rows without vertices are one slab.
+//
+// Cost: n log n for the local minima, and a pass over the chains per row. Memory: three words per
+// vertex, sixteen per local minimum, and the row of coverage.
 #include "graphics2d/ActiveEdges.h"
-#include "graphics2d/CoverageRow.h"
+#include "graphics2d/NearlySorted.h"
 #include "graphics2d/Rasteriser.h"
+#include "graphics2d/SlabFill.h"
 
 #include <algorithm>
 
@@ -24,264 +28,356 @@ namespace Graphics2D {
 
 namespace {
 
-constexpr Fixed kLeastSlab = kFixedOne / 16;
-constexpr uint32_t kMostLevels = 16;
-
-bool bottomsDescend(const SlabEdge& a, const SlabEdge& b)
+bool isLeftOf(const RowPlace& a, const RowPlace& b)
 {
-    return a.bottom < b.bottom;
+    return a.minX != b.minX ? a.minX < b.minX : a.maxX < b.maxX;
 }
 
-bool topsDescend(const SlabEdge& a, const SlabEdge& b)
+// --- Without anti-aliasing
+// ------------------------------------------------------------------------
+
+void drawSharpRow(RowPainter& painter, const RowPlace* place, const RowPlace* end,
+                  int32_t insideMask)
 {
-    return a.top != b.top ? a.top < b.top : a.bottom < b.bottom;
+    int32_t winding = 0;
+    Fixed left = 0;
+    for (; place != end; ++place) {
+        const bool was = (winding & insideMask) != 0;
+        winding += place->winding;
+        if (((winding & insideMask) != 0) == was) continue;
+        if (!was)
+            left = place->minX;
+        else
+            painter.add(std::max(fixFloor(left), painter.visible().left),
+                        std::min(fixFloor(place->minX), painter.visible().right), kWholeArea);
+    }
+    painter.flush();
 }
 
-// Sorts edges that are nearly in order: by insertion, unless that would take long.
-template <class Less>
-void sortEdges(SlabEdge* edges, uint32_t count, Less less)
+void drawSharp(RowPainter& painter, const VertexRing& ring, ActiveEdges& active, MMFillRule rule)
 {
-    uint32_t budget = 8 * count + 64;
-    for (uint32_t i = 1; i < count; ++i) {
-        if (!less(edges[i], edges[i - 1])) continue;
-        const SlabEdge moving = edges[i];
-        uint32_t to = i;
-        do {
-            edges[to] = edges[to - 1];
-            --to;
-        } while (to > 0 && less(moving, edges[to - 1]));
-        edges[to] = moving;
-        if (i - to > budget) {
-            std::sort(edges, edges + count, less);
-            return;
+    const PixelBox& visible = painter.visible();
+    for (int32_t row = visible.top; row < visible.bottom; ++row) {
+        const Fixed boundary = fixFromInt(row + 1);
+        active.startAbove(boundary);
+        RowPlace* kept = active.begin();
+        for (RowPlace place : active) {
+            ActiveEdge& edge = active.edgeOf(place);
+            bool alive = true;
+            while (alive && edge.line.endY < boundary)
+                alive = edge.step(ring);
+            if (!alive) {
+                active.drop(place);
+                continue;
+            }
+            place.minX = place.maxX = edge.line.xAt(boundary);
+            edge.line.moveTo(boundary, place.minX);
+            *kept++ = place;
         }
-        budget -= i - to;
+        active.setEnd(kept);
+        sortNearlySorted(active.begin(), active.size(), isLeftOf);
+        painter.beginRow(row);
+        drawSharpRow(painter, active.begin(), active.end(), rule == kFillEvenOdd ? 1 : -1);
     }
 }
 
-bool isSortedByBottom(const SlabEdge* edges, uint32_t count)
-{
-    for (uint32_t i = 1; i < count; ++i)
-        if (edges[i].bottom < edges[i - 1].bottom) return false;
-    return true;
-}
+// --- With anti-aliasing
+// ---------------------------------------------------------------------------
 
-// The few levels at which a row's vertices lie.
-class LevelSet {
+// The few levels inside a row at which a cluster's vertices lie.
+class Levels {
 public:
-    // False when there are too many.
-    bool insert(Fixed level)
+    static constexpr uint32_t kMost = 16;
+
+    void insert(Fixed level)
     {
-        if (std::find(levels_, levels_ + count_, level) != levels_ + count_) return true;
-        if (count_ == kMostLevels) return false;
-        levels_[count_++] = level;
-        return true;
+        if (count_ > kMost || std::find(levels_, levels_ + count_, level) != levels_ + count_)
+            return;
+        if (count_ < kMost) levels_[count_] = level;
+        ++count_;
     }
+    bool tooMany() const { return count_ > kMost; }
+    uint32_t count() const { return count_; }
+    Fixed operator[](uint32_t i) const { return levels_[i]; }
+    void sort() { std::sort(levels_, levels_ + count_); }
 
 private:
-    Fixed levels_[kMostLevels];
+    Fixed levels_[kMost];
     uint32_t count_ = 0;
 };
 
-class ComplexFill {
+// Spreads a level over 64 bits, so that sums of such numbers vanish only when the levels cancel.
+uint64_t mixed(Fixed level)
+{
+    uint64_t bits = static_cast<uint32_t>(level) + 0x9E3779B97F4A7C15u;
+    bits = (bits ^ (bits >> 30)) * 0xBF58476D1CE4E5B9u;
+    bits = (bits ^ (bits >> 27)) * 0x94D049BB133111EBu;
+    return bits ^ (bits >> 31);
+}
+
+class SmoothFill {
 public:
-    ComplexFill(MMContext2D& context, RowPainter& painter, const VertexRing& ring,
-                ActiveEdges& active, MMFillRule rule)
-        : context_(context), painter_(painter), ring_(ring), active_(active),
-          insideMask_(rule == kFillEvenOdd ? 1 : -1)
+    SmoothFill(MMContext2D& context, RowPainter& painter, CoverageRow& coverage,
+               const VertexRing& ring, ActiveEdges& active, MMFillRule rule)
+        : context_(context), painter_(painter), coverage_(coverage), ring_(ring), active_(active),
+          slabs_(context, coverage, rule)
     {
     }
 
-    void drawSharp();
-    void drawSmooth(CoverageRow& coverage);
+    void draw()
+    {
+        const PixelBox& visible = painter_.visible();
+        for (int32_t row = visible.top; row < visible.bottom; ++row) {
+            top_ = fixFromInt(row);
+            bottom_ = top_ + kFixedOne;
+            active_.startAbove(bottom_);
+            placeChains();
+            if (active_.size() == 0) {
+                if (active_.nextMinimum() == kNoVertex) return;
+                continue;
+            }
+            sortNearlySorted(active_.begin(), active_.size(), isLeftOf);
+            addClusters();
+            painter_.beginRow(row);
+            coverage_.sweep(painter_);
+        }
+    }
 
 private:
-    bool inside(int32_t winding) const { return (winding & insideMask_) != 0; }
-    void drawSharpRow(int32_t row, Fixed boundary);
-    Fixed slabBottomFor(Fixed level, Fixed rowBottom, Fixed nearestEnd, bool fixedSlabs) const;
-    bool hasManyLevels(Fixed level, Fixed rowBottom);
-    void drawSlab(CoverageRow& coverage, Fixed level, Fixed slabBottom, bool fixedSlabs);
-    int32_t addOrdered(CoverageRow& coverage, const SlabEdge* edges, uint32_t count,
-                       int32_t winding, uint32_t height);
-    void addCrossing(CoverageRow& coverage, const SlabEdge* edges, uint32_t count, int32_t winding,
-                     uint32_t height);
+    void placeChains();
+    void measure(RowPlace& place, const Chain& chain) const;
+    void addClusters();
+    void addCluster(const RowPlace* first, const RowPlace* end, int32_t winding);
+    void addChain(Chain chain, int32_t sign);
+    void addStraight(const RowPlace* first, const RowPlace* end, int32_t winding);
+    void addBent(const RowPlace* first, const RowPlace* end, int32_t winding);
+    void addLevels(Chain* chains, uint32_t count, SlabEdge* edges, Levels& levels, int32_t winding);
+    void addFixedSlabs(Chain* chains, uint32_t count, SlabEdge* edges, int32_t winding);
+    uint64_t imbalance(const RowPlace& place) const;
 
     MMContext2D& context_;
     RowPainter& painter_;
+    CoverageRow& coverage_;
     const VertexRing& ring_;
     ActiveEdges& active_;
-    int32_t insideMask_; // winding numbers that share a bit with it are inside
+    SlabFill slabs_;
+    Fixed top_ = 0; // the current row
+    Fixed bottom_ = 0;
 };
 
-void ComplexFill::drawSharp()
+// Takes every chain from the last row to this one, drops those that ended, and measures the extents
+// of the others.
+void SmoothFill::placeChains()
 {
-    const PixelBox& visible = painter_.visible();
-    for (int32_t row = visible.top; row < visible.bottom; ++row) {
-        const Fixed boundary = fixFromInt(row + 1);
-        if (!active_.startChains(boundary, false)) return;
-        active_.advance(boundary, true);
-        for (SlabEdge *place = active_.begin(), *end = place + active_.size(); place != end;
-             ++place) {
-            EdgeLine& line = active_.edgeOf(*place).line;
-            place->top = place->bottom = line.xAt(boundary);
-            line.moveTo(boundary, place->bottom);
+    RowPlace* kept = active_.begin();
+    for (RowPlace place : active_) {
+        ActiveEdge& edge = active_.edgeOf(place);
+        if (place.straight && edge.line.endY > top_) {
+            edge.line.moveTo(top_, edge.bottom);
+        } else if (!edge.descend(ring_, top_)) {
+            active_.drop(place);
+            continue;
         }
-        sortEdges(active_.begin(), active_.size(), bottomsDescend);
-        drawSharpRow(row, boundary);
+        const EdgeLine& line = edge.line;
+        place.straight = line.y == top_ && line.endY >= bottom_;
+        if (place.straight) {
+            edge.bottom = line.endY == bottom_ ? line.endX : wrapAdd(line.x, line.slope);
+            place.minX = std::min(line.x, edge.bottom);
+            place.maxX = std::max(line.x, edge.bottom);
+        } else {
+            measure(place, edge);
+        }
+        *kept++ = place;
     }
+    active_.setEnd(kept);
 }
 
-void ComplexFill::drawSharpRow(int32_t row, Fixed)
+// The extent of a chain that has vertices in the row.
+void SmoothFill::measure(RowPlace& place, const Chain& start) const
 {
-    painter_.beginRow(row);
-    int32_t winding = 0;
-    Fixed left = 0;
-    const SlabEdge* edges = active_.begin();
-    for (uint32_t i = 0; i < active_.size(); ++i) {
-        const bool was = inside(winding);
-        winding += edges[i].winding;
-        if (inside(winding) == was) continue;
-        if (!was)
-            left = edges[i].bottom;
-        else
-            painter_.add(std::max(fixFloor(left), painter_.visible().left),
-                         std::min(fixFloor(edges[i].bottom), painter_.visible().right), kWholeArea);
-    }
-    painter_.flush();
-}
-
-void ComplexFill::drawSmooth(CoverageRow& coverage)
-{
-    const PixelBox& visible = painter_.visible();
-    const Fixed bottom = fixFromInt(visible.bottom);
-    Fixed level = fixFromInt(visible.top);
+    Chain chain = start;
+    place.minX = place.maxX = chain.line.x;
     for (;;) {
-        if (active_.empty()) {
-            Fixed next = 0;
-            if (!active_.nextMinimumY(next)) return;
-            level = std::max(level, next);
-        }
-        if (level >= bottom) return;
-        const int32_t row = fixFloor(level);
-        const Fixed rowBottom = fixFromInt(row + 1);
-        painter_.beginRow(row);
-        bool fixedSlabs = false;
-        bool counted = false;
-        while (level < rowBottom) {
-            if (!active_.startChains(level, true)) return;
-            const Fixed nearestEnd = active_.advance(level, false);
-            if (!counted) {
-                fixedSlabs = hasManyLevels(level, rowBottom);
-                counted = true;
+        const Fixed x = chain.line.xAt(bottom_);
+        place.minX = std::min({place.minX, chain.line.x, x});
+        place.maxX = std::max({place.maxX, chain.line.x, x});
+        if (chain.line.endY >= bottom_ || !chain.step(ring_)) return;
+    }
+}
+
+// What a chain that starts or ends inside the row does to the winding number right of it: zero in
+// sum when everything that starts and ends left of a place cancels.
+uint64_t SmoothFill::imbalance(const RowPlace& place) const
+{
+    Chain chain = const_cast<ActiveEdges&>(active_).edgeOf(place);
+    uint64_t sum = chain.line.y > top_ ? mixed(chain.line.y) : 0;
+    while (chain.line.endY < bottom_) {
+        if (chain.step(ring_)) continue;
+        sum -= mixed(chain.line.endY);
+        break;
+    }
+    return chain.winding > 0 ? sum : 0 - sum;
+}
+
+void SmoothFill::addClusters()
+{
+    int32_t winding = 0; // at the row's top
+    for (const RowPlace *first = active_.begin(), *end = active_.end(); first != end;) {
+        Fixed reach = first->maxX;
+        uint64_t open = 0;
+        int32_t after = winding;
+        const RowPlace* next = first;
+        do {
+            reach = std::max(reach, next->maxX);
+            if (next->straight) {
+                after += next->winding;
+            } else {
+                open += imbalance(*next);
+                if (active_.edgeOf(*next).line.y == top_) after += next->winding;
             }
-            const Fixed slabBottom = slabBottomFor(level, rowBottom, nearestEnd, fixedSlabs);
-            drawSlab(coverage, level, slabBottom, fixedSlabs);
-            level = slabBottom;
-        }
-        coverage.sweep(painter_);
+            ++next;
+        } while (next != end && (next->minX < reach || open != 0));
+        addCluster(first, next, winding);
+        winding = after;
+        first = next;
     }
 }
 
-Fixed ComplexFill::slabBottomFor(Fixed level, Fixed rowBottom, Fixed nearestEnd,
-                                 bool fixedSlabs) const
+void SmoothFill::addCluster(const RowPlace* first, const RowPlace* end, int32_t winding)
 {
-    if (fixedSlabs) return std::min(rowBottom, (level | (kLeastSlab - 1)) + 1);
-    Fixed bottom = std::min(rowBottom, nearestEnd);
-    Fixed next = 0;
-    if (active_.nextMinimumY(next) && next < bottom) bottom = next;
-    return bottom;
-}
-
-// Whether the rest of the row holds vertices at too many levels. Local minima do not count: the
-// chains that start there end at vertices too.
-bool ComplexFill::hasManyLevels(Fixed level, Fixed rowBottom)
-{
-    LevelSet levels;
-    for (uint32_t i = 0; i < active_.size(); ++i) {
-        const ActiveEdge& edge = active_.edgeOf(active_.begin()[i]);
-        uint32_t vertex = edge.vertex;
-        for (Fixed y = edge.line.endY, above = level; y < rowBottom && y >= above;) {
-            if (!levels.insert(y)) return true;
-            above = y;
-            vertex = ring_.next(vertex, edge.winding);
-            y = ring_[vertex].y;
-        }
-    }
-    return false;
-}
-
-void ComplexFill::drawSlab(CoverageRow& coverage, Fixed level, Fixed slabBottom, bool fixedSlabs)
-{
-    SlabEdge* edges = active_.begin();
-    const uint32_t count = active_.size();
-    if (fixedSlabs) active_.advance(slabBottom, true);
-    for (uint32_t i = 0; i < active_.size(); ++i) {
-        EdgeLine& line = active_.edgeOf(edges[i]).line;
-        edges[i].top = edges[i].bottom;
-        edges[i].bottom = line.xAt(slabBottom);
-        if ((slabBottom & 0xFFFF) == 0) line.moveTo(slabBottom, edges[i].bottom);
-    }
-    (void)count;
-    sortEdges(edges, active_.size(), topsDescend);
-    const uint32_t height = static_cast<uint32_t>(slabBottom - level);
-    if (isSortedByBottom(edges, active_.size())) {
-        addOrdered(coverage, edges, active_.size(), 0, height);
+    const uint32_t count = static_cast<uint32_t>(end - first);
+    if (slabs_.isDeepInside(winding, count)) return;
+    if (count == 1) {
+        const bool was = slabs_.inside(winding);
+        if (slabs_.inside(winding + first->winding) == was) return;
+        const ActiveEdge& edge = active_.edgeOf(*first);
+        if (first->straight)
+            coverage_.addPiece(edge.line.x, edge.bottom, kFixedOne, was ? -1 : 1);
+        else
+            addChain(edge, was ? -1 : 1);
         return;
     }
-    addCrossing(coverage, edges, active_.size(), 0, height);
-    sortEdges(edges, active_.size(), bottomsDescend);
+    if (std::all_of(first, end, [](const RowPlace& place) { return place.straight; }))
+        addStraight(first, end, winding);
+    else
+        addBent(first, end, winding);
 }
 
-// Adds the edges at which the polygon begins and ends; they do not cross. Returns the winding
-// number right of them.
-int32_t ComplexFill::addOrdered(CoverageRow& coverage, const SlabEdge* edges, uint32_t count,
-                                int32_t winding, uint32_t height)
+// Adds all edges of a chain that meets no other.
+void SmoothFill::addChain(Chain chain, int32_t sign)
 {
-    for (uint32_t i = 0; i < count; ++i) {
-        const bool was = inside(winding);
-        winding += edges[i].winding;
-        if (inside(winding) != was)
-            coverage.addPiece(edges[i].top, edges[i].bottom, height, was ? -1 : 1);
+    for (;;) {
+        const Fixed y = std::min(chain.line.endY, bottom_);
+        coverage_.addPiece(chain.line.x, chain.line.xAt(y), static_cast<uint32_t>(y - chain.line.y),
+                           sign);
+        if (y == bottom_ || !chain.step(ring_)) return;
     }
-    return winding;
 }
 
-// Adds edges that cross, bisecting the slab.
-void ComplexFill::addCrossing(CoverageRow& coverage, const SlabEdge* edges, uint32_t count,
-                              int32_t winding, uint32_t height)
+void SmoothFill::addStraight(const RowPlace* first, const RowPlace* end, int32_t winding)
 {
-    ScratchArray<SlabEdge> half(context_.scratchStack, count);
-    if (!half) {
+    const uint32_t count = static_cast<uint32_t>(end - first);
+    ScratchArray<SlabEdge> edges(context_.scratchStack, count);
+    if (!edges) {
         context_.outOfMemory |= kScratchExhausted;
         return;
     }
-    const auto middle = [](const SlabEdge& e) { return (e.top >> 1) + (e.bottom >> 1); };
     for (uint32_t i = 0; i < count; ++i) {
-        half[i] = edges[i];
-        half[i].bottom = middle(edges[i]);
+        const ActiveEdge& edge = active_.edgeOf(first[i]);
+        edges[i] = {edge.line.x, edge.bottom, edge.winding};
     }
-    const bool smallest = height <= kLeastSlab;
-    if (smallest) {
-        std::copy_n(edges, count, half.data());
-        std::sort(half.data(), half.data() + count,
-                  [&](const SlabEdge& a, const SlabEdge& b) { return middle(a) < middle(b); });
-        addOrdered(coverage, half.data(), count, winding, height);
+    slabs_.add(edges.data(), count, winding, kFixedOne);
+}
+
+void SmoothFill::addBent(const RowPlace* first, const RowPlace* end, int32_t winding)
+{
+    const uint32_t count = static_cast<uint32_t>(end - first);
+    ScratchArray<Chain> chains(context_.scratchStack, count);
+    ScratchArray<SlabEdge> edges(context_.scratchStack, count);
+    if (!chains || !edges) {
+        context_.outOfMemory |= kScratchExhausted;
         return;
     }
-    const uint32_t upper = height / 2;
-    if (isSortedByBottom(half.data(), count))
-        addOrdered(coverage, half.data(), count, winding, upper);
-    else
-        addCrossing(coverage, half.data(), count, winding, upper);
+    Levels levels;
     for (uint32_t i = 0; i < count; ++i) {
-        half[i] = edges[i];
-        half[i].top = middle(edges[i]);
+        Chain chain = chains[i] = active_.edgeOf(first[i]);
+        if (chain.line.y > top_) levels.insert(chain.line.y);
+        while (chain.line.endY < bottom_ && !levels.tooMany()) {
+            levels.insert(chain.line.endY);
+            if (!chain.step(ring_)) break;
+        }
     }
-    sortEdges(half.data(), count, topsDescend);
-    if (isSortedByBottom(half.data(), count))
-        addOrdered(coverage, half.data(), count, winding, height - upper);
+    if (levels.tooMany())
+        addFixedSlabs(chains.data(), count, edges.data(), winding);
     else
-        addCrossing(coverage, half.data(), count, winding, height - upper);
+        addLevels(chains.data(), count, edges.data(), levels, winding);
+}
+
+// Cuts a cluster at all its vertices.
+void SmoothFill::addLevels(Chain* chains, uint32_t count, SlabEdge* edges, Levels& levels,
+                           int32_t winding)
+{
+    levels.sort();
+    Fixed level = top_;
+    for (uint32_t slab = 0; slab <= levels.count(); ++slab) {
+        const Fixed next = slab < levels.count() ? levels[slab] : bottom_;
+        uint32_t crossing = 0;
+        for (uint32_t i = 0; i < count; ++i) {
+            Chain& chain = chains[i];
+            if (chain.line.y > level) continue;
+            while (chain.line.endY <= level && chain.step(ring_)) {
+            }
+            if (chain.line.endY <= level) continue;
+            edges[crossing++] = {chain.line.xAt(level), chain.line.xAt(next), chain.winding};
+        }
+        slabs_.add(edges, crossing, winding, static_cast<uint32_t>(next - level));
+        level = next;
+    }
+}
+
+// Cuts a cluster into equal slabs. A chain that starts, ends or bends inside a slab is replaced by
+// the line between its first and its last point there and keeps its height.
+void SmoothFill::addFixedSlabs(Chain* chains, uint32_t count, SlabEdge* edges, int32_t winding)
+{
+    (void)edges;
+    struct Piece {
+        Fixed top;
+        Fixed bottom;
+        int32_t winding;
+        uint32_t height;
+    };
+    ScratchArray<Piece> pieces(context_.scratchStack, count);
+    if (!pieces) {
+        context_.outOfMemory |= kScratchExhausted;
+        return;
+    }
+    constexpr Fixed kSlab = static_cast<Fixed>(SlabFill::kLeastSlab);
+    for (Fixed level = top_; level != bottom_; level += kSlab) {
+        const Fixed next = level + kSlab;
+        uint32_t crossing = 0;
+        for (uint32_t i = 0; i < count; ++i) {
+            Chain& chain = chains[i];
+            if (chain.line.y >= next || chain.line.endY <= level) continue;
+            const Fixed from = std::max(chain.line.y, level);
+            const Fixed x = chain.line.xAt(from);
+            while (chain.line.endY < next && chain.step(ring_)) {
+            }
+            const Fixed to = std::min(chain.line.endY, next);
+            pieces[crossing++] = {x, chain.line.xAt(to), chain.winding,
+                                  static_cast<uint32_t>(to - from)};
+            if (chain.line.endY == next) chain.step(ring_);
+        }
+        std::sort(pieces.data(), pieces.data() + crossing, [](const Piece& a, const Piece& b) {
+            return static_cast<int64_t>(a.top) + a.bottom < static_cast<int64_t>(b.top) + b.bottom;
+        });
+        int32_t now = winding;
+        for (uint32_t i = 0; i < crossing; ++i) {
+            const bool was = slabs_.inside(now);
+            now += pieces[i].winding;
+            if (slabs_.inside(now) != was)
+                coverage_.addPiece(pieces[i].top, pieces[i].bottom, pieces[i].height, was ? -1 : 1);
+        }
+    }
 }
 
 } // namespace
@@ -306,9 +402,8 @@ void fillComplexPolygon(MMContext2D& context, const MMPoint2D* points, uint32_t 
         context.outOfMemory |= kScratchExhausted;
         return;
     }
-    ComplexFill fill(context, painter, ring, active, rule);
     if ((context.antiAlias & 1) == 0) {
-        fill.drawSharp();
+        drawSharp(painter, ring, active, rule);
         return;
     }
     CoverageRow coverage(context.scratchStack, visible);
@@ -316,7 +411,7 @@ void fillComplexPolygon(MMContext2D& context, const MMPoint2D* points, uint32_t 
         context.outOfMemory |= kScratchExhausted;
         return;
     }
-    fill.drawSmooth(coverage);
+    SmoothFill(context, painter, coverage, ring, active, rule).draw();
 }
 
 } // namespace Graphics2D

@@ -1,0 +1,55 @@
+// A slab of a row: straight edges from its top to its bottom, perhaps crossing. Internal.
+#pragma once
+
+#include "graphics2d/CoverageRow.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+// An edge through a slab.
+struct SlabEdge {
+    Fixed top;       // x at the slab's upper end
+    Fixed bottom;    // x at its lower end
+    int32_t winding; // what it adds to the winding number right of it
+};
+
+// Adds the inside of slabs to a row of coverage.
+//
+// Only the edges at which inside and outside meet are added. Where the order of the edges at the
+// bottom differs from that at the top they cross: two edges are cut at their intersection, groups
+// of more are bisected down to 1/16 of a row and then taken in the order of their middles.
+class SlabFill {
+public:
+    static constexpr uint32_t kLeastSlab = 0x1000;
+
+    SlabFill(MMContext2D& context, CoverageRow& coverage, MMFillRule rule)
+        : context_(context), coverage_(coverage), insideMask_(rule == kFillEvenOdd ? 1 : -1)
+    {
+    }
+
+    bool inside(int32_t winding) const { return (winding & insideMask_) != 0; }
+
+    // Whether no edge of so few can lie between inside and outside.
+    bool isDeepInside(int32_t winding, uint32_t count) const
+    {
+        return insideMask_ < 0 && magnitudeOf(winding) > count;
+    }
+
+    // Adds a slab with the given winding number left of it. Sorts the edges.
+    void add(SlabEdge* edges, uint32_t count, int32_t winding, uint32_t height);
+
+    // Adds edges that do not cross, from left to right.
+    void addOrdered(const SlabEdge* edges, uint32_t count, int32_t winding, uint32_t height);
+
+private:
+    void addGroups(const SlabEdge* edges, uint32_t count, int32_t winding, uint32_t height);
+    void addCrossedPair(const SlabEdge* edges, int32_t winding, uint32_t height);
+    void bisect(const SlabEdge* edges, uint32_t count, int32_t winding, uint32_t height);
+
+    MMContext2D& context_;
+    CoverageRow& coverage_;
+    int32_t insideMask_; // winding numbers that share a bit with it are inside
+};
+
+} // namespace Graphics2D
+} // namespace KAVO
