@@ -128,6 +128,26 @@ public:
     void drawCircularArc(MMPoint2D* centre, Fixed radius, Degrees start, Degrees sweep, uint8_t pie,
                          uint8_t outline);
 
+    // --- Images ---------------------------------------------------------------------------------
+    // The image is the pattern paint of these calls, with imageOpacity and sampled by
+    // patternFilter; beyond its edges the outermost texels repeat. Both leave the image, its
+    // transform and the opacity behind in currentPaint; its paint type comes back. A null
+    // argument draws nothing.
+
+    // Draws through the transform into the rectangle of w by h at (x, y) in user space. Without
+    // offsetByPosition the image lies at the user space's origin, and the rectangle only selects
+    // what is drawn; with it, the image is moved by (x, y) device pixels. The image's alpha counts
+    // when the low byte of its pixmapExtra is not 0.
+    void drawImage(const MMPixmap* image, Fixed x, Fixed y, Fixed w, Fixed h,
+                   uint8_t offsetByPosition);
+
+    // Draws the part source of the image into destinationRect of another pixmap, scaled to fit and
+    // turned by 360 degrees - angle about the rectangle's top left corner. Takes over the
+    // destination as target, with the clip open and transform without anything but the turn, and
+    // leaves them so. Whether the image has alpha is as currentPaint.patternHasAlpha stands.
+    void drawImage(const MMPixmap* image, const MMFixedRegion* source, const MMPixmap* destination,
+                   const MMFixedRegion* destinationRect, Degrees angle);
+
     // --- Strip fillers --------------------------------------------------------------------------
     // Each fills the current span with the current paint. They take everything from the span fields
     // and do no clipping. The T fillers blend with the coverage fields.
@@ -137,6 +157,25 @@ public:
     void drawPickingStrip();
     void drawSolidTStrip();
     void drawTransStrip(); // blends with paintOpacity alone; for callers, no rasteriser uses it
+
+    // Gradients: the parameter is taken at the pixel's top left corner. The T fillers advance
+    // spanCoverageNext over every pixel and use up the tail coverage; a span without pixels can
+    // still have a tail. They blend each pixel with its right-hand neighbour as the background.
+    // Inside the ramp the alpha written or approached is 255, outside it is the end stop's.
+    void drawLinearGradientStrip();
+    void drawLinearGradientTStrip();
+    void drawRadialGradientStrip();
+    void drawRadialGradientTStrip();
+
+    // Image patterns by nearest, bilinear and bicubic sampling; coverage and background as for the
+    // gradients. The nearest ones sample at pixel centres, the others at the pixel's top left
+    // corner, from where the span starts. Bicubic ones want an image of at least 2 by 2 texels.
+    void drawPatternStrip();
+    void drawPatternTStrip();
+    void drawBiLinPatternStrip();
+    void drawBiLinPatternTStrip();
+    void drawBiCubPatternStrip();
+    void drawBiCubPatternTStrip();
 
     // --- State, in the order of the record ------------------------------------------------------
 

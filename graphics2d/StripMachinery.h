@@ -1,10 +1,22 @@
-// What the strip fillers share: blending. Internal.
+// What the strip fillers share: channels, blending, coverage and the background. Internal.
+//
+// Pixels are 0xAARRGGBB. Where channels are interpolated they are carried as 8.16: a 16.16 number
+// whose whole part is the byte.
+//
+// The translucent fillers of gradients and patterns work in pieces: the paint writes up to
+// kPieceLength source pixels and weights into a PaintPiece, as if it drew opaquely, and
+// TranslucentRun blends the piece into the target. So the paint's own code knows nothing of
+// backgrounds, and the blending nothing of paints.
 #pragma once
 
-#include "math/Fixed.h"
+#include "graphics2d/MMContext2D.h"
+#include "graphics2d/PixelLanes.h"
+#include "math/FixedMath.h"
 
 namespace KAVO {
 namespace Graphics2D {
+
+// --- Blending ------------------------------------------------------------------------------------
 
 // Moves one channel from the destination's value toward the source's by weight / 256, rounding
 // toward minus infinity. Differences above 128 get one extra weight, so that a weight of 255
@@ -26,6 +38,216 @@ inline Pixel blendPixel(Pixel destination, Pixel source, uint32_t weight)
     const uint32_t alpha = blendChannel(destination >> 24, source >> 24, weight);
     return blue | green << 8 | red << 16 | alpha << 24;
 }
+
+// --- 8.16 channels -------------------------------------------------------------------------------
+
+constexpr int32_t kChannelHalf = 0x8000; // added before the byte is taken: rounds to nearest
+
+inline int32_t redOf(Pixel colour)
+{
+    return static_cast<int32_t>(colour & 0x00FF0000u);
+}
+inline int32_t greenOf(Pixel colour)
+{
+    return static_cast<int32_t>((colour & 0x0000FF00u) << 8);
+}
+inline int32_t blueOf(Pixel colour)
+{
+    return static_cast<int32_t>((colour & 0x000000FFu) << 16);
+}
+inline int32_t alphaOf(Pixel colour)
+{
+    return static_cast<int32_t>((colour >> 24) << 16);
+}
+
+// An opaque pixel of three channels that kChannelHalf was added to.
+template <class Lanes>
+inline Lanes packOpaque(Lanes red, Lanes green, Lanes blue)
+{
+    return 0xFF000000u | (red & 0x00FF0000u) | ((green >> 8) & 0x0000FF00u) |
+           ((blue >> 16) & 0xFFu);
+}
+
+inline Pixel opaquePixel(int32_t red, int32_t green, int32_t blue)
+{
+    return packOpaque(static_cast<uint32_t>(wrapAdd(red, kChannelHalf)),
+                      static_cast<uint32_t>(wrapAdd(green, kChannelHalf)),
+                      static_cast<uint32_t>(wrapAdd(blue, kChannelHalf)));
+}
+
+// --- Weights -------------------------------------------------------------------------------------
+
+// The low byte of a product, one higher from 128 on, so that the full 255 * 255 / 256 = 254 acts as
+// 255.
+inline uint32_t raisedByte(int32_t product)
+{
+    const uint32_t weight = static_cast<uint32_t>(product) & 0xFFu;
+    return (weight + (weight >> 7)) & 0xFFu;
+}
+
+// The weight of a gradient's colour: the opacity times the 8.16 alpha, truncated.
+inline uint32_t gradientWeight(Coverage opacity, int32_t alpha)
+{
+    return raisedByte(fixMulSHR(opacity, alpha, 24));
+}
+
+// --- The span ------------------------------------------------------------------------------------
+
+// Number of pixels of the current span, 0 for a reversed one.
+inline int32_t spanLength(const MMContext2D& context)
+{
+    const int32_t count = fixFloor(context.spanEnd) - fixFloor(context.spanStart);
+    return count > 0 ? count : 0;
+}
+
+inline Pixel* spanFirstPixel(const MMContext2D& context)
+{
+    return context.spanPixels + fixFloor(context.spanStart);
+}
+
+inline void fillPixels(Pixel* pixels, int32_t count, Pixel colour)
+{
+    for (int32_t i = 0; i < count; ++i)
+        pixels[i] = colour;
+}
+
+// How many steps from value on, value included, stay within [low, high] without wrapping; value
+// lies in there. Never 0.
+inline int32_t stepsWithin(int32_t value, int32_t step, int32_t low, int32_t high, int32_t atMost)
+{
+    if (atMost <= 1 || step == 0) return atMost;
+    const uint32_t room = static_cast<uint32_t>(step > 0 ? high : value) -
+                          static_cast<uint32_t>(step > 0 ? value : low);
+    const uint32_t more = room / magnitudeOf(step);
+    return more < static_cast<uint32_t>(atMost) ? static_cast<int32_t>(more) + 1 : atMost;
+}
+
+// --- Translucent runs ----------------------------------------------------------------------------
+
+constexpr int32_t kPieceLength = 64; // a multiple of four
+
+// Source pixels on their way into the target.
+struct PaintPiece {
+    Pixel colours[kPieceLength];
+    uint32_t weights[kPieceLength]; // 0 to 255
+};
+
+// The coverage of one pixel after the other: the first, then the next, which grows by the step.
+class CoverageSequence {
+public:
+    explicit CoverageSequence(const MMContext2D& context)
+        : current_(context.spanCoverage), next_(context.spanCoverageNext),
+          step_(context.spanCoverageStep)
+    {
+    }
+
+    Coverage current() const { return current_; }
+    Coverage next() const { return next_; }
+    Coverage step() const { return step_; }
+
+    // All pixels have the current coverage.
+    bool isFlat() const { return step_ == 0 && next_ == current_; }
+
+    void restartAt(Coverage coverage) { current_ = coverage; }
+
+    void advance(int32_t count)
+    {
+        if (count <= 0) return;
+        current_ = wrapAdd(next_, wrapMul(step_, count - 1));
+        next_ = wrapAdd(next_, wrapMul(step_, count));
+    }
+
+private:
+    Coverage current_;
+    Coverage next_;
+    Coverage step_;
+};
+
+// The current span as the target of a translucent gradient or pattern. Pixels are drawn from left
+// to right, and the background of each is its right-hand neighbour: the destination is read at
+// x + 1 and written at x. Only where that neighbour would be the word past the end of the target's
+// last row does the pixel read itself.
+class TranslucentRun {
+public:
+    explicit TranslucentRun(MMContext2D& context)
+        : coverage(context), context_(context), pixels_(spanFirstPixel(context))
+    {
+        const MMPixmap& target = context.target;
+        const uint32_t lastRow = target.height != 0 ? target.height - 1u : 0u;
+        targetEnd_ = reinterpret_cast<uintptr_t>(target.pixels) +
+                     static_cast<uintptr_t>(lastRow) * target.rowBytes +
+                     static_cast<uintptr_t>(target.width) * sizeof(Pixel);
+    }
+    ~TranslucentRun() { context_.spanCoverageNext = coverage.next(); }
+    TranslucentRun(const TranslucentRun&) = delete;
+    TranslucentRun& operator=(const TranslucentRun&) = delete;
+
+    // True once when the span has a tail pixel, whose coverage is then the current one.
+    bool takeTail()
+    {
+        if (context_.spanTailCoverage <= 0) return false;
+        coverage.restartAt(context_.spanTailCoverage);
+        context_.spanTailCoverage = 0;
+        return true;
+    }
+
+    // Blends count pixels of one colour and its own alpha, by the gradients' weight.
+    void drawColour(Pixel colour, int32_t count)
+    {
+        const int32_t alpha = alphaOf(colour);
+        if (coverage.isFlat()) {
+            drawFlat(colour, gradientWeight(coverage.current(), alpha), count);
+            coverage.advance(count);
+            return;
+        }
+        for (int32_t i = 0; i < count; ++i) {
+            drawFlat(colour, gradientWeight(coverage.current(), alpha), 1);
+            coverage.advance(1);
+        }
+    }
+
+    // Blends the first count pixels of a piece. The coverage is the caller's to advance.
+    void drawPiece(const Pixel* colours, const uint32_t* weights, int32_t count)
+    {
+        const int32_t pairs = pixelsWithNeighbour(count);
+        int32_t i = 0;
+        for (; i + 4 <= pairs; i += 4)
+            store4(pixels_ + i,
+                   blend4(load4(pixels_ + i + 1), load4(colours + i), load4(weights + i)));
+        for (; i < pairs; ++i)
+            pixels_[i] = blendPixel(pixels_[i + 1], colours[i], weights[i]);
+        for (; i < count; ++i)
+            pixels_[i] = blendPixel(pixels_[i], colours[i], weights[i]);
+        pixels_ += count;
+    }
+
+    CoverageSequence coverage;
+
+private:
+    void drawFlat(Pixel colour, uint32_t weight, int32_t count)
+    {
+        const int32_t pairs = pixelsWithNeighbour(count);
+        int32_t i = 0;
+        for (; i + 4 <= pairs; i += 4)
+            store4(pixels_ + i, blend4(load4(pixels_ + i + 1), all4(colour), all4(weight)));
+        for (; i < pairs; ++i)
+            pixels_[i] = blendPixel(pixels_[i + 1], colour, weight);
+        for (; i < count; ++i)
+            pixels_[i] = blendPixel(pixels_[i], colour, weight);
+        pixels_ += count;
+    }
+
+    // count, or one less when the neighbour of the last pixel lies past the target.
+    int32_t pixelsWithNeighbour(int32_t count) const
+    {
+        const bool atEnd = reinterpret_cast<uintptr_t>(pixels_ + count) == targetEnd_;
+        return atEnd && count > 0 ? count - 1 : count;
+    }
+
+    MMContext2D& context_;
+    Pixel* pixels_;
+    uintptr_t targetEnd_;
+};
 
 } // namespace Graphics2D
 } // namespace KAVO

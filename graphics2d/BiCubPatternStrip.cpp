@@ -1,0 +1,190 @@
+// Strip fillers of the image pattern with bicubic sampling.
+//
+// Each pixel is the weighted sum of 4 by 4 texels with the weights of the uniform cubic B-spline:
+// they are all positive and smooth, so that nothing overshoots, and even texels that pixels hit
+// exactly are mixed with their neighbours. The sample point is that of the bilinear filter. Left
+// and top of the image its first column and row repeat, but right and bottom of it the last but
+// one.
+//
+// The opaque filler ignores the texels' alpha and writes 255; the translucent one sums it up like a
+// colour for the weight, and moves the target's alpha toward 255.
+#include "graphics2d/PatternSampling.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+namespace {
+
+constexpr Fixed kOneSixth = 0x2AAA;
+constexpr Fixed kTwoThirds = 0xAAAA;
+constexpr Fixed kFourThirds = 0x15555;
+constexpr Fixed kTwo = 0x20000;
+
+// The spline's outer piece, distance 1 to 2 from the tap, as a polynomial.
+Fixed outerWeight(Fixed distance)
+{
+    const Fixed inner = fixMul(kFixedOne - fixMul(kOneSixth, distance), distance) - kTwo;
+    return fixMul(inner, distance) + kFourThirds;
+}
+
+// The same as the cube of what is left to the spline's end.
+Fixed cubeWeight(Fixed rest)
+{
+    return fixMul(kOneSixth, fixMul(fixMul(rest, rest), rest));
+}
+
+// The inner piece, distance up to 1 from the tap.
+Fixed innerWeight(Fixed distance)
+{
+    return fixMul(fixMul((distance >> 1) - kFixedOne, distance), distance) + kTwoThirds;
+}
+
+// The weights of the taps -1, 0, 1 and 2 for a fraction of a texel. The axes compute their end
+// weights in mirrored ways, which round differently.
+struct CubicWeights {
+    Fixed tap[4];
+
+    static CubicWeights alongRow(Fixed f)
+    {
+        const Fixed rest = kFixedOne - f;
+        return {{cubeWeight(rest), innerWeight(f), innerWeight(rest), outerWeight(kTwo - f)}};
+    }
+    static CubicWeights acrossRows(Fixed g)
+    {
+        // The inner piece on the negative side, with the halving rounded toward zero.
+        const Fixed back = g - kFixedOne;
+        const Fixed half = -kFixedOne - ((back + 1) >> 1);
+        return {{outerWeight(g + kFixedOne), innerWeight(g),
+                 fixMul(fixMul(half, back), back) + kTwoThirds, cubeWeight(g)}};
+    }
+};
+
+// Offsets of the four taps of an axis from its index.
+struct CubicTaps {
+    int32_t tap[4] = {-1, 0, 1, 2};
+
+    explicit CubicTaps(const TexelAxis& axis)
+    {
+        const int64_t position = axis.position();
+        const int32_t toFirst = -axis.texel();
+        const int32_t toLastButOne = axis.size() - axis.texel() - 2;
+        const int64_t lastButOne = (int64_t{axis.size()} - 2) * kFixedOne;
+        for (int32_t i = 0; i < 4; ++i) {
+            if (position < kFixedOne * (1 - i)) tap[i] = toFirst;
+            if (position > lastButOne + kFixedOne * (3 - i)) tap[i] = toLastButOne;
+        }
+    }
+};
+
+// 8.16 sums of the four channels.
+struct CubicSum {
+    uint32_t red = 0;
+    uint32_t green = 0;
+    uint32_t blue = 0;
+    uint32_t alpha = 0;
+
+    // A whole channel times a tap weight below 1.0 is exact.
+    void add(Pixel texel, uint32_t weight)
+    {
+        blue += (texel & 0xFF) * weight;
+        green += ((texel >> 8) & 0xFF) * weight;
+        red += ((texel >> 16) & 0xFF) * weight;
+        alpha += (texel >> 24) * weight;
+    }
+    Pixel opaque() const
+    {
+        return packOpaque(red + kChannelHalf, green + kChannelHalf, blue + kChannelHalf);
+    }
+};
+
+// Out receives each pixel's sum.
+template <class Out>
+struct BicubicFilter {
+    static constexpr int32_t kBefore = 1;
+    static constexpr int32_t kAfter = 2;
+
+    explicit BicubicFilter(const MMContext2D& context)
+        : walk(context.currentPaint, context.spanStart, fixFromInt(context.spanRow))
+    {
+    }
+
+    void writeOne(int32_t i)
+    {
+        const CubicTaps columns(walk.u);
+        const CubicTaps rows(walk.v);
+        const auto x = CubicWeights::alongRow(static_cast<Fixed>(walk.u.fraction()));
+        const auto y = CubicWeights::acrossRows(static_cast<Fixed>(walk.v.fraction()));
+        CubicSum sum;
+        for (int k = 0; k < 4; ++k)
+            for (int j = 0; j < 4; ++j)
+                sum.add(walk.texelAt(int64_t{walk.u.index()} + columns.tap[j],
+                                     int64_t{walk.v.index()} + rows.tap[k]),
+                        static_cast<uint32_t>(fixMul(x.tap[j], y.tap[k])));
+        out.put(i, sum);
+    }
+
+    void writeInside(InsideWalk at, int32_t first, int32_t count)
+    {
+        for (int32_t i = 0; i < count; ++i) {
+            const auto x = CubicWeights::alongRow(static_cast<Fixed>(fixFraction(at.u)));
+            const auto y = CubicWeights::acrossRows(static_cast<Fixed>(fixFraction(at.v)));
+            const Pixel* row = at.texel() - at.width - 1;
+            CubicSum sum;
+            for (int k = 0; k < 4; ++k, row += at.width)
+                for (int j = 0; j < 4; ++j)
+                    sum.add(row[j], static_cast<uint32_t>(fixMul(x.tap[j], y.tap[k])));
+            out.put(first + i, sum);
+            at.advance();
+        }
+    }
+
+    PatternWalk walk;
+    Out out{};
+};
+
+struct OpaquePixels {
+    Pixel* pixels;
+    void put(int32_t i, const CubicSum& sum) { pixels[i] = sum.opaque(); }
+};
+
+struct WeightedPixels {
+    PaintPiece* piece;
+    CoverageSequence* coverage;
+
+    void put(int32_t i, const CubicSum& sum)
+    {
+        piece->colours[i] = sum.opaque();
+        const int32_t product = fixMulSHR(static_cast<Fixed>(sum.alpha), coverage->current(), 8);
+        const int32_t weight = wrapAdd(product, 0x8000) >> 16;
+        piece->weights[i] =
+            static_cast<uint32_t>(product >= 0x007F8000 ? weight + 1 : weight) & 0xFFu;
+        coverage->advance(1);
+    }
+};
+
+} // namespace
+
+void MMContext2D::drawBiCubPatternStrip()
+{
+    BicubicFilter<OpaquePixels> filter(*this);
+    if (filter.walk.isEmpty()) return;
+    filter.out.pixels = spanFirstPixel(*this);
+    walkPattern(filter, spanLength(*this));
+}
+
+void MMContext2D::drawBiCubPatternTStrip()
+{
+    BicubicFilter<WeightedPixels> filter(*this);
+    if (filter.walk.isEmpty()) return;
+    TranslucentRun run(*this);
+    filter.out.coverage = &run.coverage;
+    const auto fillPiece = [&](PaintPiece& piece, int32_t length) {
+        filter.out.piece = &piece;
+        walkPattern(filter, length);
+    };
+    drawInPieces(run, spanLength(*this), fillPiece);
+    if (run.takeTail()) drawInPieces(run, 1, fillPiece);
+}
+
+} // namespace Graphics2D
+} // namespace KAVO

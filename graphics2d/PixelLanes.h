@@ -1,0 +1,87 @@
+// Four pixels at a time, in the compiler's vector types. Internal.
+//
+// One source for every CPU: the compiler turns these into SSE2, NEON or plain instructions. Each
+// operation has a scalar counterpart in StripMachinery.h or beside its use, with the same results.
+#pragma once
+
+#include "math/Fixed.h"
+
+#include <cstring>
+
+namespace KAVO {
+namespace Graphics2D {
+
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "lanes are taken apart by byte order");
+
+typedef uint8_t U8x16 __attribute__((vector_size(16)));
+typedef uint16_t U16x8 __attribute__((vector_size(16)));
+typedef int16_t I16x8 __attribute__((vector_size(16)));
+typedef uint32_t U32x4 __attribute__((vector_size(16)));
+typedef int32_t I32x4 __attribute__((vector_size(16)));
+
+inline U32x4 load4(const uint32_t* from)
+{
+    U32x4 lanes;
+    std::memcpy(&lanes, from, sizeof lanes);
+    return lanes;
+}
+
+inline void store4(uint32_t* to, U32x4 lanes)
+{
+    std::memcpy(to, &lanes, sizeof lanes);
+}
+
+inline U32x4 all4(uint32_t v)
+{
+    return U32x4{v, v, v, v};
+}
+
+// The values of first + k * step for k = 0 to 3, modulo 2^32.
+inline U32x4 ramp4(int32_t first, int32_t step)
+{
+    const uint32_t s = static_cast<uint32_t>(step);
+    return all4(static_cast<uint32_t>(first)) + U32x4{0, s, s * 2, s * 3};
+}
+
+// The bytes of the two lower or two upper pixels as 16-bit lanes.
+inline U16x8 widenLow(U32x4 pixels)
+{
+    return (U16x8)__builtin_shufflevector((U8x16)pixels, U8x16{}, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20,
+                                          5, 21, 6, 22, 7, 23);
+}
+
+inline U16x8 widenHigh(U32x4 pixels)
+{
+    return (U16x8)__builtin_shufflevector((U8x16)pixels, U8x16{}, 8, 24, 9, 25, 10, 26, 11, 27, 12,
+                                          28, 13, 29, 14, 30, 15, 31);
+}
+
+// Four pixels from the high bytes of sixteen 16-bit lanes.
+inline U32x4 narrowHighBytes(U16x8 low, U16x8 high)
+{
+    return (U32x4)__builtin_shufflevector((U8x16)low, (U8x16)high, 1, 3, 5, 7, 9, 11, 13, 15, 17,
+                                          19, 21, 23, 25, 27, 29, 31);
+}
+
+// Moves eight channels by weight / 256; the results are the high bytes. This is blendChannel times
+// 256: with d' the difference, one higher above 128, from * 256 + d' * weight lies between 0 and
+// 65535, so 16 bits that wrap on the way hold it exactly.
+inline U16x8 moveToward(U16x8 from, U16x8 to, U16x8 weight)
+{
+    I16x8 difference = (I16x8)(to - from);
+    difference -= (I16x8)(difference > 128); // a true comparison is -1
+    return (from << 8) + (U16x8)difference * weight;
+}
+
+// blendPixel for four pixels; the weights are 0 to 255.
+inline U32x4 blend4(U32x4 destination, U32x4 source, U32x4 weights)
+{
+    const U32x4 pairs = weights | (weights << 16);
+    const U16x8 lowWeights = (U16x8)__builtin_shufflevector(pairs, pairs, 0, 0, 1, 1);
+    const U16x8 highWeights = (U16x8)__builtin_shufflevector(pairs, pairs, 2, 2, 3, 3);
+    return narrowHighBytes(moveToward(widenLow(destination), widenLow(source), lowWeights),
+                           moveToward(widenHigh(destination), widenHigh(source), highWeights));
+}
+
+} // namespace Graphics2D
+} // namespace KAVO
