@@ -1,0 +1,149 @@
+// Joins, caps, dashes, hairlines, crossings and positions along a path.
+#include "gallery/Canvas.h"
+
+#include <cmath>
+
+using namespace KAVO::Graphics2D;
+
+namespace {
+
+constexpr Pixel kInk = 0xFF264653;
+constexpr Pixel kRed = 0xFFC8443C;
+constexpr Pixel kGreen = 0xFF2A9D8F;
+
+PathBuilder zigzag()
+{
+    return PathBuilder().moveTo(0, 26).lineTo(12, 0).lineTo(24, 26).lineTo(32, 8);
+}
+
+PathBuilder wave()
+{
+    return PathBuilder()
+        .moveTo(0, 0)
+        .curveTo(20, -24, 40, -24, 60, 0)
+        .curveTo(80, 24, 100, 24, 120, 0)
+        .curveTo(140, -24, 160, -24, 180, 0);
+}
+
+} // namespace
+
+// Joins from top to bottom; caps by three widths from left to right.
+void drawJoinScene(Canvas& canvas)
+{
+    MMContext2D& context = canvas.context;
+    const double widths[] = {1.5, 5, 11};
+    for (uint8_t join = 0; join < 3; ++join) {
+        for (uint8_t cap = 0; cap < 3; ++cap) {
+            for (int width = 0; width < 3; ++width) {
+                canvas.place(8 + 126 * cap + 42 * width, 18 + 64 * join);
+                context.joinStyle = join;
+                context.capStyle = cap;
+                canvas.stroke(kInk, widths[width]);
+                canvas.draw(zigzag());
+            }
+        }
+    }
+    context.joinStyle = kJoinMiter;
+    context.capStyle = kCapButt;
+}
+
+// The same pattern at five offsets, then round dots, an odd pattern and dashes round a corner.
+void drawDashScene(Canvas& canvas)
+{
+    MMContext2D& context = canvas.context;
+    static const Fixed pattern[] = {fixed(14), fixed(6), fixed(3), fixed(6)};
+    context.dashArray = pattern;
+    context.dashCount = 4;
+    canvas.stroke(kRed, 4);
+    for (int i = 0; i < 5; ++i) {
+        canvas.place(10, 14 + 18 * i);
+        context.dashOffset = fixed(7 * i);
+        canvas.draw(PathBuilder().moveTo(0, 0).lineTo(360, 0));
+    }
+    context.dashOffset = 0;
+    static const Fixed dots[] = {0, fixed(9)};
+    context.dashArray = dots;
+    context.dashCount = 2;
+    context.capStyle = kCapRound;
+    canvas.stroke(kInk, 5);
+    canvas.place(12, 138);
+    canvas.draw(wave());
+    static const Fixed odd[] = {fixed(12), fixed(4), fixed(2)};
+    context.dashArray = odd;
+    context.dashCount = 3;
+    context.capStyle = kCapButt;
+    canvas.stroke(kGreen, 6);
+    canvas.place(12, 172);
+    canvas.draw(wave());
+    context.dashArray = pattern;
+    context.dashCount = 4;
+    canvas.place();
+    canvas.draw(PathBuilder().star(290, 150, 44, 5, 2));
+    context.dashArray = nullptr;
+}
+
+// Lines of one pixel and of half a pixel, each an eighth of a pixel further than the one before;
+// below, lines in all directions, smooth and not.
+void drawHairlineScene(Canvas& canvas)
+{
+    for (int i = 0; i < 8; ++i) {
+        const double offset = i / 8.0;
+        canvas.stroke(0xFF000000, 1);
+        canvas.draw(PathBuilder().moveTo(10 + 22 * i + offset, 8).lineTo(10 + 22 * i + offset, 60));
+        canvas.draw(PathBuilder().moveTo(200, 8 + 7 * i + offset).lineTo(280, 8 + 7 * i + offset));
+        canvas.stroke(0xFF000000, 0.5);
+        canvas.draw(PathBuilder().moveTo(20 + 22 * i + offset, 8).lineTo(20 + 22 * i + offset, 60));
+        canvas.draw(PathBuilder().moveTo(290, 8 + 7 * i + offset).lineTo(370, 8 + 7 * i + offset));
+    }
+    for (const bool smooth : {true, false}) {
+        canvas.context.antiAlias = smooth;
+        canvas.stroke(kInk, smooth ? 1 : 0.5);
+        for (int i = 0; i < 36; ++i) {
+            canvas.place(smooth ? 95 : 285, 132, 1, 10 * i + 2.5);
+            canvas.draw(PathBuilder().moveTo(6, 0).lineTo(62, 0));
+        }
+    }
+    canvas.context.antiAlias = 1;
+}
+
+// Where a line crosses itself it is no darker.
+void drawCrossingScene(Canvas& canvas)
+{
+    MMContext2D& context = canvas.context;
+    context.joinStyle = kJoinRound;
+    context.capStyle = kCapRound;
+    canvas.stroke(0xFF5F0F80, 16, 110);
+    canvas.draw(PathBuilder().moveTo(20, 160).curveTo(200, -120, 60, -60, 160, 180));
+    canvas.draw(PathBuilder().star(250, 100, 66, 5, 2));
+    canvas.stroke(kRed, 26, 140);
+    canvas.draw(
+        PathBuilder().moveTo(330, 40).curveTo(390, 60, 390, 140, 330, 160).lineTo(352, 100));
+    context.joinStyle = kJoinMiter;
+    context.capStyle = kCapButt;
+}
+
+// Dots at equal distances along a path, each with a tick in the direction of the path.
+void drawPositionScene(Canvas& canvas)
+{
+    PathBuilder path;
+    path.moveTo(20, 160)
+        .curveTo(60, -60, 140, -20, 130, 90)
+        .curveTo(120, 200, 220, 220, 230, 110)
+        .lineTo(300, 40)
+        .lineTo(360, 150);
+    canvas.stroke(0xFF9AA5B1, 2);
+    canvas.draw(path);
+    MMPathPos position = {};
+    position.path = path.storedPath();
+    for (int step = 0; step <= 36; ++step) {
+        Degrees direction = 0;
+        canvas.context.getPathPos(position, fixed(18 * step), &direction);
+        const double x = position.current.x / 65536.0;
+        const double y = position.current.y / 65536.0;
+        canvas.place(x, y, 1, direction / 65536.0);
+        canvas.stroke(kGreen, 1.5);
+        canvas.draw(PathBuilder().moveTo(0, 0).lineTo(0, -12));
+        canvas.fill(kRed);
+        canvas.draw(PathBuilder().circle(0, 0, 3.5));
+    }
+}

@@ -1,0 +1,59 @@
+#include "svg2png/Images.h"
+
+#include <algorithm>
+
+namespace {
+
+bool isRelativeFile(const std::string& href)
+{
+    return !href.empty() && href[0] != '/' && href.find(':') == href.npos;
+}
+
+// The mean of four pixels, those that are more opaque counting for more.
+uint32_t mean(const uint32_t (&pixels)[4])
+{
+    uint32_t alphaSum = 0;
+    uint32_t sums[3] = {};
+    for (const uint32_t pixel : pixels) {
+        const uint32_t alpha = pixel >> 24;
+        alphaSum += alpha;
+        for (uint32_t channel = 0; channel < 3; ++channel)
+            sums[channel] += (pixel >> (8 * channel) & 0xFF) * alpha;
+    }
+    if (alphaSum == 0) return 0;
+    uint32_t result = (alphaSum + 2) / 4 << 24;
+    for (uint32_t channel = 0; channel < 3; ++channel)
+        result |= (sums[channel] + alphaSum / 2) / alphaSum << (8 * channel);
+    return result;
+}
+
+} // namespace
+
+Picture* ImageStore::load(const std::string& href)
+{
+    auto found = pictures_.find(href);
+    if (found == pictures_.end()) {
+        Picture picture;
+        if (isRelativeFile(href) && !readPng(directory_ + href, picture).empty())
+            picture = Picture();
+        found = pictures_.emplace(href, std::move(picture)).first;
+    }
+    return found->second.pixels.empty() ? nullptr : &found->second;
+}
+
+Picture halved(const Picture& picture)
+{
+    Picture result(std::max(1, picture.width / 2), std::max(1, picture.height / 2), 0);
+    result.hasAlpha = picture.hasAlpha;
+    for (int y = 0; y < result.height; ++y) {
+        const int y0 = 2 * y;
+        const int y1 = std::min(y0 + 1, picture.height - 1);
+        for (int x = 0; x < result.width; ++x) {
+            const int x0 = 2 * x;
+            const int x1 = std::min(x0 + 1, picture.width - 1);
+            result.at(x, y) = mean(
+                {picture.at(x0, y0), picture.at(x1, y0), picture.at(x0, y1), picture.at(x1, y1)});
+        }
+    }
+    return result;
+}

@@ -1,0 +1,118 @@
+// Drawings that are cut off, damaged or malicious must be refused or drawn, quickly and cleanly.
+#include "svg2png/Renderer.h"
+
+#include <fstream>
+#include <gtest/gtest.h>
+#include <random>
+#include <sstream>
+
+namespace {
+
+constexpr int kSide = 48;
+
+void renderIfItParses(const std::string& text)
+{
+    SvgDocument document;
+    if (!document.parse(text).empty()) return;
+    Picture picture(kSide, kSide, 0xFFFFFFFF);
+    Renderer(document, picture, RenderOptions{}).draw({kSide, kSide});
+}
+
+std::vector<std::string> sampleDrawings()
+{
+    std::vector<std::string> drawings;
+    for (const char* name : {"shapes", "fill-rules", "path-grammar", "transforms", "colours",
+                             "strokes", "gradients", "landscape"}) {
+        std::ifstream file(std::string(DRAWINGS_FOLDER "/") + name + ".svg");
+        std::ostringstream text;
+        text << file.rdbuf();
+        EXPECT_FALSE(text.str().empty()) << name;
+        drawings.push_back(text.str());
+    }
+    return drawings;
+}
+
+TEST(HostileDrawings, CutOffAnywhereButStillXml)
+{
+    // A cut usually breaks the XML; closing the path data instead keeps it alive.
+    for (const std::string& drawing : sampleDrawings()) {
+        for (size_t length = 0; length < drawing.size(); length += 97) {
+            renderIfItParses(drawing.substr(0, length));
+            renderIfItParses(drawing.substr(0, length) + "\"/></g></svg>");
+            renderIfItParses(drawing.substr(0, length) + "\"/></svg>");
+        }
+    }
+}
+
+TEST(HostileDrawings, NumbersAndNamesReplaced)
+{
+    const std::vector<std::string> replacements = {
+        "0",     "-1",        "1e9",       "-1e9",
+        "32768", "-32768.5",  "1e-9",      "99999999999999999999",
+        "1e400", "NaN",       "inf",       "",
+        "M",     "url(#)",    "url(#sky)", "%",
+        "none",  "100%",      "1e5%",      "rotate(",
+        "Z",     "a1 1 0 11", "use",       "svg"};
+    std::mt19937 random(20);
+    for (const std::string& drawing : sampleDrawings()) {
+        for (int round = 0; round < 60; ++round) {
+            std::string text = drawing;
+            for (int change = 0; change < 6; ++change) {
+                const size_t from = text.find_first_of("0123456789", random() % text.size());
+                if (from == text.npos) continue;
+                const size_t end = text.find_first_not_of("0123456789.", from);
+                text.replace(from, end - from, replacements[random() % replacements.size()]);
+            }
+            SCOPED_TRACE(text);
+            renderIfItParses(text);
+        }
+    }
+}
+
+TEST(HostileDrawings, BytesChanged)
+{
+    std::mt19937 random(21);
+    for (const std::string& drawing : sampleDrawings()) {
+        for (int round = 0; round < 60; ++round) {
+            std::string text = drawing;
+            for (int change = 0; change < 4; ++change) {
+                const char c = static_cast<char>(32 + random() % 96);
+                text[random() % text.size()] = c;
+            }
+            SCOPED_TRACE(text);
+            renderIfItParses(text);
+        }
+    }
+}
+
+TEST(HostileDrawings, UsesWithoutEnd)
+{
+    const std::string head = "<svg xmlns:xlink='x' viewBox='0 0 9 9'>";
+    renderIfItParses(head + "<g id='a'><use xlink:href='#a'/></g></svg>");
+    renderIfItParses(head + "<use id='a' xlink:href='#b'/><use id='b' xlink:href='#a'/></svg>");
+    renderIfItParses(head + "<symbol id='s'><use xlink:href='#s'/></symbol>"
+                            "<use xlink:href='#s'/></svg>");
+
+    // Each level uses the one before ten times: 10^20 shapes in all.
+    std::string tower = head + "<defs><path id='n0' d='M0 0h1v1z' display='none'/>";
+    for (int level = 1; level <= 20; ++level) {
+        tower += "<g id='n" + std::to_string(level) + "'>";
+        for (int i = 0; i < 10; ++i)
+            tower += "<use xlink:href='#n" + std::to_string(level - 1) + "'/>";
+        tower += "</g>";
+    }
+    renderIfItParses(tower + "</defs><use xlink:href='#n20'/></svg>");
+}
+
+TEST(HostileDrawings, DeeplyNestedGroups)
+{
+    std::string text = "<svg>";
+    for (int i = 0; i < 20000; ++i)
+        text += "<g>";
+    text += "<rect width='9' height='9'/>";
+    for (int i = 0; i < 20000; ++i)
+        text += "</g>";
+    renderIfItParses(text + "</svg>");
+}
+
+} // namespace

@@ -1,0 +1,46 @@
+#!/bin/bash
+# What svg2png says to bad files and options: one line, and exit code 1.
+set -u
+svg2png=$1
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+failures=0
+
+# refused NAME ARGUMENTS...: must fail with 1, the last line of its message being the reason.
+refused() {
+    local name=$1 status=0
+    shift
+    timeout 20 "$svg2png" "$@" "$folder/out.png" 2> "$folder/message" > /dev/null || status=$?
+    if [ $status != 1 ] || ! tail -n 1 "$folder/message" | grep -q '^svg2png: ..*'; then
+        echo "$name: exit code $status, message: $(cat "$folder/message")"
+        failures=$((failures + 1))
+    fi
+}
+
+good='<svg xmlns="http://www.w3.org/2000/svg" width="10" height="10"><path d="M1 1h8v8z"/></svg>'
+echo "$good" > "$folder/good.svg"
+: > "$folder/empty.svg"
+echo '<html/>' > "$folder/other.svg"
+echo '<svg><g>' > "$folder/open.svg"
+echo "${good/width=\"10\"/width=\"1e6\"}" > "$folder/huge.svg"
+echo "${good/width=\"10\"/width=\"0\"}" > "$folder/flat.svg"
+head -c 3000 /dev/urandom > "$folder/noise.svg"
+
+refused "missing file" "$folder/missing.svg"
+for bad in empty other open huge flat noise; do
+    refused "$bad file" "$folder/$bad.svg"
+done
+refused "folder" "$folder"
+refused "size 0" --size 0x0 "$folder/good.svg"
+refused "size too large" --size 100000 "$folder/good.svg"
+refused "size no number" --size ten "$folder/good.svg"
+refused "scale" --scale -1 "$folder/good.svg"
+refused "background" --background nothing "$folder/good.svg"
+refused "option" --frobnicate "$folder/good.svg"
+
+"$svg2png" --size 20x10 --background white "$folder/good.svg" "$folder/out.png" || failures=1
+if "$svg2png" "$folder/good.svg" "$folder/no/such/folder.png" 2> /dev/null; then
+    echo "wrote into a folder that is not there"
+    failures=$((failures + 1))
+fi
+[ $failures = 0 ]
