@@ -110,16 +110,16 @@ void ActiveEdges::startChain(uint32_t minimum, int32_t winding)
     void* item = pool_.Alloc(); // two slots per edge: never null
     if (item == nullptr) return;
     const MMPoint2D& p = ring_[minimum];
-    ActiveEdge& edge = *static_cast<ActiveEdge*>(item);
-    edge.line = {p.x, p.y, 0, p.x, p.y};
-    edge.vertex = minimum;
-    edge.winding = winding;
-    if (!edge.descend(ring_, p.y)) {
+    Chain& chain = *static_cast<Chain*>(item);
+    chain.line = EdgeLine::at(p);
+    chain.vertex = minimum;
+    chain.winding = winding;
+    if (!chain.descend(ring_, p.y)) {
         pool_.DeAlloc(item);
         return;
     }
     const uint32_t offset = static_cast<uint32_t>(static_cast<uint32_t*>(item) - pool_.slots);
-    order_[size_++] = {p.x, p.x, winding, offset & 0x7FFFFFFFu, 0};
+    order_[size_++] = {p.x, p.x, 0, 0, winding, offset, false, false};
 }
 
 } // namespace Graphics2D

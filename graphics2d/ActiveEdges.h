@@ -73,6 +73,8 @@ struct Chain {
         return true;
     }
 
+    bool startsBelow(Fixed level) const { return line.y > level; }
+
     // Moves to the first edge that reaches below the level, and down to the level. False when the
     // chain ends before.
     bool descend(const VertexRing& ring, Fixed level)
@@ -84,21 +86,21 @@ struct Chain {
     }
 };
 
-// A chain's record: an item of a bucket pool. Between rows it stands at the top of the next row, or
-// at its first vertex when that lies lower.
-struct ActiveEdge : Chain {
-    Fixed bottom; // x at the row's lower end, while the chain is straight throughout the row
-};
+// Chains live in a bucket pool.
 constexpr uint32_t kActiveEdgeWords = 11;
-static_assert(sizeof(ActiveEdge) <= kActiveEdgeWords * 4, "the record must fit its slot");
+static_assert(sizeof(Chain) <= kActiveEdgeWords * 4, "the record must fit its slot");
 
-// A chain's place in the left-to-right order of the row.
+// A chain's place in the left-to-right order of the current row. While the chain is straight, that
+// is on one edge from row to row, all that changes is here and its record is left alone.
 struct RowPlace {
-    Fixed minX; // extent within the row
-    Fixed maxX;
+    Fixed top;    // x at the row's upper end, or at the chain's first vertex when that lies lower
+    Fixed bottom; // x at the row's lower end, or at the chain's last vertex when that lies higher
+    Fixed slope;  // of a straight chain
+    Fixed endY;   // where a straight chain's edge ends
     int32_t winding;
-    uint32_t edge : 31;    // the ActiveEdge: its offset in the pool's slots, in words
-    uint32_t straight : 1; // the chain crosses the whole row on one edge
+    uint32_t edge;  // the Chain: its offset in the pool's slots, in words
+    bool straight;  // crosses the whole row on one edge
+    bool separates; // straight, and no other chain crosses it in this row
 };
 
 // All chains that cross the current row.
@@ -112,9 +114,9 @@ public:
     RowPlace* end() { return order_.data() + size_; }
     uint32_t size() const { return size_; }
 
-    ActiveEdge& edgeOf(const RowPlace& place)
+    Chain& chainOf(const RowPlace& place)
     {
-        return *reinterpret_cast<ActiveEdge*>(pool_.slots + place.edge);
+        return *reinterpret_cast<Chain*>(pool_.slots + place.edge);
     }
 
     // The next local minimum whose chains have not been started, or kNoVertex.
@@ -124,7 +126,7 @@ public:
     void startAbove(Fixed level);
 
     // Drops a chain. Its place must not be used again.
-    void drop(const RowPlace& place) { pool_.DeAlloc(&edgeOf(place)); }
+    void drop(const RowPlace& place) { pool_.DeAlloc(&chainOf(place)); }
     void setEnd(RowPlace* end) { size_ = static_cast<uint32_t>(end - order_.data()); }
 
 private:

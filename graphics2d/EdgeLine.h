@@ -10,47 +10,71 @@ namespace Graphics2D {
 // Edges of at most this height (1/4096 of a row) are horizontal steps: x jumps to their lower end.
 constexpr Fixed kStepHeight = 16;
 
+// dx / dy as fixDiv gives it, for 0 < dy and |dx| / dy < 32768: by one wide division where the host
+// has that.
+inline Fixed slopeOf(Fixed dx, Fixed dy)
+{
+    if (sizeof(void*) < 8) return fixDiv(dx, dy);
+    const uint64_t numerator = static_cast<uint64_t>(magnitudeOf(dx)) << 16;
+    return applySign(static_cast<uint32_t>(numerator / static_cast<uint32_t>(dy)), signMaskOf(dx));
+}
+
 // Where the line is (x at y), how it goes on, and where it ends. Always evaluated downward, so that
 // two polygons that share an edge agree on it whichever way round they list it.
 struct EdgeLine {
     Fixed x;
     Fixed y;
-    Fixed slope; // x per row
+    Fixed slope; // x per row, or one of the marks below
     Fixed endX;
     Fixed endY;
 
-    // Marks a line too flat for a 16.16 slope; it is lower than one row and x is interpolated.
-    static constexpr Fixed kTooFlat = -0x7FFFFFFF - 1;
+    // Not computed yet: many edges end in the row in which they start and never need a slope.
+    static constexpr Fixed kNoSlope = -0x7FFFFFFF - 1;
+    // Too flat for a 16.16 slope; the line is lower than one row and x is interpolated.
+    static constexpr Fixed kTooFlat = 0x7FFFFFFF;
 
     // The edge goes down: from.y <= to.y. Its extent must fit 31 bits.
     static EdgeLine between(const MMPoint2D& from, const MMPoint2D& to)
     {
-        const Fixed dx = to.x - from.x;
-        const Fixed dy = to.y - from.y;
-        EdgeLine line{from.x, from.y, 0, to.x, to.y};
-        if (dy <= kStepHeight)
-            line.x = to.x;
-        else if ((magnitudeOf(dx) >> 15) >= static_cast<uint32_t>(dy))
-            line.slope = kTooFlat;
-        else if (dx != 0)
-            line.slope = fixDiv(dx, dy);
-        return line;
+        if (to.y - from.y <= kStepHeight) return {to.x, from.y, 0, to.x, to.y};
+        return {from.x, from.y, kNoSlope, to.x, to.y};
     }
 
+    // A line of no height at a point.
+    static EdgeLine at(const MMPoint2D& point) { return {point.x, point.y, 0, point.x, point.y}; }
+
     // x at a level not above y; the end's x from the end on.
-    Fixed xAt(Fixed level) const
+    Fixed xAt(Fixed level)
     {
         if (level >= endY) return endX;
+        if (level == y) return x;
+        if (slope == kNoSlope) findSlope();
         if (slope == kTooFlat)
             return wrapAdd(x, fixMulDiv(wrapSub(endX, x), wrapSub(level, y), wrapSub(endY, y)));
         return wrapAdd(x, fixMul(slope, wrapSub(level, y)));
     }
 
-    // Continues from the given level, where the line is at levelX.
+    // x per row, of a line at least one row high.
+    Fixed slopePerRow()
+    {
+        if (slope == kNoSlope) findSlope();
+        return slope;
+    }
+
+    // Continues from the given level, at which the line has been evaluated.
     void moveTo(Fixed level, Fixed levelX)
     {
         x = levelX;
         y = level;
+    }
+
+private:
+    void findSlope()
+    {
+        const Fixed dx = endX - x;
+        const Fixed dy = endY - y;
+        const bool tooFlat = (magnitudeOf(dx) >> 15) >= static_cast<uint32_t>(dy);
+        slope = tooFlat ? kTooFlat : slopeOf(dx, dy);
     }
 };
 

@@ -7,12 +7,12 @@
 // Without anti-aliasing a row is decided on its lower boundary, which the half-pixel shift makes
 // the centre line of the pixels.
 //
-// With anti-aliasing the row falls into clusters: neighbouring chains whose extents in the row
-// overlap. Between clusters the winding number is the same all the way down the row, so each is
-// settled on its own. A single chain is added to the row's coverage along all its edges. Several
-// are cut into slabs at the vertices inside the row and settled slab by slab; a cluster with
-// vertices at more than 16 levels takes sixteen equal slabs instead, so that no input makes a row
-// cost more than that. Rows without vertices are one slab.
+// With anti-aliasing most chains cross the row on one straight edge that no other chain crosses.
+// Such an edge separates what lies left and right of it all the way down the row, so that the
+// winding number along it is the one at the row's top, and the chains between two of them are
+// settled on their own: crossing edges in one slab, chains with vertices in slabs cut at these
+// vertices. Vertices at more than 16 levels take sixteen equal slabs instead, so that no input
+// makes a row cost more than that.
 //
 // Cost: n log n for the local minima, and a pass over the chains per row. Memory: three words per
 // vertex, sixteen per local minimum, and the row of coverage.
@@ -30,7 +30,7 @@ namespace {
 
 bool isLeftOf(const RowPlace& a, const RowPlace& b)
 {
-    return a.minX != b.minX ? a.minX < b.minX : a.maxX < b.maxX;
+    return a.top != b.top ? a.top < b.top : a.bottom < b.bottom;
 }
 
 // --- Without anti-aliasing
@@ -46,10 +46,10 @@ void drawSharpRow(RowPainter& painter, const RowPlace* place, const RowPlace* en
         winding += place->winding;
         if (((winding & insideMask) != 0) == was) continue;
         if (!was)
-            left = place->minX;
+            left = place->bottom;
         else
             painter.add(std::max(fixFloor(left), painter.visible().left),
-                        std::min(fixFloor(place->minX), painter.visible().right), kWholeArea);
+                        std::min(fixFloor(place->bottom), painter.visible().right), kWholeArea);
     }
     painter.flush();
 }
@@ -62,16 +62,16 @@ void drawSharp(RowPainter& painter, const VertexRing& ring, ActiveEdges& active,
         active.startAbove(boundary);
         RowPlace* kept = active.begin();
         for (RowPlace place : active) {
-            ActiveEdge& edge = active.edgeOf(place);
+            Chain& chain = active.chainOf(place);
             bool alive = true;
-            while (alive && edge.line.endY < boundary)
-                alive = edge.step(ring);
+            while (alive && chain.line.endY < boundary)
+                alive = chain.step(ring);
             if (!alive) {
                 active.drop(place);
                 continue;
             }
-            place.minX = place.maxX = edge.line.xAt(boundary);
-            edge.line.moveTo(boundary, place.minX);
+            place.top = place.bottom = chain.line.xAt(boundary);
+            chain.line.moveTo(boundary, place.bottom);
             *kept++ = place;
         }
         active.setEnd(kept);
@@ -124,36 +124,25 @@ public:
     {
     }
 
-    void draw()
-    {
-        const PixelBox& visible = painter_.visible();
-        for (int32_t row = visible.top; row < visible.bottom; ++row) {
-            top_ = fixFromInt(row);
-            bottom_ = top_ + kFixedOne;
-            active_.startAbove(bottom_);
-            placeChains();
-            if (active_.size() == 0) {
-                if (active_.nextMinimum() == kNoVertex) return;
-                continue;
-            }
-            sortNearlySorted(active_.begin(), active_.size(), isLeftOf);
-            addClusters();
-            painter_.beginRow(row);
-            coverage_.sweep(painter_);
-        }
-    }
+    void draw();
 
 private:
     void placeChains();
-    void measure(RowPlace& place, const Chain& chain) const;
-    void addClusters();
-    void addCluster(const RowPlace* first, const RowPlace* end, int32_t winding);
-    void addChain(Chain chain, int32_t sign);
+    void placeBent(RowPlace& place, Chain& chain);
+    void markSeparators();
+    void markCrossed(RowPlace* bent);
+    bool staysBeside(Chain chain, const RowPlace& straight, int32_t side) const;
+    void moveBirths();
+    void addRow();
+    void addBetween(RowPlace* first, RowPlace* end, int32_t winding);
+    void addSingle(const RowPlace& place, int32_t winding);
     void addStraight(const RowPlace* first, const RowPlace* end, int32_t winding);
-    void addBent(const RowPlace* first, const RowPlace* end, int32_t winding);
+    void addClusters(const RowPlace* first, const RowPlace* end, int32_t winding);
+    void addBent(Chain* chains, uint32_t count, int32_t winding);
     void addLevels(Chain* chains, uint32_t count, SlabEdge* edges, Levels& levels, int32_t winding);
-    void addFixedSlabs(Chain* chains, uint32_t count, SlabEdge* edges, int32_t winding);
-    uint64_t imbalance(const RowPlace& place) const;
+    void addFixedSlabs(Chain* chains, uint32_t count, int32_t winding);
+    int32_t windingAtTop(const RowPlace& place);
+    Chain chainInRow(const RowPlace& place);
 
     MMContext2D& context_;
     RowPainter& painter_;
@@ -163,115 +152,226 @@ private:
     SlabFill slabs_;
     Fixed top_ = 0; // the current row
     Fixed bottom_ = 0;
+    bool hasBent_ = false;    // some chain has vertices in the row
+    bool hasCrossed_ = false; // some straight chains cross
 };
 
-// Takes every chain from the last row to this one, drops those that ended, and measures the extents
-// of the others.
+void SmoothFill::draw()
+{
+    const PixelBox& visible = painter_.visible();
+    for (int32_t row = visible.top; row < visible.bottom; ++row) {
+        top_ = fixFromInt(row);
+        bottom_ = top_ + kFixedOne;
+        active_.startAbove(bottom_);
+        placeChains();
+        if (active_.size() == 0) {
+            if (active_.nextMinimum() == kNoVertex) return;
+            continue;
+        }
+        addRow();
+        painter_.beginRow(row);
+        coverage_.sweep(painter_);
+    }
+}
+
+// Takes every chain from the last row to this one and drops those that ended.
 void SmoothFill::placeChains()
 {
+    hasBent_ = false;
     RowPlace* kept = active_.begin();
-    for (RowPlace place : active_) {
-        ActiveEdge& edge = active_.edgeOf(place);
-        if (place.straight && edge.line.endY > top_) {
-            edge.line.moveTo(top_, edge.bottom);
-        } else if (!edge.descend(ring_, top_)) {
+    for (const RowPlace& old : active_) {
+        RowPlace& place = *kept;
+        place = old;
+        place.top = place.bottom;
+        if (place.straight && place.endY >= bottom_ + 1) {
+            place.bottom = wrapAdd(place.top, place.slope);
+            ++kept;
+            continue;
+        }
+        Chain& chain = active_.chainOf(place);
+        if (place.straight) chain.line.moveTo(top_, place.top);
+        if (!chain.descend(ring_, top_)) {
             active_.drop(place);
             continue;
         }
-        const EdgeLine& line = edge.line;
-        place.straight = line.y == top_ && line.endY >= bottom_;
-        if (place.straight) {
-            edge.bottom = line.endY == bottom_ ? line.endX : wrapAdd(line.x, line.slope);
-            place.minX = std::min(line.x, edge.bottom);
-            place.maxX = std::max(line.x, edge.bottom);
-        } else {
-            measure(place, edge);
-        }
-        *kept++ = place;
+        placeBent(place, chain);
+        ++kept;
     }
     active_.setEnd(kept);
 }
 
-// The extent of a chain that has vertices in the row.
-void SmoothFill::measure(RowPlace& place, const Chain& start) const
+// Places a chain that has, or had in the row before, a vertex.
+void SmoothFill::placeBent(RowPlace& place, Chain& chain)
 {
-    Chain chain = start;
-    place.minX = place.maxX = chain.line.x;
-    for (;;) {
-        const Fixed x = chain.line.xAt(bottom_);
-        place.minX = std::min({place.minX, chain.line.x, x});
-        place.maxX = std::max({place.maxX, chain.line.x, x});
-        if (chain.line.endY >= bottom_ || !chain.step(ring_)) return;
-    }
-}
-
-// What a chain that starts or ends inside the row does to the winding number right of it: zero in
-// sum when everything that starts and ends left of a place cancels.
-uint64_t SmoothFill::imbalance(const RowPlace& place) const
-{
-    Chain chain = const_cast<ActiveEdges&>(active_).edgeOf(place);
-    uint64_t sum = chain.line.y > top_ ? mixed(chain.line.y) : 0;
-    while (chain.line.endY < bottom_) {
-        if (chain.step(ring_)) continue;
-        sum -= mixed(chain.line.endY);
-        break;
-    }
-    return chain.winding > 0 ? sum : 0 - sum;
-}
-
-void SmoothFill::addClusters()
-{
-    int32_t winding = 0; // at the row's top
-    for (const RowPlace *first = active_.begin(), *end = active_.end(); first != end;) {
-        Fixed reach = first->maxX;
-        uint64_t open = 0;
-        int32_t after = winding;
-        const RowPlace* next = first;
-        do {
-            reach = std::max(reach, next->maxX);
-            if (next->straight) {
-                after += next->winding;
-            } else {
-                open += imbalance(*next);
-                if (active_.edgeOf(*next).line.y == top_) after += next->winding;
-            }
-            ++next;
-        } while (next != end && (next->minX < reach || open != 0));
-        addCluster(first, next, winding);
-        winding = after;
-        first = next;
-    }
-}
-
-void SmoothFill::addCluster(const RowPlace* first, const RowPlace* end, int32_t winding)
-{
-    const uint32_t count = static_cast<uint32_t>(end - first);
-    if (slabs_.isDeepInside(winding, count)) return;
-    if (count == 1) {
-        const bool was = slabs_.inside(winding);
-        if (slabs_.inside(winding + first->winding) == was) return;
-        const ActiveEdge& edge = active_.edgeOf(*first);
-        if (first->straight)
-            coverage_.addPiece(edge.line.x, edge.bottom, kFixedOne, was ? -1 : 1);
-        else
-            addChain(edge, was ? -1 : 1);
+    EdgeLine& line = chain.line;
+    place.top = line.x;
+    place.straight = line.y == top_ && line.endY >= bottom_;
+    if (place.straight) {
+        place.bottom = line.xAt(bottom_);
+        place.slope = line.slopePerRow();
+        place.endY = line.endY;
         return;
     }
-    if (std::all_of(first, end, [](const RowPlace& place) { return place.straight; }))
-        addStraight(first, end, winding);
-    else
-        addBent(first, end, winding);
+    hasBent_ = true;
+    Chain rest = chain;
+    while (rest.line.endY < bottom_ && rest.step(ring_)) {
+    }
+    place.bottom = rest.line.xAt(bottom_);
 }
 
-// Adds all edges of a chain that meets no other.
-void SmoothFill::addChain(Chain chain, int32_t sign)
+// The chain at the top of the row, or at its first vertex.
+Chain SmoothFill::chainInRow(const RowPlace& place)
 {
+    Chain chain = active_.chainOf(place);
+    if (place.straight) {
+        chain.line.slope = place.slope;
+        chain.line.moveTo(top_, place.top);
+    }
+    return chain;
+}
+
+// What a chain adds to the winding number at the row's top.
+int32_t SmoothFill::windingAtTop(const RowPlace& place)
+{
+    if (!place.straight && active_.chainOf(place).startsBelow(top_)) return 0;
+    return place.winding;
+}
+
+// Orders chains that start inside the row by where they are at their start.
+void SmoothFill::moveBirths()
+{
+    RowPlace* const begin = active_.begin();
+    RowPlace* const end = active_.end();
+    for (RowPlace* place = begin; place != end; ++place) {
+        if (place->straight || !active_.chainOf(*place).startsBelow(top_)) continue;
+        const Fixed level = active_.chainOf(*place).line.y;
+        const auto xOf = [this, level](const RowPlace& other) {
+            return wrapAdd(other.top, fixMul(other.slope, level - top_));
+        };
+        RowPlace* to = place;
+        while (to != begin && to[-1].straight && xOf(to[-1]) > place->top)
+            --to;
+        if (to != place) {
+            std::rotate(to, place, place + 1);
+            continue;
+        }
+        while (to + 1 != end && to[1].straight && xOf(to[1]) < place->top)
+            ++to;
+        std::rotate(place, place + 1, to + 1);
+    }
+}
+
+// Whether a chain stays on one side of a straight one throughout the row: right of it for side 1,
+// left of it for -1.
+bool SmoothFill::staysBeside(Chain chain, const RowPlace& straight, int32_t side) const
+{
+    const auto isBeside = [&](Fixed x, Fixed y) {
+        const Fixed at = y == bottom_ ? straight.bottom
+                                      : wrapAdd(straight.top, fixMul(straight.slope, y - top_));
+        return side > 0 ? x >= at : x <= at;
+    };
     for (;;) {
+        if (!isBeside(chain.line.x, chain.line.y)) return false;
+        const Fixed y = std::min(chain.line.endY, bottom_);
+        if (!isBeside(chain.line.xAt(y), y)) return false;
+        if (y == bottom_ || !chain.step(ring_)) return true;
+    }
+}
+
+// Takes from the straight chains that a bent one crosses their rank as separators. Those further
+// off cannot be crossed once one is not.
+void SmoothFill::markCrossed(RowPlace* bent)
+{
+    const Chain& chain = active_.chainOf(*bent);
+    for (RowPlace* place = bent; place != active_.begin();) {
+        --place;
+        if (!place->straight) continue;
+        if (staysBeside(chain, *place, 1)) break;
+        place->separates = false;
+    }
+    for (RowPlace* place = bent + 1; place != active_.end(); ++place) {
+        if (!place->straight) continue;
+        if (staysBeside(chain, *place, -1)) break;
+        place->separates = false;
+    }
+}
+
+// The places are in the order of their tops. A straight chain separates the others when all bottoms
+// before it are left and all after it right of its own, and no bent chain crosses it.
+void SmoothFill::markSeparators()
+{
+    Fixed reach = -0x7FFFFFFF - 1;
+    for (RowPlace& place : active_) {
+        if (!place.straight) continue;
+        place.separates = place.bottom >= reach;
+        reach = std::max(reach, place.bottom);
+    }
+    reach = 0x7FFFFFFF;
+    for (RowPlace* place = active_.end(); place != active_.begin();) {
+        --place;
+        if (!place->straight) continue;
+        if (place->bottom > reach) place->separates = false;
+        reach = std::min(reach, place->bottom);
+    }
+    if (!hasBent_) return;
+    for (RowPlace* place = active_.begin(); place != active_.end(); ++place)
+        if (!place->straight) markCrossed(place);
+}
+
+void SmoothFill::addRow()
+{
+    sortNearlySorted(active_.begin(), active_.size(), isLeftOf);
+    if (hasBent_) moveBirths();
+    markSeparators();
+    int32_t winding = 0;
+    RowPlace* const end = active_.end();
+    for (RowPlace* place = active_.begin(); place != end;) {
+        if (place->straight && place->separates) {
+            addSingle(*place, winding);
+            winding += place->winding;
+            ++place;
+            continue;
+        }
+        RowPlace* const first = place;
+        int32_t after = winding;
+        do {
+            after += windingAtTop(*place);
+            ++place;
+        } while (place != end && !(place->straight && place->separates));
+        addBetween(first, place, winding);
+        winding = after;
+    }
+}
+
+// Adds a chain that meets no other.
+void SmoothFill::addSingle(const RowPlace& place, int32_t winding)
+{
+    const bool was = slabs_.inside(winding);
+    if (slabs_.inside(winding + place.winding) == was) return;
+    const int32_t sign = was ? -1 : 1;
+    if (place.straight) {
+        coverage_.addPiece(place.top, place.bottom, kFixedOne, sign);
+        return;
+    }
+    for (Chain chain = active_.chainOf(place);;) {
         const Fixed y = std::min(chain.line.endY, bottom_);
         coverage_.addPiece(chain.line.x, chain.line.xAt(y), static_cast<uint32_t>(y - chain.line.y),
                            sign);
         if (y == bottom_ || !chain.step(ring_)) return;
     }
+}
+
+// Adds the chains between two separators.
+void SmoothFill::addBetween(RowPlace* first, RowPlace* end, int32_t winding)
+{
+    const uint32_t count = static_cast<uint32_t>(end - first);
+    if (slabs_.isDeepInside(winding, count)) return;
+    if (count == 1)
+        addSingle(*first, winding);
+    else if (std::all_of(first, end, [](const RowPlace& place) { return place.straight; }))
+        addStraight(first, end, winding);
+    else
+        addClusters(first, end, winding);
 }
 
 void SmoothFill::addStraight(const RowPlace* first, const RowPlace* end, int32_t winding)
@@ -282,35 +382,89 @@ void SmoothFill::addStraight(const RowPlace* first, const RowPlace* end, int32_t
         context_.outOfMemory |= kScratchExhausted;
         return;
     }
-    for (uint32_t i = 0; i < count; ++i) {
-        const ActiveEdge& edge = active_.edgeOf(first[i]);
-        edges[i] = {edge.line.x, edge.bottom, edge.winding};
-    }
+    for (uint32_t i = 0; i < count; ++i)
+        edges[i] = {first[i].top, first[i].bottom, first[i].winding};
     slabs_.add(edges.data(), count, winding, kFixedOne);
 }
 
-void SmoothFill::addBent(const RowPlace* first, const RowPlace* end, int32_t winding)
+// Adds chains with vertices. Where their extents do not overlap and everything that starts or ends
+// left of the gap cancels, the chains on either side are settled apart.
+void SmoothFill::addClusters(const RowPlace* first, const RowPlace* end, int32_t winding)
 {
+    struct Extent {
+        Fixed minX;
+        Fixed maxX;
+        const RowPlace* place;
+        uint64_t imbalance;
+    };
     const uint32_t count = static_cast<uint32_t>(end - first);
+    ScratchArray<Extent> extents(context_.scratchStack, count);
     ScratchArray<Chain> chains(context_.scratchStack, count);
-    ScratchArray<SlabEdge> edges(context_.scratchStack, count);
-    if (!chains || !edges) {
+    if (!extents || !chains) {
         context_.outOfMemory |= kScratchExhausted;
         return;
     }
-    Levels levels;
     for (uint32_t i = 0; i < count; ++i) {
-        Chain chain = chains[i] = active_.edgeOf(first[i]);
-        if (chain.line.y > top_) levels.insert(chain.line.y);
+        Chain chain = chainInRow(first[i]);
+        Extent extent{chain.line.x, chain.line.x, first + i, 0};
+        if (chain.startsBelow(top_)) extent.imbalance = mixed(chain.line.y);
+        for (;;) {
+            const Fixed x = chain.line.xAt(bottom_);
+            extent.minX = std::min({extent.minX, chain.line.x, x});
+            extent.maxX = std::max({extent.maxX, chain.line.x, x});
+            if (chain.line.endY >= bottom_) break;
+            if (chain.step(ring_)) continue;
+            extent.imbalance -= mixed(chain.line.endY);
+            break;
+        }
+        if (first[i].winding < 0) extent.imbalance = 0 - extent.imbalance;
+        extents[i] = extent;
+    }
+    sortNearlySorted(extents.data(), count, [](const Extent& a, const Extent& b) {
+        return a.minX != b.minX ? a.minX < b.minX : a.maxX < b.maxX;
+    });
+    for (uint32_t i = 0; i < count;) {
+        Fixed reach = extents[i].maxX;
+        uint64_t open = 0;
+        int32_t after = winding;
+        uint32_t size = 0;
+        do {
+            const Extent& extent = extents[i];
+            reach = std::max(reach, extent.maxX);
+            open += extent.imbalance;
+            after += windingAtTop(*extent.place);
+            chains[size++] = chainInRow(*extent.place);
+            ++i;
+        } while (i < count && (open != 0 || extents[i].minX < reach));
+        if (size == 1)
+            addSingle(*extents[i - 1].place, winding);
+        else if (!slabs_.isDeepInside(winding, size))
+            addBent(chains.data(), size, winding);
+        winding = after;
+    }
+}
+
+void SmoothFill::addBent(Chain* chains, uint32_t count, int32_t winding)
+{
+    Levels levels;
+    for (uint32_t i = 0; i < count && !levels.tooMany(); ++i) {
+        Chain chain = chains[i];
+        if (chain.startsBelow(top_)) levels.insert(chain.line.y);
         while (chain.line.endY < bottom_ && !levels.tooMany()) {
             levels.insert(chain.line.endY);
             if (!chain.step(ring_)) break;
         }
     }
-    if (levels.tooMany())
-        addFixedSlabs(chains.data(), count, edges.data(), winding);
-    else
-        addLevels(chains.data(), count, edges.data(), levels, winding);
+    if (levels.tooMany()) {
+        addFixedSlabs(chains, count, winding);
+        return;
+    }
+    ScratchArray<SlabEdge> edges(context_.scratchStack, count);
+    if (!edges) {
+        context_.outOfMemory |= kScratchExhausted;
+        return;
+    }
+    addLevels(chains, count, edges.data(), levels, winding);
 }
 
 // Cuts a cluster at all its vertices.
@@ -337,9 +491,8 @@ void SmoothFill::addLevels(Chain* chains, uint32_t count, SlabEdge* edges, Level
 
 // Cuts a cluster into equal slabs. A chain that starts, ends or bends inside a slab is replaced by
 // the line between its first and its last point there and keeps its height.
-void SmoothFill::addFixedSlabs(Chain* chains, uint32_t count, SlabEdge* edges, int32_t winding)
+void SmoothFill::addFixedSlabs(Chain* chains, uint32_t count, int32_t winding)
 {
-    (void)edges;
     struct Piece {
         Fixed top;
         Fixed bottom;

@@ -11,10 +11,10 @@
 // exactly in a CoverageRow.
 //
 // The list is the only memory taken: the vertices, and one row of coverage.
-#include "graphics2d/CoverageRow.h"
 #include "graphics2d/EdgeLine.h"
 #include "graphics2d/EdgeRow.h"
 #include "graphics2d/Rasteriser.h"
+#include "graphics2d/SlabFill.h"
 #include "memory/ScratchArray.h"
 
 #include <algorithm>
@@ -74,11 +74,11 @@ private:
 };
 
 // One of the two chains: the edge it is on, and the vertices still to come.
-class Chain {
+class SideChain {
 public:
     // Runs from one vertex toward another, step +1 or -1 at a time.
-    Chain(const MMPoint2D* from, const MMPoint2D* to, int32_t step)
-        : vertex_(from), end_(to), step_(step), line_{from->x, from->y, 0, from->x, from->y}
+    SideChain(const MMPoint2D* from, const MMPoint2D* to, int32_t step)
+        : vertex_(from), end_(to), step_(step), line_(EdgeLine::at(*from))
     {
     }
 
@@ -92,7 +92,7 @@ public:
             const MMPoint2D& from = *vertex_;
             vertex_ += step_;
             if (vertex_->y < from.y)
-                line_ = {vertex_->x, vertex_->y, 0, vertex_->x, vertex_->y}; // upward: only skipped
+                line_ = EdgeLine::at(*vertex_); // upward: only skipped
             else
                 line_ = EdgeLine::between(from, *vertex_);
             moved = true;
@@ -102,14 +102,14 @@ public:
     }
 
     Fixed endY() const { return line_.endY; }
-    Fixed xAt(Fixed level) const { return line_.xAt(level); }
+    Fixed xAt(Fixed level) { return line_.xAt(level); }
     void moveTo(Fixed level, Fixed x) { line_.moveTo(level, x); }
-    Fixed slope() const { return line_.slope; }
+    Fixed slope() { return line_.slopePerRow(); }
 
     // Coverage per column of travel, for rows that the edge crosses wholly.
     Fixed coverageSlope()
     {
-        if (coverageSlope_ == 0) coverageSlope_ = coverageSlopeOf(line_.slope);
+        if (coverageSlope_ == 0) coverageSlope_ = coverageSlopeOf(slope());
         return coverageSlope_;
     }
 
@@ -119,7 +119,7 @@ private:
         // Slopes below 3 / 65536 have no 16.16 reciprocal. They never leave a column far enough
         // to need it.
         if (magnitudeOf(slope) < 3) return 0x7FFFFFFF;
-        return fixDiv(kFixedOne, static_cast<Fixed>(magnitudeOf(slope)));
+        return slopeOf(kFixedOne, static_cast<Fixed>(magnitudeOf(slope)));
     }
 
     const MMPoint2D* vertex_;
@@ -136,7 +136,7 @@ void drawSharpRow(RowPainter& painter, Fixed x, Fixed otherX)
                       std::min(fixFloor(std::max(x, otherX)), painter.visible().right));
 }
 
-void drawSharp(RowPainter& painter, Chain& left, Chain& right, Fixed top, Fixed bottom)
+void drawSharp(RowPainter& painter, SideChain& left, SideChain& right, Fixed top, Fixed bottom)
 {
     const PixelBox& visible = painter.visible();
     int32_t row = std::max(fixFloor(top), visible.top);
@@ -162,42 +162,16 @@ void drawSharp(RowPainter& painter, Chain& left, Chain& right, Fixed top, Fixed 
     }
 }
 
-// Adds the slab between two edges to the row. Edges that cross are cut at their intersection.
-void addSlab(CoverageRow& coverage, Fixed topX, Fixed bottomX, Fixed otherTopX, Fixed otherBottomX,
-             uint32_t height)
-{
-    const int64_t topGap = static_cast<int64_t>(otherTopX) - topX;
-    const int64_t bottomGap = static_cast<int64_t>(otherBottomX) - bottomX;
-    const int32_t sign = topGap + bottomGap >= 0 ? 1 : -1;
-    if ((topGap < 0 && bottomGap > 0) || (topGap > 0 && bottomGap < 0)) {
-        const uint64_t topPart = static_cast<uint64_t>(topGap < 0 ? -topGap : topGap);
-        const uint64_t gaps =
-            topPart + static_cast<uint64_t>(bottomGap < 0 ? -bottomGap : bottomGap);
-        const uint32_t upper = static_cast<uint32_t>(height * topPart / gaps);
-        const int64_t advance =
-            (static_cast<int64_t>(bottomX) - topX) * static_cast<int64_t>(topPart >> 1);
-        const Fixed meetX =
-            static_cast<Fixed>(topX + advance / static_cast<int64_t>((gaps >> 1) | 1));
-        const int32_t upperSign = topGap > 0 ? 1 : -1;
-        coverage.addPiece(topX, meetX, upper, upperSign);
-        coverage.addPiece(otherTopX, meetX, upper, -upperSign);
-        coverage.addPiece(meetX, bottomX, height - upper, -upperSign);
-        coverage.addPiece(meetX, otherBottomX, height - upper, upperSign);
-        return;
-    }
-    coverage.addPiece(topX, bottomX, height, sign);
-    coverage.addPiece(otherTopX, otherBottomX, height, -sign);
-}
-
 // Sums up the part of a row from level on, slab by slab, and draws it. Returns the level reached.
-Fixed drawSlabs(RowPainter& painter, CoverageRow& coverage, Chain& left, Chain& right, Fixed level,
-                Fixed bottom)
+Fixed drawSlabs(RowPainter& painter, CoverageRow& coverage, SlabFill& slabs, SideChain& left,
+                SideChain& right, Fixed level, Fixed bottom)
 {
     const Fixed rowBottom = std::min(fixFromInt(fixFloor(level) + 1), bottom);
     while (level < rowBottom && left.advance(level, false) && right.advance(level, false)) {
         const Fixed slabBottom = std::min({rowBottom, left.endY(), right.endY()});
-        addSlab(coverage, left.xAt(level), left.xAt(slabBottom), right.xAt(level),
-                right.xAt(slabBottom), static_cast<uint32_t>(slabBottom - level));
+        SlabEdge edges[] = {{left.xAt(level), left.xAt(slabBottom), 1},
+                            {right.xAt(level), right.xAt(slabBottom), -1}};
+        slabs.add(edges, 2, 0, static_cast<uint32_t>(slabBottom - level));
         level = slabBottom;
     }
     coverage.sweep(painter);
@@ -205,7 +179,8 @@ Fixed drawSlabs(RowPainter& painter, CoverageRow& coverage, Chain& left, Chain& 
 }
 
 // Draws whole rows while no vertex lies in them. Returns the number of rows drawn.
-int32_t drawWholeRows(RowPainter& painter, Chain& left, Chain& right, int32_t row, int32_t count)
+int32_t drawWholeRows(RowPainter& painter, SideChain& left, SideChain& right, int32_t row,
+                      int32_t count)
 {
     Fixed leftX = left.xAt(fixFromInt(row));
     Fixed rightX = right.xAt(fixFromInt(row));
@@ -233,8 +208,8 @@ int32_t drawWholeRows(RowPainter& painter, Chain& left, Chain& right, int32_t ro
     return drawn;
 }
 
-void drawSmooth(RowPainter& painter, CoverageRow& coverage, Chain& left, Chain& right, Fixed top,
-                Fixed bottom)
+void drawSmooth(RowPainter& painter, CoverageRow& coverage, SlabFill& slabs, SideChain& left,
+                SideChain& right, Fixed top, Fixed bottom)
 {
     const PixelBox& visible = painter.visible();
     Fixed level = std::max(top, fixFromInt(visible.top));
@@ -250,7 +225,7 @@ void drawSmooth(RowPainter& painter, CoverageRow& coverage, Chain& left, Chain& 
             }
         }
         painter.beginRow(fixFloor(level));
-        level = drawSlabs(painter, coverage, left, right, level, bottom);
+        level = drawSlabs(painter, coverage, slabs, left, right, level, bottom);
     }
 }
 
@@ -291,8 +266,8 @@ void fillMonotonePolygon(MMContext2D& context, const MMPoint2D* points, uint32_t
         context.outOfMemory |= kScratchExhausted;
         return;
     }
-    Chain left(list.first(), list.last(), 1);
-    Chain right(list.last(), list.first(), -1);
+    SideChain left(list.first(), list.last(), 1);
+    SideChain right(list.last(), list.first(), -1);
     const Fixed top = list.first()->y;
     const Fixed bottom = shiftedByHalf(context.boundsMaxY);
     if (!smooth) {
@@ -304,7 +279,9 @@ void fillMonotonePolygon(MMContext2D& context, const MMPoint2D* points, uint32_t
         context.outOfMemory |= kScratchExhausted;
         return;
     }
-    drawSmooth(painter, coverage, left, right, top, bottom);
+    // Between two edges is inside, whichever way round the polygon runs.
+    SlabFill slabs(context, coverage, kFillNonZero);
+    drawSmooth(painter, coverage, slabs, left, right, top, bottom);
 }
 
 } // namespace Graphics2D
