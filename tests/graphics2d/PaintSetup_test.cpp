@@ -1,0 +1,242 @@
+// Paints set up from end points, radii and transforms: accuracy against exact ramps, and input that
+// has no sensible ramp.
+#include "graphics2d/PaintSetup.h"
+#include "graphics2d/StripDispatch.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <vector>
+
+namespace {
+
+using namespace KAVO::Graphics2D;
+
+constexpr Pixel kStopColours[] = {0xFF000000, 0xFFFF8000, 0xFFFFFFFF};
+constexpr Fixed kStopOffsets[] = {0, 0x10000, 0x10000};
+constexpr GradientStops kTwoStops = {kStopColours, kStopOffsets, 2};
+
+Fixed fixed(double v)
+{
+    return static_cast<Fixed>(std::lround(v * 65536));
+}
+
+// A context over a canvas that whole rows are drawn into.
+struct Canvas {
+    int width, height;
+    std::vector<Pixel> pixels;
+    MMContext2D context;
+    Pixel rampColours[gradientRampRoom(3)];
+    Fixed rampOffsets[gradientRampRoom(3)];
+    GradientRamp ramp = {rampColours, rampOffsets};
+    MMPaint& paint = context.currentPaint;
+
+    Canvas(int w, int h) : width(w), height(h), pixels(static_cast<size_t>(w * h), 0x12345678)
+    {
+        context.target = {static_cast<uint16_t>(w),
+                          static_cast<uint16_t>(h),
+                          static_cast<uint32_t>(w) * 4,
+                          0,
+                          pixels.data(),
+                          0};
+        paint.paintOpacity = 255;
+    }
+    void drawRow(int y)
+    {
+        context.spanRow = y;
+        context.spanPixels = pixels.data() + static_cast<ptrdiff_t>(y) * width;
+        context.spanStart = 0;
+        context.spanEnd = width << 16;
+        drawSpan(context, chooseSpanFiller(context));
+    }
+    // Draws every rowStep-th row; the mean difference of the red channel from 255 times the exact
+    // ramp where that lies within (0, 1).
+    double meanError(int rowStep, const std::function<double(int x, int y)>& exact)
+    {
+        double sum = 0;
+        int count = 0;
+        for (int y = 0; y < height; y += rowStep) {
+            drawRow(y);
+            for (int x = 0; x < width; ++x) {
+                const double t = exact(x, y);
+                if (t <= 0 || t >= 1) continue;
+                const Pixel p = pixels[static_cast<size_t>(y * width + x)];
+                sum += std::abs(((p >> 16) & 0xFF) - 255 * t);
+                ++count;
+            }
+        }
+        EXPECT_GT(count, 0);
+        return sum / count;
+    }
+};
+
+TEST(PaintSetup, LinearRampsStayCloseToTheExactOnes)
+{
+    for (int length : {10, 37, 100, 509, 770, 1009, 2047, 3000, 4000}) {
+        for (int degrees : {0, 10, 90, 135, 200, 330}) {
+            const double gx = length * std::cos(degrees * M_PI / 180);
+            const double gy = length * std::sin(degrees * M_PI / 180);
+            // The ramp goes through the middle of a canvas as wide as it, of some rows.
+            Canvas canvas(std::max(600, length), 300);
+            const double sx = canvas.width / 2.0 - gx / 2;
+            const double sy = canvas.height / 2.0 - gy / 2;
+            // Half by the transform, half by the points.
+            const Matrix2D twice = {0x20000, 0, 0, 0x20000, fixed(7), fixed(-5)};
+            setLinearGradient(canvas.paint, {fixed((sx - 7) / 2), fixed((sy + 5) / 2)},
+                              {fixed((sx + gx - 7) / 2), fixed((sy + gy + 5) / 2)}, twice,
+                              kTwoStops, canvas.ramp);
+            const double error = canvas.meanError(7, [&](int x, int y) {
+                return ((x - sx) * gx + (y - sy) * gy) / (double(length) * length);
+            });
+            EXPECT_LT(error, 1.5) << length << " pixels at " << degrees << " degrees";
+        }
+    }
+}
+
+TEST(PaintSetup, RadialRampsStayCloseToTheExactOnes)
+{
+    struct Shape {
+        double a, b, c, d;
+    };
+    const Shape shapes[] = {
+        {1, 0, 0, 1}, {0.02, 0, 0, 0.02}, {1, 0.2, -0.2, 1}, {1, 0.3, 0.5, 0.8}};
+    for (int radius : {20, 33, 64, 150, 333, 500}) {
+        for (const Shape& s : shapes) {
+            const double r = radius / std::hypot(s.a, s.b);
+            Canvas canvas(1100, 1100);
+            const Matrix2D m = {fixed(s.a), fixed(s.b),   fixed(s.c),
+                                fixed(s.d), fixed(550.3), fixed(549.6)};
+            setRadialGradient(canvas.paint, {0, 0}, fixed(r), m, kTwoStops, canvas.ramp);
+            const double det = s.a * s.d - s.b * s.c;
+            const double error = canvas.meanError(7, [&](int x, int y) {
+                const double dx = x - 550.3, dy = y - 549.6;
+                return std::hypot(s.d * dx - s.c * dy, s.a * dy - s.b * dx) / det / r;
+            });
+            EXPECT_LT(error, 1.5) << "radius " << radius << " shape " << s.a << " " << s.c;
+        }
+    }
+}
+
+TEST(PaintSetup, SkewTiltsTheLinesOfEqualColour)
+{
+    // x' = x + y: the lines x = const become x' - y' = const.
+    Canvas canvas(64, 64);
+    setLinearGradient(canvas.paint, {0, 0}, {fixed(50), 0}, {0x10000, 0, 0x10000, 0x10000, 0, 0},
+                      kTwoStops, canvas.ramp);
+    EXPECT_EQ(canvas.paint.gradientStepY, -canvas.paint.gradientStepX);
+}
+
+TEST(PaintSetup, GradientsWithoutExtentPaintTheirLastStop)
+{
+    const Matrix2D flat = {0x10000, 0x10000, 0x10000, 0x10000, 0, 0};
+    const std::function<void(Canvas&)> setUps[] = {
+        [](Canvas& c) {
+            setLinearGradient(c.paint, {9, 9}, {9, 9}, kIdentityMatrix, kTwoStops, c.ramp);
+        },
+        [&](Canvas& c) {
+            setLinearGradient(c.paint, {0, 0}, {65536, -65536}, flat, kTwoStops, c.ramp);
+        },
+        [](Canvas& c) {
+            setRadialGradient(c.paint, {0, 0}, 0, kIdentityMatrix, kTwoStops, c.ramp);
+        },
+        [&](Canvas& c) {
+            setRadialGradient(c.paint, {0, 0}, 65536, flat, kTwoStops, c.ramp);
+        },
+        [](Canvas& c) {
+            setRadialGradient(c.paint, {0, 0}, 65536, {}, kTwoStops, c.ramp);
+        },
+    };
+    for (const auto& setUp : setUps) {
+        Canvas canvas(16, 1);
+        setUp(canvas);
+        canvas.drawRow(0);
+        for (Pixel p : canvas.pixels)
+            EXPECT_EQ(p, 0xFFFF8000);
+    }
+}
+
+TEST(PaintSetup, NoStopsDrawNothing)
+{
+    for (const GradientStops& stops :
+         {GradientStops{kStopColours, kStopOffsets, 0}, GradientStops{nullptr, kStopOffsets, 2},
+          GradientStops{kStopColours, nullptr, 2}}) {
+        Canvas canvas(16, 1);
+        setLinearGradient(canvas.paint, {0, 0}, {fixed(9), 0}, kIdentityMatrix, stops, canvas.ramp);
+        canvas.drawRow(0);
+        setRadialGradient(canvas.paint, {0, 0}, fixed(9), kIdentityMatrix, stops, canvas.ramp);
+        canvas.drawRow(0);
+        for (Pixel p : canvas.pixels)
+            EXPECT_EQ(p, 0x12345678u);
+    }
+}
+
+TEST(PaintSetup, StopsOutOfOrderAreBroughtIntoOrder)
+{
+    const Fixed offsets[] = {-5, 0x9000, 0x2000};
+    Canvas canvas(16, 1);
+    setRadialGradient(canvas.paint, {0, 0}, fixed(100), kIdentityMatrix, {kStopColours, offsets, 3},
+                      canvas.ramp);
+    ASSERT_EQ(canvas.paint.gradientStopCount, 3u);
+    EXPECT_EQ(canvas.rampOffsets[0], 0);
+    EXPECT_EQ(canvas.rampOffsets[1], fixed(400 * 0x9000 / 65536.0)); // quarters of a pixel
+    EXPECT_EQ(canvas.rampOffsets[2], canvas.rampOffsets[1]);
+    EXPECT_EQ(canvas.paint.paintHasAlpha, 0);
+}
+
+TEST(PaintSetup, ExtremeFieldsAreHarmless)
+{
+    const Fixed extremes[] = {INT32_MIN, -0x10000, -1, 0, 1, 0x10000, INT32_MAX};
+    uint32_t state = 1;
+    const auto next = [&] {
+        state = state * 1664525 + 1013904223;
+        return extremes[(state >> 16) % 7];
+    };
+    Pixel texels[4] = {};
+    for (int round = 0; round < 20000; ++round) {
+        Canvas canvas(64, 1);
+        const Matrix2D m = {next(), next(), next(), next(), next(), next()};
+        const Fixed offsets[] = {next(), next(), next()};
+        const GradientStops stops = {kStopColours, offsets, 3};
+        switch (round % 3) {
+        case 0:
+            setLinearGradient(canvas.paint, {next(), next()}, {next(), next()}, m, stops,
+                              canvas.ramp);
+            break;
+        case 1:
+            setRadialGradient(canvas.paint, {next(), next()}, next(), m, stops, canvas.ramp);
+            break;
+        default:
+            setPattern(canvas.paint, {2, 2, 8, 0, texels, 1}, m, MMPatternFilter(round / 3 % 3));
+        }
+        canvas.drawRow(0);
+    }
+}
+
+TEST(PaintSetup, PatternsLieAtTheSamePlaceUnderAllFilters)
+{
+    // A 2 x 2 image magnified four times at (8, 4): its middle is the line between pixels 11 and
+    // 12, where the linear filters are half way.
+    Pixel texels[4] = {0xFF000000, 0xFFFFFFFF, 0xFF000000, 0xFFFFFFFF};
+    const Matrix2D m = {0x40000, 0, 0, 0x40000, fixed(8), fixed(4)};
+    for (int filter = 0; filter < 3; ++filter) {
+        Canvas canvas(24, 12);
+        canvas.context.patternFilter = static_cast<uint8_t>(filter);
+        setPattern(canvas.paint, {2, 2, 8, 0, texels, 0}, m, MMPatternFilter(filter));
+        canvas.drawRow(8);
+        const Pixel* row = canvas.pixels.data() + 8 * 24;
+        if (filter == 0) {
+            EXPECT_EQ(row[11] & 0xFF, 0u);
+            EXPECT_EQ(row[12] & 0xFF, 255u);
+        } else if (filter == 1) {
+            EXPECT_NEAR(row[11] & 0xFF, 255 * 0.375, 2);
+            EXPECT_NEAR(row[12] & 0xFF, 255 * 0.625, 2);
+            EXPECT_EQ(row[9] & 0xFF, 0u) << "from half a texel on there is only the outermost";
+        }
+    }
+    Canvas singular(4, 1);
+    setPattern(singular.paint, {2, 2, 8, 0, texels, 0}, {1, 1, 1, 1, 0, 0}, kFilterNearest);
+    EXPECT_EQ(singular.paint.paintType, kPaintNone);
+}
+
+} // namespace
