@@ -61,3 +61,6 @@ struct MMPaint {
     alignas(uint32_t) uint8_t patternHasAlpha; // the image has translucent texels
     alignas(uint32_t) uint8_t paintOpacity;    // 0 to 255, 255 is opaque
 };
+
+static_assert(sizeof(void*) != 4 || sizeof(MMPaint) == 14 * sizeof(uint32_t),
+              "the parameters share fourteen words");
