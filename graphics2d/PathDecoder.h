@@ -1,0 +1,104 @@
+// From the words of an encoded path to its points. Internal.
+//
+// The format stands at MMContext2D::drawPath.
+#pragma once
+
+#include "graphics2d/MMContext2D.h"
+#include "memory/ScratchArray.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+enum PathCommandKind : uint32_t { kPathPoints = 0, kPathCurves = 1 };
+
+// A command word of an encoded path.
+struct PathCommand {
+    uint32_t word;
+
+    constexpr uint32_t itemCount() const { return word & 0x0FFFFFFFu; }
+    constexpr uint32_t kind() const { return (word >> 28) & 3u; }
+    constexpr bool endsSubpath() const { return ((word >> 30) & 1u) != 0; }
+    constexpr bool closes() const { return (word >> 31) != 0; }
+
+    // Words of one item behind the command; the ignored kinds have none.
+    constexpr uint32_t wordsPerItem() const
+    {
+        return kind() == kPathPoints ? 2 : kind() == kPathCurves ? 6 : 0;
+    }
+    constexpr uint32_t itemWords() const { return itemCount() * wordsPerItem(); }
+};
+
+constexpr uint32_t subpathCountOf(uint32_t header)
+{
+    return header & 0xFFFFu;
+}
+
+// Pairs of words as points. The strokers take segments that are not const but do not write them.
+inline MMPoint2D* pathPoints(const uint32_t* words)
+{
+    return reinterpret_cast<MMPoint2D*>(const_cast<uint32_t*>(words));
+}
+
+// The flattened curves of one path: a scratch block for each, given back in reverse order.
+class CurveBuffers {
+public:
+    CurveBuffers(MMContext2D& context, uint32_t curveCount)
+        : context_(context), blocks_(context.scratchStack, curveCount)
+    {
+    }
+    ~CurveBuffers();
+    CurveBuffers(const CurveBuffers&) = delete;
+    CurveBuffers& operator=(const CurveBuffers&) = delete;
+
+    explicit operator bool() const { return static_cast<bool>(blocks_); }
+
+    // Flattens the curve from start through the three points behind it. Returns the points, none
+    // when the stack is exhausted.
+    MMLinkPath flatten(const MMPoint2D& start, const MMPoint2D* curve);
+
+private:
+    MMContext2D& context_;
+    ScratchArray<MMPoint2D*> blocks_;
+    uint32_t count_ = 0;
+};
+
+// The segments of a path, in scratch memory. Points stay in the path's own words, curves are
+// flattened for the context's transform.
+class DecodedPath {
+public:
+    // Converts to false when the scratch stack was exhausted.
+    DecodedPath(MMContext2D& context, const uint32_t* path);
+    explicit operator bool() const { return complete_; }
+
+    uint32_t subpathCount() const { return subpathCount_; }
+    uint32_t segmentCount(uint32_t subpath) const { return subpathWords_[subpath] >> 1; }
+    bool isClosed(uint32_t subpath) const { return (subpathWords_[subpath] & 1u) != 0; }
+
+    // The segments of all subpaths in order, none of them empty.
+    MMLinkPath* segments() { return segments_.data(); }
+    uint32_t totalSegments() const { return totalSegments_; }
+    uint64_t totalPoints() const { return totalPoints_; }
+
+private:
+    // What the commands really hold; the header's own figure cannot be trusted.
+    struct Sizes {
+        uint32_t segments;
+        uint32_t curves;
+    };
+
+    static Sizes scan(const uint32_t* path);
+    DecodedPath(MMContext2D& context, const uint32_t* path, Sizes sizes);
+    bool decode(const uint32_t* path);
+    void append(MMLinkPath segment);
+
+    uint32_t subpathCount_;
+    ScratchArray<uint32_t> subpathWords_; // twice the number of segments, plus 1 when closed
+    ScratchArray<MMLinkPath> segments_;
+    CurveBuffers curves_;
+    uint32_t totalSegments_ = 0;
+    uint64_t totalPoints_ = 0;
+    bool complete_ = false;
+};
+
+} // namespace Graphics2D
+} // namespace KAVO

@@ -1,0 +1,261 @@
+// Decoding and filling of encoded paths, well-formed and hostile.
+#include "graphics2d/MMContext2D.h"
+#include "graphics2d/Rasteriser.h"
+#include "tests/support/EncodedPath.h"
+#include "tests/support/FailingHeap.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <vector>
+
+namespace {
+
+using namespace KAVO::Graphics2D;
+
+constexpr Fixed fx(double v)
+{
+    return static_cast<Fixed>(v * 65536);
+}
+
+constexpr MMPoint2D at(double x, double y)
+{
+    return {fx(x), fx(y)};
+}
+
+// A context that draws into a picture of its own.
+struct Picture {
+    static constexpr uint16_t kSize = 64;
+    std::vector<Pixel> pixels = std::vector<Pixel>(kSize * kSize, 0xFFFFFFFF);
+    MMContext2D context;
+
+    Picture()
+    {
+        context.target = {kSize, kSize, kSize * 4, 0xFFFFFFFF, pixels.data(), 0};
+        context.clipRight = kSize;
+        context.clipBottom = kSize;
+        context.antiAlias = 1;
+    }
+    bool blank() const
+    {
+        return std::count(pixels.begin(), pixels.end(), 0xFFFFFFFFu) == kSize * kSize;
+    }
+};
+
+using Points = std::vector<MMPoint2D>;
+
+// One polygon through all subpaths, put together by hand: each with its first point at its end,
+// then the first points in reverse order.
+Points polygonOf(const std::vector<Points>& subpaths)
+{
+    Points polygon;
+    for (const Points& subpath : subpaths) {
+        polygon.insert(polygon.end(), subpath.begin(), subpath.end());
+        polygon.push_back(subpath.front());
+    }
+    for (size_t i = subpaths.size(); i-- > 0;)
+        polygon.push_back(subpaths[i].front());
+    return polygon;
+}
+
+// Draws the path in one picture and the polygon in another and compares pixels and bounds.
+void expectFillsAs(const EncodedPath& path, Points polygon, MMFillRule rule = kFillNonZero)
+{
+    Picture drawn, expected;
+    for (Picture* picture : {&drawn, &expected}) {
+        picture->context.transform = {fx(1.25), fx(0.25), fx(-0.5), fx(1.5), fx(7), fx(-2)};
+        picture->context.fillRule = rule;
+    }
+    drawn.context.drawPath(path.data());
+    for (MMPoint2D& p : polygon)
+        expected.context.transform.transform(&p, &p, 1);
+    expected.context.currentPaint = expected.context.fillPaint;
+    fillPolygon(expected.context, polygon.data(), static_cast<uint32_t>(polygon.size()), rule);
+    EXPECT_FALSE(expected.blank());
+    EXPECT_EQ(drawn.pixels, expected.pixels);
+    EXPECT_EQ(drawn.context.boundsMinX, expected.context.boundsMinX);
+    EXPECT_EQ(drawn.context.boundsMaxY, expected.context.boundsMaxY);
+    EXPECT_EQ(drawn.context.outOfMemory, 0);
+    EXPECT_EQ(drawn.context.scratchStack.usedWords, 0u);
+}
+
+const Points kOuter = {at(5, 5), at(40, 8), at(35, 30), at(8, 28)};
+const Points kInner = {at(12, 12), at(14, 24), at(30, 22), at(28, 14)};
+
+TEST(PathFill, RunsThroughAllSubpathsAndBackThroughTheirStarts)
+{
+    const Points third = {at(2, 34), at(12, 31), at(9, 38)};
+    EncodedPath path;
+    path.points(kOuter, EncodedPath::kClosed)
+        .points({kInner[0]})
+        .points({kInner[1], kInner[2], kInner[3]}, EncodedPath::kOpen)
+        .points(third, EncodedPath::kClosed);
+    expectFillsAs(path, polygonOf({kOuter, kInner, third}), kFillNonZero);
+    expectFillsAs(path, polygonOf({kOuter, kInner, third}), kFillEvenOdd);
+}
+
+TEST(PathFill, CurvesStartAtTheEndOfTheSegmentBefore)
+{
+    const Points first = {at(20, 0), at(40, 10), at(35, 30)};
+    const Points second = {at(30, 40), at(10, 40), at(5, 25)};
+    EncodedPath path;
+    path.points({at(1, 1), at(5, 5)});
+    path.curves({first[0], first[1], first[2], second[0], second[1], second[2]},
+                EncodedPath::kClosed);
+
+    Points outline = {at(1, 1), at(5, 5)};
+    MMContext2D flattener;
+    flattener.transform = {fx(1.25), fx(0.25), fx(-0.5), fx(1.5), fx(7), fx(-2)};
+    Points run(1024);
+    int32_t count = flattener.getBezierPts(run.data(), at(5, 5), first[0], first[1], first[2]);
+    outline.insert(outline.end(), run.begin(), run.begin() + count);
+    count = flattener.getBezierPts(run.data(), first[2], second[0], second[1], second[2]);
+    outline.insert(outline.end(), run.begin(), run.begin() + count);
+    EXPECT_GT(outline.size(), 8u);
+    expectFillsAs(path, polygonOf({outline}));
+}
+
+TEST(PathFill, MalformedCommandsDrawWhatIsSoundInThem)
+{
+    const Points curve = {at(20, 0), at(40, 10), at(35, 30)};
+    EncodedPath ignoredKinds;
+    ignoredKinds.bare(2u << 28 | 7).points({kOuter[0], kOuter[1]}).bare(3u << 28 | 0xFFFFFFF);
+    ignoredKinds.points({kOuter[2], kOuter[3]}).bare(3u << 28 | 1u << 30 | 9);
+    expectFillsAs(ignoredKinds, polygonOf({kOuter}));
+
+    EncodedPath curveFirst;
+    curveFirst.curves(curve).points(kOuter, EncodedPath::kClosed);
+    expectFillsAs(curveFirst, polygonOf({kOuter}));
+
+    EncodedPath emptySubpaths;
+    emptySubpaths.bare(EncodedPath::kClosed).points(kOuter, EncodedPath::kClosed);
+    emptySubpaths.points({}, EncodedPath::kOpen).bare(3u << 28 | 3u << 30);
+    emptySubpaths.points(kInner, EncodedPath::kOpen).curves({}, EncodedPath::kOpen);
+    expectFillsAs(emptySubpaths, polygonOf({kOuter, kInner}));
+
+    EncodedPath wrongSegmentCount;
+    wrongSegmentCount.points(kOuter, EncodedPath::kClosed);
+    for (uint32_t segments : {0u, 1u, 0xFFFFu}) {
+        wrongSegmentCount.header() = segments << 16 | 1;
+        expectFillsAs(wrongSegmentCount, polygonOf({kOuter}));
+    }
+}
+
+TEST(PathFill, NothingToFill)
+{
+    EncodedPath none, two, noFill, curveOnly;
+    none.points(kOuter, EncodedPath::kClosed).header() = 0x50000; // S = 0
+    two.points({at(5, 5), at(30, 30)}, EncodedPath::kClosed);
+    noFill.points(kOuter, EncodedPath::kClosed);
+    curveOnly.curves({at(20, 0), at(40, 10), at(35, 30)}, EncodedPath::kClosed);
+    for (const EncodedPath* path : {&none, &two, &noFill, &curveOnly}) {
+        Picture picture;
+        if (path == &noFill) picture.context.fillPaint.paintType = kPaintNone;
+        picture.context.drawPath(path->data());
+        EXPECT_TRUE(picture.blank());
+        EXPECT_EQ(picture.context.scratchStack.usedWords, 0u);
+    }
+    Picture picture;
+    picture.context.drawPath(nullptr);
+    EXPECT_TRUE(picture.blank());
+}
+
+// 70,000 points in one command: with 16-bit counts only 4,464 of them would be drawn.
+TEST(PathFill, CountsBeyond16BitsDoNotWrap)
+{
+    Points comb;
+    for (int i = 0; i < 35000; ++i) {
+        comb.push_back({i * 64, fx(1)});
+        comb.push_back({i * 64 + 32, fx(4)});
+    }
+    EncodedPath path;
+    path.points(comb, EncodedPath::kClosed);
+    expectFillsAs(path, polygonOf({comb}));
+}
+
+TEST(PathFill, BoundsOnlyMeasuresUntransformedPointsAndDrawsNothing)
+{
+    EncodedPath path;
+    path.points({at(-3, 7), at(5, -2)}, EncodedPath::kOpen);
+    path.points({at(0, 0)}).curves({at(0, 80), at(100, 80), at(100, 0)}, EncodedPath::kOpen);
+    Picture picture;
+    picture.context.renderFlags = kRenderBoundsOnly;
+    picture.context.transform = {fx(1), 0, 0, fx(1), fx(500), fx(500)};
+    picture.context.drawPath(path.data());
+    EXPECT_TRUE(picture.blank());
+    EXPECT_EQ(picture.context.boundsMinX, fx(-3));
+    EXPECT_EQ(picture.context.boundsMinY, fx(-2));
+    EXPECT_EQ(picture.context.boundsMaxX, fx(100));
+    // The curve's middle is at 3/4 of its controls' height, and it is always halved there.
+    EXPECT_EQ(picture.context.boundsMaxY, fx(60));
+
+    path.header() = 0;
+    picture.context.drawPath(path.data());
+    EXPECT_EQ(picture.context.boundsMinX, kEmptyBoundsMin);
+    EXPECT_EQ(picture.context.boundsMaxX, kEmptyBoundsMax);
+}
+
+TEST(PathFill, EveryFailingAllocationIsReportedAndLeaksNothing)
+{
+    Points points(3000, at(10, 10));
+    EncodedPath path;
+    path.points(points).curves(Points(3 * 40, at(40, 30)));
+    path.curves({at(9000, 90), at(-9000, 8000), at(0, 9)}, EncodedPath::kClosed);
+    const uint32_t calls = failEachAllocation([&] {
+        Picture picture;
+        picture.context.transform = {fx(200), 0, 0, fx(200), 0, 0};
+        picture.context.drawPath(path.data());
+        EXPECT_EQ(picture.context.scratchStack.usedWords, 0u);
+    });
+    EXPECT_GE(calls, 5u);
+
+    FailingHeap heap;
+    Picture picture;
+    heap.failFrom(1);
+    picture.context.drawPath(path.data());
+    EXPECT_EQ(picture.context.outOfMemory, kScratchExhausted);
+    EXPECT_TRUE(picture.blank());
+}
+
+TEST(PathFill, HostileCommandsAndCoordinatesEndInTime)
+{
+    uint32_t state = 1;
+    const auto next = [&state] { return state = state * 1664525u + 1013904223u, state >> 4; };
+    const Fixed extremes[] = {INT_MIN, INT_MIN + 1, INT_MAX, 0, 1, -1, fx(20), fx(40)};
+    for (int round = 0; round < 400; ++round) {
+        EncodedPath path;
+        const uint32_t commands = next() % 8;
+        for (uint32_t i = 0; i < commands; ++i) {
+            const uint32_t kind = next() % 4;
+            Points points(kind < 2 ? next() % 9 : 0);
+            for (MMPoint2D& p : points)
+                p = {extremes[next() % 8], extremes[next() % 8]};
+            const auto ending = static_cast<EncodedPath::Ending>((next() & 3) << 30);
+            if (kind == 0)
+                path.points(points, ending);
+            else if (kind == 1)
+                path.curves(Points(points.begin(), points.begin() + points.size() / 3 * 3), ending);
+            else
+                path.bare(kind << 28 | ending | (next() & 0xFFFFFF));
+        }
+        Picture picture;
+        picture.context.transform = {fx(1.5), 0, 0, fx(1.5), 0, 0};
+        picture.context.drawPath(path.data());
+        EXPECT_EQ(picture.context.scratchStack.usedWords, 0u) << "round " << round;
+    }
+}
+
+TEST(PathKeyPoints, CountsPointsCurveEndsAndClosings)
+{
+    MMContext2D context;
+    EncodedPath path;
+    path.points({at(0, 0), at(1, 0), at(2, 0)}).curves(Points(6, at(3, 3)), EncodedPath::kClosed);
+    EXPECT_EQ(context.getPathKeyPointCount(path.stored().data()), 3u + 2 + 1);
+    path.bare(3u << 28).points({at(0, 0)}, EncodedPath::kOpen);
+    EXPECT_EQ(context.getPathKeyPointCount(path.stored().data()), 6u + 1);
+    path.points(kOuter, EncodedPath::kClosed).header() = 0; // no subpath: one command is counted
+    EXPECT_EQ(context.getPathKeyPointCount(path.stored().data()), 3u);
+}
+
+} // namespace
