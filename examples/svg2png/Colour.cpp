@@ -201,7 +201,7 @@ std::optional<uint32_t> parseComponents(TextScanner& scanner)
         double component = 0;
         scanner.skipSpace();
         if (!scanner.number(component)) return std::nullopt;
-        if (scanner.character('%')) component *= 2.55;
+        if (scanner.character('%')) component = component * 255 / 100;
         scanner.skipSpace();
         if (i < 2 && !scanner.character(',')) return std::nullopt;
         value = value << 8 | static_cast<uint32_t>(std::lround(std::clamp(component, 0.0, 255.0)));

@@ -37,8 +37,9 @@ int fail(const std::string& message)
 bool parseSize(const char* text, Arguments& arguments)
 {
     TextScanner scanner(text);
-    if (!scanner.number(arguments.width)) return false;
-    if (scanner.character('x') && !scanner.number(arguments.height)) return false;
+    if (!scanner.number(arguments.width) || arguments.width <= 0) return false;
+    if (scanner.character('x') && (!scanner.number(arguments.height) || arguments.height <= 0))
+        return false;
     return scanner.atEnd();
 }
 
