@@ -39,9 +39,24 @@ std::string finishReading(PngImage& png, Picture& picture)
     return "";
 }
 
-uint32_t dividedChannel(uint32_t value, uint32_t alpha)
+int channel(uint32_t pixel, int shift)
 {
-    return std::min<uint32_t>(255, (value * 255 + alpha / 2) / alpha);
+    return static_cast<int>(pixel >> shift & 0xFF);
+}
+
+uint32_t separatePixel(uint32_t black, uint32_t white)
+{
+    int ground = 0; // three times how much of it shows
+    for (int shift = 0; shift < 24; shift += 8)
+        ground += std::clamp(channel(white, shift) - channel(black, shift), 0, 255);
+    const int alpha = 255 - (ground + 1) / 3;
+    if (alpha == 0) return 0;
+    uint32_t pixel = static_cast<uint32_t>(alpha) << 24;
+    for (int shift = 0; shift < 24; shift += 8) {
+        const int value = std::min(255, (channel(black, shift) * 255 + alpha / 2) / alpha);
+        pixel |= static_cast<uint32_t>(value) << shift;
+    }
+    return pixel;
 }
 
 } // namespace
@@ -72,16 +87,17 @@ std::string writePng(const std::string& fileName, const Picture& picture)
     return "";
 }
 
-void divideByAlpha(Picture& picture)
+void makeOpaque(Picture& picture)
 {
-    for (uint32_t& pixel : picture.pixels) {
-        const uint32_t alpha = pixel >> 24;
-        if (alpha == 255) continue;
-        if (alpha == 0) {
-            pixel = 0;
-            continue;
-        }
-        pixel = alpha << 24 | dividedChannel(pixel >> 16 & 0xFF, alpha) << 16 |
-                dividedChannel(pixel >> 8 & 0xFF, alpha) << 8 | dividedChannel(pixel & 0xFF, alpha);
-    }
+    for (uint32_t& pixel : picture.pixels)
+        pixel |= 0xFF000000;
+}
+
+Picture separateFromGround(const Picture& overBlack, const Picture& overWhite)
+{
+    Picture result(overBlack.width, overBlack.height, 0);
+    for (size_t i = 0; i < result.pixels.size(); ++i)
+        result.pixels[i] = separatePixel(overBlack.pixels[i], overWhite.pixels[i]);
+    result.hasAlpha = true;
+    return result;
 }

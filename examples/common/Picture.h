@@ -35,5 +35,10 @@ std::string readPng(const std::string& fileName, Picture& picture);
 std::string readPng(const uint8_t* data, size_t size, Picture& picture);
 std::string writePng(const std::string& fileName, const Picture& picture);
 
-// Drawing onto a transparent target leaves colours multiplied by alpha; PNG wants them plain.
-void divideByAlpha(Picture& picture);
+// The alpha of a picture that was drawn into means nothing: paints mix it like a colour. Drawing
+// over an opaque ground and then calling this gives an opaque picture.
+void makeOpaque(Picture& picture);
+
+// What lets the ground show through is transparent: the same drawing over black and over white
+// makes a picture with alpha.
+Picture separateFromGround(const Picture& overBlack, const Picture& overWhite);

@@ -29,13 +29,14 @@ uint32_t mean(const uint32_t (&pixels)[4])
 
 } // namespace
 
-Picture* ImageStore::load(const std::string& href)
+const Picture* ImageStore::load(const std::string& href)
 {
     auto found = pictures_.find(href);
     if (found == pictures_.end()) {
         Picture picture;
         if (isRelativeFile(href) && !readPng(directory_ + href, picture).empty())
             picture = Picture();
+        spreadColours(picture);
         found = pictures_.emplace(href, std::move(picture)).first;
     }
     return found->second.pixels.empty() ? nullptr : &found->second;
@@ -56,4 +57,32 @@ Picture halved(const Picture& picture)
         }
     }
     return result;
+}
+
+void spreadColours(Picture& picture)
+{
+    if (!picture.hasAlpha) return;
+    constexpr int kReach = 2; // texels that a filter looks away from a point
+    std::vector<bool> coloured(picture.pixels.size());
+    for (size_t i = 0; i < coloured.size(); ++i)
+        coloured[i] = picture.pixels[i] >> 24 != 0;
+    const auto index = [&](int x, int y) { return static_cast<size_t>(y * picture.width + x); };
+    for (int round = 0; round < kReach; ++round) {
+        const std::vector<bool> before = coloured;
+        for (int y = 0; y < picture.height; ++y) {
+            for (int x = 0; x < picture.width; ++x) {
+                const int left = std::max(0, x - 1);
+                const int right = std::min(picture.width - 1, x + 1);
+                const int top = std::max(0, y - 1);
+                const int bottom = std::min(picture.height - 1, y + 1);
+                const size_t neighbours[] = {index(left, y), index(right, y), index(x, top),
+                                             index(x, bottom)};
+                for (const size_t neighbour : neighbours) {
+                    if (coloured[index(x, y)] || !before[neighbour]) continue;
+                    picture.pixels[index(x, y)] = picture.pixels[neighbour] & 0x00FFFFFFu;
+                    coloured[index(x, y)] = true;
+                }
+            }
+        }
+    }
 }

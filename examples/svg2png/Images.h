@@ -13,7 +13,7 @@ public:
 
     // The PNG picture in a file relative to the drawing, or in a base64 data URI; each is read
     // once. Null when it cannot be had.
-    Picture* load(const std::string& href);
+    const Picture* load(const std::string& href);
 
 private:
     std::string directory_;
@@ -22,3 +22,7 @@ private:
 
 // Half as wide and half as high, at least a pixel: each pixel the mean of four.
 Picture halved(const Picture& picture);
+
+// Gives fully transparent pixels near others their colour, since filters mix colours without regard
+// to alpha.
+void spreadColours(Picture& picture);

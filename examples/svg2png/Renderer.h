@@ -19,6 +19,7 @@ struct RenderOptions {
 
 class Renderer {
 public:
+    // The picture is opaque; what is drawn mixes with what it holds.
     Renderer(const SvgDocument& document, Picture& picture, const RenderOptions& options);
 
     // Draws the whole document; viewport maps the root element's viewport of the given size to the
@@ -42,6 +43,7 @@ private:
     };
 
     struct Tiling;
+    struct TileRange;
 
     // What a paint of the context points into.
     struct PaintStore {
@@ -74,6 +76,7 @@ private:
                    const Box& userBounds);
     bool setTiles(MMPaint& paint, Picture& tiles, pugi::xml_node pattern, const State& state,
                   const Box& userBounds);
+    Picture drawTiles(const Tiling& tiling, const TileRange& range, State state, uint32_t ground);
     Tiling readTiling(pugi::xml_node pattern, const State& state, const Box& userBounds) const;
     void setPen(const State& state, const PathSpace& space);
     void setTransform(const PathSpace& space);

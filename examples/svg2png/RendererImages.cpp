@@ -57,6 +57,7 @@ void Renderer::drawImage(pugi::xml_node node, const State& state)
         reduced = std::move(half);
         picture = &reduced;
     }
+    if (picture == &reduced) spreadColours(reduced);
 
     const auto pictureWidth = static_cast<uint16_t>(picture->width);
     const auto pictureHeight = static_cast<uint16_t>(picture->height);
@@ -73,10 +74,17 @@ void Renderer::drawImage(pugi::xml_node node, const State& state)
     context_.patternFilter = static_cast<uint8_t>(style.imageFilter);
     const auto opacity = static_cast<uint8_t>(std::lround(style.opacity * 255));
     if (toDevice.b == 0 && toDevice.c == 0) {
+        // The smoothing filters look from a pixel's corner to a texel's corner, which would move
+        // the middle of each by half the difference of their sizes.
+        const bool smooth = style.imageFilter != ImageFilter::Nearest;
+        const double dx = smooth ? (toDevice.a - 1) / 2 : 0;
+        const double dy = smooth ? (toDevice.d - 1) / 2 : 0;
         context_.imageOpacity = opacity;
         context_.antiAlias = 0;
         context_.transform = texelsToDevice;
-        context_.drawImage(&pixmap, 0, 0, fixFromInt(pictureWidth), fixFromInt(pictureHeight), 0);
+        context_.transform.translate(toFixed(dx), toFixed(dy));
+        context_.drawImage(&pixmap, toFixed(-dx / toDevice.a), toFixed(-dy / toDevice.d),
+                           fixFromInt(pictureWidth), fixFromInt(pictureHeight), 0);
         context_.antiAlias = options_.antiAlias;
     } else {
         const std::optional<PathSpace> space = PathSpace::make(frame, pictureCentre());

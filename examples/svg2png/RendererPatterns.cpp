@@ -10,6 +10,7 @@ using namespace KAVO::Graphics2D;
 namespace {
 
 constexpr double kMostTiles = 20000;
+constexpr double kFarthestTile = 1e9; // columns or rows from the first
 
 } // namespace
 
@@ -19,6 +20,13 @@ struct Renderer::Tiling {
     Affine toDevice; // of the pattern's space
     Affine content;  // maps the content into the pattern's space, its origin at the tile's corner
     pugi::xml_node children;
+};
+
+struct Renderer::TileRange {
+    int firstColumn;
+    int lastColumn;
+    int firstRow;
+    int lastRow;
 };
 
 Renderer::Tiling Renderer::readTiling(pugi::xml_node pattern, const State& state,
@@ -56,6 +64,29 @@ Renderer::Tiling Renderer::readTiling(pugi::xml_node pattern, const State& state
     return tiling;
 }
 
+Picture Renderer::drawTiles(const Tiling& tiling, const TileRange& range, State state,
+                            uint32_t ground)
+{
+    Picture tiles(picture_.width, picture_.height, ground);
+    Renderer renderer(document_, tiles, options_);
+    renderer.elementsLeft_ = elementsLeft_;
+    const double width = tiling.tile.width();
+    const double height = tiling.tile.height();
+    for (int row = range.firstRow; row <= range.lastRow; ++row) {
+        for (int column = range.firstColumn; column <= range.lastColumn; ++column) {
+            const Affine place = tiling.toDevice * translation(tiling.tile.left + column * width,
+                                                               tiling.tile.top + row * height);
+            state.toDevice = place * tiling.content;
+            const ClipGuard guard(renderer.context_);
+            renderer.clipTo(place.mapBox({0, 0, width, height}));
+            renderer.drawChildren(tiling.children, state);
+        }
+    }
+    elementsLeft_ = renderer.elementsLeft_;
+    shortcomings_.insert(renderer.shortcomings_.begin(), renderer.shortcomings_.end());
+    return tiles;
+}
+
 bool Renderer::setTiles(MMPaint& paint, Picture& tiles, pugi::xml_node pattern, const State& state,
                         const Box& userBounds)
 {
@@ -77,33 +108,21 @@ bool Renderer::setTiles(MMPaint& paint, Picture& tiles, pugi::xml_node pattern, 
     const double lastColumn = std::floor((needed.right - tiling.tile.left) / width);
     const double firstRow = std::floor((needed.top - tiling.tile.top) / height);
     const double lastRow = std::floor((needed.bottom - tiling.tile.top) / height);
-    if (!((lastColumn - firstColumn + 1) * (lastRow - firstRow + 1) <= kMostTiles) ||
+    if (!((lastColumn - firstColumn + 1) * (lastRow - firstRow + 1) <= kMostTiles &&
+          std::fabs(firstColumn) < kFarthestTile && std::fabs(firstRow) < kFarthestTile) ||
         state.depth >= kMostDepth) {
         shortcomings_.insert("pattern of too many tiles");
         return false;
     }
 
-    tiles = Picture(picture_.width, picture_.height, 0);
-    Renderer tileRenderer(document_, tiles, options_);
-    tileRenderer.elementsLeft_ = elementsLeft_;
+    const TileRange range{static_cast<int>(firstColumn), static_cast<int>(lastColumn),
+                          static_cast<int>(firstRow), static_cast<int>(lastRow)};
     State tileState;
     tileState.style.apply(Properties(pattern), state.viewport.diagonal());
     tileState.viewport = state.viewport;
     tileState.depth = state.depth + kPatternDepth;
-    for (double row = firstRow; row <= lastRow; ++row) {
-        for (double column = firstColumn; column <= lastColumn; ++column) {
-            const Affine place = tiling.toDevice * translation(tiling.tile.left + column * width,
-                                                               tiling.tile.top + row * height);
-            tileState.toDevice = place * tiling.content;
-            const ClipGuard guard(tileRenderer.context_);
-            tileRenderer.clipTo(place.mapBox({0, 0, width, height}));
-            tileRenderer.drawChildren(tiling.children, tileState);
-        }
-    }
-    elementsLeft_ = tileRenderer.elementsLeft_;
-    shortcomings_.insert(tileRenderer.shortcomings_.begin(), tileRenderer.shortcomings_.end());
-
-    divideByAlpha(tiles);
+    tiles = separateFromGround(drawTiles(tiling, range, tileState, 0xFF000000),
+                               drawTiles(tiling, range, tileState, 0xFFFFFFFF));
     const auto pixmapWidth = static_cast<uint16_t>(tiles.width);
     const auto pixmapHeight = static_cast<uint16_t>(tiles.height);
     const MMPixmap pixmap = {pixmapWidth, pixmapHeight,        pixmapWidth * 4u,

@@ -12,9 +12,9 @@ struct Arguments {
     std::string input;
     std::string output;
     double scale = 1;
-    double width = 0;  // pixels; 0: from the drawing
-    double height = 0; // 0 with a width: the longer side is width pixels long
-    uint32_t background = 0;
+    double width = 0;        // pixels; 0: from the drawing
+    double height = 0;       // 0 with a width: the longer side is width pixels long
+    uint32_t background = 0; // 0: transparent
     bool stats = false;
     RenderOptions render;
 };
@@ -120,16 +120,23 @@ int run(const Arguments& arguments)
         return fail(arguments.input + ": " + message);
     }
 
-    Picture picture(static_cast<int>(width), static_cast<int>(height), arguments.background);
+    const uint32_t ground = arguments.background != 0 ? arguments.background : 0xFF000000;
+    Picture picture(static_cast<int>(width), static_cast<int>(height), ground);
     const auto start = std::chrono::steady_clock::now();
     Renderer renderer(document, picture, arguments.render);
     renderer.draw(viewport);
     const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
+    if (arguments.background != 0) {
+        makeOpaque(picture);
+    } else {
+        Picture overWhite(picture.width, picture.height, 0xFFFFFFFF);
+        Renderer(document, overWhite, arguments.render).draw(viewport);
+        picture = separateFromGround(picture, overWhite);
+    }
 
     for (const std::string& what : renderer.shortcomings())
         std::fprintf(stderr, "svg2png: %s: not drawn: %s\n", arguments.input.c_str(), what.c_str());
     if (renderer.outOfMemory()) return fail(arguments.input + ": out of memory");
-    divideByAlpha(picture);
     const std::string writing = writePng(arguments.output, picture);
     if (!writing.empty()) return fail(arguments.output + ": " + writing);
     if (arguments.stats) printStats(renderer, time.count());
