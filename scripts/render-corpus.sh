@@ -44,11 +44,8 @@ render_one() {
         2> "$out.log" || status=$?
     echo $status > "$out.status"
     [ $status = 0 ] || return 0
-    # The size stands in bytes 16 to 23 of a PNG file, high byte first.
-    local b
-    read -r -a b < <(od -An -tu1 -j16 -N8 "$out.png")
-    rsvg-convert --background-color white --width $((b[2] * 256 + b[3])) \
-        --height $((b[6] * 256 + b[7])) --output "$out-peer.png" "$file" 2> /dev/null ||
+    rsvg-convert --background-color white --width "$side" --height "$side" --keep-aspect-ratio \
+        --output "$out-peer.png" "$file" 2> /dev/null ||
         rm -f "$out-peer.png"
 }
 export -f render_one

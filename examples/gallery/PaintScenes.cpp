@@ -47,8 +47,8 @@ const Fixed kOffsets[] = {0, 0x5555, 0xAAAA, 0x10000};
 
 } // namespace
 
-// From left to right: solid, exclusive-or, linear, linear with alpha, radial, radial with alpha,
-// image nearest, bilinear, bicubic; opaque above, at 55 % below, over stripes.
+// Pairs of an opaque paint and the same at 55 %, over stripes: solid, exclusive-or, linear; linear
+// with alpha, radial, radial with alpha; image nearest, bilinear, bicubic.
 void drawPaintScene(Canvas& canvas)
 {
     canvas.fill(0xFFB8C4CE);
@@ -62,38 +62,36 @@ void drawPaintScene(Canvas& canvas)
     const GradientStops fading = {kFadingColours, kOffsets, 4};
     Ramp ramp;
     const GradientRamp room = {ramp.colours, ramp.offsets};
-    constexpr double kRadius = 19;
-    for (int row = 0; row < 2; ++row) {
-        for (int column = 0; column < 9; ++column) {
-            canvas.place(26 + 41 * column, 52 + 96 * row);
-            canvas.fill(0xFF2A7F78);
-            MMPaint& paint = context.fillPaint;
-            const MMPoint2D left = {fixed(-kRadius), 0};
-            const MMPoint2D right = {fixed(kRadius), 0};
-            const GradientStops& used = column % 2 ? fading : stops;
-            if (column == 1)
-                paint.paintType = kPaintXOR;
-            else if (column == 2 || column == 3)
-                setLinearGradient(paint, left, right, context.transform, used, room);
-            else if (column == 4 || column == 5)
-                setRadialGradient(paint, {0, 0}, fixed(kRadius), context.transform, used, room);
-            if (column >= 6) {
-                const auto filter = static_cast<MMPatternFilter>(column - 6);
-                context.patternFilter = filter;
-                canvas.placeUnshifted(26 + 41 * column - kRadius, 52 + 96 * row - kRadius,
-                                      kRadius / 8, 0);
-                const Matrix2D texels = context.transform;
-                canvas.place(26 + 41 * column, 52 + 96 * row);
-                setPattern(paint, pixmap, texels, filter);
-            }
-            paint.paintOpacity = row ? 140 : 255;
-            // A ring and a dot in its middle: curved edges inside and out.
-            context.fillRule = kFillEvenOdd;
-            PathBuilder shape;
-            shape.circle(0, -16, kRadius).circle(0, -16, 5).star(0, 24, kRadius, 12, 5);
-            canvas.draw(shape);
-            context.fillRule = kFillNonZero;
+    constexpr double kRadius = 28;
+    const MMPoint2D left = {fixed(-kRadius), 0};
+    const MMPoint2D right = {fixed(kRadius), 0};
+    for (int i = 0; i < 18; ++i) {
+        const double x = 33 + 63 * (i % 6);
+        const double y = 36 + 64 * (i / 6);
+        const int kind = i / 2;
+        MMPaint& paint = context.fillPaint;
+        canvas.fill(0xFF2A7F78);
+        canvas.place(x, y);
+        if (kind == 1)
+            paint.paintType = kPaintXOR;
+        else if (kind == 2 || kind == 3)
+            setLinearGradient(paint, left, right, context.transform, kind == 3 ? fading : stops,
+                              room);
+        else if (kind == 4 || kind == 5)
+            setRadialGradient(paint, {0, 0}, fixed(kRadius), context.transform,
+                              kind == 5 ? fading : stops, room);
+        if (kind >= 6) {
+            const auto filter = static_cast<MMPatternFilter>(kind - 6);
+            context.patternFilter = filter;
+            canvas.placeUnshifted(x - kRadius, y - kRadius, kRadius / 8, 0);
+            setPattern(paint, pixmap, context.transform, filter);
+            canvas.place(x, y);
         }
+        paint.paintOpacity = i % 2 ? 140 : 255;
+        // A disc with a star cut out: curved and straight edges, outside and in.
+        context.fillRule = kFillEvenOdd;
+        canvas.draw(PathBuilder().circle(0, 0, kRadius).star(0, 0, 15, 8, 1).circle(0, 0, 5));
+        context.fillRule = kFillNonZero;
     }
 }
 
@@ -105,13 +103,13 @@ void drawImageScene(Canvas& canvas)
     Picture image = makeImage(16, false);
     MMPixmap pixmap = pixmapOf(image);
     for (uint8_t filter = 0; filter < 3; ++filter) {
-        const double x = 68 + 122 * filter;
+        const double x = 54 + 122 * filter;
         canvas.fill(0);
-        canvas.placeUnshifted(x, 2, 5.6, 30);
+        canvas.placeUnshifted(x, 6, 5, 30);
         setPattern(context.fillPaint, pixmap, context.transform,
                    static_cast<MMPatternFilter>(filter));
         context.patternFilter = filter;
-        canvas.place(x, 2, 5.6, 30);
+        canvas.place(x, 6, 5, 30);
         canvas.rectangle(0, 0, 16, 16);
     }
     context.antiAlias = 0;

@@ -38,8 +38,8 @@ void drawFillScene(Canvas& canvas)
     // Slivers: a fan of triangles that narrow to a point.
     canvas.fill(0xFF333333);
     for (int i = 0; i < 12; ++i) {
-        canvas.place(260 + 60, 192, 1, -82.5 + 15 * i);
-        canvas.draw(PathBuilder().moveTo(0, 0).lineTo(-2, -68).lineTo(2, -68).close());
+        canvas.place(260 + 60, 190, 1, -82.5 + 15 * i);
+        canvas.draw(PathBuilder().moveTo(0, 0).lineTo(-2, -56).lineTo(2, -56).close());
     }
 }
 

@@ -38,6 +38,7 @@ int main(int argc, char** argv)
         std::fputs("gallery: out of memory\n", stderr);
         return 1;
     }
+    makeOpaque(canvas.picture);
     const std::string problem = writePng(argv[1], canvas.picture);
     if (!problem.empty()) {
         std::fprintf(stderr, "gallery: %s: %s\n", argv[1], problem.c_str());
