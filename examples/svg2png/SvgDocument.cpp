@@ -3,6 +3,8 @@
 #include "svg2png/Style.h"
 #include "svg2png/TextScanner.h"
 
+#include <filesystem>
+
 namespace {
 
 // Of a drawing that says nothing about its size.
@@ -36,6 +38,8 @@ double alignment(std::string_view keyword, double room)
 
 std::string SvgDocument::load(const std::string& fileName)
 {
+    std::error_code error;
+    if (std::filesystem::is_directory(fileName, error)) return "is a folder";
     const size_t slash = fileName.rfind('/');
     directory_ = slash == fileName.npos ? "" : fileName.substr(0, slash + 1);
     return readRoot(document_.load_file(fileName.c_str(), kParseFlags));

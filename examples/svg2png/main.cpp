@@ -1,4 +1,5 @@
 // svg2png: renders an SVG file to a PNG file.
+#include "common/FontFolder.h"
 #include "svg2png/Colour.h"
 #include "svg2png/Renderer.h"
 
@@ -12,9 +13,10 @@ struct Arguments {
     std::string input;
     std::string output;
     double scale = 1;
-    double width = 0;        // pixels; 0: from the drawing
-    double height = 0;       // 0 with a width: the longer side is width pixels long
-    uint32_t background = 0; // 0: transparent
+    double width = 0;                // pixels; 0: from the drawing
+    double height = 0;               // 0 with a width: the longer side is width pixels long
+    uint32_t background = 0;         // 0: transparent
+    std::string font = DEFAULT_FONT; // a TrueType file, or empty
     bool stats = false;
     RenderOptions render;
 };
@@ -25,6 +27,7 @@ const char kUsage[] =
     "  --size WxH        size of the picture, the drawing fitted into it\n"
     "  --scale S         pixels per user unit (1)\n"
     "  --background C    colour behind the drawing, in SVG's notation (transparent)\n"
+    "  --font FILE       font for all text\n"
     "  --no-antialias    draw pixels wholly or not at all\n"
     "  --stats           print time, scratch memory and bounds of what was drawn\n";
 
@@ -55,7 +58,8 @@ std::string parseArguments(int argc, char** argv, Arguments& arguments)
     std::vector<std::string> files;
     for (int i = 1; i < argc; ++i) {
         const std::string option = argv[i];
-        const bool hasValue = option == "--size" || option == "--scale" || option == "--background";
+        const bool hasValue = option == "--size" || option == "--scale" ||
+                              option == "--background" || option == "--font";
         if (hasValue && i + 1 == argc) return option + " needs a value";
         if (option == "--size") {
             if (!parseSize(argv[++i], arguments))
@@ -67,6 +71,8 @@ std::string parseArguments(int argc, char** argv, Arguments& arguments)
             const std::optional<uint32_t> colour = parseColour(argv[++i], 0xFF000000);
             if (!colour) return "unknown colour: " + std::string(argv[i]);
             arguments.background = *colour;
+        } else if (option == "--font") {
+            arguments.font = argv[++i];
         } else if (option == "--no-antialias") {
             arguments.render.antiAlias = false;
         } else if (option == "--stats") {
@@ -120,6 +126,11 @@ int run(const Arguments& arguments)
         return fail(arguments.input + ": " + message);
     }
 
+    std::optional<FontFolder> font;
+    if (!arguments.font.empty()) {
+        font.emplace(arguments.font);
+        if (!font->problem().empty()) return fail(font->problem());
+    }
     const uint32_t ground = arguments.background != 0 ? arguments.background : 0xFF000000;
     Picture picture(static_cast<int>(width), static_cast<int>(height), ground);
     const auto start = std::chrono::steady_clock::now();

@@ -55,7 +55,7 @@ TEST(HostileDrawings, NumbersAndNamesReplaced)
         "Z",     "a1 1 0 11", "use",       "svg"};
     std::mt19937 random(20);
     for (const std::string& drawing : sampleDrawings()) {
-        for (int round = 0; round < 60; ++round) {
+        for (int round = 0; round < 200; ++round) {
             std::string text = drawing;
             for (int change = 0; change < 6; ++change) {
                 const size_t from = text.find_first_of("0123456789", random() % text.size());
@@ -73,7 +73,7 @@ TEST(HostileDrawings, BytesChanged)
 {
     std::mt19937 random(21);
     for (const std::string& drawing : sampleDrawings()) {
-        for (int round = 0; round < 60; ++round) {
+        for (int round = 0; round < 200; ++round) {
             std::string text = drawing;
             for (int change = 0; change < 4; ++change) {
                 const char c = static_cast<char>(32 + random() % 96);
