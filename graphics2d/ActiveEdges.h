@@ -95,8 +95,10 @@ static_assert(sizeof(Chain) <= kActiveEdgeWords * 4, "the record must fit its sl
 struct RowPlace {
     Fixed top;    // x at the row's upper end, or at the chain's first vertex when that lies lower
     Fixed bottom; // x at the row's lower end, or at the chain's last vertex when that lies higher
-    Fixed slope;  // of a straight chain
-    Fixed endY;   // where a straight chain's edge ends
+    Fixed minX;   // extent within the row
+    Fixed maxX;
+    Fixed slope; // of a straight chain
+    Fixed endY;  // where a straight chain's edge ends
     int32_t winding;
     uint32_t edge;  // the Chain: its offset in the pool's slots, in words
     bool straight;  // crosses the whole row on one edge

@@ -105,21 +105,32 @@ void CoverageRow::addSloped(Fixed low, Fixed high, uint32_t height, int32_t sign
 void CoverageRow::sweep(RowPainter& painter)
 {
     int32_t column = 0;
-    int32_t area = 0;
+    Area area = 0;
     const uint32_t words = bitmapWords(columns_);
     for (uint32_t w = 0; w < words; ++w) {
         uint32_t bits = touched_[w];
         if (bits == 0) continue;
         touched_[w] = 0;
-        for (; bits != 0; bits &= bits - 1) {
-            const int32_t next = static_cast<int32_t>(w * 32 + lowestBit(bits));
-            painter.add(left_ + column, left_ + next, area);
-            area += deltas_[static_cast<uint32_t>(next)];
-            deltas_[static_cast<uint32_t>(next)] = 0;
-            column = next;
-        }
+        do {
+            // A stretch of touched columns, and what lies before it.
+            uint32_t bit = lowestBit(bits);
+            const int32_t first = static_cast<int32_t>(w * 32 + bit);
+            if (first != column) painter.addConstant(left_ + column, left_ + first, area);
+            Area areas[32];
+            int32_t count = 0;
+            for (int32_t* delta = deltas_.data() + first; bit < 32 && (bits >> bit & 1) != 0;
+                 ++bit) {
+                area += *delta;
+                *delta++ = 0;
+                areas[count++] = area;
+            }
+            bits = bit < 32 ? bits >> bit << bit : 0;
+            column = first + count;
+            // The entry behind the last column only takes what is left over.
+            painter.addAreas(left_ + first, areas, std::min(count, columns_ - first));
+        } while (bits != 0);
     }
-    painter.add(left_ + column, left_ + columns_, area);
+    if (column < columns_) painter.addConstant(left_ + column, left_ + columns_, area);
     painter.flush();
 }
 

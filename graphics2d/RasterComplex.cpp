@@ -48,8 +48,7 @@ void drawSharpRow(RowPainter& painter, const RowPlace* place, const RowPlace* en
         if (!was)
             left = place->bottom;
         else
-            painter.add(std::max(fixFloor(left), painter.visible().left),
-                        std::min(fixFloor(place->bottom), painter.visible().right), kWholeArea);
+            painter.addSpan(fixFloor(left), fixFloor(place->bottom));
     }
     painter.flush();
 }
@@ -128,7 +127,13 @@ public:
 
 private:
     void placeChains();
-    void placeBent(RowPlace& place, Chain& chain);
+    bool placeBent(RowPlace& place);
+    static void setStraightExtent(RowPlace& place)
+    {
+        place.minX = std::min(place.top, place.bottom);
+        place.maxX = std::max(place.top, place.bottom);
+    }
+    void addApart();
     void markSeparators();
     void markCrossed(RowPlace* bent);
     bool staysBeside(Chain chain, const RowPlace& straight, int32_t side) const;
@@ -138,6 +143,7 @@ private:
     void addSingle(const RowPlace& place, int32_t winding);
     void addStraight(const RowPlace* first, const RowPlace* end, int32_t winding);
     void addClusters(const RowPlace* first, const RowPlace* end, int32_t winding);
+    uint64_t imbalanceOf(Chain chain) const;
     void addBent(Chain* chains, uint32_t count, int32_t winding);
     void addLevels(Chain* chains, uint32_t count, SlabEdge* edges, Levels& levels, int32_t winding);
     void addFixedSlabs(Chain* chains, uint32_t count, int32_t winding);
@@ -152,8 +158,8 @@ private:
     SlabFill slabs_;
     Fixed top_ = 0; // the current row
     Fixed bottom_ = 0;
-    bool hasBent_ = false;    // some chain has vertices in the row
-    bool hasCrossed_ = false; // some straight chains cross
+    bool hasBent_ = false;  // some chain has vertices in the row
+    bool areApart_ = false; // all chains cross the whole row and their extents do not overlap
 };
 
 void SmoothFill::draw()
@@ -168,7 +174,10 @@ void SmoothFill::draw()
             if (active_.nextMinimum() == kNoVertex) return;
             continue;
         }
-        addRow();
+        if (areApart_)
+            addApart();
+        else
+            addRow();
         painter_.beginRow(row);
         coverage_.sweep(painter_);
     }
@@ -178,45 +187,55 @@ void SmoothFill::draw()
 void SmoothFill::placeChains()
 {
     hasBent_ = false;
+    areApart_ = true;
+    Fixed reach = -0x7FFFFFFF - 1;
     RowPlace* kept = active_.begin();
-    for (const RowPlace& old : active_) {
+    for (RowPlace* old = kept; old != active_.end(); ++old) {
         RowPlace& place = *kept;
-        place = old;
+        if (old != kept) place = *old;
         place.top = place.bottom;
-        if (place.straight && place.endY >= bottom_ + 1) {
+        if (place.straight && place.endY > bottom_) {
             place.bottom = wrapAdd(place.top, place.slope);
-            ++kept;
-            continue;
-        }
-        Chain& chain = active_.chainOf(place);
-        if (place.straight) chain.line.moveTo(top_, place.top);
-        if (!chain.descend(ring_, top_)) {
+            setStraightExtent(place);
+        } else if (!placeBent(place)) {
             active_.drop(place);
             continue;
         }
-        placeBent(place, chain);
+        if (place.minX < reach) areApart_ = false;
+        reach = place.maxX;
         ++kept;
     }
     active_.setEnd(kept);
 }
 
-// Places a chain that has, or had in the row before, a vertex.
-void SmoothFill::placeBent(RowPlace& place, Chain& chain)
+// Places a chain that has, or had in the row before, a vertex. False when it ended there.
+bool SmoothFill::placeBent(RowPlace& place)
 {
+    Chain& chain = active_.chainOf(place);
     EdgeLine& line = chain.line;
+    if (place.straight) line.moveTo(top_, place.top);
+    if (!chain.descend(ring_, top_)) return false;
     place.top = line.x;
     place.straight = line.y == top_ && line.endY >= bottom_;
     if (place.straight) {
         place.bottom = line.xAt(bottom_);
         place.slope = line.slopePerRow();
         place.endY = line.endY;
-        return;
+        setStraightExtent(place);
+        return true;
     }
     hasBent_ = true;
-    Chain rest = chain;
-    while (rest.line.endY < bottom_ && rest.step(ring_)) {
+    if (chain.startsBelow(top_)) areApart_ = false;
+    place.minX = place.maxX = line.x;
+    for (Chain rest = chain;;) {
+        place.bottom = rest.line.xAt(bottom_);
+        place.minX = std::min({place.minX, rest.line.x, place.bottom});
+        place.maxX = std::max({place.maxX, rest.line.x, place.bottom});
+        if (rest.line.endY >= bottom_) return true;
+        if (!rest.step(ring_)) break;
     }
-    place.bottom = rest.line.xAt(bottom_);
+    areApart_ = false;
+    return true;
 }
 
 // The chain at the top of the row, or at its first vertex.
@@ -318,6 +337,16 @@ void SmoothFill::markSeparators()
         if (!place->straight) markCrossed(place);
 }
 
+// Adds the usual row.
+void SmoothFill::addApart()
+{
+    int32_t winding = 0;
+    for (const RowPlace& place : active_) {
+        addSingle(place, winding);
+        winding += place.winding;
+    }
+}
+
 void SmoothFill::addRow()
 {
     sortNearlySorted(active_.begin(), active_.size(), isLeftOf);
@@ -387,6 +416,19 @@ void SmoothFill::addStraight(const RowPlace* first, const RowPlace* end, int32_t
     slabs_.add(edges.data(), count, winding, kFixedOne);
 }
 
+// What a chain that starts or ends inside the row does to the winding number right of it: zero in
+// sum where everything that starts and ends cancels.
+uint64_t SmoothFill::imbalanceOf(Chain chain) const
+{
+    uint64_t sum = chain.startsBelow(top_) ? mixed(chain.line.y) : 0;
+    while (chain.line.endY < bottom_) {
+        if (chain.step(ring_)) continue;
+        sum -= mixed(chain.line.endY);
+        break;
+    }
+    return chain.winding > 0 ? sum : 0 - sum;
+}
+
 // Adds chains with vertices. Where their extents do not overlap and everything that starts or ends
 // left of the gap cancels, the chains on either side are settled apart.
 void SmoothFill::addClusters(const RowPlace* first, const RowPlace* end, int32_t winding)
@@ -405,19 +447,8 @@ void SmoothFill::addClusters(const RowPlace* first, const RowPlace* end, int32_t
         return;
     }
     for (uint32_t i = 0; i < count; ++i) {
-        Chain chain = chainInRow(first[i]);
-        Extent extent{chain.line.x, chain.line.x, first + i, 0};
-        if (chain.startsBelow(top_)) extent.imbalance = mixed(chain.line.y);
-        for (;;) {
-            const Fixed x = chain.line.xAt(bottom_);
-            extent.minX = std::min({extent.minX, chain.line.x, x});
-            extent.maxX = std::max({extent.maxX, chain.line.x, x});
-            if (chain.line.endY >= bottom_) break;
-            if (chain.step(ring_)) continue;
-            extent.imbalance -= mixed(chain.line.endY);
-            break;
-        }
-        if (first[i].winding < 0) extent.imbalance = 0 - extent.imbalance;
+        Extent extent{first[i].minX, first[i].maxX, first + i, 0};
+        if (!first[i].straight) extent.imbalance = imbalanceOf(active_.chainOf(first[i]));
         extents[i] = extent;
     }
     sortNearlySorted(extents.data(), count, [](const Extent& a, const Extent& b) {

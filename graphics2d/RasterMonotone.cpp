@@ -132,8 +132,8 @@ private:
 // The span between the chains, without anti-aliasing.
 void drawSharpRow(RowPainter& painter, Fixed x, Fixed otherX)
 {
-    painter.drawWhole(std::max(fixFloor(std::min(x, otherX)), painter.visible().left),
-                      std::min(fixFloor(std::max(x, otherX)), painter.visible().right));
+    painter.addSpan(fixFloor(std::min(x, otherX)), fixFloor(std::max(x, otherX)));
+    painter.flush();
 }
 
 void drawSharp(RowPainter& painter, SideChain& left, SideChain& right, Fixed top, Fixed bottom)
@@ -171,7 +171,11 @@ Fixed drawSlabs(RowPainter& painter, CoverageRow& coverage, SlabFill& slabs, Sid
         const Fixed slabBottom = std::min({rowBottom, left.endY(), right.endY()});
         SlabEdge edges[] = {{left.xAt(level), left.xAt(slabBottom), 1},
                             {right.xAt(level), right.xAt(slabBottom), -1}};
-        slabs.add(edges, 2, 0, static_cast<uint32_t>(slabBottom - level));
+        const uint32_t height = static_cast<uint32_t>(slabBottom - level);
+        if (edges[0].top <= edges[1].top && edges[0].bottom <= edges[1].bottom)
+            slabs.addOrdered(edges, 2, 0, height);
+        else
+            slabs.add(edges, 2, 0, height);
         level = slabBottom;
     }
     coverage.sweep(painter);

@@ -1,10 +1,20 @@
 // From coverage to strip fillers.
 #include "graphics2d/RowPainter.h"
 
-#include <algorithm>
-
 namespace KAVO {
 namespace Graphics2D {
+
+namespace {
+
+bool isPartial(Area area)
+{
+    return area >= kLeastArea && area < kMostArea;
+}
+
+// How far an area may lie from the arithmetic run it is drawn with: a tenth of a weight.
+constexpr Area kRunTolerance = 26;
+
+} // namespace
 
 RowPainter::RowPainter(MMContext2D& context, const PixelBox& visible)
     : context_(context), visible_(visible), span_(chooseSpanFiller(context)),
@@ -36,64 +46,32 @@ void RowPainter::drawPartial(int32_t first, int32_t count, Area start, Area next
     (context_.*edge_)();
 }
 
-void RowPainter::add(int32_t first, int32_t end, Area area)
+void RowPainter::addAreas(int32_t first, const Area* areas, int32_t count)
 {
-    if (area < kLeastArea || first >= end) return;
-    if (area >= kMostArea) {
-        flushPartial();
-        if (wholeEnd_ != first) {
-            flushWhole();
-            wholeFirst_ = first;
+    for (int32_t i = 0; i < count;) {
+        const int32_t start = i++;
+        if (!isPartial(areas[start])) {
+            if (areas[start] >= kMostArea) addWhole(first + start, first + i);
+            continue;
         }
-        wholeEnd_ = end;
-        return;
-    }
-    flushWhole();
-    if (runFirst_ + runCount_ != first) flushPartial();
-    while (first < end) {
-        const bool constant = runCount_ > 2 && runStep_ == 0 && runLast_ == area;
-        if (constant) {
-            runCount_ += end - first;
-            return;
+        flush();
+        Area next = 0;
+        Area step = 0;
+        Area tail = 0;
+        if (i < count && isPartial(areas[i])) {
+            next = areas[i++];
+            if (i < count && isPartial(areas[i])) step = areas[i++] - next;
+            Area expected = next + 2 * step;
+            while (step != 0 && i < count && isPartial(areas[i]) &&
+                   magnitudeOf(areas[i] - expected) <= kRunTolerance) {
+                expected += step;
+                ++i;
+            }
         }
-        addPartial(first++, area);
+        const int32_t end = i;
+        if (end - start > 2 && i < count && isPartial(areas[i])) tail = areas[i++];
+        drawPartial(first + start, end - start, areas[start], next, step * 256, tail);
     }
-}
-
-void RowPainter::addPartial(int32_t column, Area area)
-{
-    switch (runCount_) {
-    case 0:
-        runFirst_ = column;
-        runStart_ = area;
-        break;
-    case 1:
-        runNext_ = area;
-        break;
-    case 2:
-        runStep_ = area - runNext_;
-        break;
-    default:
-        if (area == runLast_ + runStep_) break;
-        drawPartial(runFirst_, runCount_, runStart_, runNext_, runStep_ * 256, area);
-        runCount_ = 0;
-        return;
-    }
-    runLast_ = area;
-    ++runCount_;
-}
-
-void RowPainter::flushWhole()
-{
-    drawWhole(wholeFirst_, wholeEnd_);
-    wholeFirst_ = wholeEnd_ = 0;
-}
-
-void RowPainter::flushPartial()
-{
-    if (runCount_ == 0) return;
-    drawPartial(runFirst_, runCount_, runStart_, runNext_, runStep_ * 256, 0);
-    runCount_ = 0;
 }
 
 } // namespace Graphics2D

@@ -47,19 +47,43 @@ public:
     void drawPartial(int32_t first, int32_t count, Area start, Area next, int32_t step, Area tail);
 
     // Gives the columns first to end - 1 the same area each, to the right of what was given before.
-    // Drawing is delayed until flush().
-    void add(int32_t first, int32_t end, Area area);
+    // Drawing may be delayed until flush().
+    void addConstant(int32_t first, int32_t end, Area area)
+    {
+        if (area >= kMostArea) {
+            addWhole(first, end);
+        } else if (area >= kLeastArea) {
+            flush();
+            drawPartial(first, end - first, area, area, 0, 0);
+        }
+    }
+
+    // Gives whole pixels. The columns may lie outside the visible box.
+    void addSpan(int32_t first, int32_t end)
+    {
+        first = first > visible_.left ? first : visible_.left;
+        end = end < visible_.right ? end : visible_.right;
+        if (first < end) addWhole(first, end);
+    }
+
+    // Gives the columns from first on an area each. Likewise.
+    void addAreas(int32_t first, const Area* areas, int32_t count);
 
     void flush()
     {
-        flushWhole();
-        flushPartial();
+        drawWhole(wholeFirst_, wholeEnd_);
+        wholeFirst_ = wholeEnd_;
     }
 
 private:
-    void flushWhole();
-    void flushPartial();
-    void addPartial(int32_t column, Area area);
+    void addWhole(int32_t first, int32_t end)
+    {
+        if (wholeEnd_ != first) {
+            flush();
+            wholeFirst_ = first;
+        }
+        wholeEnd_ = end;
+    }
 
     MMContext2D& context_;
     PixelBox visible_;
@@ -68,17 +92,9 @@ private:
     int32_t opacity_;
     bool edgeIgnoresCoverage_; // exclusive-or and picking: no tail pixel either
 
-    // The pending run of whole pixels.
+    // The run of whole pixels not drawn yet.
     int32_t wholeFirst_ = 0;
     int32_t wholeEnd_ = 0;
-
-    // The pending arithmetic run.
-    int32_t runFirst_ = 0;
-    int32_t runCount_ = 0;
-    Area runStart_ = 0;
-    Area runNext_ = 0;
-    Area runStep_ = 0;
-    Area runLast_ = 0;
 };
 
 } // namespace Graphics2D

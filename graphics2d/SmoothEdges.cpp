@@ -23,14 +23,15 @@ void addDifference(RowPainter& painter, const EdgeRamp& left, const EdgeRamp& ri
 {
     const int32_t first = std::max(left.firstColumn(), painter.visible().left);
     const int32_t end = std::min(right.endColumn(), painter.visible().right);
-    for (int32_t column = first; column < end; ++column) {
+    for (int32_t column = first; column < end;) {
         // Nothing changes between the ramps.
-        int32_t same = column + 1;
+        int32_t next = column + 1;
         if (column >= left.endColumn() && column < right.firstColumn())
-            same = std::min(end, right.firstColumn());
+            next = std::min(end, right.firstColumn());
         const Area area = left.areaOf(column) - right.areaOf(column);
-        painter.add(column, same, static_cast<Area>(static_cast<int64_t>(area) * height >> 16));
-        column = same - 1;
+        painter.addConstant(column, next,
+                            static_cast<Area>(static_cast<int64_t>(area) * height >> 16));
+        column = next;
     }
     painter.flush();
 }
