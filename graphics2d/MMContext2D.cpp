@@ -23,6 +23,8 @@ MMContext2D::MMContext2D()
     scratchStack.Create(kFirstScratchWords);
     strokePaint.paintType = kPaintNone;
     fillPaint.paintColour = 0xFF000000;
+    fontSize = 12 * kFixedOne;
+    fontWeight = 4;
     miterLimit = 4 * kFixedOne;
     imageOpacity = 255;
     strokeHalfWidth = kFixedHalf;

@@ -42,6 +42,10 @@ enum MMCapStyle : uint8_t { kCapButt = 0, kCapRound = 1, kCapSquare = 2 };
 enum MMFillRule : uint8_t { kFillNonZero = 0, kFillEvenOdd = 1 };
 enum MMPatternFilter : uint8_t { kFilterNearest = 0, kFilterBilinear = 1, kFilterBicubic = 2 };
 
+// Values of MMContext2D::fontStyle and textAnchor. Both slanted styles are the same shear.
+enum MMFontStyle : uint32_t { kFontUpright = 0, kFontItalic = 1, kFontOblique = 2 };
+enum MMTextAnchor : uint32_t { kAnchorStart = 0, kAnchorMiddle = 1, kAnchorEnd = 2 };
+
 // Bits of MMContext2D::renderFlags and outOfMemory.
 constexpr uint32_t kRenderBoundsOnly = 8; // drawPath computes untransformed bounds, draws nothing
 constexpr uint16_t kScratchExhausted = 1;
@@ -148,6 +152,63 @@ public:
     void drawImage(const MMPixmap* image, const MMFixedRegion* source, const MMPixmap* destination,
                    const MMFixedRegion* destinationRect, Degrees angle);
 
+    // --- Text -----------------------------------------------------------------------------------
+    // All text is UTF-16, each code unit a character of its own: surrogate halves have no glyphs,
+    // and a character without a glyph is left out without advance. Text is drawn with fillPaint, or
+    // with strokePaint when the fill is kPaintNone; exclusive-or and picking paints draw none. Null
+    // texts count as empty. With fontMetrics null nothing is drawn or measured.
+
+    // Brings the white space of a document into shape; dst may be src. Without preserveSpace,
+    // leading white space and line ends go and runs of blanks become one space (also at the end);
+    // with it, tabs and line feeds become spaces and carriage returns go.
+    void ParseText(uint16_t* dst, const uint16_t* src);
+
+    // Draws the lines one after the other on one baseline, starting at (x, y) in user space as
+    // textAnchor says. The lines are normalised in place by ParseText. Leaves the pen at the end of
+    // the text and the bounds fields empty, or with accumulateBounds around all glyph boxes.
+    void drawText(uint16_t** lines, uint8_t count, Fixed x, Fixed y);
+    void drawText(uint16_t* text, Fixed x, Fixed y);
+
+    // Advance of the first length characters in user units. Neither pen nor bounds change.
+    Fixed getTextWidth(const uint16_t* text, uint16_t length);
+
+    // The advance, after ParseText in place, and lineHeight.
+    void getTextSize(uint16_t* text, uint16_t length, Fixed& width, Fixed& height);
+
+    // Box of a text at (x, y) in whole pixels, with no transform; the bounds fields hold it too,
+    // and the pen is left at its end. For an anchored text the caller puts the text's width into
+    // the box beforehand: its right less its left end. Returns 0.
+    uint32_t getTextBBox(uint16_t* text, Fixed x, Fixed y, MMFixedRegion* box);
+
+    // Draws (draw not 0) or only measures up to length characters from the pen on, and moves the
+    // pen. firstIndex is the place of the first character in charX, charY and charRotate. With
+    // accumulateBounds the glyph boxes join the bounds fields.
+    void renderText(const uint16_t* text, uint16_t length, uint8_t draw, uint32_t firstIndex);
+
+    // The pen to x 0, down by lineHeight; sets newLineFlag.
+    void newLine();
+
+    // Breaks a text into lines of at most width whole units, for destroyTextLayout. Null for a null
+    // text or when the layout engine fails; memory that runs out sets outOfMemory.
+    MMTextLayout* createTextLayout(const uint16_t* text, int32_t width);
+    void destroyTextLayout(MMTextLayout* layout); // null is accepted
+
+    // Draws a text wrapped to wrapWidth from the pen on, each line moved by wrapOffsetX and
+    // wrapOffsetY, underlined when textDecoration is 1. Leaves the pen on the line below the last.
+    // An underline leaves strokePaint solid in the text's colour, and its own strokeHalfWidth. The
+    // last two arguments are ignored.
+    void drawWrappedText(uint16_t* text, uint8_t, uint8_t);
+
+    // The font engine is started by the first context and ended with the last. The constructor and
+    // the destructor call these; updateFont must also follow a change of fontWeight, and sets
+    // lineHeight to fontSize. initFontLib returns 1 when there is no memory for the engine.
+    uint32_t initFontLib();
+    void releaseFontLib();
+    void updateFont();
+    void releaseFont();
+    void createLayoutManager();
+    void destroyLayoutManager();
+
     // --- Strip fillers --------------------------------------------------------------------------
     // Each fills the current span with the current paint. They take everything from the span fields
     // and do no clipping. The T fillers blend with the coverage fields.
@@ -182,6 +243,33 @@ public:
     MMStackContext scratchStack; // temporary arrays of all operations
     MMPaint strokePaint;         // kPaintNone
     MMPaint fillPaint;           // opaque black
+
+    // Font state.
+    void* currentGlyph;    // the font engine's glyph image that is still to be given back
+    uint16_t* fontMetrics; // record of the font engine, owned; null: no text
+    Fixed lineHeight;      // distance between baselines, user units
+    Fixed fontSize;        // user units per em, 12.0
+    uint32_t fontStyle;    // MMFontStyle
+    uint32_t textAnchor;   // MMTextAnchor
+    uint8_t fontWeight;    // hundreds, 4; bold from 6 on. Call updateFont after a change
+    uint8_t newLineFlag;   // set by newLine, cleared by drawWrappedText; for callers
+    Fixed penX;            // where the next text goes on, user units
+    Fixed penY;
+
+    // Placing of single characters, by their index in the text. A list of positions counts from two
+    // values on; one rotation turns all characters, more turn one each.
+    const Fixed* charX; // user units
+    uint32_t charXCount;
+    const Fixed* charY;
+    uint32_t charYCount;
+    const Degrees* charRotate;
+    uint32_t charRotateCount;
+    uint8_t preserveSpace; // 1: ParseText keeps white space
+
+    Fixed wrapWidth;   // line width of drawWrappedText, user units; its whole part counts
+    Fixed wrapOffsetX; // added to the pen for each of its lines
+    Fixed wrapOffsetY;
+    uint32_t textDecoration; // 1: drawWrappedText underlines
 
     Matrix2D savedTransforms[2]; // free for callers
     Matrix2D transform;          // user space to device pixels
@@ -243,9 +331,13 @@ public:
     uint16_t outOfMemory; // bit 0: kScratchExhausted
 
     uint32_t renderFlags; // kRenderBoundsOnly
+    void* layoutControl;  // the layout engine's handle, made by the first createTextLayout
     int32_t pointStep;    // 1; positions between the points that flattening writes
     uint8_t fillRule;     // MMFillRule; strokes are always non-zero
 };
+
+// Turns every run of tabs, line ends and spaces into one space, also at both ends; dst may be src.
+void ParseText2(uint16_t* dst, const uint16_t* src);
 
 #pragma GCC visibility pop
 
