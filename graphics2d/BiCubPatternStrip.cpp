@@ -78,10 +78,36 @@ struct CubicTaps {
 
 // 8.16 sums of the four channels.
 struct CubicSum {
-    uint32_t red = 0;
-    uint32_t green = 0;
     uint32_t blue = 0;
+    uint32_t green = 0;
+    uint32_t red = 0;
     uint32_t alpha = 0;
+
+    CubicSum() = default;
+
+    // The sum over 4 by 4 texels, their first at the given address: two rows and four channels at a
+    // time. A tap weight is fixMul(x, y), which for these small numbers is the upper half of a
+    // product whose first factor has lost its lowest bit.
+    CubicSum(const Pixel* texels, int32_t width, const CubicWeights& x, const CubicWeights& y)
+    {
+        const U16x8 weightsX = (U16x8)(U32x4{inBothHalves(x.tap[0]), inBothHalves(x.tap[1]),
+                                             inBothHalves(x.tap[2]), inBothHalves(x.tap[3])} &
+                                       0xFFFEFFFEu);
+        U32x4 sum = {};
+        for (int k = 0; k < 4; k += 2, texels += 2 * width) {
+            const U32x4 upper = load4(texels);
+            const U32x4 lower = load4(texels + width);
+            const U32x4 left = zipLowBytes(upper, lower);
+            const U32x4 right = zipHighBytes(upper, lower);
+            const U32x4 taps = (U32x4)mulHigh(
+                weightsX, (U16x8)all4(static_cast<uint32_t>(y.tap[k] | y.tap[k + 1] << 16)));
+            sum += multiplyAddPairs(widenLow(left), (U16x8)all4(taps[0])) +
+                   multiplyAddPairs(widenHigh(left), (U16x8)all4(taps[1])) +
+                   multiplyAddPairs(widenLow(right), (U16x8)all4(taps[2])) +
+                   multiplyAddPairs(widenHigh(right), (U16x8)all4(taps[3]));
+        }
+        std::memcpy(this, &sum, sizeof sum);
+    }
 
     // A whole channel times a tap weight below 1.0 is exact.
     void add(Pixel texel, uint32_t weight)
@@ -94,6 +120,12 @@ struct CubicSum {
     Pixel opaque() const
     {
         return packOpaque(red + kChannelHalf, green + kChannelHalf, blue + kChannelHalf);
+    }
+
+private:
+    static uint32_t inBothHalves(Fixed weight)
+    {
+        return static_cast<uint32_t>(weight) * 0x00010001u;
     }
 };
 
@@ -125,15 +157,11 @@ struct BicubicFilter {
 
     void writeInside(InsideWalk at, int32_t first, int32_t count)
     {
+        auto y = CubicWeights::acrossRows(static_cast<Fixed>(fixFraction(at.v)));
         for (int32_t i = 0; i < count; ++i) {
+            if (at.vStep != 0) y = CubicWeights::acrossRows(static_cast<Fixed>(fixFraction(at.v)));
             const auto x = CubicWeights::alongRow(static_cast<Fixed>(fixFraction(at.u)));
-            const auto y = CubicWeights::acrossRows(static_cast<Fixed>(fixFraction(at.v)));
-            const Pixel* row = at.texel() - at.width - 1;
-            CubicSum sum;
-            for (int k = 0; k < 4; ++k, row += at.width)
-                for (int j = 0; j < 4; ++j)
-                    sum.add(row[j], static_cast<uint32_t>(fixMul(x.tap[j], y.tap[k])));
-            out.put(first + i, sum);
+            out.put(first + i, CubicSum(at.texel() - at.width - 1, at.width, x, y));
             at.advance();
         }
     }

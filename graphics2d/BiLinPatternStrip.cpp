@@ -95,9 +95,8 @@ private:
     static U16x8 interpolatedRows(const InsideWalk& at)
     {
         const Pixel* upper = at.texel();
-        U32x4 texels; // upper left, upper right, lower left, lower right
-        std::memcpy(&texels, upper, 8);
-        std::memcpy(reinterpret_cast<char*>(&texels) + 8, upper + at.width, 8);
+        // Upper left, upper right, lower left, lower right.
+        const U32x4 texels = load2And2(upper, upper + at.width);
         const U32x4 columns = __builtin_shufflevector(texels, texels, 0, 2, 1, 3);
         return moveToward(widenLow(columns), widenHigh(columns), (U16x8)all4(weightPair(at.u))) >>
                8;

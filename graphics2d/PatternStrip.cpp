@@ -37,6 +37,7 @@ struct NearestFilter {
     {
         Pixel* to = out + first;
         if (at.vStep == 0 && copyRow(at, to, count)) return;
+        if (at.vStep == 0) return scaleRow(at, to, count);
         for (int32_t i = 0; i < count; ++i) {
             to[i] = *at.texel();
             at.advance();
@@ -57,6 +58,25 @@ private:
         if (shortfall > fixFraction(at.u)) return false;
         std::memcpy(to, at.texel(), static_cast<size_t>(count) * sizeof(Pixel));
         return true;
+    }
+
+    // All texels from one row.
+    static void scaleRow(const InsideWalk& at, Pixel* to, int32_t count)
+    {
+        Fixed u = wrapAdd(at.u, at.uBias);
+        const Pixel* row = at.texel() - fixFloor(u);
+        const auto next = [&] {
+            const Pixel texel = row[fixFloor(u)];
+            u = wrapAdd(u, at.uStep);
+            return texel;
+        };
+        int32_t i = 0;
+        for (; i + 4 <= count; i += 4) {
+            const U32x4 texels = {next(), next(), next(), next()};
+            store4(to + i, texels);
+        }
+        for (; i < count; ++i)
+            to[i] = next();
     }
 };
 

@@ -8,6 +8,10 @@
 
 #include <cstring>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace KAVO {
 namespace Graphics2D {
 
@@ -24,6 +28,19 @@ inline U32x4 load4(const uint32_t* from)
     U32x4 lanes;
     std::memcpy(&lanes, from, sizeof lanes);
     return lanes;
+}
+
+// Two pixels from each of two places.
+inline U32x4 load2And2(const uint32_t* first, const uint32_t* second)
+{
+    typedef uint64_t U64x2 __attribute__((vector_size(16)));
+    U64x2 pairs;
+    uint64_t pair;
+    std::memcpy(&pair, first, sizeof pair);
+    pairs[0] = pair;
+    std::memcpy(&pair, second, sizeof pair);
+    pairs[1] = pair;
+    return (U32x4)pairs;
 }
 
 inline void store4(uint32_t* to, U32x4 lanes)
@@ -56,6 +73,52 @@ inline U16x8 widenHigh(U32x4 pixels)
                                           28, 13, 29, 14, 30, 15, 31);
 }
 
+// The same times 256.
+inline U16x8 widenLowToHighBytes(U32x4 pixels)
+{
+    return (U16x8)__builtin_shufflevector(U8x16{}, (U8x16)pixels, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20,
+                                          5, 21, 6, 22, 7, 23);
+}
+
+inline U16x8 widenHighToHighBytes(U32x4 pixels)
+{
+    return (U16x8)__builtin_shufflevector(U8x16{}, (U8x16)pixels, 8, 24, 9, 25, 10, 26, 11, 27, 12,
+                                          28, 13, 29, 14, 30, 15, 31);
+}
+
+// The bytes of two pixels of each operand in turn.
+inline U32x4 zipLowBytes(U32x4 a, U32x4 b)
+{
+    return (U32x4)__builtin_shufflevector((U8x16)a, (U8x16)b, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5,
+                                          21, 6, 22, 7, 23);
+}
+
+inline U32x4 zipHighBytes(U32x4 a, U32x4 b)
+{
+    return (U32x4)__builtin_shufflevector((U8x16)a, (U8x16)b, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28,
+                                          13, 29, 14, 30, 15, 31);
+}
+
+// The upper halves of the products.
+inline U16x8 mulHigh(U16x8 a, U16x8 b)
+{
+    U16x8 result;
+    for (int i = 0; i < 8; ++i) // compilers know this as one instruction
+        result[i] = static_cast<uint16_t>((static_cast<uint32_t>(a[i]) * b[i]) >> 16);
+    return result;
+}
+
+// a[0] * b[0] + a[1] * b[1] and so on; all below 2^15.
+inline U32x4 multiplyAddPairs(U16x8 a, U16x8 b)
+{
+#if defined(__SSE2__)
+    return (U32x4)_mm_madd_epi16((__m128i)a, (__m128i)b);
+#else
+    const U32x4 even = ((U32x4)a & 0xFFFF) * ((U32x4)b & 0xFFFF);
+    return even + ((U32x4)a >> 16) * ((U32x4)b >> 16);
+#endif
+}
+
 // Four pixels from the high bytes of sixteen 16-bit lanes.
 inline U32x4 narrowHighBytes(U16x8 low, U16x8 high)
 {
@@ -82,6 +145,33 @@ inline U32x4 blend4(U32x4 destination, U32x4 source, U32x4 weights)
     return narrowHighBytes(moveToward(widenLow(destination), widenLow(source), lowWeights),
                            moveToward(widenHigh(destination), widenHigh(source), highWeights));
 }
+
+// blend4 with one colour and weight for all pixels.
+class FlatBlend {
+public:
+    FlatBlend(Pixel colour, uint32_t weight)
+        : source_((I16x8)widenLow(all4(colour))), raiseBelow_(source_ - 128),
+          weight_((U16x8)all4(weight * 0x00010001u))
+    {
+    }
+    U32x4 operator()(U32x4 destination) const
+    {
+        return narrowHighBytes(moved(widenLow(destination), widenLowToHighBytes(destination)),
+                               moved(widenHigh(destination), widenHighToHighBytes(destination)));
+    }
+
+private:
+    // moveToward; a difference above 128 shows in the destination alone.
+    U16x8 moved(U16x8 from, U16x8 from256) const
+    {
+        const I16x8 raised = source_ - (I16x8)(raiseBelow_ > (I16x8)from);
+        return from256 + (U16x8)(raised - (I16x8)from) * weight_;
+    }
+
+    I16x8 source_;
+    I16x8 raiseBelow_;
+    U16x8 weight_;
+};
 
 } // namespace Graphics2D
 } // namespace KAVO

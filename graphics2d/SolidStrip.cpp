@@ -13,6 +13,15 @@ inline uint32_t roundedWeight(Coverage coverage)
     return static_cast<uint32_t>(wrapAdd(coverage, 0x8000) >> 16) & 0xFFu;
 }
 
+// Blends fours of pixels from the index on with one coverage; returns the index of the rest.
+int32_t blendFlat(Pixel* pixels, int32_t i, int32_t end, Pixel colour, Coverage coverage)
+{
+    const FlatBlend blend(colour, roundedWeight(coverage));
+    for (; i + 4 <= end; i += 4)
+        store4(pixels + i, blend(load4(pixels + i)));
+    return i;
+}
+
 // Two of a pixel's four bytes, 16 bits apart, each of 128 or more counted one higher so that 255
 // acts as 256.
 inline uint32_t biasedPair(uint32_t pair)
@@ -24,12 +33,7 @@ inline uint32_t biasedPair(uint32_t pair)
 
 void MMContext2D::drawSolidStrip()
 {
-    const int32_t first = fixFloor(spanStart);
-    const int32_t count = fixFloor(spanEnd) - first;
-    const Pixel colour = currentPaint.paintColour;
-    Pixel* pixels = spanPixels + first;
-    for (int32_t i = 0; i < count; ++i)
-        pixels[i] = colour;
+    fillPixels(spanFirstPixel(*this), spanLength(*this), currentPaint.paintColour);
 }
 
 void MMContext2D::drawSolidXORStrip()
@@ -50,15 +54,16 @@ void MMContext2D::drawPickingStrip()
 
 void MMContext2D::drawSolidTStrip()
 {
-    const int32_t first = fixFloor(spanStart);
-    const int32_t count = fixFloor(spanEnd) - first;
+    const int32_t count = spanLength(*this);
     const Pixel colour = currentPaint.paintColour;
-    Pixel* pixels = spanPixels + first;
+    Pixel* pixels = spanFirstPixel(*this);
     if (count > 0) {
-        pixels[0] = blendPixel(pixels[0], colour, roundedWeight(spanCoverage));
         const Coverage step = spanCoverageStep;
         Coverage coverage = spanCoverageNext;
-        for (int32_t i = 1; i < count; ++i) {
+        pixels[0] = blendPixel(pixels[0], colour, roundedWeight(spanCoverage));
+        int32_t i = 1;
+        if (step == 0 && count >= 8) i = blendFlat(pixels, i, count, colour, coverage);
+        for (; i < count; ++i) {
             pixels[i] = blendPixel(pixels[i], colour, roundedWeight(coverage));
             coverage = wrapAdd(coverage, step);
         }

@@ -107,7 +107,10 @@ inline Pixel* spanFirstPixel(const MMContext2D& context)
 
 inline void fillPixels(Pixel* pixels, int32_t count, Pixel colour)
 {
-    for (int32_t i = 0; i < count; ++i)
+    int32_t i = 0;
+    for (; i + 4 <= count; i += 4)
+        store4(pixels + i, all4(colour));
+    for (; i < count; ++i)
         pixels[i] = colour;
 }
 
@@ -228,8 +231,9 @@ private:
     {
         const int32_t pairs = pixelsWithNeighbour(count);
         int32_t i = 0;
-        for (; i + 4 <= pairs; i += 4)
-            store4(pixels_ + i, blend4(load4(pixels_ + i + 1), all4(colour), all4(weight)));
+        if (pairs >= 4)
+            for (const FlatBlend blend(colour, weight); i + 4 <= pairs; i += 4)
+                store4(pixels_ + i, blend(load4(pixels_ + i + 1)));
         for (; i < pairs; ++i)
             pixels_[i] = blendPixel(pixels_[i + 1], colour, weight);
         for (; i < count; ++i)
