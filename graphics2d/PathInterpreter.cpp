@@ -2,11 +2,12 @@
 //
 // A path is filled as one polygon through all its subpaths: each in turn with its first point
 // repeated at its end, then the first points again in reverse order. Every connecting edge is so
-// walked once each way, and the pairs cancel.
+// walked once each way, and the pairs cancel. Strokes take the subpaths one by one.
 #include "graphics2d/BoundsUnion.h"
 #include "graphics2d/MMContext2D.h"
 #include "graphics2d/PathDecoder.h"
 #include "graphics2d/Rasteriser.h"
+#include "graphics2d/Stroker.h"
 #include "graphics2d/TransformPoints.h"
 
 #include <algorithm>
@@ -67,6 +68,22 @@ bool fillPath(MMContext2D& context, DecodedPath& path)
     return true;
 }
 
+void strokePath(MMContext2D& context, DecodedPath& path)
+{
+    context.currentPaint = context.strokePaint;
+    const auto strokeSegments = context.dashArray != nullptr ? dashSubpath : strokeSubpath;
+    const MMLinkPath* segment = path.segments();
+    BoundsUnion bounds;
+    for (uint32_t i = 0; i < path.subpathCount(); ++i) {
+        const uint32_t count = path.segmentCount(i);
+        if (count == 0) continue;
+        strokeSegments(context, segment, count, path.isClosed(i));
+        bounds.addBoundsOf(context);
+        segment += count;
+    }
+    if (context.accumulateBounds != 0) bounds.storeTo(context);
+}
+
 } // namespace
 
 void MMContext2D::drawPath(const uint32_t* path)
@@ -87,6 +104,7 @@ void MMContext2D::drawPath(const uint32_t* path)
         outOfMemory |= kScratchExhausted;
         return;
     }
+    if (strokePaint.paintType != kPaintNone) strokePath(*this, decoded);
 }
 
 uint32_t MMContext2D::getPathKeyPointCount(const uint32_t* storedPath)

@@ -1,0 +1,201 @@
+// Where dashes begin and end, and what becomes of patterns that are none.
+#include "tests/support/FailingHeap.h"
+#include "tests/support/StrokeRecorder.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <initializer_list>
+#include <random>
+#include <utility>
+
+namespace {
+
+using namespace KAVO::Graphics2D;
+using Points = std::vector<MMPoint2D>;
+
+constexpr Fixed fx(double v)
+{
+    return static_cast<Fixed>(v * 65536);
+}
+
+std::vector<StrokeRecorder::Stroke> dash(MMContext2D& context, Points points, bool closed = false)
+{
+    StrokeRecorder recorder;
+    MMLinkPath record = {points.data(), static_cast<uint32_t>(points.size())};
+    context.drawDashArray(&record, 1, closed);
+    return recorder.strokes;
+}
+
+// A context with a dash pattern in whole units.
+struct Dashed {
+    std::vector<Fixed> lengths;
+    MMContext2D context;
+
+    explicit Dashed(std::initializer_list<double> pattern, double offset = 0)
+    {
+        for (double length : pattern)
+            lengths.push_back(fx(length));
+        context.dashArray = lengths.data();
+        context.dashCount = static_cast<uint16_t>(lengths.size());
+        context.dashOffset = fx(offset);
+    }
+};
+
+const Points kLine20 = {{0, 0}, {fx(20), 0}};
+
+TEST(DashArray, PhasesOnAStraightLine)
+{
+    using Spans = std::vector<std::pair<double, double>>;
+    struct {
+        std::initializer_list<double> pattern;
+        double offset;
+        Spans dashes; // from and to along 20 units
+    } const cases[] = {
+        {{4, 2}, 0, {{0, 4}, {6, 10}, {12, 16}, {18, 20}}},
+        {{4, 2}, 3, {{0, 1}, {3, 7}, {9, 13}, {15, 19}}},
+        // The pattern turns on exactly at the end: a dash of no length, which caps make a dot.
+        {{4, 2}, 4, {{2, 6}, {8, 12}, {14, 18}, {20, 20}}},
+        {{4, 2}, 6, {{0, 4}, {6, 10}, {12, 16}, {18, 20}}},
+        {{4, 2}, 6003, {{0, 1}, {3, 7}, {9, 13}, {15, 19}}},
+        {{4, 2}, -2, {{2, 6}, {8, 12}, {14, 18}, {20, 20}}},
+        {{4, 2}, -5, {{0, 3}, {5, 9}, {11, 15}, {17, 20}}},
+        {{4, 2}, -6006, {{0, 4}, {6, 10}, {12, 16}, {18, 20}}},
+        {{8}, 0, {{0, 8}, {16, 20}}},
+        {{8}, 11, {{5, 13}}},
+        {{8}, -3, {{0, 3}, {11, 19}}}, // backward, an odd pattern's last entry is on
+        {{8}, -8, {{0, 8}, {16, 20}}},
+        {{8}, -16, {{8, 16}}},
+        {{3, 2, 1}, 0, {{0, 3}, {5, 6}, {9, 11}, {12, 15}, {17, 18}}},
+        // An entry without length is over before the walk begins.
+        {{0, 5}, 0, {{5, 5}, {10, 10}, {15, 15}, {20, 20}}},
+        {{5, 0}, 1, {{0, 4}, {4, 9}, {9, 14}, {14, 19}, {19, 20}}},
+        {{30, 5}, 0, {{0, 20}}},
+        {{1, 30}, 1, {}},
+    };
+    for (const auto& c : cases) {
+        Dashed dashed(c.pattern, c.offset);
+        Spans spans;
+        for (const auto& stroke : dash(dashed.context, kLine20)) {
+            EXPECT_FALSE(stroke.closed);
+            EXPECT_EQ(stroke.records, 1u);
+            spans.emplace_back(stroke.points.front().x / 65536.0, stroke.points.back().x / 65536.0);
+        }
+        EXPECT_EQ(spans, c.dashes) << "pattern of " << c.pattern.size() << ", offset " << c.offset;
+    }
+}
+
+// Exact boundaries from a plain model: positions along right-angled edges need no rounding.
+TEST(DashArray, BendsWithItsVerticesAcrossRecords)
+{
+    Dashed dashed({15, 5}, 0);
+    Points all = {{0, 0}, {fx(10), 0}, {fx(10), 0}, {fx(10), fx(10)}, {0, fx(10)}};
+    MMLinkPath records[] = {{&all[0], 1}, {&all[1], 0}, {&all[1], 2}, {&all[3], 2}};
+    StrokeRecorder recorder;
+    dashed.context.drawDashArray(records, 4, 1);
+    ASSERT_EQ(recorder.strokes.size(), 3u);
+    EXPECT_EQ(recorder.strokes[0].points, (Points{{0, 0}, {fx(10), 0}, {fx(10), fx(5)}}));
+    // The gap ends exactly on a vertex; closed, the walk goes back to the first point.
+    EXPECT_EQ(recorder.strokes[1].points, (Points{{fx(10), fx(10)}, {0, fx(10)}, {0, fx(5)}}));
+    EXPECT_EQ(recorder.strokes[2].points, (Points{{0, 0}}));
+}
+
+TEST(DashArray, WhatCannotBeCutIsStrokedWhole)
+{
+    const auto expectWhole = [](Dashed& dashed, const char* what) {
+        const auto strokes = dash(dashed.context, {{0, 0}, {fx(20), 0}, {fx(20), fx(5)}}, true);
+        ASSERT_EQ(strokes.size(), 1u) << what;
+        EXPECT_TRUE(strokes[0].closed) << what;
+        EXPECT_EQ(strokes[0].points.size(), 3u) << what;
+    };
+    Dashed empty({}), negative({3, -1, 2}), zero({0, 0}), fine({0, 1.0 / 65536 * 30});
+    expectWhole(empty, "empty");
+    expectWhole(negative, "negative");
+    expectWhole(zero, "zero");
+    expectWhole(fine, "more than 65,535 pieces");
+    empty.context.dashArray = nullptr;
+    empty.context.dashCount = 4;
+    expectWhole(empty, "null");
+
+    // Pieces of one unit, on and off, along 65,534 and 65,535 units: the last one is the end.
+    Dashed units({1.0 / 65536});
+    EXPECT_EQ(dash(units.context, {{0, 0}, {65534, 0}}).size(), 32768u);
+    EXPECT_EQ(dash(units.context, {{0, 0}, {65535, 0}}).size(), 1u);
+}
+
+TEST(DashArray, ALonePointKeepsItsBlockAndHarmsNoLaterRelease)
+{
+    Dashed dashed({3, 2});
+    MMContext2D& context = dashed.context;
+    void* outer = context.scratchStack.Alloc(1020); // the lone point's block spills behind it
+    EXPECT_TRUE(dash(context, {{5, 5}}).empty());
+    EXPECT_EQ(context.scratchStack.usedWords, 1021u + 3);
+    context.scratchStack.DeAlloc(outer);
+    EXPECT_EQ(context.scratchStack.usedWords, 3u);
+    EXPECT_EQ(dash(context, kLine20).size(), 5u);
+    EXPECT_EQ(context.scratchStack.usedWords, 3u);
+}
+
+TEST(DashArray, BoundsAreThoseOfAllDashes)
+{
+    Dashed dashed({4, 2}, 4);
+    dashed.context.accumulateBounds = 1;
+    dash(dashed.context, {{0, 0}, {fx(19), 0}});
+    EXPECT_EQ(dashed.context.boundsMinX, fx(2));
+    EXPECT_EQ(dashed.context.boundsMaxX, fx(18));
+    dash(dashed.context, {{0, 0}, {fx(1), 0}}); // all of it is gap
+    EXPECT_EQ(dashed.context.boundsMinX, kEmptyBoundsMin);
+    EXPECT_EQ(dashed.context.boundsMaxX, kEmptyBoundsMax);
+}
+
+TEST(DashArray, ExhaustedScratchDrawsNothing)
+{
+    Dashed dashed({3, 2});
+    Points points(2000);
+    for (int i = 0; i < 2000; ++i)
+        points[size_t(i)] = {i * 65536 / 100, 0};
+    FailingHeap heap;
+    heap.failFrom(1);
+    EXPECT_TRUE(dash(dashed.context, points).empty());
+    EXPECT_EQ(dashed.context.outOfMemory, kScratchExhausted);
+    EXPECT_EQ(dashed.context.scratchStack.usedWords, 0u);
+}
+
+// Lengths of random polylines in double precision: each dash is as long as its entry, and they lie
+// where the pattern puts them, to within the truncation of the unit directions.
+TEST(DashArray, DashesOfRandomPolylinesHaveTheirLengths)
+{
+    std::mt19937 random(7);
+    for (int round = 0; round < 50; ++round) {
+        Points points(2 + random() % 20);
+        for (MMPoint2D& p : points)
+            p = {static_cast<Fixed>(random() % fx(200)), static_cast<Fixed>(random() % fx(200))};
+        const auto length = [](const Points& run) {
+            double sum = 0;
+            for (size_t i = 1; i < run.size(); ++i)
+                sum += std::hypot(double(run[i].x) - run[i - 1].x, double(run[i].y) - run[i - 1].y);
+            return sum / 65536;
+        };
+        Dashed dashed({7, 3});
+        const auto strokes = dash(dashed.context, points);
+        const double total = length(points);
+        ASSERT_EQ(strokes.size(), static_cast<size_t>(total / 10) + 1) << "round " << round;
+        for (size_t i = 0; i + 1 < strokes.size(); ++i)
+            EXPECT_NEAR(length(strokes[i].points), 7, 0.02) << "round " << round << " dash " << i;
+    }
+}
+
+TEST(DashArray, EndsOfTheNumberRange)
+{
+    for (Fixed offset : {INT_MIN, INT_MAX, 0}) {
+        Dashed dashed({32767, 1});
+        dashed.context.dashOffset = offset;
+        const auto strokes = dash(
+            dashed.context, {{INT_MIN, INT_MIN}, {INT_MAX, INT_MAX}, {INT_MIN, INT_MAX}}, true);
+        // 65,536 times 2 + sqrt 2 units around, in periods of 32,768.
+        EXPECT_NEAR(double(strokes.size()), 7, 1) << offset;
+    }
+}
+
+} // namespace
