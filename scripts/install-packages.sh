@@ -1,0 +1,42 @@
+#!/bin/bash
+# Installs the Debian packages that are missing; says and does nothing when none is.
+#
+#   scripts/install-packages.sh GROUP...
+#
+# Groups: build (the library), test, examples, bench, targets (other machines and compilers).
+set -euo pipefail
+
+packages=()
+for group in "$@"; do
+    case $group in
+        build) packages+=(g++ binutils cmake ninja-build pkg-config) ;;
+        test) packages+=(libgtest-dev googletest g++-i686-linux-gnu qemu-user) ;;
+        examples)
+            packages+=(libpugixml-dev libpng-dev
+                librsvg2-bin librsvg2-tests openclipart-svg) ;;
+        bench) packages+=(libbenchmark-dev libcairo2-dev libagg-dev libpugixml-dev libpng-dev) ;;
+        targets)
+            packages+=(clang libclang-rt-14-dev
+                g++-arm-linux-gnueabihf g++-aarch64-linux-gnu) ;;
+        *)
+            echo "$0: unknown group $group" >&2
+            exit 2 ;;
+    esac
+done
+
+missing=()
+for package in "${packages[@]}"; do
+    state=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2> /dev/null || true)
+    [ "$state" = installed ] || missing+=("$package")
+done
+[ ${#missing[@]} = 0 ] && exit 0
+
+echo "installing ${missing[*]}"
+as_root=()
+if [ "$(id -u)" != 0 ]; then
+    command -v sudo > /dev/null || { echo "needs root or sudo to install packages" >&2; exit 1; }
+    as_root=(sudo)
+fi
+export DEBIAN_FRONTEND=noninteractive
+"${as_root[@]}" apt-get update -qq
+"${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" > /dev/null
