@@ -27,14 +27,14 @@ struct Piece {
     uint32_t level; // how often the whole curve was halved to make it
 };
 
-// 2 / |determinant| in 16.16 square user units, the largest value for a singular transform.
-Fixed areaTolerance(const Matrix2D& transform)
+// 2 / |determinant| in 16.16 square user units; everything is flat under a singular transform.
+int64_t areaTolerance(const Matrix2D& transform)
 {
     const Fixed determinant =
         wrapSub(fixMul(transform.a, transform.d), fixMul(transform.b, transform.c));
     const uint32_t half = magnitudeOf(determinant) >> 1;
-    if (half == 0) return 0x7FFFFFFF;
-    return static_cast<Fixed>((0xFFFFFFFFu / half) & 0x7FFFFFFFu);
+    if (half == 0) return INT64_MAX;
+    return (0xFFFFFFFFu / half) & 0x7FFFFFFFu;
 }
 
 // Half the sum, truncated toward zero.
@@ -56,7 +56,7 @@ int64_t turnArea(const MMPoint2D& a, const MMPoint2D& b, const MMPoint2D& c)
 }
 
 // The public contract with a cap on the halvings; 0 when the points are more than capacity.
-uint32_t subdivide(const BezierCurve& curve, Fixed tolerance, uint32_t maxLevel, MMPoint2D* out,
+uint32_t subdivide(const BezierCurve& curve, int64_t tolerance, uint32_t maxLevel, MMPoint2D* out,
                    uint32_t capacity, int32_t step)
 {
     Piece pending[kMaxPending];
@@ -97,7 +97,7 @@ uint32_t flattenBezier(const Matrix2D& transform, const BezierCurve& curve, MMPo
 {
     // The stack of second halves bounds the first halves only: halving that goes on toward the end
     // of a curve can still make too many points of a vast one. It then gets even pieces instead.
-    const Fixed tolerance = areaTolerance(transform);
+    const int64_t tolerance = areaTolerance(transform);
     if (capacity < kMaxCurvePoints)
         return subdivide(curve, tolerance, UINT32_MAX, out, capacity, step);
     const uint32_t count = subdivide(curve, tolerance, UINT32_MAX, out, kMaxCurvePoints, step);

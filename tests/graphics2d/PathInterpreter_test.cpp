@@ -3,6 +3,7 @@
 #include "graphics2d/Rasteriser.h"
 #include "tests/support/EncodedPath.h"
 #include "tests/support/FailingHeap.h"
+#include "tests/support/StrokeRecorder.h"
 
 #include <gtest/gtest.h>
 
@@ -164,14 +165,14 @@ TEST(PathFill, NothingToFill)
 // 70,000 points in one command: with 16-bit counts only 4,464 of them would be drawn.
 TEST(PathFill, CountsBeyond16BitsDoNotWrap)
 {
-    Points comb;
-    for (int i = 0; i < 35000; ++i) {
-        comb.push_back({i * 64, fx(1)});
-        comb.push_back({i * 64 + 32, fx(4)});
+    Points jagged; // down its left side, up its right one
+    for (int i = 0; i < 70000; ++i) {
+        const bool left = i < 35000;
+        jagged.push_back({fx(left ? 5 : 35) + i % 3 * 0x3000, fx(3) + (left ? i : 69999 - i) * 50});
     }
     EncodedPath path;
-    path.points(comb, EncodedPath::kClosed);
-    expectFillsAs(path, polygonOf({comb}));
+    path.points(jagged, EncodedPath::kClosed);
+    expectFillsAs(path, polygonOf({jagged}));
 }
 
 TEST(PathFill, BoundsOnlyMeasuresUntransformedPointsAndDrawsNothing)
@@ -244,6 +245,46 @@ TEST(PathFill, HostileCommandsAndCoordinatesEndInTime)
         picture.context.drawPath(path.data());
         EXPECT_EQ(picture.context.scratchStack.usedWords, 0u) << "round " << round;
     }
+}
+
+TEST(PathStroke, HandsOnEachSubpathInUserSpace)
+{
+    EncodedPath path;
+    path.points({at(1, 1)}).points({at(20, 1), at(20, 20)}, EncodedPath::kClosed);
+    path.bare(EncodedPath::kOpen).points({at(4, 50)}, EncodedPath::kOpen);
+    path.points({at(30, 30)}).curves({at(30, 40), at(50, 40), at(50, 30)}, EncodedPath::kOpen);
+    Picture picture;
+    MMContext2D& context = picture.context;
+    context.strokePaint.paintType = kPaintSolid;
+    context.strokePaint.paintColour = 0xFF00FF00;
+    context.fillPaint.paintType = kPaintNone;
+    context.accumulateBounds = 1;
+    context.transform = {fx(0.5), 0, 0, fx(0.5), 0, 0};
+    StrokeRecorder recorder;
+    context.drawPath(path.data());
+    ASSERT_EQ(recorder.strokes.size(), 3u);
+    EXPECT_EQ(recorder.strokes[0].points, (Points{at(1, 1), at(20, 1), at(20, 20)}));
+    EXPECT_EQ(recorder.strokes[0].records, 2u);
+    EXPECT_TRUE(recorder.strokes[0].closed);
+    EXPECT_EQ(recorder.strokes[1].points, (Points{at(4, 50)}));
+    EXPECT_EQ(recorder.strokes[2].points.back(), at(50, 30));
+    EXPECT_FALSE(recorder.strokes[2].closed);
+    EXPECT_EQ(recorder.strokes[2].paintColour, 0xFF00FF00u);
+    EXPECT_EQ(context.boundsMinX, fx(1));
+    EXPECT_EQ(context.boundsMaxX, fx(50));
+    EXPECT_EQ(context.boundsMaxY, fx(50));
+
+    const Fixed dashes[] = {fx(19), fx(1000)};
+    context.dashArray = dashes;
+    context.dashCount = 2;
+    context.fillPaint.paintType = kPaintSolid;
+    recorder.strokes.clear();
+    context.drawPath(path.data());
+    ASSERT_EQ(recorder.strokes.size(), 2u); // the lone point has no dash
+    EXPECT_EQ(recorder.strokes[0].points, (Points{at(1, 1), at(20, 1)}));
+    EXPECT_FALSE(picture.blank());
+    EXPECT_EQ(context.boundsMaxX, recorder.strokes[1].points.back().x);
+    EXPECT_EQ(context.scratchStack.usedWords, 3u); // the lone point's block
 }
 
 TEST(PathKeyPoints, CountsPointsCurveEndsAndClosings)

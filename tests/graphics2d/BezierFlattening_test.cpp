@@ -1,0 +1,162 @@
+// Flattening of curves against the plainest form of the rule.
+#include "graphics2d/BezierFlattening.h"
+
+#include "graphics2d/MMContext2D.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <random>
+#include <vector>
+
+namespace {
+
+using namespace KAVO::Graphics2D;
+using Points = std::vector<MMPoint2D>;
+
+constexpr Fixed fx(double v)
+{
+    return static_cast<Fixed>(v * 65536);
+}
+
+constexpr MMPoint2D at(double x, double y)
+{
+    return {fx(x), fx(y)};
+}
+
+struct Wide {
+    int64_t x, y;
+};
+
+// Recursive halving, with the second halves that wait counted instead of kept.
+void modelHalve(Wide p0, Wide c1, Wide c2, Wide p3, int64_t tolerance, int waiting, Points& out)
+{
+    const auto half = [](Wide a, Wide b) { return Wide{(a.x + b.x) / 2, (a.y + b.y) / 2}; };
+    const auto cross = [](Wide a, Wide b, Wide c) {
+        return ((b.x - a.x) >> 8) * ((c.y - b.y) >> 8) - ((b.y - a.y) >> 8) * ((c.x - b.x) >> 8);
+    };
+    const Wide l1 = half(p0, c1), h = half(c1, c2), r2 = half(c2, p3);
+    const Wide l2 = half(l1, h), r1 = half(h, r2), m = half(l2, r1);
+    const int64_t k1 = cross(p0, m, p3), k2 = cross(p0, m, c1);
+    const int64_t v = k2 + ((k1 < 0) == (k2 < 0) ? k1 : -k1);
+    if (waiting == 10 || (-tolerance <= v && v <= tolerance)) {
+        out.push_back({static_cast<Fixed>(p3.x), static_cast<Fixed>(p3.y)});
+        return;
+    }
+    modelHalve(p0, l1, l2, m, tolerance, waiting + 1, out);
+    modelHalve(m, r1, r2, p3, tolerance, waiting, out);
+}
+
+Points model(const BezierCurve& c, int64_t tolerance)
+{
+    Points out;
+    const auto wide = [](MMPoint2D p) { return Wide{p.x, p.y}; };
+    modelHalve(wide(c.start), wide(c.control1), wide(c.control2), wide(c.end), tolerance, 0, out);
+    return out;
+}
+
+Points flatten(const Matrix2D& transform, const BezierCurve& c)
+{
+    MMContext2D context;
+    context.transform = transform;
+    Points out(kMaxCurvePoints + 1, at(-1, -2));
+    const int32_t count = context.getBezierPts(out.data(), c.start, c.control1, c.control2, c.end);
+    EXPECT_EQ(out.back(), at(-1, -2));
+    out.resize(static_cast<size_t>(count));
+    return out;
+}
+
+Matrix2D scaling(double x, double y)
+{
+    return {fx(x), 0, 0, fx(y), 0, 0};
+}
+
+TEST(BezierFlattening, EqualsThePlainModelAtEveryScale)
+{
+    std::mt19937 random(11);
+    size_t most = 0;
+    for (int round = 0; round < 3000; ++round) {
+        const uint32_t size = 1u << (12 + random() % 17); // 1/16 to 4,096 units
+        BezierCurve c;
+        for (MMPoint2D* p : {&c.start, &c.control1, &c.control2, &c.end})
+            *p = {static_cast<Fixed>(random() % size) - static_cast<Fixed>(size / 2),
+                  static_cast<Fixed>(random() % size)};
+        // |determinant| 1, 1/4, 16 and 900 and their tolerances of 2 / |determinant|.
+        const struct {
+            Matrix2D transform;
+            int64_t tolerance;
+        } scales[] = {{scaling(1, 1), 0xFFFFFFFF / 0x8000},
+                      {scaling(0.5, -0.5), 0xFFFFFFFF / 0x2000},
+                      {{0, fx(2), fx(8), 0, 5, 9}, 0xFFFFFFFF / 0x80000},
+                      {scaling(30, 30), 0xFFFFFFFF / 0x1C20000}};
+        for (const auto& s : scales) {
+            const Points expected = model(c, s.tolerance);
+            if (expected.size() > kMaxCurvePoints) continue;
+            most = std::max(most, expected.size());
+            EXPECT_EQ(flatten(s.transform, c), expected) << "round " << round;
+        }
+    }
+    EXPECT_GT(most, 250u);
+}
+
+TEST(BezierFlattening, PlainCases)
+{
+    const Matrix2D one = scaling(1, 1);
+    const BezierCurve straight = {at(0, 0), at(10, 10), at(20, 20), at(30, 30)};
+    const BezierCurve collapsed = {at(0, 0), at(0, 0), at(90, 40), at(90, 40)};
+    const BezierCurve arch = {at(0, 0), at(0, 512), at(512, 512), at(512, 0)};
+    EXPECT_EQ(flatten(one, straight), Points{at(30, 30)});
+    EXPECT_EQ(flatten(one, collapsed), Points{at(90, 40)});
+    EXPECT_EQ(flatten(scaling(1, 0), arch), Points{at(512, 0)});
+    // Products of these round sizes are whole multiples of 2^32.
+    EXPECT_GT(flatten(one, arch).size(), 16u);
+    EXPECT_EQ(flatten(one, arch), flatten(scaling(-1, 1), arch));
+    EXPECT_GT(flatten(scaling(4, 4), arch).size(), flatten(one, arch).size());
+}
+
+TEST(BezierFlattening, PointStepSpacesThePositions)
+{
+    MMContext2D context;
+    const BezierCurve c = {at(0, 0), at(0, 60), at(90, 60), at(90, 0)};
+    const Points forward = flatten(context.transform, c);
+    const int32_t count = static_cast<int32_t>(forward.size());
+    for (const int32_t step : {2, -1}) {
+        Points out(static_cast<size_t>(2 * count), at(7, 7));
+        const int32_t first = step < 0 ? count - 1 : 0;
+        context.pointStep = step;
+        EXPECT_EQ(context.getBezierPts(&out[static_cast<size_t>(first)], c.start, c.control1,
+                                       c.control2, c.end),
+                  count * step);
+        for (int32_t i = 0; i < count; ++i)
+            EXPECT_EQ(out[static_cast<size_t>(first + i * step)], forward[static_cast<size_t>(i)]);
+        EXPECT_EQ(out.back(), at(7, 7));
+    }
+}
+
+// Vast curves at vast scales reach the limit of points: the last one is still the end, and no edge
+// jumps across a large part of the curve.
+TEST(BezierFlattening, TheLongestCurvesStillEndAtTheirEnd)
+{
+    const Fixed far = INT_MAX;
+    const BezierCurve curves[] = {
+        {{-far, 0}, {-far, far}, {far, far}, {far, 0}},
+        {{0, 0}, {1, 1}, {0, far}, {far, 0}}, // bends near its end only
+        {{INT_MIN, INT_MIN}, {far, INT_MIN}, {INT_MIN, far}, {far, far}},
+    };
+    for (const BezierCurve& c : curves) {
+        const Points points = flatten(scaling(100, 180), c);
+        EXPECT_GT(points.size(), 250u);
+        EXPECT_EQ(points.back(), c.end);
+        MMPoint2D last = c.start;
+        for (const MMPoint2D& p : points) {
+            EXPECT_LT(std::hypot(double(p.x) - last.x, double(p.y) - last.y), double(far) / 50);
+            last = p;
+        }
+        Points few(251, at(7, 7));
+        EXPECT_EQ(flattenBezier(scaling(100, 180), c, few.data(), 250), 0u);
+        EXPECT_EQ(few.back(), at(7, 7));
+    }
+}
+
+} // namespace

@@ -1,0 +1,159 @@
+// Rounded rectangles: which points the outline has, and what the call leaves behind.
+#include "tests/support/FailingHeap.h"
+#include "tests/support/StrokeRecorder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+using namespace KAVO::Graphics2D;
+using Points = std::vector<MMPoint2D>;
+
+constexpr Fixed fx(double v)
+{
+    return static_cast<Fixed>(v * 65536);
+}
+
+constexpr MMPoint2D at(double x, double y)
+{
+    return {fx(x), fx(y)};
+}
+
+struct EllipticalRect : testing::Test {
+    std::vector<Pixel> pixels = std::vector<Pixel>(64 * 64, 0xFFFFFFFF);
+    MMContext2D context;
+
+    EllipticalRect()
+    {
+        context.target = {64, 64, 256, 0xFFFFFFFF, pixels.data(), 0};
+        context.clipRight = context.clipBottom = 64;
+        context.strokePaint.paintType = kPaintSolid;
+        context.strokePaint.paintColour = 0xFF123456;
+        context.joinStyle = kJoinBevel;
+    }
+    bool blank() const { return std::count(pixels.begin(), pixels.end(), 0xFFFFFFFFu) == 64 * 64; }
+    ~EllipticalRect() override
+    {
+        EXPECT_EQ(context.joinStyle, kJoinBevel);
+        EXPECT_EQ(context.scratchStack.usedWords, 0u);
+    }
+
+    // The outline as the stroker gets it.
+    Points outline(Fixed halfWidth, Fixed halfHeight, Fixed rx, Fixed ry)
+    {
+        StrokeRecorder recorder;
+        context.drawEllipticalRect(fx(30), fx(30), halfWidth, halfHeight, rx, ry);
+        EXPECT_EQ(recorder.strokes.size(), 1u);
+        if (recorder.strokes.empty()) return {};
+        EXPECT_TRUE(recorder.strokes[0].closed);
+        EXPECT_EQ(recorder.strokes[0].joinStyle, kJoinRound);
+        EXPECT_EQ(recorder.strokes[0].paintColour, 0xFF123456u);
+        return recorder.strokes[0].points;
+    }
+};
+
+TEST_F(EllipticalRect, WithoutRadiiEachCornerIsItsStartAndTwoCurveEnds)
+{
+    const MMPoint2D se = at(50, 40), sw = at(10, 40), nw = at(10, 20), ne = at(50, 20);
+    EXPECT_EQ(outline(fx(20), fx(10), 0, 0),
+              (Points{se, se, se, sw, sw, sw, nw, nw, nw, ne, ne, ne}));
+    // Pixels 10 to 49 and 20 to 39.
+    for (int y = 0; y < 64; ++y)
+        for (int x = 0; x < 64; ++x)
+            EXPECT_EQ(pixels[size_t(y * 64 + x)] != 0xFFFFFFFF,
+                      x >= 10 && x < 50 && y >= 20 && y < 40)
+                << x << ' ' << y;
+}
+
+TEST_F(EllipticalRect, TheFirstStraightEdgeNeedsAPositiveLengthTheOthersAny)
+{
+    // So small a scale makes each curve one point, its end.
+    context.transform = {fx(0.02), 0, 0, fx(0.02), 0, 0};
+    EXPECT_EQ(outline(fx(20), fx(10), fx(20), fx(10)).size(), 8u);     // ellipse
+    EXPECT_EQ(outline(fx(20), fx(10), fx(5), fx(10)).size(), 8u + 2);  // ex alone
+    EXPECT_EQ(outline(fx(20), fx(10), fx(20), fx(5)).size(), 8u + 2);  // ey alone
+    EXPECT_EQ(outline(fx(20), fx(10), fx(20), fx(15)).size(), 8u + 1); // negative ey
+    EXPECT_EQ(outline(fx(20), fx(10), fx(25), fx(5)).size(), 8u + 4);  // negative ex
+}
+
+TEST_F(EllipticalRect, KeepsTheTablesAsymmetry)
+{
+    context.transform = {fx(0.02), 0, 0, fx(0.02), 0, 0};
+    const Points p = outline(fx(16), fx(16), fx(16), fx(16));
+    // Units of 1/65536 off the full radius, times 16: 6 at the bottom and top, 10 at the left end
+    // of the lower half and so at the right end of the upper half.
+    ASSERT_EQ(p.size(), 8u);
+    EXPECT_EQ(p[1], (MMPoint2D{fx(30), fx(46) - 6 * 16}));
+    EXPECT_EQ(p[3], (MMPoint2D{fx(14) + 10 * 16, fx(30)}));
+    EXPECT_EQ(p[5], (MMPoint2D{fx(30), fx(14) + 6 * 16}));
+    EXPECT_EQ(p[7], (MMPoint2D{fx(46) - 10 * 16, fx(30)}));
+}
+
+TEST_F(EllipticalRect, PointsLieOnTheEllipse)
+{
+    for (const MMPoint2D& p : outline(fx(20), fx(10), fx(20), fx(10))) {
+        const double x = (p.x / 65536.0 - 30) / 20, y = (p.y / 65536.0 - 30) / 10;
+        EXPECT_NEAR(std::hypot(x, y), 1, 0.001);
+    }
+}
+
+TEST_F(EllipticalRect, VastRadiiTakeALargerBlock)
+{
+    context.fillPaint.paintType = kPaintNone;
+    context.transform = {fx(100), 0, 0, fx(100), 0, 0};
+    const Points p = outline(fx(9000), fx(9000), fx(8000), fx(7000));
+    EXPECT_GT(p.size(), 1024u);
+    EXPECT_EQ(p.front(), (MMPoint2D{fx(30 + 9000) - 6 * 8000, fx(30 + 2000)}));
+    EXPECT_EQ(p.back(), (MMPoint2D{fx(30 + 9000) - 10 * 8000, fx(30 - 2000)}));
+}
+
+TEST_F(EllipticalRect, BoundsUniteTheFillWithDashesOnly)
+{
+    const Fixed dashes[] = {fx(4), fx(9000)}; // one dash, at the right end
+    context.dashCount = 2;
+    context.accumulateBounds = 1;
+    const auto boundsMinX = [&](const Fixed* dashArray, uint32_t fillType) {
+        context.dashArray = dashArray;
+        context.fillPaint.paintType = fillType;
+        StrokeRecorder recorder;
+        context.drawEllipticalRect(fx(30), fx(30), fx(20), fx(10), 0, 0);
+        return context.boundsMinX;
+    };
+    EXPECT_EQ(boundsMinX(dashes, kPaintNone), fx(46));
+    EXPECT_EQ(boundsMinX(dashes, kPaintSolid), fx(10));
+    EXPECT_EQ(boundsMinX(nullptr, kPaintSolid), fx(10)); // the stroke's own
+}
+
+TEST_F(EllipticalRect, FailingAllocations)
+{
+    // The outline's block does not fit beside the filler: reported, nothing drawn.
+    StrokeRecorder recorder;
+    void* filler = context.scratchStack.Alloc(1000);
+    {
+        FailingHeap heap;
+        heap.failFrom(1);
+        context.drawEllipticalRect(fx(30), fx(30), fx(20), fx(10), fx(5), fx(5));
+    }
+    EXPECT_EQ(context.outOfMemory, kScratchExhausted);
+    // The outline fits, its copy for the fill does not: no stroke either, and no report.
+    context.outOfMemory = 0;
+    context.scratchStack.DeAlloc(filler);
+    context.transform = {fx(2), 0, 0, fx(2), 0, 0};
+    filler = context.scratchStack.Alloc(1020);
+    {
+        FailingHeap heap;
+        heap.failFrom(2); // the first spill holds the outline, more than half full
+        context.drawEllipticalRect(fx(30), fx(30), fx(1800), fx(1800), fx(900), fx(900));
+    }
+    EXPECT_EQ(context.outOfMemory, 0);
+    EXPECT_TRUE(recorder.strokes.empty());
+    EXPECT_TRUE(blank());
+    context.scratchStack.DeAlloc(filler);
+    context.strokePaint.paintType = kPaintNone;
+    context.strokeHalfWidth = 0;
+}
+
+} // namespace
