@@ -101,29 +101,45 @@ const uint32_t* PathBuilder::storedPath()
 
 Canvas::Canvas(int width, int height, Pixel paper) : picture(width, height, paper)
 {
-    const auto w = static_cast<uint16_t>(width);
-    const auto h = static_cast<uint16_t>(height);
-    context.target = {w, h, w * 4u, paper, picture.pixels.data(), 0};
-    context.clipRight = static_cast<int16_t>(width);
-    context.clipBottom = static_cast<int16_t>(height);
-    context.antiAlias = 1;
+    makeContext();
+}
+
+void Canvas::makeContext()
+{
+    context_ = std::make_unique<MMContext2D>();
+    const auto width = static_cast<uint16_t>(picture.width);
+    const auto height = static_cast<uint16_t>(picture.height);
+    context_->target = {width, height, width * 4u, 0, picture.pixels.data(), 0};
+    context_->clipRight = static_cast<int16_t>(width);
+    context_->clipBottom = static_cast<int16_t>(height);
+    context_->antiAlias = 1;
+    place();
+}
+
+std::string Canvas::useFont(const std::string& fontFile)
+{
+    outOfMemory_ = outOfMemory();
+    context_.reset(); // the font is looked for when the first context is made
+    font_ = std::make_unique<FontFolder>(fontFile);
+    makeContext();
+    return font_->problem();
 }
 
 void Canvas::fill(Pixel colour, uint8_t opacity)
 {
-    context.fillPaint.paintType = kPaintSolid;
-    context.fillPaint.paintColour = colour;
-    context.fillPaint.paintOpacity = opacity;
-    context.strokePaint.paintType = kPaintNone;
+    context_->fillPaint.paintType = kPaintSolid;
+    context_->fillPaint.paintColour = colour;
+    context_->fillPaint.paintOpacity = opacity;
+    context_->strokePaint.paintType = kPaintNone;
 }
 
 void Canvas::stroke(Pixel colour, double width, uint8_t opacity)
 {
-    context.strokePaint.paintType = kPaintSolid;
-    context.strokePaint.paintColour = colour;
-    context.strokePaint.paintOpacity = opacity;
-    context.strokeHalfWidth = fixed(width / 2);
-    context.fillPaint.paintType = kPaintNone;
+    context_->strokePaint.paintType = kPaintSolid;
+    context_->strokePaint.paintColour = colour;
+    context_->strokePaint.paintOpacity = opacity;
+    context_->strokeHalfWidth = fixed(width / 2);
+    context_->fillPaint.paintType = kPaintNone;
 }
 
 void Canvas::beginPanel(int x, int y)
@@ -135,16 +151,16 @@ void Canvas::beginPanel(int x, int y)
 
 void Canvas::placeUnshifted(double x, double y, double scale, double turn)
 {
-    context.transform = kIdentityMatrix;
-    context.transform.scale(fixed(scale), fixed(scale));
-    context.transform.rotate(degrees(turn));
-    context.transform.translate(fixed(panelX_ + x), fixed(panelY_ + y));
+    context_->transform = kIdentityMatrix;
+    context_->transform.scale(fixed(scale), fixed(scale));
+    context_->transform.rotate(degrees(turn));
+    context_->transform.translate(fixed(panelX_ + x), fixed(panelY_ + y));
 }
 
 void Canvas::place(double x, double y, double scale, double turn)
 {
     placeUnshifted(x, y, scale, turn);
-    if (context.antiAlias) context.transform.translate(-kFixedHalf, -kFixedHalf);
+    if (context_->antiAlias) context_->transform.translate(-kFixedHalf, -kFixedHalf);
 }
 
 void Canvas::rectangle(double x, double y, double width, double height)

@@ -1,9 +1,11 @@
 // What the gallery draws with: a context on a picture, and encoded paths.
 #pragma once
 
+#include "common/FontFolder.h"
 #include "common/Picture.h"
 #include "graphics2d/MMContext2D.h"
 
+#include <memory>
 #include <vector>
 
 // 16.16 from a plain number.
@@ -45,8 +47,16 @@ class Canvas {
 public:
     Canvas(int width, int height, Pixel paper);
 
-    KAVO::Graphics2D::MMContext2D context;
     Picture picture;
+
+    // Made anew by useFont, so keep no reference to it across that call.
+    KAVO::Graphics2D::MMContext2D& context() { return *context_; }
+
+    // Begins with a new context that finds the given font; empty, or why it cannot.
+    std::string useFont(const std::string& fontFile);
+
+    // Some context ran out of memory.
+    bool outOfMemory() const { return outOfMemory_ || context_->outOfMemory; }
 
     // Paints for the operations that follow.
     void fill(Pixel colour, uint8_t opacity = 255);
@@ -61,10 +71,15 @@ public:
     void place(double x = 0, double y = 0, double scale = 1, double turn = 0);
     void placeUnshifted(double x = 0, double y = 0, double scale = 1, double turn = 0);
 
-    void draw(PathBuilder path) { context.drawPath(path.words()); }
+    void draw(PathBuilder path) { context().drawPath(path.words()); }
     void rectangle(double x, double y, double width, double height);
 
 private:
+    void makeContext();
+
+    std::unique_ptr<FontFolder> font_;
+    std::unique_ptr<KAVO::Graphics2D::MMContext2D> context_;
+    bool outOfMemory_ = false;
     int panelX_ = 0;
     int panelY_ = 0;
 };

@@ -55,7 +55,7 @@ void drawPaintScene(Canvas& canvas)
     for (int i = 0; i < 12; ++i)
         canvas.rectangle(4, 6 + 16 * i, 372, 8);
 
-    MMContext2D& context = canvas.context;
+    MMContext2D& context = canvas.context();
     Picture image = makeImage(16, true);
     const MMPixmap pixmap = pixmapOf(image);
     const GradientStops stops = {kColours, kOffsets, 4};
@@ -99,7 +99,7 @@ void drawPaintScene(Canvas& canvas)
 // scales it into upright rectangles.
 void drawImageScene(Canvas& canvas)
 {
-    MMContext2D& context = canvas.context;
+    MMContext2D& context = canvas.context();
     Picture image = makeImage(16, false);
     MMPixmap pixmap = pixmapOf(image);
     for (uint8_t filter = 0; filter < 3; ++filter) {

@@ -16,17 +16,17 @@ constexpr Pixel kTeal = 0xFF2A7F78;
 void drawFillScene(Canvas& canvas)
 {
     for (const bool smooth : {true, false}) {
-        canvas.context.antiAlias = smooth;
+        canvas.context().antiAlias = smooth;
         canvas.place(smooth ? 0 : 130);
         canvas.fill(kBlue);
-        canvas.context.fillRule = kFillNonZero;
+        canvas.context().fillRule = kFillNonZero;
         canvas.draw(PathBuilder().star(65, 52, 46, 7, 3));
         canvas.fill(kRed);
-        canvas.context.fillRule = kFillEvenOdd;
+        canvas.context().fillRule = kFillEvenOdd;
         canvas.draw(PathBuilder().star(65, 150, 46, 7, 3));
     }
-    canvas.context.antiAlias = 1;
-    canvas.context.fillRule = kFillNonZero;
+    canvas.context().antiAlias = 1;
+    canvas.context().fillRule = kFillNonZero;
 
     canvas.place(260);
     const Pixel colours[] = {kRed, kOrange, kTeal};
@@ -45,7 +45,7 @@ void drawFillScene(Canvas& canvas)
 
 void drawRoundedScene(Canvas& canvas)
 {
-    MMContext2D& context = canvas.context;
+    MMContext2D& context = canvas.context();
     canvas.fill(kTeal);
     for (int i = 0; i < 4; ++i)
         context.drawEllipticalRect(fixed(50 + 92 * i), fixed(40), fixed(40), fixed(28),
@@ -75,7 +75,7 @@ void drawRoundedScene(Canvas& canvas)
 // Pies and chords, filled and outlined, then arcs of growing sweep.
 void drawArcScene(Canvas& canvas)
 {
-    MMContext2D& context = canvas.context;
+    MMContext2D& context = canvas.context();
     for (int i = 0; i < 4; ++i) {
         const auto pie = static_cast<uint8_t>(i % 2);
         const auto outline = static_cast<uint8_t>(i / 2);

@@ -30,12 +30,12 @@ PathBuilder wave()
 // Joins from top to bottom; caps by three widths from left to right.
 void drawJoinScene(Canvas& canvas)
 {
-    MMContext2D& context = canvas.context;
-    const double widths[] = {1.5, 5, 11};
+    MMContext2D& context = canvas.context();
+    const double widths[] = {1.5, 5, 10};
     for (uint8_t join = 0; join < 3; ++join) {
         for (uint8_t cap = 0; cap < 3; ++cap) {
             for (int width = 0; width < 3; ++width) {
-                canvas.place(8 + 126 * cap + 42 * width, 18 + 64 * join);
+                canvas.place(10 + 124 * cap + 40 * width, 18 + 64 * join);
                 context.joinStyle = join;
                 context.capStyle = cap;
                 canvas.stroke(kInk, widths[width]);
@@ -50,7 +50,7 @@ void drawJoinScene(Canvas& canvas)
 // The same pattern at five offsets, then round dots, an odd pattern and dashes round a corner.
 void drawDashScene(Canvas& canvas)
 {
-    MMContext2D& context = canvas.context;
+    MMContext2D& context = canvas.context();
     static const Fixed pattern[] = {fixed(14), fixed(6), fixed(3), fixed(6)};
     context.dashArray = pattern;
     context.dashCount = 4;
@@ -96,28 +96,30 @@ void drawHairlineScene(Canvas& canvas)
         canvas.draw(PathBuilder().moveTo(290, 8 + 7 * i + offset).lineTo(370, 8 + 7 * i + offset));
     }
     for (const bool smooth : {true, false}) {
-        canvas.context.antiAlias = smooth;
+        canvas.context().antiAlias = smooth;
         canvas.stroke(kInk, smooth ? 1 : 0.5);
         for (int i = 0; i < 36; ++i) {
             canvas.place(smooth ? 95 : 285, 132, 1, 10 * i + 2.5);
             canvas.draw(PathBuilder().moveTo(6, 0).lineTo(62, 0));
         }
     }
-    canvas.context.antiAlias = 1;
+    canvas.context().antiAlias = 1;
 }
 
 // Where a line crosses itself it is no darker.
 void drawCrossingScene(Canvas& canvas)
 {
-    MMContext2D& context = canvas.context;
+    MMContext2D& context = canvas.context();
     context.joinStyle = kJoinRound;
     context.capStyle = kCapRound;
     canvas.stroke(0xFF5F0F80, 16, 110);
-    canvas.draw(PathBuilder().moveTo(20, 160).curveTo(200, -120, 60, -60, 160, 180));
+    canvas.draw(PathBuilder()
+                    .moveTo(20, 60)
+                    .curveTo(200, 20, 20, 220, 150, 170)
+                    .curveTo(180, 140, 80, 20, 30, 160));
     canvas.draw(PathBuilder().star(250, 100, 66, 5, 2));
     canvas.stroke(kRed, 26, 140);
-    canvas.draw(
-        PathBuilder().moveTo(330, 40).curveTo(390, 60, 390, 140, 330, 160).lineTo(352, 100));
+    canvas.draw(PathBuilder().moveTo(334, 30).curveTo(370, 50, 370, 150, 334, 170).lineTo(352, 60));
     context.joinStyle = kJoinMiter;
     context.capStyle = kCapButt;
 }
@@ -127,7 +129,7 @@ void drawPositionScene(Canvas& canvas)
 {
     PathBuilder path;
     path.moveTo(20, 160)
-        .curveTo(60, -60, 140, -20, 130, 90)
+        .curveTo(60, -20, 140, -10, 130, 90)
         .curveTo(120, 200, 220, 220, 230, 110)
         .lineTo(300, 40)
         .lineTo(360, 150);
@@ -135,9 +137,9 @@ void drawPositionScene(Canvas& canvas)
     canvas.draw(path);
     MMPathPos position = {};
     position.path = path.storedPath();
-    for (int step = 0; step <= 36; ++step) {
+    for (int step = 0; step <= 33; ++step) {
         Degrees direction = 0;
-        canvas.context.getPathPos(position, fixed(18 * step), &direction);
+        canvas.context().getPathPos(position, fixed(21 * step), &direction);
         const double x = position.current.x / 65536.0;
         const double y = position.current.y / 65536.0;
         canvas.place(x, y, 1, direction / 65536.0);

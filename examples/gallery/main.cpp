@@ -14,35 +14,37 @@ constexpr Scene kScenes[] = {
 
 constexpr int kColumns = 3;
 constexpr int kGap = 10;
+constexpr int kCount = static_cast<int>(std::size(kScenes));
+constexpr int kRows = (kCount + kColumns - 1) / kColumns;
+
+int fail(const std::string& message)
+{
+    std::fprintf(stderr, "gallery: %s\n", message.c_str());
+    return 1;
+}
+
+void beginPanel(Canvas& canvas, int index)
+{
+    canvas.beginPanel(kGap + index % kColumns * (kPanelWidth + kGap),
+                      kGap + index / kColumns * (kPanelHeight + kGap));
+    canvas.fill(0xFFFFFFFF);
+    canvas.rectangle(0, 0, kPanelWidth, kPanelHeight);
+}
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    if (argc != 2) {
-        std::fputs("usage: gallery OUTPUT.png\n", stderr);
-        return 1;
-    }
-    const int count = static_cast<int>(std::size(kScenes));
-    const int rows = (count + kColumns - 1) / kColumns;
-    Canvas canvas(kColumns * (kPanelWidth + kGap) + kGap, rows * (kPanelHeight + kGap) + kGap,
+    if (argc != 2) return fail("usage: gallery OUTPUT.png");
+    Canvas canvas(kColumns * (kPanelWidth + kGap) + kGap, kRows * (kPanelHeight + kGap) + kGap,
                   0xFFE4E7EB);
-    for (int i = 0; i < count; ++i) {
-        canvas.beginPanel(kGap + i % kColumns * (kPanelWidth + kGap),
-                          kGap + i / kColumns * (kPanelHeight + kGap));
-        canvas.fill(0xFFFFFFFF);
-        canvas.rectangle(0, 0, kPanelWidth, kPanelHeight);
-        kScenes[i](canvas);
+    int index = 0;
+    for (const Scene scene : kScenes) {
+        beginPanel(canvas, index++);
+        scene(canvas);
     }
-    if (canvas.context.outOfMemory) {
-        std::fputs("gallery: out of memory\n", stderr);
-        return 1;
-    }
+    if (canvas.outOfMemory()) return fail("out of memory");
     makeOpaque(canvas.picture);
     const std::string problem = writePng(argv[1], canvas.picture);
-    if (!problem.empty()) {
-        std::fprintf(stderr, "gallery: %s: %s\n", argv[1], problem.c_str());
-        return 1;
-    }
-    return 0;
+    return problem.empty() ? 0 : fail(std::string(argv[1]) + ": " + problem);
 }

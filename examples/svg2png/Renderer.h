@@ -64,6 +64,9 @@ private:
     void drawShape(pugi::xml_node node, const State& state);
     void drawImage(pugi::xml_node node, const State& state);
     void drawOutline(const Shape& shape, const State& state);
+    void drawOnePaint(const Shape& shape, const PathSpace& space, const Box& deviceBox,
+                      bool stroked);
+    void drawGeometry(const Shape& shape, const PathSpace& space, bool stroked);
     bool drawRoundedBox(const RoundedBox& box, const PathSpace& space);
 
     // Set up the context's paints for something with these bounds in user space; false when they
@@ -95,6 +98,7 @@ private:
     PaintStore fillStore_;
     PaintStore strokeStore_;
     std::vector<Fixed> dashes_;
+    Picture shadow_; // for ShiftedTarget
     Box bounds_;
     size_t elementsLeft_;
 };

@@ -2,6 +2,7 @@
 #include "svg2png/Renderer.h"
 
 #include "svg2png/ClipGuard.h"
+#include "svg2png/ShiftedTarget.h"
 
 using namespace KAVO::Graphics2D;
 
@@ -71,6 +72,7 @@ void Renderer::drawImage(pugi::xml_node node, const State& state)
                                      toFixed(toDevice.d), toFixed(toDevice.e), toFixed(toDevice.f)};
     const ClipGuard guard(context_);
     clipTo(frameBox);
+    const ShiftedTarget shifted(context_, picture_, shadow_, frameBox);
     context_.patternFilter = static_cast<uint8_t>(style.imageFilter);
     const auto opacity = static_cast<uint8_t>(std::lround(style.opacity * 255));
     if (toDevice.b == 0 && toDevice.c == 0) {

@@ -1,7 +1,18 @@
 // Shapes: their outlines, paints and pens.
 #include "svg2png/Renderer.h"
 
+#include "svg2png/ShiftedTarget.h"
+
 using namespace KAVO::Graphics2D;
+
+namespace {
+
+bool mixesWithNeighbours(const MMPaint& paint)
+{
+    return paint.paintType != kPaintSolid && paint.paintType != kPaintNone;
+}
+
+} // namespace
 
 void Renderer::drawShape(pugi::xml_node node, const State& state)
 {
@@ -27,13 +38,38 @@ void Renderer::drawOutline(const Shape& shape, const State& state)
                  bounds.bottom + reach};
         setPen(state, *space);
     }
-    if (isOutside(state.toDevice.mapBox(drawn))) return;
+    const Box deviceBox = state.toDevice.mapBox(drawn);
+    if (isOutside(deviceBox)) return;
 
     setTransform(*space);
     context_.fillRule = state.style.evenOdd ? kFillEvenOdd : kFillNonZero;
+    if (!mixesWithNeighbours(context_.fillPaint) && !mixesWithNeighbours(context_.strokePaint)) {
+        drawGeometry(shape, *space, stroked);
+        return;
+    }
+    const MMPaint strokePaint = context_.strokePaint;
+    context_.strokePaint.paintType = kPaintNone;
+    if (filled) drawOnePaint(shape, *space, deviceBox, false);
+    context_.fillPaint.paintType = kPaintNone;
+    context_.strokePaint = strokePaint;
+    if (stroked) drawOnePaint(shape, *space, deviceBox, true);
+}
+
+// With only one of the paints set.
+void Renderer::drawOnePaint(const Shape& shape, const PathSpace& space, const Box& deviceBox,
+                            bool stroked)
+{
+    std::optional<ShiftedTarget> shifted;
+    if (mixesWithNeighbours(stroked ? context_.strokePaint : context_.fillPaint))
+        shifted.emplace(context_, picture_, shadow_, deviceBox);
+    drawGeometry(shape, space, stroked);
+}
+
+void Renderer::drawGeometry(const Shape& shape, const PathSpace& space, bool stroked)
+{
     const bool dashed = stroked && context_.dashArray;
-    if (!(shape.box && !dashed && drawRoundedBox(*shape.box, *space)))
-        context_.drawPath(encodePath(shape.outline, *space).data());
+    if (!(shape.box && !dashed && drawRoundedBox(*shape.box, space)))
+        context_.drawPath(encodePath(shape.outline, space).data());
     uniteBounds();
 }
 
