@@ -1,0 +1,129 @@
+// Filled shapes, from one large rectangle to hundreds of small blobs.
+#include "Scene.h"
+
+#include <random>
+
+namespace {
+
+constexpr double kPi = 3.14159265358979323846;
+
+Outline rectangle(double left, double top, double width, double height)
+{
+    Outline outline;
+    outline.moveTo({left, top});
+    outline.lineTo({left + width, top});
+    outline.lineTo({left + width, top + height});
+    outline.lineTo({left, top + height});
+    outline.close();
+    return outline;
+}
+
+// Every stride-th of count points on a circle, joined by lines.
+Outline circlePolygon(Point centre, double radius, int count, int stride = 1)
+{
+    Outline outline;
+    for (int i = 0; i < count; ++i) {
+        const double angle = 2 * kPi * i * stride / count;
+        const Point p = centre + Point{std::cos(angle), std::sin(angle)} * radius;
+        i == 0 ? outline.moveTo(p) : outline.lineTo(p);
+    }
+    outline.close();
+    return outline;
+}
+
+class Places {
+public:
+    double within(double low, double high)
+    {
+        return std::uniform_real_distribution<double>(low, high)(engine_);
+    }
+    Point point(double margin)
+    {
+        return {within(margin, kSceneSize - margin), within(margin, kSceneSize - margin)};
+    }
+
+private:
+    std::mt19937 engine_{1};
+};
+
+// A closed curve of eight cubics around a centre, its radius varying.
+Outline blob(Places& places, Point centre, double radius)
+{
+    constexpr int kCubics = 8;
+    const double reach = 4.0 / 3 * std::tan(kPi / 2 / kCubics / 2 * 2); // about a circle's
+    Outline outline;
+    Point start;
+    double startAngle = 0;
+    double startRadius = radius;
+    outline.moveTo(start = centre + Point{radius, 0});
+    for (int i = 1; i <= kCubics; ++i) {
+        const double angle = 2 * kPi * i / kCubics;
+        const double r = i == kCubics ? radius : radius * places.within(0.7, 1.3);
+        const Point end = centre + Point{std::cos(angle), std::sin(angle)} * r;
+        const Point out =
+            Point{-std::sin(startAngle), std::cos(startAngle)} * (startRadius * reach);
+        const Point in = Point{-std::sin(angle), std::cos(angle)} * (r * reach);
+        outline.curveTo(start + out, end - in, end);
+        start = end;
+        startAngle = angle;
+        startRadius = r;
+    }
+    outline.close();
+    return outline;
+}
+
+template <class MakeOutline>
+std::vector<Shape> many(int count, MakeOutline make)
+{
+    std::vector<Shape> shapes;
+    for (int i = 0; i < count; ++i) {
+        Shape shape;
+        shape.outline = make();
+        shape.colour = 0xFF000000 | static_cast<uint32_t>(i) * 2654435761u >> 8;
+        shapes.push_back(shape);
+    }
+    return shapes;
+}
+
+} // namespace
+
+std::vector<Scene> fillScenes()
+{
+    Places places;
+    std::vector<Scene> scenes;
+    Shape whole;
+    whole.outline = rectangle(0, 0, kSceneSize, kSceneSize);
+    scenes.push_back(shapeScene("rectangle 1000 opaque", {whole}));
+    whole.colour = 0x803060C0;
+    scenes.push_back(shapeScene("rectangle 1000 translucent", {whole}));
+    scenes.push_back(shapeScene("500 rectangles of 16", many(500, [&] {
+                                    const Point p = places.point(16);
+                                    return rectangle(std::floor(p.x), std::floor(p.y), 16, 16);
+                                })));
+    scenes.push_back(shapeScene("20 circles of radius 100", many(20, [&] {
+                                    return circlePolygon(places.point(100), 100, 64);
+                                })));
+    scenes.push_back(shapeScene("500 circles of radius 10", many(500, [&] {
+                                    return circlePolygon(places.point(10), 10, 24);
+                                })));
+    Shape star;
+    star.outline = circlePolygon({500, 500}, 450, 101, 50);
+    scenes.push_back(shapeScene("star of 101 points", {star}));
+    Shape tangle;
+    tangle.outline.moveTo(places.point(0));
+    for (int i = 1; i < 1000; ++i)
+        tangle.outline.lineTo(places.point(0));
+    tangle.outline.close();
+    scenes.push_back(shapeScene("1,000 random vertices", {tangle}));
+    scenes.push_back(shapeScene("200 blobs of 8 cubics",
+                                many(200, [&] { return blob(places, places.point(30), 20); })));
+    std::vector<Shape> drawing;
+    for (const Outline& outline : drawingOutlines(MM2D_BENCH_DRAWING)) {
+        Shape shape;
+        shape.outline = outline;
+        shape.colour = 0xFF000000 | static_cast<uint32_t>(drawing.size()) * 2654435761u >> 8;
+        drawing.push_back(shape);
+    }
+    if (!drawing.empty()) scenes.push_back(shapeScene("a real drawing, filled", drawing));
+    return scenes;
+}

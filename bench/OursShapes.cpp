@@ -1,0 +1,69 @@
+// The shapes of a scene through this library.
+#include "Scene.h"
+
+#include "graphics2d/MMContext2D.h"
+#include "svg2png/PathEncoder.h"
+
+#include <memory>
+
+namespace {
+
+using namespace KAVO::Graphics2D;
+
+struct EncodedShape {
+    std::vector<uint32_t> path;
+    std::vector<Fixed> dashes;
+    Shape style;
+};
+
+struct Drawing {
+    std::vector<Pixel> pixels = std::vector<Pixel>(kSceneSize * kSceneSize, 0xFFFFFFFF);
+    MMContext2D context;
+    std::vector<EncodedShape> shapes;
+
+    Drawing()
+    {
+        context.target = {kSceneSize, kSceneSize, kSceneSize * 4, 0xFFFFFFFF, pixels.data(), 0};
+        context.clipRight = kSceneSize;
+        context.clipBottom = kSceneSize;
+        context.antiAlias = 1;
+        context.transform.translate(-kFixedHalf, -kFixedHalf);
+    }
+
+    void draw(const EncodedShape& shape)
+    {
+        const bool filled = shape.style.strokeWidth == 0;
+        MMPaint& paint = filled ? context.fillPaint : context.strokePaint;
+        (filled ? context.strokePaint : context.fillPaint).paintType = kPaintNone;
+        paint.paintType = kPaintSolid;
+        paint.paintColour = shape.style.colour | 0xFF000000;
+        paint.paintOpacity = static_cast<uint8_t>(shape.style.colour >> 24);
+        context.strokeHalfWidth = toFixed(shape.style.strokeWidth / 2);
+        context.joinStyle = shape.style.roundJoinsAndCaps ? kJoinRound : kJoinMiter;
+        context.capStyle = shape.style.roundJoinsAndCaps ? kCapRound : kCapButt;
+        context.dashArray = shape.dashes.empty() ? nullptr : shape.dashes.data();
+        context.dashCount = static_cast<uint16_t>(shape.dashes.size());
+        context.drawPath(shape.path.data());
+    }
+};
+
+} // namespace
+
+Draw drawWithOurs(const std::vector<Shape>& shapes)
+{
+    auto drawing = std::make_shared<Drawing>();
+    PathSpace space;
+    space.transform = kIdentityMatrix;
+    for (const Shape& shape : shapes) {
+        EncodedShape encoded;
+        encoded.path = encodePath(shape.outline, space);
+        for (double dash : shape.dashes)
+            encoded.dashes.push_back(toFixed(dash));
+        encoded.style = shape;
+        drawing->shapes.push_back(std::move(encoded));
+    }
+    return [drawing] {
+        for (const EncodedShape& shape : drawing->shapes)
+            drawing->draw(shape);
+    };
+}

@@ -1,0 +1,49 @@
+// A scene and the renderers it is measured in.
+//
+// Every scene draws the same picture through this library and, where they are built in, through
+// Cairo's image backend and AGG. Paths are encoded for each renderer beforehand: what is measured
+// is drawing.
+#pragma once
+
+#include "svg2png/Outline.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+constexpr int kSceneSize = 1000; // pixels a side of every target
+
+using Draw = std::function<void()>;
+
+struct Scene {
+    std::string name;
+    Draw ours;
+    Draw cairo; // empty where there is no such peer
+    Draw agg;
+};
+
+// One shape of a scene and how it is painted.
+struct Shape {
+    Outline outline;
+    uint32_t colour = 0xFF3060C0; // 0xAARRGGBB, alpha is the opacity
+    double strokeWidth = 0;       // 0: filled, non-zero winding
+    bool roundJoinsAndCaps = false;
+    std::vector<double> dashes;
+};
+
+// The scene of some shapes, drawn one after the other with anti-aliasing.
+Scene shapeScene(std::string name, const std::vector<Shape>& shapes);
+
+std::vector<Scene> fillScenes();
+std::vector<Scene> strokeScenes();
+std::vector<Scene> paintScenes();
+
+// The renderers' forms of the shapes, each in a file of its own.
+Draw drawWithOurs(const std::vector<Shape>& shapes);
+Draw drawWithCairo(const std::vector<Shape>& shapes);
+Draw drawWithAgg(const std::vector<Shape>& shapes);
+
+// The outlines of all path elements of an SVG file, scaled together to fill the target; empty when
+// the file cannot be read.
+std::vector<Outline> drawingOutlines(const std::string& file);
