@@ -333,8 +333,17 @@ void SmoothFill::markSeparators()
         reach = std::min(reach, place->bottom);
     }
     if (!hasBent_) return;
-    for (RowPlace* place = active_.begin(); place != active_.end(); ++place)
-        if (!place->straight) markCrossed(place);
+    // What starts or ends inside the row on one side of a chain and is made up for on the other
+    // changes the winding number on both sides of it, so that they cannot be settled apart.
+    uint64_t open = 0;
+    for (RowPlace* place = active_.begin(); place != active_.end(); ++place) {
+        if (place->straight) {
+            if (open != 0) place->separates = false;
+            continue;
+        }
+        open += imbalanceOf(active_.chainOf(*place));
+        markCrossed(place);
+    }
 }
 
 // Adds the usual row.
