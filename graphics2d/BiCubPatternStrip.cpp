@@ -20,23 +20,34 @@ constexpr Fixed kTwoThirds = 0xAAAA;
 constexpr Fixed kFourThirds = 0x15555;
 constexpr Fixed kTwo = 0x20000;
 
-// The spline's outer piece, distance 1 to 2 from the tap, as a polynomial.
-Fixed outerWeight(Fixed distance)
+// fixMul of two numbers that are known not to be negative.
+inline Fixed product(Fixed a, Fixed b)
 {
-    const Fixed inner = fixMul(kFixedOne - fixMul(kOneSixth, distance), distance) - kTwo;
-    return fixMul(inner, distance) + kFourThirds;
+    const uint32_t first = static_cast<uint32_t>(a);
+    const uint32_t second = static_cast<uint32_t>(b);
+    const uint32_t low = second & 0xFFFFu;
+    return static_cast<Fixed>((second >> 16) * first + low * (first >> 16) +
+                              ((low * ((first & 0xFFFFu) >> 1)) >> 15));
+}
+
+// The spline's outer piece, distance 1.0 to 2.0 from the tap, as a polynomial. Factors that would
+// be negative are turned around: products round toward zero either way.
+inline Fixed outerWeight(Fixed distance)
+{
+    const Fixed inner = kTwo - product(kFixedOne - product(kOneSixth, distance), distance);
+    return kFourThirds - product(inner, distance);
 }
 
 // The same as the cube of what is left to the spline's end.
-Fixed cubeWeight(Fixed rest)
+inline Fixed cubeWeight(Fixed rest)
 {
-    return fixMul(kOneSixth, fixMul(fixMul(rest, rest), rest));
+    return product(kOneSixth, product(product(rest, rest), rest));
 }
 
-// The inner piece, distance up to 1 from the tap.
-Fixed innerWeight(Fixed distance)
+// The inner piece, distance up to 1.0 from the tap.
+inline Fixed innerWeight(Fixed distance)
 {
-    return fixMul(fixMul((distance >> 1) - kFixedOne, distance), distance) + kTwoThirds;
+    return kTwoThirds - product(product(kFixedOne - (distance >> 1), distance), distance);
 }
 
 // The weights of the taps -1, 0, 1 and 2 for a fraction of a texel. The axes compute their end
@@ -51,11 +62,8 @@ struct CubicWeights {
     }
     static CubicWeights acrossRows(Fixed g)
     {
-        // The inner piece on the negative side, with the halving rounded toward zero.
-        const Fixed back = g - kFixedOne;
-        const Fixed half = -kFixedOne - ((back + 1) >> 1);
-        return {{outerWeight(g + kFixedOne), innerWeight(g),
-                 fixMul(fixMul(half, back), back) + kTwoThirds, cubeWeight(g)}};
+        const Fixed rest = kFixedOne - g;
+        return {{outerWeight(g + kFixedOne), innerWeight(g), innerWeight(rest), cubeWeight(g)}};
     }
 };
 

@@ -192,7 +192,7 @@ void walkPattern(Filter& filter, int32_t count)
     }
 }
 
-// The weight of a texel by its own alpha, rounded to nearest before the byte is raised: unlike the
+// The weight of a texel by its own alpha, rounded to nearest before it is raised: unlike the
 // gradients', which truncate.
 inline uint32_t patternWeight(Coverage opacity, uint32_t alpha)
 {
@@ -202,29 +202,30 @@ inline uint32_t patternWeight(Coverage opacity, uint32_t alpha)
 }
 
 // Weights for pixels of one whole opacity, 0 to 255; returns how many it did, a multiple of four.
-inline int32_t weighFours(PaintPiece& piece, uint32_t opacity, int32_t count)
+inline int32_t weighFours(const Pixel* colours, uint32_t* weights, uint32_t opacity, int32_t count)
 {
     int32_t i = 0;
     for (; i + 4 <= count; i += 4) {
-        const U32x4 alpha = load4(piece.colours + i) >> 24;
-        // Eight 16-bit products, of which the odd ones are 0: the pattern weight's product is this
-        // times 256.
-        const U32x4 product = (U32x4)((U16x8)alpha * (U16x8)all4(opacity));
-        const U32x4 raise = (U32x4)((I32x4)product >= 0x7F80);
-        store4(piece.weights + i, ((product + 0x80) >> 8) - raise);
+        // Eight 16-bit products, of which the odd ones are 0. They are the exact weight times 256,
+        // and reach 0x7F80 just when the rounded weight reaches 128.
+        const U32x4 alpha = load4(colours + i) >> 24;
+        const U32x4 weight = ((U32x4)((U16x8)alpha * (U16x8)all4(opacity)) + 0x80) >> 8;
+        store4(weights + i, weight + (weight >> 7));
     }
     return i;
 }
 
 // Weights from the texels' alpha; moves the coverage on.
-inline void weighByAlpha(PaintPiece& piece, CoverageSequence& coverage, int32_t count)
+inline void weighByAlpha(const Pixel* colours, uint32_t* weights, CoverageSequence& coverage,
+                         int32_t count)
 {
     const Coverage opacity = coverage.current();
     const bool whole = coverage.isFlat() && (opacity & ~0x00FF0000) == 0;
-    int32_t i = whole ? weighFours(piece, static_cast<uint32_t>(fixFloor(opacity)), count) : 0;
+    int32_t i = 0;
+    if (whole) i = weighFours(colours, weights, static_cast<uint32_t>(fixFloor(opacity)), count);
     coverage.advance(i);
     for (; i < count; ++i) {
-        piece.weights[i] = patternWeight(coverage.current(), piece.colours[i] >> 24);
+        weights[i] = patternWeight(coverage.current(), colours[i] >> 24);
         coverage.advance(1);
     }
 }
@@ -250,7 +251,7 @@ void drawByAlpha(MMContext2D& context, Filter& filter)
     const auto fillPiece = [&](PaintPiece& piece, int32_t length) {
         filter.out = piece.colours;
         walkPattern(filter, length);
-        weighByAlpha(piece, run.coverage, length);
+        weighByAlpha(piece.colours, piece.weights, run.coverage, length);
     };
     drawInPieces(run, spanLength(context), fillPiece);
     if (run.takeTail()) drawInPieces(run, 1, fillPiece);

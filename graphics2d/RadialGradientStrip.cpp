@@ -66,22 +66,131 @@ private:
     int32_t length_ = 0;
 };
 
+// Follows r along a row, one pixel to the right at a time.
+//
+// A unit step of r changes r * r by 1 - 2r while falling and by 1 + 2r while rising, a half step by
+// 1/4 - r and 1/4 + r.
+struct CircleFollower {
+    Fixed dx;     // offset from the centre, device pixels
+    Fixed vertex; // the dx of the smallest r
+    Fixed a;      // r * r = a dx * dx + b dx + what does not change along the row
+    Fixed b;
+    Fixed r = 0;
+    Fixed error = 0;
+    Fixed direction = -kFixedOne; // one unit step of r
+    int32_t risingMask = 0;       // all ones once the ramp is drawn past the vertex
+    int32_t guess = 0;            // unit steps that a pixel takes at least, as of late
+
+    struct Move {
+        int32_t units; // unit steps
+        bool half;     // and a half one
+        bool crossed;  // the vertex; the next move needs the colour steps of the other side
+    };
+
+    Move advance()
+    {
+        error = wrapAdd(error, wrapAdd(fixMul(wrapAdd(wrapAdd(dx, dx), kFixedOne), a), b));
+        dx = wrapAdd(dx, kFixedOne);
+        Move move = {};
+        move.crossed = dx >= vertex && risingMask == 0;
+        if (move.crossed) {
+            direction = kFixedOne;
+            risingMask = -1;
+        }
+        if (!stepByGuess(move.units)) {
+            move.units = stepOneByOne();
+            guess = move.units < guess ? move.units : move.units - 1;
+            if (guess < 0 || guess > kGreatestGuess) guess = 0;
+        }
+        move.half = halfStep();
+        return move;
+    }
+
+private:
+    static constexpr int32_t kGreatestGuess = 4;
+    static constexpr int32_t kGreatestError = 0x50000000; // 4 * (2r + 4) more or less still fits
+
+    bool isFalling() const { return direction < 0; }
+
+    // The mask and the low bit negate r in two's complement.
+    Fixed signedBy(Fixed v) const { return wrapAdd(v ^ risingMask, risingMask & 1); }
+
+    int32_t stepOneByOne()
+    {
+        int32_t units = 0;
+        while (wrapAdd(r, direction) > 0) {
+            const Fixed twoR = signedBy(wrapAdd(r, r));
+            if (error <= 0 && !(isFalling() && wrapSub(kFixedOne, twoR) >= error)) break;
+            r = wrapAdd(r, direction);
+            error = wrapAdd(error, wrapSub(twoR, kFixedOne));
+            ++units;
+        }
+        return units;
+    }
+
+    // The same for the usual pixel, which takes the guessed number of steps or one more, without a
+    // jump that depends on which: g steps cost g * (2r + g), or 2r - g while falling. Both ways the
+    // steps are right when they end with 1 - 2r < error <= 0. False, and nothing done, when they
+    // do not, or numbers are so small or large that the one-by-one steps might stop or wrap.
+    bool stepByGuess(int32_t& units)
+    {
+        if (r < 16 * kFixedOne || r >= 2048 * kFixedOne) return false;
+        if (isFalling() ? error < -kGreatestError || error > 0
+                        : error < 0 || error > kGreatestError)
+            return false;
+        const Fixed steps = guess * kFixedOne;
+        Fixed newR;
+        Fixed rest;
+        int32_t more;
+        if (isFalling()) {
+            newR = r - steps;
+            rest = error + guess * (2 * r - steps);
+            more = -(rest <= kFixedOne - 2 * newR);
+            rest += more & (2 * newR - kFixedOne);
+            newR -= more & kFixedOne;
+        } else {
+            newR = r + steps;
+            rest = error - guess * (2 * r + steps);
+            more = -(rest > 0);
+            rest -= more & (2 * newR + kFixedOne);
+            newR += more & kFixedOne;
+        }
+        if (rest > 0 || rest <= kFixedOne - 2 * newR) return false;
+        r = newR;
+        error = rest;
+        units = guess - more;
+        return true;
+    }
+
+    bool halfStep()
+    {
+        const Fixed signedR = signedBy(r);
+        const bool due = wrapAdd(r, direction) > 0 &&
+                         (error > 0 || (isFalling() && wrapSub(kQuarter, signedR) >= error));
+        const int32_t mask = -static_cast<int32_t>(due);
+        error = wrapAdd(error, mask & wrapSub(signedR, kQuarter));
+        r = wrapAdd(r, mask & (direction >> 1));
+        return due;
+    }
+};
+
 // The walk along the span. Everything persists from phase to phase; only r is refreshed where it
 // is computed exactly.
 class RadialWalk {
 public:
     explicit RadialWalk(const MMContext2D& context)
         : stops_(context.currentPaint), paint_(context.currentPaint),
-          dx_(wrapSub(fixFromInt(fixFloor(context.spanStart)), paint_.radialCenterX)),
           dy_(wrapSub(fixFromInt(context.spanRow), paint_.radialCenterY)),
-          a_(wrapAdd(fixMul(paint_.radialXToU, paint_.radialXToU),
-                     fixMul(paint_.radialXToV, paint_.radialXToV))),
-          b_(fixMul(wrapAdd(fixMul(paint_.radialXToU, paint_.radialYToU),
-                            fixMul(paint_.radialXToV, paint_.radialYToV)),
-                    wrapAdd(dy_, dy_))),
-          vertex_(fixDiv(wrapNeg(b_), wrapAdd(a_, a_))), r_(exactR()),
           segment_(stops_.count >= 2 ? stops_.count - 2 : 0)
     {
+        at_.dx = wrapSub(fixFromInt(fixFloor(context.spanStart)), paint_.radialCenterX);
+        at_.a = wrapAdd(fixMul(paint_.radialXToU, paint_.radialXToU),
+                        fixMul(paint_.radialXToV, paint_.radialXToV));
+        at_.b = fixMul(wrapAdd(fixMul(paint_.radialXToU, paint_.radialYToU),
+                               fixMul(paint_.radialXToV, paint_.radialYToV)),
+                       wrapAdd(dy_, dy_));
+        at_.vertex = fixDiv(wrapNeg(at_.b), wrapAdd(at_.a, at_.a));
+        at_.r = exactR();
     }
 
     template <class Target>
@@ -91,9 +200,9 @@ public:
         const Fixed first = stops_.firstOffset();
         const Fixed last = stops_.lastOffset();
         while (count > 0) {
-            if (r_ >= last) drawOutside(target, count);
-            if (r_ < first && count > 0) drawInside(target, count);
-            while (first <= r_ && r_ < last && count > 0) {
+            if (at_.r >= last) drawOutside(target, count);
+            if (at_.r < first && count > 0) drawInside(target, count);
+            while (first <= at_.r && at_.r < last && count > 0) {
                 drawSegment(target, count);
                 target.endRamp();
             }
@@ -104,8 +213,8 @@ private:
     Fixed exactR() const
     {
         const MMPoint2D mapped = {
-            wrapAdd(fixMul(dx_, paint_.radialXToU), fixMul(dy_, paint_.radialYToU)),
-            wrapAdd(fixMul(dx_, paint_.radialXToV), fixMul(dy_, paint_.radialYToV))};
+            wrapAdd(fixMul(at_.dx, paint_.radialXToU), fixMul(dy_, paint_.radialYToU)),
+            wrapAdd(fixMul(at_.dx, paint_.radialXToV), fixMul(dy_, paint_.radialYToV))};
         return v2dNorm(&mapped);
     }
 
@@ -114,7 +223,7 @@ private:
     Fixed rootOf(Fixed offset, Fixed discriminant, int32_t side) const
     {
         const Fixed half = fixMul(offset, fixSqrt(discriminant));
-        const Fixed root = side < 0 ? wrapSub(vertex_, half) : wrapAdd(vertex_, half);
+        const Fixed root = side < 0 ? wrapSub(at_.vertex, half) : wrapAdd(at_.vertex, half);
         return static_cast<Fixed>(static_cast<uint32_t>(wrapAdd(root, 0xFFFF)) & 0xFFFF0000u);
     }
     // Negative when the row misses the circle.
@@ -123,8 +232,8 @@ private:
         const Fixed q = wrapAdd(fixMul(paint_.radialYToU, paint_.radialYToU),
                                 fixMul(paint_.radialYToV, paint_.radialYToV));
         const Fixed g = fixDiv(dy_, offset);
-        const Fixed c = fixDiv(wrapSub(fixMul(fixMul(g, g), q), kFixedOne), a_);
-        const Fixed h = fixDiv(vertex_, offset);
+        const Fixed c = fixDiv(wrapSub(fixMul(fixMul(g, g), q), kFixedOne), at_.a);
+        const Fixed h = fixDiv(at_.vertex, offset);
         return wrapSub(fixMul(h, h), c);
     }
 
@@ -133,23 +242,23 @@ private:
     void pad(Target& target, Pixel colour, int32_t length, int32_t& count)
     {
         target.pad(colour, length);
-        dx_ = wrapAdd(dx_, fixFromInt(length));
+        at_.dx = wrapAdd(at_.dx, fixFromInt(length));
         count -= length;
     }
     // The same up to and including dx = end.
     template <class Target>
     void padTo(Target& target, Pixel colour, Fixed end, int32_t& count)
     {
-        while (count > 0 && dx_ <= end)
-            pad(target, colour, stepsWithin(dx_, kFixedOne, INT32_MIN, end, count), count);
-        r_ = exactR();
+        while (count > 0 && at_.dx <= end)
+            pad(target, colour, stepsWithin(at_.dx, kFixedOne, INT32_MIN, end, count), count);
+        at_.r = exactR();
     }
     // A single pixel where rounding left r on the wrong side.
     template <class Target>
     void padOne(Target& target, Pixel colour, int32_t& count)
     {
         pad(target, colour, 1, count);
-        r_ = exactR();
+        at_.r = exactR();
     }
 
     template <class Target>
@@ -157,14 +266,14 @@ private:
     {
         const Fixed last = stops_.lastOffset();
         const Pixel colour = stops_.lastColour();
-        if (direction_ > 0) { // past the vertex r only grows
+        if (at_.direction > 0) { // past the vertex r only grows
             pad(target, colour, count, count);
             return;
         }
         const Fixed discriminant = discriminantOf(last);
         padTo(target, colour, discriminant < 0 ? INT32_MAX : rootOf(last, discriminant, -1), count);
-        if (r_ >= last && count > 0) padOne(target, colour, count);
-        if (dx_ >= vertex_) direction_ = kFixedOne;
+        if (at_.r >= last && count > 0) padOne(target, colour, count);
+        if (at_.dx >= at_.vertex) at_.direction = kFixedOne;
     }
 
     template <class Target>
@@ -173,18 +282,18 @@ private:
         const Fixed first = stops_.firstOffset();
         const int32_t before = count;
         padTo(target, stops_.firstColour(), rootOf(first, discriminantOf(first), 1), count);
-        if (r_ >= stops_.lastOffset() && count > 0) padOne(target, stops_.lastColour(), count);
+        if (at_.r >= stops_.lastOffset() && count > 0) padOne(target, stops_.lastColour(), count);
         // dx can lie past the rounded exit while r is still inside.
-        if (count == before && r_ < first) padOne(target, stops_.firstColour(), count);
-        direction_ = kFixedOne;
+        if (count == before && at_.r < first) padOne(target, stops_.firstColour(), count);
+        at_.direction = kFixedOne;
     }
 
     // The segment with offset[i] <= r < offset[i + 1], from where the search last ended.
     void findSegment()
     {
-        while (segment_ != 0 && stops_.offsets[segment_] >= r_)
+        while (segment_ != 0 && stops_.offsets[segment_] >= at_.r)
             --segment_;
-        while (segment_ + 1 < stops_.count && stops_.offsets[segment_ + 1] <= r_)
+        while (segment_ + 1 < stops_.count && stops_.offsets[segment_ + 1] <= at_.r)
             ++segment_;
     }
 
@@ -193,11 +302,11 @@ private:
     Channels stepPerUnit(const Segment& segment)
     {
         const Fixed divisor = wrapAdd(segment.length, kFixedHalf);
-        if (dx_ < vertex_)
+        if (at_.dx < at_.vertex)
             return segment.difference.map(
                 [divisor](int32_t change) { return wrapAdd(fixDiv(change, ~divisor), 1); });
-        risingMask_ = -1;
-        direction_ = kFixedOne;
+        at_.risingMask = -1;
+        at_.direction = kFixedOne;
         return segment.difference.map(
             [divisor](int32_t change) { return fixDiv(change, divisor); });
     }
@@ -210,65 +319,28 @@ private:
         const Segment segment(stops_, segment_);
         const Fixed low = stops_.offsets[segment_];
         const Fixed high = stops_.offsets[segment_ + 1];
-        Channels colour = segment.at(r_);
+        Channels colour = segment.at(at_.r);
         const Channels step = stepPerUnit(segment);
-        const Channels halfStep = step.map([](int32_t s) { return s >> 1; });
-        bool crossedVertex = false;
-        while (low <= r_ && r_ < high && count > 0 && !crossedVertex) {
+        CircleFollower at = at_; // in registers
+        CircleFollower::Move move = {};
+        int32_t left = count;
+        while (low <= at.r && at.r < high && left > 0 && !move.crossed) {
             target.rampPixel(colour);
-            crossedVertex = advance(colour, step, halfStep);
-            --count;
+            move = at.advance();
+            --left;
+            const int32_t halfMask = -static_cast<int32_t>(move.half);
+            colour += step.map([move, halfMask](int32_t s) {
+                return wrapAdd(wrapMul(s, move.units), halfMask & (s >> 1));
+            });
         }
-    }
-
-    // Moves one pixel to the right and r after it, the colour with r. True when that crosses the
-    // vertex, where the colour steps change sign.
-    //
-    // A unit step of r changes r * r by 1 - 2r while falling and by 1 + 2r while rising, a half
-    // step by 1/4 - r and 1/4 + r. The mask and the low bit negate r in two's complement.
-    bool advance(Channels& colour, const Channels& step, const Channels& halfStep)
-    {
-        error_ = wrapAdd(error_, wrapAdd(fixMul(wrapAdd(wrapAdd(dx_, dx_), kFixedOne), a_), b_));
-        dx_ = wrapAdd(dx_, kFixedOne);
-        const bool crossed = dx_ >= vertex_ && risingMask_ == 0;
-        if (crossed) {
-            direction_ = kFixedOne;
-            risingMask_ = -1;
-        }
-        const bool falling = direction_ < 0;
-        const int32_t carry = risingMask_ & 1;
-
-        int32_t units = 0;
-        while (wrapAdd(r_, direction_) > 0) {
-            const int32_t twoR = wrapAdd(risingMask_ ^ wrapAdd(r_, r_), carry);
-            if (error_ <= 0 && !(falling && wrapSub(kFixedOne, twoR) >= error_)) break;
-            r_ = wrapAdd(r_, direction_);
-            error_ = wrapAdd(error_, wrapSub(twoR, kFixedOne));
-            ++units;
-        }
-        if (units != 0) colour += step.map([units](int32_t s) { return wrapMul(s, units); });
-
-        const int32_t signedR = wrapAdd(r_ ^ risingMask_, carry);
-        if (wrapAdd(r_, direction_) > 0 &&
-            (error_ > 0 || (falling && wrapSub(kQuarter, signedR) >= error_))) {
-            error_ = wrapAdd(error_, wrapSub(signedR, kQuarter));
-            r_ = wrapAdd(r_, direction_ >> 1);
-            colour += halfStep;
-        }
-        return crossed;
+        at_ = at;
+        count = left;
     }
 
     const StopList stops_;
     const MMPaint& paint_;
-    Fixed dx_; // offset from the centre, device pixels
     const Fixed dy_;
-    const Fixed a_; // r * r = a dx * dx + b dx + what does not change along the row
-    const Fixed b_;
-    const Fixed vertex_; // the dx of the smallest r
-    Fixed r_;
-    Fixed error_ = 0;
-    Fixed direction_ = -kFixedOne; // one unit step of r
-    int32_t risingMask_ = 0;       // all ones once the ramp is drawn past the vertex
+    CircleFollower at_;
     uint32_t segment_;
 };
 

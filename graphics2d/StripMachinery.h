@@ -119,6 +119,8 @@ inline void fillPixels(Pixel* pixels, int32_t count, Pixel colour)
 inline int32_t stepsWithin(int32_t value, int32_t step, int32_t low, int32_t high, int32_t atMost)
 {
     if (atMost <= 1 || step == 0) return atMost;
+    const int64_t last = value + int64_t{step} * (atMost - 1);
+    if (low <= last && last <= high) return atMost;
     const uint32_t room = static_cast<uint32_t>(step > 0 ? high : value) -
                           static_cast<uint32_t>(step > 0 ? value : low);
     const uint32_t more = room / magnitudeOf(step);

@@ -3,17 +3,6 @@
 
 namespace {
 
-// Shifts by 32 or more give 0.
-constexpr uint32_t shiftLeft(uint32_t v, uint32_t n)
-{
-    return n < 32 ? v << n : 0;
-}
-
-constexpr uint32_t shiftRight(uint32_t v, uint32_t n)
-{
-    return n < 32 ? v >> n : 0;
-}
-
 // sin(x) = slope * x + offset over [5 i, 5 i + 5) degrees: the slope is the chord's in 2^-24 per
 // degree, the offset in 2^-24 is raised a little so that the error lies on both sides of the curve.
 struct SineChord {
@@ -54,22 +43,6 @@ Degrees reducedAngle(Degrees angle)
 }
 
 } // namespace
-
-Fixed fixMulSHR(Fixed a, Fixed b, uint8_t shift)
-{
-    const uint32_t magA = magnitudeOf(a);
-    const uint32_t magB = magnitudeOf(b);
-    const uint32_t highA = magA >> 16;
-    const uint32_t lowA = magA & 0xFFFFu;
-    const uint32_t highB = magB >> 16;
-    const uint32_t lowB = magB & 0xFFFFu;
-    const uint32_t middle = highB * lowA + ((lowB * lowA) >> 16);
-    const uint32_t high = highB * highA + (middle >> 16);
-    const uint32_t low = highA * lowB + (middle & 0xFFFFu);
-    const uint32_t shiftedHigh =
-        shift < 16 ? shiftLeft(high, 16u - shift) : shiftRight(high, shift - 16u);
-    return applySign(shiftedHigh + shiftRight(low, shift), signMaskOf(a) ^ signMaskOf(b));
-}
 
 int32_t fixMulDiv(int32_t a, int32_t b, int32_t c)
 {

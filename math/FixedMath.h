@@ -23,6 +23,17 @@ constexpr uint32_t signMaskOf(int32_t v)
     return v < 0 ? 0xFFFFFFFFu : 0u;
 }
 
+// Shifts by 32 or more give 0.
+constexpr uint32_t shiftLeft(uint32_t v, uint32_t n)
+{
+    return n < 32 ? v << n : 0;
+}
+
+constexpr uint32_t shiftRight(uint32_t v, uint32_t n)
+{
+    return n < 32 ? v >> n : 0;
+}
+
 // a * b, truncated toward zero and now and then one unit lower: the product of the two low halves
 // drops the lowest bit of a's so that it never needs a 32nd bit. fixMul(a, b) and fixMul(b, a) may
 // therefore differ in the last bit, and the order of the arguments matters to every caller.
@@ -41,7 +52,21 @@ constexpr Fixed fixMul(Fixed a, Fixed b)
 
 // a * b / 2^shift, truncated toward zero; exact for a shift of 0, while for 17 and more the carries
 // out of the low product are dropped. Scales large products down before they overflow.
-Fixed fixMulSHR(Fixed a, Fixed b, uint8_t shift);
+constexpr Fixed fixMulSHR(Fixed a, Fixed b, uint8_t shift)
+{
+    const uint32_t magA = magnitudeOf(a);
+    const uint32_t magB = magnitudeOf(b);
+    const uint32_t highA = magA >> 16;
+    const uint32_t lowA = magA & 0xFFFFu;
+    const uint32_t highB = magB >> 16;
+    const uint32_t lowB = magB & 0xFFFFu;
+    const uint32_t middle = highB * lowA + ((lowB * lowA) >> 16);
+    const uint32_t high = highB * highA + (middle >> 16);
+    const uint32_t low = highA * lowB + (middle & 0xFFFFu);
+    const uint32_t shiftedHigh =
+        shift < 16 ? shiftLeft(high, 16u - shift) : shiftRight(high, shift - 16u);
+    return applySign(shiftedHigh + shiftRight(low, shift), signMaskOf(a) ^ signMaskOf(b));
+}
 
 // a * b / c, rounded; an exact half goes away from zero, and for |c| = 1 the result is one more
 // than the product in magnitude (the rounding threshold |c| / 2 is then 0). 0 when c is 0.
