@@ -50,19 +50,33 @@ public:
     void rampPixel(const Channels& colour)
     {
         piece_.colours[length_] = opaquePixel(colour.red, colour.green, colour.blue);
-        piece_.weights[length_] = gradientWeight(run_.coverage.current(), colour.alpha);
-        run_.coverage.advance(1);
+        alphas_[length_] = colour.alpha;
         if (++length_ == kPieceLength) endRamp();
     }
     void endRamp()
     {
+        const Coverage opacity = run_.coverage.current();
+        const bool whole = run_.coverage.isFlat() && (opacity & ~0x00FF0000) == 0;
+        for (int32_t i = 0; i < length_; ++i) {
+            piece_.weights[i] = whole ? wholeWeight(opacity, alphas_[i])
+                                      : gradientWeight(run_.coverage.current(), alphas_[i]);
+            run_.coverage.advance(1);
+        }
         run_.drawPiece(piece_.colours, piece_.weights, length_);
         length_ = 0;
     }
 
 private:
+    // gradientWeight of an opacity without a fraction: what the alpha has of one is then lost.
+    static uint32_t wholeWeight(Coverage opacity, int32_t alpha)
+    {
+        if (alpha < 0) return gradientWeight(opacity, alpha);
+        return raisedByte((fixFloor(opacity) * fixFloor(alpha)) >> 8);
+    }
+
     TranslucentRun run_;
     PaintPiece piece_;
+    int32_t alphas_[kPieceLength];
     int32_t length_ = 0;
 };
 
@@ -77,6 +91,7 @@ struct CircleFollower {
     Fixed b;
     Fixed r = 0;
     Fixed error = 0;
+    Fixed change = 0;             // of r * r over the next pixel
     Fixed direction = -kFixedOne; // one unit step of r
     int32_t risingMask = 0;       // all ones once the ramp is drawn past the vertex
     int32_t guess = 0;            // unit steps that a pixel takes at least, as of late
@@ -87,28 +102,79 @@ struct CircleFollower {
         bool crossed;  // the vertex; the next move needs the colour steps of the other side
     };
 
+    // One pixel, whatever the numbers.
     Move advance()
     {
-        error = wrapAdd(error, wrapAdd(fixMul(wrapAdd(wrapAdd(dx, dx), kFixedOne), a), b));
-        dx = wrapAdd(dx, kFixedOne);
+        error = wrapAdd(error, change);
+        moveRight();
         Move move = {};
         move.crossed = dx >= vertex && risingMask == 0;
         if (move.crossed) {
             direction = kFixedOne;
             risingMask = -1;
         }
-        if (!stepByGuess(move.units)) {
-            move.units = stepOneByOne();
-            guess = move.units < guess ? move.units : move.units - 1;
-            if (guess < 0 || guess > kGreatestGuess) guess = 0;
-        }
+        move.units = stepOneByOne();
         move.half = halfStep();
+        guess = move.units < guess ? move.units : move.units - 1;
+        if (guess < 0 || guess > kGreatestGuess) guess = 0;
         return move;
     }
+
+    // The same for the usual pixel, which takes the guessed number of unit steps or one more,
+    // without a jump that depends on which: g steps cost g * (2r + g), or g * (2r - g) while
+    // falling. They are right when they end with 1 - 2r < error <= 0; the half step is then due
+    // while falling only. False, and nothing done, when they are not right, at the vertex, and with
+    // numbers so small or large that steps stop early or wrap.
+    template <bool kFalling>
+    [[gnu::always_inline]] bool advanceByGuess(Move& move)
+    {
+        if (r < 16 * kFixedOne || r >= 2048 * kFixedOne) return false;
+        if (kFalling && wrapAdd(dx, kFixedOne) >= vertex) return false;
+        const int32_t due = wrapAdd(error, change);
+        if (kFalling ? due > 0 || due < -kGreatestError : due < 0 || due > kGreatestError)
+            return false;
+        const Fixed steps = guess * kFixedOne;
+        Fixed newR = kFalling ? r - steps : r + steps;
+        const int32_t cost = guess * (r + newR);
+        int32_t rest = kFalling ? due + cost : due - cost;
+        const int32_t more =
+            -static_cast<int32_t>(kFalling ? rest <= kFixedOne - 2 * newR : rest > 0);
+        const int32_t next = kFalling ? 2 * newR - kFixedOne : -2 * newR - kFixedOne;
+        rest += more & next;
+        newR += more & (kFalling ? -kFixedOne : kFixedOne);
+        if (rest > 0 || rest <= kFixedOne - 2 * newR) return false;
+        move = {guess - more, false, false};
+        if (kFalling) {
+            const int32_t half = -static_cast<int32_t>(rest <= kQuarter - newR);
+            rest += half & (newR - kQuarter);
+            newR -= half & kFixedHalf;
+            move.half = half != 0;
+        }
+        r = newR;
+        error = rest;
+        moveRight();
+        return true;
+    }
+
+    // Sets what follows from dx.
+    void start() { change = wrapAdd(fixMul(doubled(dx), a), b); }
 
 private:
     static constexpr int32_t kGreatestGuess = 4;
     static constexpr int32_t kGreatestError = 0x50000000; // 4 * (2r + 4) more or less still fits
+
+    static Fixed doubled(Fixed dx) { return wrapAdd(wrapAdd(dx, dx), kFixedOne); }
+
+    // The product with a grows by 2a exactly, but is rounded toward zero: it is formed anew where
+    // its sign may change, and next to the end of the range.
+    void moveRight()
+    {
+        const Fixed before = doubled(dx);
+        dx = wrapAdd(dx, kFixedOne);
+        const Fixed after = doubled(dx);
+        change = wrapAdd(change, wrapAdd(a, a));
+        if ((before ^ after) < 0 || after < -0x7FFF0000) start();
+    }
 
     bool isFalling() const { return direction < 0; }
 
@@ -126,40 +192,6 @@ private:
             ++units;
         }
         return units;
-    }
-
-    // The same for the usual pixel, which takes the guessed number of steps or one more, without a
-    // jump that depends on which: g steps cost g * (2r + g), or 2r - g while falling. Both ways the
-    // steps are right when they end with 1 - 2r < error <= 0. False, and nothing done, when they
-    // do not, or numbers are so small or large that the one-by-one steps might stop or wrap.
-    bool stepByGuess(int32_t& units)
-    {
-        if (r < 16 * kFixedOne || r >= 2048 * kFixedOne) return false;
-        if (isFalling() ? error < -kGreatestError || error > 0
-                        : error < 0 || error > kGreatestError)
-            return false;
-        const Fixed steps = guess * kFixedOne;
-        Fixed newR;
-        Fixed rest;
-        int32_t more;
-        if (isFalling()) {
-            newR = r - steps;
-            rest = error + guess * (2 * r - steps);
-            more = -(rest <= kFixedOne - 2 * newR);
-            rest += more & (2 * newR - kFixedOne);
-            newR -= more & kFixedOne;
-        } else {
-            newR = r + steps;
-            rest = error - guess * (2 * r + steps);
-            more = -(rest > 0);
-            rest -= more & (2 * newR + kFixedOne);
-            newR += more & kFixedOne;
-        }
-        if (rest > 0 || rest <= kFixedOne - 2 * newR) return false;
-        r = newR;
-        error = rest;
-        units = guess - more;
-        return true;
     }
 
     bool halfStep()
@@ -321,18 +353,27 @@ private:
         const Fixed high = stops_.offsets[segment_ + 1];
         Channels colour = segment.at(at_.r);
         const Channels step = stepPerUnit(segment);
+        const Channels halfStep = step.map([](int32_t s) { return s >> 1; });
         CircleFollower at = at_; // in registers
-        CircleFollower::Move move = {};
+        at.start();
         int32_t left = count;
-        while (low <= at.r && at.r < high && left > 0 && !move.crossed) {
-            target.rampPixel(colour);
-            move = at.advance();
-            --left;
-            const int32_t halfMask = -static_cast<int32_t>(move.half);
-            colour += step.map([move, halfMask](int32_t s) {
-                return wrapAdd(wrapMul(s, move.units), halfMask & (s >> 1));
-            });
-        }
+        const auto draw = [&](CircleFollower::Move& move, auto advanceByGuess) {
+            while (low <= at.r && at.r < high && left > 0) {
+                target.rampPixel(colour);
+                --left;
+                if (!advanceByGuess(move)) move = at.advance();
+                const int32_t halfMask = -static_cast<int32_t>(move.half);
+                colour += Channels::combine(step, halfStep, [&](int32_t whole, int32_t half) {
+                    return wrapAdd(wrapMul(whole, move.units), halfMask & half);
+                });
+                if (move.crossed) return;
+            }
+        };
+        CircleFollower::Move move = {};
+        if (at.direction < 0)
+            draw(move, [&at](auto& m) { return at.advanceByGuess<true>(m); });
+        else
+            draw(move, [&at](auto& m) { return at.advanceByGuess<false>(m); });
         at_ = at;
         count = left;
     }
