@@ -4,6 +4,7 @@
 #include "math/FixedMath.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace KAVO {
 namespace Graphics2D {
@@ -102,6 +103,17 @@ UnitVector rotationBy(Degrees angle)
     cosine = kOne30 - ((square * cosine) >> 30) / 12;
     cosine = kOne30 - ((square * cosine) >> 30) / 2;
     return {static_cast<Fixed30>(cosine), static_cast<Fixed30>((x * sine) >> 30)};
+}
+
+UnitVector directionAt(Degrees angle)
+{
+    const Degrees turn = (angle % kDegrees360 + kDegrees360) % kDegrees360;
+    const Degrees rest = turn % kDegrees90;
+    UnitVector direction = rotationBy(rest <= kDegrees90 / 2 ? rest : kDegrees90 - rest);
+    if (rest > kDegrees90 / 2) std::swap(direction.x, direction.y);
+    for (int32_t quadrant = turn / kDegrees90; quadrant > 0; --quadrant)
+        direction = turnedRight(direction);
+    return direction;
 }
 
 Degrees stepWithin(Fixed sagitta, int64_t radius)

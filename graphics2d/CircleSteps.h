@@ -59,6 +59,9 @@ Degrees angleBetween(Fixed30 dot, Fixed30 cross);
 // Cosine and sine of an angle of 0 to 45 degrees.
 UnitVector rotationBy(Degrees angle);
 
+// The direction at any angle, exact to 2^-20.
+UnitVector directionAt(Degrees angle);
+
 // The greatest turn between neighbouring points of a circle of the given radius in device pixels
 // that keeps its chords within sagitta (also device pixels) of it; 0.1 to 45 degrees.
 Degrees stepWithin(Fixed sagitta, int64_t radius);
