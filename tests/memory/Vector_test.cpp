@@ -41,7 +41,7 @@ TEST(Vector, FollowsAStandardVector)
                                  : static_cast<const void*>(&fresh);
         std::memcpy(&fresh, source, sizeof fresh);
         const auto modelPosition = model.begin() + static_cast<std::ptrdiff_t>(at);
-        switch (random() % (model.size() < 200 ? 5 : 8)) {
+        switch (model.size() < 200 ? random() % 5 : 4 + random() % 4) {
         case 0:
         case 1:
             ASSERT_EQ(vector.push(source), 0u);
