@@ -159,7 +159,7 @@ struct BicubicFilter {
             for (int j = 0; j < 4; ++j)
                 sum.add(walk.texelAt(int64_t{walk.u.index()} + columns.tap[j],
                                      int64_t{walk.v.index()} + rows.tap[k]),
-                        static_cast<uint32_t>(fixMul(x.tap[j], y.tap[k])));
+                        static_cast<uint32_t>(fixMulInline(x.tap[j], y.tap[k])));
         out.put(i, sum);
     }
 
@@ -190,7 +190,8 @@ struct WeightedPixels {
     void put(int32_t i, const CubicSum& sum)
     {
         piece->colours[i] = sum.opaque();
-        const int32_t product = fixMulSHR(static_cast<Fixed>(sum.alpha), coverage->current(), 8);
+        const int32_t product =
+            fixMulSHRInline(static_cast<Fixed>(sum.alpha), coverage->current(), 8);
         const int32_t weight = wrapAdd(product, 0x8000) >> 16;
         piece->weights[i] =
             static_cast<uint32_t>(product >= 0x007F8000 ? weight + 1 : weight) & 0xFFu;

@@ -88,7 +88,7 @@ inline uint32_t raisedByte(int32_t product)
 // The weight of a gradient's colour: the opacity times the 8.16 alpha, truncated.
 inline uint32_t gradientWeight(Coverage opacity, int32_t alpha)
 {
-    return raisedByte(fixMulSHR(opacity, alpha, 24));
+    return raisedByte(fixMulSHRInline(opacity, alpha, 24));
 }
 
 // --- The span ------------------------------------------------------------------------------------

@@ -44,6 +44,16 @@ Degrees reducedAngle(Degrees angle)
 
 } // namespace
 
+Fixed fixMul(Fixed a, Fixed b)
+{
+    return fixMulInline(a, b);
+}
+
+Fixed fixMulSHR(Fixed a, Fixed b, uint8_t shift)
+{
+    return fixMulSHRInline(a, b, shift);
+}
+
 int32_t fixMulDiv(int32_t a, int32_t b, int32_t c)
 {
     if (c == 0) return 0;

@@ -37,7 +37,10 @@ constexpr uint32_t shiftRight(uint32_t v, uint32_t n)
 // a * b, truncated toward zero and now and then one unit lower: the product of the two low halves
 // drops the lowest bit of a's so that it never needs a 32nd bit. fixMul(a, b) and fixMul(b, a) may
 // therefore differ in the last bit, and the order of the arguments matters to every caller.
-constexpr Fixed fixMul(Fixed a, Fixed b)
+Fixed fixMul(Fixed a, Fixed b);
+
+// The same inside the caller, for inner loops; elsewhere a call is smaller and as good.
+constexpr Fixed fixMulInline(Fixed a, Fixed b)
 {
     const uint32_t magA = magnitudeOf(a);
     const uint32_t magB = magnitudeOf(b);
@@ -52,7 +55,10 @@ constexpr Fixed fixMul(Fixed a, Fixed b)
 
 // a * b / 2^shift, truncated toward zero; exact for a shift of 0, while for 17 and more the carries
 // out of the low product are dropped. Scales large products down before they overflow.
-constexpr Fixed fixMulSHR(Fixed a, Fixed b, uint8_t shift)
+Fixed fixMulSHR(Fixed a, Fixed b, uint8_t shift);
+
+// The same inside the caller, for inner loops.
+constexpr Fixed fixMulSHRInline(Fixed a, Fixed b, uint8_t shift)
 {
     const uint32_t magA = magnitudeOf(a);
     const uint32_t magB = magnitudeOf(b);

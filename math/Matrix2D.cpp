@@ -126,8 +126,8 @@ void Matrix2D::transform(MMPoint2D* dst, const MMPoint2D* src, uint16_t count) c
 {
     for (uint32_t i = 0; i < count; ++i) {
         const MMPoint2D p = src[i];
-        dst[i].x = wrapAdd(wrapAdd(fixMul(a, p.x), fixMul(c, p.y)), e);
-        dst[i].y = wrapAdd(wrapAdd(fixMul(b, p.x), fixMul(d, p.y)), f);
+        dst[i].x = wrapAdd(wrapAdd(fixMulInline(a, p.x), fixMulInline(c, p.y)), e);
+        dst[i].y = wrapAdd(wrapAdd(fixMulInline(b, p.x), fixMulInline(d, p.y)), f);
     }
 }
 
