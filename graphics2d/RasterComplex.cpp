@@ -178,6 +178,7 @@ void SmoothFill::draw()
             addApart();
         else
             addRow();
+        if (slabs_.failed()) return;
         painter_.beginRow(row);
         coverage_.sweep(painter_);
     }
@@ -417,7 +418,7 @@ void SmoothFill::addStraight(const RowPlace* first, const RowPlace* end, int32_t
     const uint32_t count = static_cast<uint32_t>(end - first);
     ScratchArray<SlabEdge> edges(context_.scratchStack, count);
     if (!edges) {
-        context_.outOfMemory |= kScratchExhausted;
+        slabs_.fail();
         return;
     }
     for (uint32_t i = 0; i < count; ++i)
@@ -452,7 +453,7 @@ void SmoothFill::addClusters(const RowPlace* first, const RowPlace* end, int32_t
     ScratchArray<Extent> extents(context_.scratchStack, count);
     ScratchArray<Chain> chains(context_.scratchStack, count);
     if (!extents || !chains) {
-        context_.outOfMemory |= kScratchExhausted;
+        slabs_.fail();
         return;
     }
     for (uint32_t i = 0; i < count; ++i) {
@@ -501,7 +502,7 @@ void SmoothFill::addBent(Chain* chains, uint32_t count, int32_t winding)
     }
     ScratchArray<SlabEdge> edges(context_.scratchStack, count);
     if (!edges) {
-        context_.outOfMemory |= kScratchExhausted;
+        slabs_.fail();
         return;
     }
     addLevels(chains, count, edges.data(), levels, winding);
@@ -541,7 +542,7 @@ void SmoothFill::addFixedSlabs(Chain* chains, uint32_t count, int32_t winding)
     };
     ScratchArray<Piece> pieces(context_.scratchStack, count);
     if (!pieces) {
-        context_.outOfMemory |= kScratchExhausted;
+        slabs_.fail();
         return;
     }
     constexpr Fixed kSlab = static_cast<Fixed>(SlabFill::kLeastSlab);

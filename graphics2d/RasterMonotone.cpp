@@ -238,7 +238,7 @@ void drawSmooth(RowPainter& painter, CoverageRow& coverage, SlabFill& slabs, Sid
 bool drawThin(MMContext2D& context, const PixelBox& visible)
 {
     const int32_t row = fixFloor(shiftedByHalf(context.boundsMinY));
-    if (row != fixFloor(wrapAdd(context.boundsMaxY, kFixedHalf - 1))) return false;
+    if (row != fixFloor(shiftedByHalf(context.boundsMaxY) - 1)) return false;
     if (row < visible.top || row >= visible.bottom) return true;
 
     uint8_t& opacity = context.currentPaint.paintOpacity;

@@ -53,7 +53,7 @@ void SlabFill::addGroups(const SlabEdge* edges, uint32_t count, int32_t winding,
 {
     ScratchArray<Fixed> leastBottom(context_.scratchStack, count); // from each edge on
     if (!leastBottom) {
-        context_.outOfMemory |= kScratchExhausted;
+        fail();
         return;
     }
     leastBottom[count - 1] = edges[count - 1].bottom;
@@ -99,7 +99,7 @@ void SlabFill::bisect(const SlabEdge* edges, uint32_t count, int32_t winding, ui
 {
     ScratchArray<SlabEdge> half(context_.scratchStack, count);
     if (!half) {
-        context_.outOfMemory |= kScratchExhausted;
+        fail();
         return;
     }
     if (height <= kLeastSlab) {

@@ -27,6 +27,16 @@ public:
     {
     }
 
+    // Scratch memory ran out: edges are missing from the row.
+    bool failed() const { return failed_; }
+
+    // Notes that it did, here or in the caller.
+    void fail()
+    {
+        failed_ = true;
+        context_.outOfMemory |= kScratchExhausted;
+    }
+
     bool inside(int32_t winding) const { return (winding & insideMask_) != 0; }
 
     // Whether no edge of so few can lie between inside and outside.
@@ -48,6 +58,7 @@ private:
 
     MMContext2D& context_;
     CoverageRow& coverage_;
+    bool failed_ = false;
     int32_t insideMask_; // winding numbers that share a bit with it are inside
 };
 
