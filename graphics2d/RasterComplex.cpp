@@ -11,8 +11,8 @@
 // Such an edge separates what lies left and right of it all the way down the row, so that the
 // winding number along it is the one at the row's top, and the chains between two of them are
 // settled on their own: crossing edges in one slab, chains with vertices in slabs cut at these
-// vertices. Vertices at more than 16 levels take sixteen equal slabs instead, so that no input
-// makes a row cost more than that.
+// vertices. Vertices at more than 16 levels take sixteen equal parts of the row instead, each cut
+// again, so that no input makes a row cost more than 256 slabs.
 //
 // Cost: n log n for the local minima, and a pass over the chains per row. Memory: three words per
 // vertex, sixteen per local minimum, and the row of coverage.
@@ -105,13 +105,13 @@ private:
     uint32_t count_ = 0;
 };
 
-// Spreads a level over 64 bits, so that sums of such numbers vanish only when the levels cancel.
-uint64_t mixed(Fixed level)
+// Spreads a level over 32 bits, so that sums of such numbers vanish only when the levels cancel.
+uint32_t mixed(Fixed level)
 {
-    uint64_t bits = static_cast<uint32_t>(level) + 0x9E3779B97F4A7C15u;
-    bits = (bits ^ (bits >> 30)) * 0xBF58476D1CE4E5B9u;
-    bits = (bits ^ (bits >> 27)) * 0x94D049BB133111EBu;
-    return bits ^ (bits >> 31);
+    uint32_t bits = static_cast<uint32_t>(level) + 0x9E3779B9u;
+    bits = (bits ^ (bits >> 16)) * 0x85EBCA6Bu;
+    bits = (bits ^ (bits >> 13)) * 0xC2B2AE35u;
+    return bits ^ (bits >> 16);
 }
 
 class SmoothFill {
@@ -141,12 +141,14 @@ private:
     void addRow();
     void addBetween(RowPlace* first, RowPlace* end, int32_t winding);
     void addSingle(const RowPlace& place, int32_t winding);
+    void addAlong(Chain chain, Fixed from, Fixed to, int32_t sign);
     void addStraight(const RowPlace* first, const RowPlace* end, int32_t winding);
     void addClusters(const RowPlace* first, const RowPlace* end, int32_t winding);
-    uint64_t imbalanceOf(Chain chain) const;
-    void addBent(Chain* chains, uint32_t count, int32_t winding);
-    void addLevels(Chain* chains, uint32_t count, SlabEdge* edges, Levels& levels, int32_t winding);
-    void addFixedSlabs(Chain* chains, uint32_t count, int32_t winding);
+    uint32_t imbalanceOf(Chain chain) const;
+    void addBent(Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to);
+    void addLevels(Chain* chains, uint32_t count, Levels& levels, int32_t winding, Fixed from,
+                   Fixed to);
+    void addLowSlab(Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to);
     int32_t windingAtTop(const RowPlace& place);
     Chain chainInRow(const RowPlace& place);
 
@@ -392,11 +394,18 @@ void SmoothFill::addSingle(const RowPlace& place, int32_t winding)
         coverage_.addPiece(place.top, place.bottom, kFixedOne, sign);
         return;
     }
-    for (Chain chain = active_.chainOf(place);;) {
-        const Fixed y = std::min(chain.line.endY, bottom_);
-        coverage_.addPiece(chain.line.x, chain.line.xAt(y), static_cast<uint32_t>(y - chain.line.y),
-                           sign);
-        if (y == bottom_ || !chain.step(ring_)) return;
+    addAlong(active_.chainOf(place), top_, bottom_, sign);
+}
+
+// Adds all edges of a chain between two levels.
+void SmoothFill::addAlong(Chain chain, Fixed from, Fixed to, int32_t sign)
+{
+    for (Fixed level = std::max(chain.line.y, from);;) {
+        const Fixed next = std::min(chain.line.endY, to);
+        coverage_.addPiece(chain.line.xAt(level), chain.line.xAt(next),
+                           static_cast<uint32_t>(next - level), sign);
+        if (next == to || !chain.step(ring_)) return;
+        level = next;
     }
 }
 
@@ -428,9 +437,9 @@ void SmoothFill::addStraight(const RowPlace* first, const RowPlace* end, int32_t
 
 // What a chain that starts or ends inside the row does to the winding number right of it: zero in
 // sum where everything that starts and ends cancels.
-uint64_t SmoothFill::imbalanceOf(Chain chain) const
+uint32_t SmoothFill::imbalanceOf(Chain chain) const
 {
-    uint64_t sum = chain.startsBelow(top_) ? mixed(chain.line.y) : 0;
+    uint32_t sum = chain.startsBelow(top_) ? mixed(chain.line.y) : 0;
     while (chain.line.endY < bottom_) {
         if (chain.step(ring_)) continue;
         sum -= mixed(chain.line.endY);
@@ -447,7 +456,7 @@ void SmoothFill::addClusters(const RowPlace* first, const RowPlace* end, int32_t
         Fixed minX;
         Fixed maxX;
         const RowPlace* place;
-        uint64_t imbalance;
+        uint32_t imbalance;
     };
     const uint32_t count = static_cast<uint32_t>(end - first);
     ScratchArray<Extent> extents(context_.scratchStack, count);
@@ -466,7 +475,7 @@ void SmoothFill::addClusters(const RowPlace* first, const RowPlace* end, int32_t
     });
     for (uint32_t i = 0; i < count;) {
         Fixed reach = extents[i].maxX;
-        uint64_t open = 0;
+        uint32_t open = 0;
         int32_t after = winding;
         uint32_t size = 0;
         do {
@@ -480,42 +489,51 @@ void SmoothFill::addClusters(const RowPlace* first, const RowPlace* end, int32_t
         if (size == 1)
             addSingle(*extents[i - 1].place, winding);
         else if (!slabs_.isDeepInside(winding, size))
-            addBent(chains.data(), size, winding);
+            addBent(chains.data(), size, winding, top_, bottom_);
         winding = after;
     }
 }
 
-void SmoothFill::addBent(Chain* chains, uint32_t count, int32_t winding)
+// Adds a cluster of chains between two levels, cut at their vertices there. Takes the chains down
+// past the upper level.
+void SmoothFill::addBent(Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to)
 {
     Levels levels;
-    for (uint32_t i = 0; i < count && !levels.tooMany(); ++i) {
-        Chain chain = chains[i];
-        if (chain.startsBelow(top_)) levels.insert(chain.line.y);
-        while (chain.line.endY < bottom_ && !levels.tooMany()) {
-            levels.insert(chain.line.endY);
-            if (!chain.step(ring_)) break;
+    for (uint32_t i = 0; i < count; ++i) {
+        Chain& chain = chains[i];
+        while (chain.line.endY <= from && chain.step(ring_)) {
+        }
+        Chain rest = chain;
+        if (rest.line.y > from && rest.line.y < to) levels.insert(rest.line.y);
+        while (rest.line.endY > from && rest.line.endY < to && !levels.tooMany()) {
+            levels.insert(rest.line.endY);
+            if (!rest.step(ring_)) break;
         }
     }
-    if (levels.tooMany()) {
-        addFixedSlabs(chains, count, winding);
-        return;
+    constexpr Fixed kPart = static_cast<Fixed>(SlabFill::kLeastSlab);
+    if (!levels.tooMany()) {
+        addLevels(chains, count, levels, winding, from, to);
+    } else if (to - from > kPart) {
+        for (Fixed level = from; level < to; level += kPart)
+            addBent(chains, count, winding, level, level + kPart);
+    } else {
+        addLowSlab(chains, count, winding, from, to);
     }
+}
+
+// Adds the slabs between the levels.
+void SmoothFill::addLevels(Chain* chains, uint32_t count, Levels& levels, int32_t winding,
+                           Fixed from, Fixed to)
+{
     ScratchArray<SlabEdge> edges(context_.scratchStack, count);
     if (!edges) {
         slabs_.fail();
         return;
     }
-    addLevels(chains, count, edges.data(), levels, winding);
-}
-
-// Cuts a cluster at all its vertices.
-void SmoothFill::addLevels(Chain* chains, uint32_t count, SlabEdge* edges, Levels& levels,
-                           int32_t winding)
-{
     levels.sort();
-    Fixed level = top_;
+    Fixed level = from;
     for (uint32_t slab = 0; slab <= levels.count(); ++slab) {
-        const Fixed next = slab < levels.count() ? levels[slab] : bottom_;
+        const Fixed next = slab < levels.count() ? levels[slab] : to;
         uint32_t crossing = 0;
         for (uint32_t i = 0; i < count; ++i) {
             Chain& chain = chains[i];
@@ -525,52 +543,41 @@ void SmoothFill::addLevels(Chain* chains, uint32_t count, SlabEdge* edges, Level
             if (chain.line.endY <= level) continue;
             edges[crossing++] = {chain.line.xAt(level), chain.line.xAt(next), chain.winding};
         }
-        slabs_.add(edges, crossing, winding, static_cast<uint32_t>(next - level));
+        slabs_.add(edges.data(), crossing, winding, static_cast<uint32_t>(next - level));
         level = next;
     }
 }
 
-// Cuts a cluster into equal slabs. A chain that starts, ends or bends inside a slab is replaced by
-// the line between its first and its last point there and keeps its height.
-void SmoothFill::addFixedSlabs(Chain* chains, uint32_t count, int32_t winding)
+// Adds a low slab with too many vertices: decides by the middles of the chains which of them lie
+// between inside and outside.
+void SmoothFill::addLowSlab(Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to)
 {
-    struct Piece {
-        Fixed top;
-        Fixed bottom;
-        int32_t winding;
-        uint32_t height;
+    struct Part {
+        Fixed middle;
+        uint32_t chain;
     };
-    ScratchArray<Piece> pieces(context_.scratchStack, count);
-    if (!pieces) {
+    ScratchArray<Part> parts(context_.scratchStack, count);
+    if (!parts) {
         slabs_.fail();
         return;
     }
-    constexpr Fixed kSlab = static_cast<Fixed>(SlabFill::kLeastSlab);
-    for (Fixed level = top_; level != bottom_; level += kSlab) {
-        const Fixed next = level + kSlab;
-        uint32_t crossing = 0;
-        for (uint32_t i = 0; i < count; ++i) {
-            Chain& chain = chains[i];
-            if (chain.line.y >= next || chain.line.endY <= level) continue;
-            const Fixed from = std::max(chain.line.y, level);
-            const Fixed x = chain.line.xAt(from);
-            while (chain.line.endY < next && chain.step(ring_)) {
-            }
-            const Fixed to = std::min(chain.line.endY, next);
-            pieces[crossing++] = {x, chain.line.xAt(to), chain.winding,
-                                  static_cast<uint32_t>(to - from)};
-            if (chain.line.endY == next) chain.step(ring_);
+    uint32_t size = 0;
+    for (uint32_t i = 0; i < count; ++i) {
+        Chain chain = chains[i];
+        if (chain.line.y >= to || chain.line.endY <= from) continue;
+        const Fixed top = chain.line.xAt(std::max(chain.line.y, from));
+        while (chain.line.endY < to && chain.step(ring_)) {
         }
-        std::sort(pieces.data(), pieces.data() + crossing, [](const Piece& a, const Piece& b) {
-            return static_cast<int64_t>(a.top) + a.bottom < static_cast<int64_t>(b.top) + b.bottom;
-        });
-        int32_t now = winding;
-        for (uint32_t i = 0; i < crossing; ++i) {
-            const bool was = slabs_.inside(now);
-            now += pieces[i].winding;
-            if (slabs_.inside(now) != was)
-                coverage_.addPiece(pieces[i].top, pieces[i].bottom, pieces[i].height, was ? -1 : 1);
-        }
+        parts[size++] = {(top >> 1) + (chain.line.xAt(to) >> 1), i};
+    }
+    std::sort(parts.data(), parts.data() + size, [](const Part& a, const Part& b) {
+        return a.middle != b.middle ? a.middle < b.middle : a.chain < b.chain;
+    });
+    for (uint32_t i = 0; i < size; ++i) {
+        const Chain& chain = chains[parts[i].chain];
+        const bool was = slabs_.inside(winding);
+        winding += chain.winding;
+        if (slabs_.inside(winding) != was) addAlong(chain, from, to, was ? -1 : 1);
     }
 }
 

@@ -9,6 +9,9 @@ namespace Graphics2D {
 
 namespace {
 
+// Up to so many crossing edges are bisected further, for there it costs little.
+constexpr uint32_t kFewEdges = 16;
+
 bool isLeftOf(const SlabEdge& a, const SlabEdge& b)
 {
     return a.top != b.top ? a.top < b.top : a.bottom < b.bottom;
@@ -102,7 +105,7 @@ void SlabFill::bisect(const SlabEdge* edges, uint32_t count, int32_t winding, ui
         fail();
         return;
     }
-    if (height <= kLeastSlab) {
+    if (height <= (count <= kFewEdges ? kLeastSlab / 16 : kLeastSlab)) {
         std::copy_n(edges, count, half.data());
         sortNearlySorted(half.data(), count, [](const SlabEdge& a, const SlabEdge& b) {
             return middleOf(a) < middleOf(b);

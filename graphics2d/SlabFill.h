@@ -17,7 +17,8 @@ struct SlabEdge {
 //
 // Only the edges at which inside and outside meet are added. Where the order of the edges at the
 // bottom differs from that at the top they cross: two edges are cut at their intersection, groups
-// of more are bisected down to 1/16 of a row and then taken in the order of their middles.
+// of more are bisected down to 1/16 of a row (1/256 when they are few) and then taken in the order
+// of their middles.
 class SlabFill {
 public:
     static constexpr uint32_t kLeastSlab = 0x1000;

@@ -125,6 +125,13 @@ inline std::vector<Shape> shapes()
     add(saw, 5, 60.5);
     list.push_back({"comb", comb, kMean, kWorst});
     list.push_back({"saw within one row", saw, kMean, kWorst});
+    Polygon flat = random(9, 40, 110), squeezed = random(9, 40, 110);
+    for (std::size_t i = 0; i < flat.size(); ++i) {
+        flat[i].y = toFixed(20) + flat[i].y / 40;
+        squeezed[i].y = toFixed(19.6) + squeezed[i].y / 140;
+    }
+    list.push_back({"tangle in three rows", flat, 0.8, kWorst});
+    list.push_back({"tangle in one row", squeezed, 1.0, kWorst});
     list.push_back({"small teeth", burst(64, 64, 60, 59.2, 400), kMean, kWorst});
     list.push_back({"tangle of 40", random(7, 40, 120), 0.8, kWorst});
     list.push_back({"tangle of 12", random(3, 12, 120), kMean, kWorst});

@@ -16,8 +16,7 @@ TEST(RasterQuality, CoverageIsTheArea)
             Canvas canvas;
             canvas.context.fillRule = evenOdd ? kFillEvenOdd : kFillNonZero;
             canvas.fill(shape.polygon);
-            const std::vector<double> areas =
-                model::areas(shape.polygon, kWidth, kHeight, evenOdd, 1024);
+            const std::vector<double> areas = model::areas(shape.polygon, kWidth, kHeight, evenOdd);
             double sum = 0, worst = 0;
             int edgePixels = 0, worstAt = 0;
             for (int i = 0; i < kWidth * kHeight; ++i) {
@@ -135,7 +134,7 @@ TEST(RasterQuality, BothRasterisersAgreeOnMonotonePolygons)
 TEST(RasterQuality, NoPixelIsDrawnTwice)
 {
     for (const Shape& shape : shapes()) {
-        const auto areas = model::areas(shape.polygon, kWidth, kHeight, false, 64);
+        const auto areas = model::areas(shape.polygon, kWidth, kHeight, false, 8);
         Canvas once;
         once.context.currentPaint.paintType = kPaintXOR;
         once.fill(shape.polygon);

@@ -36,61 +36,100 @@ inline bool inside(int winding, bool evenOdd)
     return evenOdd ? (winding & 1) != 0 : winding != 0;
 }
 
-// Crossings (x, winding) of the polygon with the horizontal line at y, from left to right. An edge
-// owns its lower end and not its upper one.
-inline std::vector<std::pair<double, int>> crossings(const Polygon& polygon, double y)
+// An edge where a horizontal line meets it.
+struct Crossing {
+    double x;
+    double slope; // x per y
+    int winding;
+};
+
+// Crossings of the polygon with the horizontal line at y, from left to right. An edge owns its
+// lower end and not its upper one.
+inline std::vector<Crossing> crossings(const Polygon& polygon, double y)
 {
-    std::vector<std::pair<double, int>> result;
+    std::vector<Crossing> result;
     for (std::size_t i = 0; i < polygon.size(); ++i) {
         MMPoint2D a = polygon[i];
-        MMPoint2D b = polygon[(i + 1) % polygon.size()];
+        MMPoint2D b = polygon[i + 1 < polygon.size() ? i + 1 : 0];
         int winding = 1;
         if (a.y > b.y) {
             std::swap(a, b);
             winding = -1;
         }
-        const double y0 = toDouble(a.y), y1 = toDouble(b.y), x0 = toDouble(a.x);
-        if (!(y0 < y && y <= y1)) continue;
-        result.emplace_back(x0 + (toDouble(b.x) - x0) * (y - y0) / (y1 - y0), winding);
+        if (!(toDouble(a.y) < y && y <= toDouble(b.y))) continue;
+        const double slope = (toDouble(b.x) - toDouble(a.x)) / (toDouble(b.y) - toDouble(a.y));
+        result.push_back({toDouble(a.x) + slope * (y - toDouble(a.y)), slope, winding});
     }
-    std::sort(result.begin(), result.end());
+    std::sort(result.begin(), result.end(),
+              [](const Crossing& a, const Crossing& b) { return a.x < b.x; });
     return result;
+}
+
+// Calls back with the crossings at the left and at the right end of each span that is inside.
+template <class Callback>
+void forEachSpan(const Polygon& polygon, double y, bool evenOdd, Callback callback)
+{
+    int winding = 0;
+    Crossing left{};
+    for (const Crossing& crossing : crossings(polygon, y)) {
+        const bool was = inside(winding, evenOdd);
+        winding += crossing.winding;
+        if (inside(winding, evenOdd) == was) continue;
+        if (was)
+            callback(left, crossing);
+        else
+            left = crossing;
+    }
 }
 
 // The spans of the line at y that are inside.
 inline std::vector<std::pair<double, double>> spans(const Polygon& polygon, double y, bool evenOdd)
 {
     std::vector<std::pair<double, double>> result;
-    int winding = 0;
-    double left = 0;
-    for (const auto& [x, direction] : crossings(polygon, y)) {
-        const bool was = inside(winding, evenOdd);
-        winding += direction;
-        if (inside(winding, evenOdd) == was) continue;
-        if (was)
-            result.emplace_back(left, x);
-        else
-            left = x;
-    }
+    forEachSpan(polygon, y, evenOdd, [&](const Crossing& left, const Crossing& right) {
+        result.emplace_back(left.x, right.x);
+    });
     return result;
 }
 
+// The share of the unit column from 0 to 1 that lies left of an edge, on average while the edge's x
+// goes from a to b.
+inline double shareLeftOf(double a, double b)
+{
+    const auto integral = [](double x) { return x <= 0 ? 0 : x >= 1 ? x - 0.5 : x * x / 2; };
+    if (std::abs(b - a) < 1e-9) return std::clamp((a + b) / 2, 0.0, 1.0);
+    return (integral(b) - integral(a)) / (b - a);
+}
+
 // The share of every pixel inside the polygon, 0 to 1. Pixel (c, r) is the unit square around the
-// point (c, r). Lines at fine steps in y, exact in x.
+// point (c, r). Every row is cut at its vertices and at the given number of steps; within a slab
+// the edges at its middle are taken to run straight through, which is off only where they cross.
 inline std::vector<double> areas(const Polygon& polygon, int width, int height, bool evenOdd,
-                                 int lines = 256)
+                                 int steps = 64)
 {
     std::vector<double> area(static_cast<std::size_t>(width * height));
     for (int row = 0; row < height; ++row) {
-        for (int line = 0; line < lines; ++line) {
-            const double y = row - 0.5 + (line + 0.5) / lines;
-            for (auto [left, right] : spans(polygon, y, evenOdd)) {
-                left = std::clamp(left + 0.5, 0.0, double(width));
-                right = std::clamp(right + 0.5, 0.0, double(width));
-                for (int c = int(left); c < width && c < right; ++c)
+        std::vector<double> levels;
+        for (int i = 0; i <= steps; ++i)
+            levels.push_back(row - 0.5 + double(i) / steps);
+        for (const MMPoint2D& p : polygon)
+            if (std::abs(toDouble(p.y) - row) < 0.5) levels.push_back(toDouble(p.y));
+        std::sort(levels.begin(), levels.end());
+        for (std::size_t i = 1; i < levels.size(); ++i) {
+            const double slab = levels[i] - levels[i - 1];
+            const double y = (levels[i] + levels[i - 1]) / 2;
+            if (slab <= 0) continue;
+            forEachSpan(polygon, y, evenOdd, [&](const Crossing& left, const Crossing& right) {
+                const double l = left.slope * slab / 2, r = right.slope * slab / 2;
+                const int first = std::max(0, int(std::floor(left.x - std::abs(l) + 0.5)));
+                const int last = std::min(width - 1, int(std::floor(right.x + std::abs(r) + 0.5)));
+                for (int c = first; c <= last; ++c) {
+                    const double edge = c - 0.5;
                     area[std::size_t(row * width + c)] +=
-                        (std::min(right, c + 1.0) - std::max(left, double(c))) / lines;
-            }
+                        slab * (shareLeftOf(right.x - r - edge, right.x + r - edge) -
+                                shareLeftOf(left.x - l - edge, left.x + l - edge));
+                }
+            });
         }
     }
     return area;
