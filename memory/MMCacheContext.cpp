@@ -1,0 +1,195 @@
+// A cache of small blobs under keys of fixed length.
+#include "memory/MMCacheContext.h"
+
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+constexpr uint32_t kDigitsPerWord = 8;
+
+// Digit number index of the key. Keys need no alignment.
+uint32_t digitOf(const void* key, uint32_t index)
+{
+    uint32_t word;
+    std::memcpy(&word, static_cast<const uint8_t*>(key) + index / kDigitsPerWord * sizeof word,
+                sizeof word);
+    return word >> (4 * (index % kDigitsPerWord)) & 15u;
+}
+
+MMCacheInteriorNode* makeInteriorNode()
+{
+    return static_cast<MMCacheInteriorNode*>(std::calloc(1, sizeof(MMCacheInteriorNode)));
+}
+
+// Frees a tree that has no entries left; it is at most as deep as a key has digits.
+void freeInteriorNodes(MMCacheInteriorNode* node)
+{
+    for (MMCacheBaseNode* child : node->children)
+        if (child != nullptr) freeInteriorNodes(static_cast<MMCacheInteriorNode*>(child));
+    std::free(node);
+}
+
+} // namespace
+
+template <uint32_t N>
+void MMCacheContext<N>::Create(uint32_t byteBudget, uint32_t largestEntry)
+{
+    usedBytes = 0;
+    budget = byteBudget;
+    maxEntrySize = largestEntry;
+    prefetchDepth = 0;
+    mruHead = nullptr;
+    lruTail = nullptr;
+    root = makeInteriorNode();
+    prefetchNode = root;
+    nodeCount = 0;
+}
+
+template <uint32_t N>
+void MMCacheContext<N>::Destroy()
+{
+    while (lruTail != nullptr)
+        RemoveLeaf(lruTail);
+    if (root != nullptr) freeInteriorNodes(root);
+    root = nullptr;
+    prefetchNode = nullptr;
+    prefetchDepth = 0;
+    nodeCount = 0;
+}
+
+template <uint32_t N>
+MMCacheInteriorNode* MMCacheContext<N>::makeChild(MMCacheInteriorNode* parent, uint32_t slot)
+{
+    MMCacheInteriorNode* child = makeInteriorNode();
+    if (child == nullptr) return nullptr;
+    child->parent = parent;
+    child->slot = static_cast<uint16_t>(slot);
+    parent->children[slot] = child;
+    ++parent->refCount;
+    ++nodeCount;
+    return child;
+}
+
+// The interior node that the key's digits [from, to) lead to from node; null when it is missing and
+// is not to be made or cannot be. What has been made so far stays.
+template <uint32_t N>
+MMCacheInteriorNode* MMCacheContext<N>::resolve(MMCacheInteriorNode* node, const void* key,
+                                                uint32_t from, uint32_t to, bool create)
+{
+    for (uint32_t i = from; i < to && node != nullptr; ++i) {
+        const uint32_t slot = digitOf(key, i);
+        MMCacheBaseNode* child = node->children[slot];
+        if (child == nullptr && create) child = makeChild(node, slot);
+        node = static_cast<MMCacheInteriorNode*>(child);
+    }
+    return node;
+}
+
+template <uint32_t N>
+uint32_t MMCacheContext<N>::PreFetch(const void* key, uint32_t depth, uint8_t create)
+{
+    // A cursor between words, or at an entry, would send Get astray.
+    if (depth < kDigitsPerWord || depth > N - kDigitsPerWord || depth % kDigitsPerWord != 0)
+        return 0;
+    MMCacheInteriorNode* node = resolve(root, key, 0, depth, create != 0);
+    if (node == nullptr) return 0;
+    prefetchNode = node;
+    prefetchDepth = depth;
+    return 1;
+}
+
+template <uint32_t N>
+void* MMCacheContext<N>::Get(const void* key)
+{
+    const MMCacheInteriorNode* last = resolve(prefetchNode, key, prefetchDepth, N - 1, false);
+    if (last == nullptr) return nullptr;
+    MMCacheEntry* entry = static_cast<MMCacheEntry*>(last->children[digitOf(key, N - 1)]);
+    if (entry == nullptr) return nullptr;
+    if (entry != mruHead) {
+        unlink(entry);
+        putFirst(entry);
+    }
+    return entry->data;
+}
+
+template <uint32_t N>
+void* MMCacheContext<N>::Add(const void* data, const void* key, uint32_t size)
+{
+    if (size > maxEntrySize) return nullptr;
+    MMCacheInteriorNode* last = resolve(prefetchNode, key, prefetchDepth, N - 1, true);
+    if (last == nullptr) return nullptr;
+    const uint32_t slot = digitOf(key, N - 1);
+    if (last->children[slot] != nullptr)
+        return static_cast<MMCacheEntry*>(last->children[slot])->data;
+    if (size > budget) return nullptr;
+
+    // Filled before anything is evicted: data may lie in an entry that is about to go.
+    void* block = size <= SIZE_MAX - sizeof(MMCacheEntry) ? std::malloc(sizeof(MMCacheEntry) + size)
+                                                          : nullptr;
+    MMCacheEntry* entry = static_cast<MMCacheEntry*>(block);
+    if (entry != nullptr) {
+        entry->data = reinterpret_cast<uint8_t*>(entry + 1);
+        if (data != nullptr && size != 0) std::memcpy(entry->data, data, size);
+    }
+    // The entry's place counts as occupied meanwhile, so that no node above it is freed.
+    ++last->refCount;
+    while (usedBytes > budget - size && lruTail != nullptr)
+        RemoveLeaf(lruTail);
+    if (entry == nullptr) {
+        --last->refCount;
+        return nullptr;
+    }
+    entry->parent = last;
+    entry->slot = static_cast<uint16_t>(slot);
+    entry->refCount = 1;
+    entry->size = size;
+    last->children[slot] = entry;
+    putFirst(entry);
+    usedBytes += size;
+    ++nodeCount;
+    return entry->data;
+}
+
+template <uint32_t N>
+void MMCacheContext<N>::RemoveLeaf(MMCacheBaseNode* entry)
+{
+    MMCacheEntry* leaf = static_cast<MMCacheEntry*>(entry);
+    unlink(leaf);
+    usedBytes -= leaf->size;
+    RemoveNode(leaf);
+}
+
+template <uint32_t N>
+void MMCacheContext<N>::RemoveNode(MMCacheBaseNode* node)
+{
+    while (--node->refCount == 0 && node->parent != nullptr) {
+        MMCacheInteriorNode* parent = static_cast<MMCacheInteriorNode*>(node->parent);
+        if (node == prefetchNode) {
+            prefetchNode = root;
+            prefetchDepth = 0;
+        }
+        parent->children[node->slot] = nullptr;
+        std::free(node);
+        --nodeCount;
+        node = parent;
+    }
+}
+
+template <uint32_t N>
+void MMCacheContext<N>::unlink(MMCacheEntry* entry)
+{
+    (entry->prev != nullptr ? entry->prev->next : mruHead) = entry->next;
+    (entry->next != nullptr ? entry->next->prev : lruTail) = entry->prev;
+}
+
+template <uint32_t N>
+void MMCacheContext<N>::putFirst(MMCacheEntry* entry)
+{
+    entry->prev = nullptr;
+    entry->next = mruHead;
+    (mruHead != nullptr ? mruHead->prev : lruTail) = entry;
+    mruHead = entry;
+}
+
+template class MMCacheContext<48>;
