@@ -1,5 +1,7 @@
 #include "svg2png/Images.h"
 
+#include "util/Base64.h"
+
 #include <algorithm>
 
 namespace {
@@ -7,6 +9,37 @@ namespace {
 bool isRelativeFile(const std::string& href)
 {
     return !href.empty() && href[0] != '/' && href.find(':') == href.npos;
+}
+
+// The bytes of a data URI in base64; none for any other reference.
+std::vector<uint8_t> bytesOfDataUri(const std::string& href)
+{
+    const size_t comma = href.find(',');
+    if (href.compare(0, 5, "data:") != 0 || comma == href.npos) return {};
+    if (href.rfind(";base64", comma) == href.npos) return {};
+    std::string digits = href.substr(comma + 1);
+    while (!digits.empty() && (digits.back() == '=' || digits.back() == '\n'))
+        digits.pop_back(); // the decoder does not know padding
+    std::vector<uint8_t> bytes(digits.size() / 4 * 3 + 6);
+    const auto length = static_cast<uint32_t>(digits.size());
+    const int32_t written =
+        MMdecodeBase64(reinterpret_cast<const uint8_t*>(digits.data()), length, bytes.data());
+    bytes.resize(static_cast<size_t>(written));
+    return bytes;
+}
+
+Picture loadPicture(const std::string& directory, const std::string& href)
+{
+    Picture picture;
+    const std::vector<uint8_t> bytes = bytesOfDataUri(href);
+    std::string problem = "unknown kind of reference";
+    if (!bytes.empty())
+        problem = readPng(bytes.data(), bytes.size(), picture);
+    else if (isRelativeFile(href))
+        problem = readPng(directory + href, picture);
+    if (!problem.empty()) return {};
+    spreadColours(picture);
+    return picture;
 }
 
 // The mean of four pixels, those that are more opaque counting for more.
@@ -33,11 +66,7 @@ const Picture* ImageStore::load(const std::string& href)
 {
     auto found = pictures_.find(href);
     if (found == pictures_.end()) {
-        Picture picture;
-        if (isRelativeFile(href) && !readPng(directory_ + href, picture).empty())
-            picture = Picture();
-        spreadColours(picture);
-        found = pictures_.emplace(href, std::move(picture)).first;
+        found = pictures_.emplace(href, loadPicture(directory_, href)).first;
     }
     return found->second.pixels.empty() ? nullptr : &found->second;
 }
