@@ -119,7 +119,7 @@ void ActiveEdges::startChain(uint32_t minimum, int32_t winding)
         return;
     }
     const uint32_t offset = static_cast<uint32_t>(static_cast<uint32_t*>(item) - pool_.slots);
-    order_[size_++] = {p.x, p.x, p.x, p.x, 0, 0, winding, offset, false, false};
+    order_[size_++] = {p.x, p.x, p.x, p.x, 0, 0, winding, offset, false, false, false};
 }
 
 } // namespace Graphics2D

@@ -102,6 +102,7 @@ struct RowPlace {
     int32_t winding;
     uint32_t edge;  // the Chain: its offset in the pool's slots, in words
     bool straight;  // crosses the whole row on one edge
+    bool partial;   // starts or ends inside the row
     bool separates; // straight, and no other chain crosses it in this row
 };
 

@@ -51,7 +51,7 @@ struct EdgeLine {
         if (slope == kNoSlope) findSlope();
         if (slope == kTooFlat)
             return wrapAdd(x, fixMulDiv(wrapSub(endX, x), wrapSub(level, y), wrapSub(endY, y)));
-        return wrapAdd(x, fixMul(slope, wrapSub(level, y)));
+        return wrapAdd(x, fixMulInline(slope, wrapSub(level, y)));
     }
 
     // x per row, of a line at least one row high.

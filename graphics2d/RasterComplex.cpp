@@ -220,6 +220,7 @@ bool SmoothFill::placeBent(RowPlace& place)
     if (!chain.descend(ring_, top_)) return false;
     place.top = line.x;
     place.straight = line.y == top_ && line.endY >= bottom_;
+    place.partial = line.y > top_;
     if (place.straight) {
         place.bottom = line.xAt(bottom_);
         place.slope = line.slopePerRow();
@@ -228,16 +229,17 @@ bool SmoothFill::placeBent(RowPlace& place)
         return true;
     }
     hasBent_ = true;
-    if (chain.startsBelow(top_)) areApart_ = false;
     place.minX = place.maxX = line.x;
     for (Chain rest = chain;;) {
         place.bottom = rest.line.xAt(bottom_);
         place.minX = std::min({place.minX, rest.line.x, place.bottom});
         place.maxX = std::max({place.maxX, rest.line.x, place.bottom});
-        if (rest.line.endY >= bottom_) return true;
-        if (!rest.step(ring_)) break;
+        if (rest.line.endY >= bottom_) break;
+        if (rest.step(ring_)) continue;
+        place.partial = true;
+        break;
     }
-    areApart_ = false;
+    if (place.partial) areApart_ = false;
     return true;
 }
 
@@ -268,7 +270,7 @@ void SmoothFill::moveBirths()
         if (place->straight || !active_.chainOf(*place).startsBelow(top_)) continue;
         const Fixed level = active_.chainOf(*place).line.y;
         const auto xOf = [this, level](const RowPlace& other) {
-            return wrapAdd(other.top, fixMul(other.slope, level - top_));
+            return wrapAdd(other.top, fixMulInline(other.slope, level - top_));
         };
         RowPlace* to = place;
         while (to != begin && to[-1].straight && xOf(to[-1]) > place->top)
@@ -288,8 +290,9 @@ void SmoothFill::moveBirths()
 bool SmoothFill::staysBeside(Chain chain, const RowPlace& straight, int32_t side) const
 {
     const auto isBeside = [&](Fixed x, Fixed y) {
-        const Fixed at = y == bottom_ ? straight.bottom
-                                      : wrapAdd(straight.top, fixMul(straight.slope, y - top_));
+        const Fixed at = y == bottom_
+                             ? straight.bottom
+                             : wrapAdd(straight.top, fixMulInline(straight.slope, y - top_));
         return side > 0 ? x >= at : x <= at;
     };
     for (;;) {
@@ -338,13 +341,13 @@ void SmoothFill::markSeparators()
     if (!hasBent_) return;
     // What starts or ends inside the row on one side of a chain and is made up for on the other
     // changes the winding number on both sides of it, so that they cannot be settled apart.
-    uint64_t open = 0;
+    uint32_t open = 0;
     for (RowPlace* place = active_.begin(); place != active_.end(); ++place) {
         if (place->straight) {
             if (open != 0) place->separates = false;
             continue;
         }
-        open += imbalanceOf(active_.chainOf(*place));
+        if (place->partial) open += imbalanceOf(active_.chainOf(*place));
         markCrossed(place);
     }
 }
@@ -467,7 +470,7 @@ void SmoothFill::addClusters(const RowPlace* first, const RowPlace* end, int32_t
     }
     for (uint32_t i = 0; i < count; ++i) {
         Extent extent{first[i].minX, first[i].maxX, first + i, 0};
-        if (!first[i].straight) extent.imbalance = imbalanceOf(active_.chainOf(first[i]));
+        if (first[i].partial) extent.imbalance = imbalanceOf(active_.chainOf(first[i]));
         extents[i] = extent;
     }
     sortNearlySorted(extents.data(), count, [](const Extent& a, const Extent& b) {
