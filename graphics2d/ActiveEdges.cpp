@@ -91,7 +91,7 @@ uint32_t VertexRing::sortedByY(uint32_t first, uint32_t count)
 }
 
 ActiveEdges::ActiveEdges(MMContext2D& context, const VertexRing& ring)
-    : ring_(ring), pool_(kActiveEdgeWords), order_(context.scratchStack, 2 * ring.minimumCount()),
+    : ring_(ring), pool_(kActiveChainWords), order_(context.scratchStack, 2 * ring.minimumCount()),
       minimum_(ring.firstMinimum()), ready_(order_ && pool_.Resize(2 * ring.size()) == 0)
 {
 }
@@ -110,10 +110,11 @@ void ActiveEdges::startChain(uint32_t minimum, int32_t winding)
     void* item = pool_.Alloc(); // two slots per edge: never null
     if (item == nullptr) return;
     const MMPoint2D& p = ring_[minimum];
-    Chain& chain = *static_cast<Chain*>(item);
+    ActiveChain& chain = *static_cast<ActiveChain*>(item);
     chain.line = EdgeLine::at(p);
     chain.vertex = minimum;
     chain.winding = winding;
+    chain.ended = false;
     if (!chain.descend(ring_, p.y)) {
         pool_.DeAlloc(item);
         return;

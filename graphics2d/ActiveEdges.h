@@ -73,8 +73,6 @@ struct Chain {
         return true;
     }
 
-    bool startsBelow(Fixed level) const { return line.y > level; }
-
     // Moves to the first edge that reaches below the level, and down to the level. False when the
     // chain ends before.
     bool descend(const VertexRing& ring, Fixed level)
@@ -86,9 +84,15 @@ struct Chain {
     }
 };
 
-// Chains live in a bucket pool.
-constexpr uint32_t kActiveEdgeWords = 11;
-static_assert(sizeof(Chain) <= kActiveEdgeWords * 4, "the record must fit its slot");
+// A chain's record, an item of a bucket pool. After a row in which the chain has vertices it stands
+// at the row's lower end.
+struct ActiveChain : Chain {
+    Fixed startY;         // where the chain is first met in that row: at its top or below
+    uint32_t startVertex; // lower end of the edge there
+    bool ended;           // the chain ends in that row
+};
+constexpr uint32_t kActiveChainWords = 11;
+static_assert(sizeof(ActiveChain) <= kActiveChainWords * 4, "the record must fit its slot");
 
 // A chain's place in the left-to-right order of the current row. While the chain is straight, that
 // is on one edge from row to row, all that changes is here and its record is left alone.
@@ -100,7 +104,7 @@ struct RowPlace {
     Fixed slope; // of a straight chain
     Fixed endY;  // where a straight chain's edge ends
     int32_t winding;
-    uint32_t edge;  // the Chain: its offset in the pool's slots, in words
+    uint32_t chain; // the ActiveChain: its offset in the pool's slots, in words
     bool straight;  // crosses the whole row on one edge
     bool partial;   // starts or ends inside the row
     bool separates; // straight, and no other chain crosses it in this row
@@ -117,9 +121,9 @@ public:
     RowPlace* end() { return order_.data() + size_; }
     uint32_t size() const { return size_; }
 
-    Chain& chainOf(const RowPlace& place)
+    ActiveChain& chainOf(const RowPlace& place)
     {
-        return *reinterpret_cast<Chain*>(pool_.slots + place.edge);
+        return *reinterpret_cast<ActiveChain*>(pool_.slots + place.chain);
     }
 
     // The next local minimum whose chains have not been started, or kNoVertex.

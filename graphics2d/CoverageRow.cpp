@@ -96,7 +96,8 @@ void CoverageRow::addSloped(Fixed low, Fixed high, uint32_t height, int32_t sign
         }
     }
     if (last >= columns_) return;
-    const uint32_t lastHeight = shareOf(height, lastWidth, travel);
+    const uint32_t lastHeight =
+        last == first + 1 ? height - firstHeight : shareOf(height, lastWidth, travel);
     const int32_t lastArea = whole - static_cast<int32_t>(triangle(lastHeight, lastWidth));
     addDelta(last, (lastArea - area) * sign);
     if (lastArea != whole) addDelta(last + 1, (whole - lastArea) * sign);

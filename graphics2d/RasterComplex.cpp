@@ -126,7 +126,7 @@ public:
     void draw();
 
 private:
-    void placeChains();
+    void placeChains(uint32_t oldCount);
     bool placeBent(RowPlace& place);
     static void setStraightExtent(RowPlace& place)
     {
@@ -144,12 +144,13 @@ private:
     void addAlong(Chain chain, Fixed from, Fixed to, int32_t sign);
     void addStraight(const RowPlace* first, const RowPlace* end, int32_t winding);
     void addClusters(const RowPlace* first, const RowPlace* end, int32_t winding);
-    uint32_t imbalanceOf(Chain chain) const;
+    uint32_t imbalanceOf(const RowPlace& place);
     void addBent(Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to);
     void addLevels(Chain* chains, uint32_t count, Levels& levels, int32_t winding, Fixed from,
                    Fixed to);
     void addLowSlab(Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to);
-    int32_t windingAtTop(const RowPlace& place);
+    bool isBorn(const RowPlace& place);
+    void sortPlaces();
     Chain chainInRow(const RowPlace& place);
 
     MMContext2D& context_;
@@ -160,6 +161,7 @@ private:
     SlabFill slabs_;
     Fixed top_ = 0; // the current row
     Fixed bottom_ = 0;
+    uint32_t oldCount_ = 0; // places before those of the chains that are new in the row
     bool hasBent_ = false;  // some chain has vertices in the row
     bool areApart_ = false; // all chains cross the whole row and their extents do not overlap
 };
@@ -170,8 +172,9 @@ void SmoothFill::draw()
     for (int32_t row = visible.top; row < visible.bottom; ++row) {
         top_ = fixFromInt(row);
         bottom_ = top_ + kFixedOne;
+        const uint32_t oldCount = active_.size();
         active_.startAbove(bottom_);
-        placeChains();
+        placeChains(oldCount);
         if (active_.size() == 0) {
             if (active_.nextMinimum() == kNoVertex) return;
             continue;
@@ -186,15 +189,19 @@ void SmoothFill::draw()
     }
 }
 
-// Takes every chain from the last row to this one and drops those that ended.
-void SmoothFill::placeChains()
+// Takes every chain from the last row to this one and drops those that ended. The first oldCount
+// were there before.
+void SmoothFill::placeChains(uint32_t oldCount)
 {
     hasBent_ = false;
     areApart_ = true;
     Fixed reach = -0x7FFFFFFF - 1;
     RowPlace* kept = active_.begin();
+    const RowPlace* const firstNew = kept + oldCount;
+    oldCount_ = active_.size();
     for (RowPlace* old = kept; old != active_.end(); ++old) {
         RowPlace& place = *kept;
+        if (old == firstNew) oldCount_ = static_cast<uint32_t>(kept - active_.begin());
         if (old != kept) place = *old;
         place.top = place.bottom;
         if (place.straight && place.endY > bottom_) {
@@ -209,15 +216,16 @@ void SmoothFill::placeChains()
         ++kept;
     }
     active_.setEnd(kept);
+    oldCount_ = std::min(oldCount_, active_.size());
 }
 
 // Places a chain that has, or had in the row before, a vertex. False when it ended there.
 bool SmoothFill::placeBent(RowPlace& place)
 {
-    Chain& chain = active_.chainOf(place);
+    ActiveChain& chain = active_.chainOf(place);
     EdgeLine& line = chain.line;
     if (place.straight) line.moveTo(top_, place.top);
-    if (!chain.descend(ring_, top_)) return false;
+    if (chain.ended || !chain.descend(ring_, top_)) return false;
     place.top = line.x;
     place.straight = line.y == top_ && line.endY >= bottom_;
     place.partial = line.y > top_;
@@ -229,16 +237,21 @@ bool SmoothFill::placeBent(RowPlace& place)
         return true;
     }
     hasBent_ = true;
+    chain.startY = line.y;
+    chain.startVertex = chain.vertex;
     place.minX = place.maxX = line.x;
-    for (Chain rest = chain;;) {
-        place.bottom = rest.line.xAt(bottom_);
-        place.minX = std::min({place.minX, rest.line.x, place.bottom});
-        place.maxX = std::max({place.maxX, rest.line.x, place.bottom});
-        if (rest.line.endY >= bottom_) break;
-        if (rest.step(ring_)) continue;
-        place.partial = true;
-        break;
+    while (line.endY < bottom_ && !chain.ended) {
+        place.minX = std::min(place.minX, line.endX);
+        place.maxX = std::max(place.maxX, line.endX);
+        chain.ended = !chain.step(ring_);
     }
+    place.bottom = line.xAt(bottom_);
+    place.minX = std::min(place.minX, place.bottom);
+    place.maxX = std::max(place.maxX, place.bottom);
+    if (chain.ended)
+        place.partial = true;
+    else
+        line.moveTo(bottom_, place.bottom);
     if (place.partial) areApart_ = false;
     return true;
 }
@@ -246,19 +259,46 @@ bool SmoothFill::placeBent(RowPlace& place)
 // The chain at the top of the row, or at its first vertex.
 Chain SmoothFill::chainInRow(const RowPlace& place)
 {
-    Chain chain = active_.chainOf(place);
-    if (place.straight) {
-        chain.line.slope = place.slope;
-        chain.line.moveTo(top_, place.top);
+    const ActiveChain& record = active_.chainOf(place);
+    if (!place.straight) {
+        const MMPoint2D start{place.top, record.startY};
+        return {EdgeLine::between(start, ring_[record.startVertex]), record.startVertex,
+                place.winding};
     }
+    Chain chain = record;
+    chain.line.moveTo(top_, place.top);
     return chain;
 }
 
-// What a chain adds to the winding number at the row's top.
-int32_t SmoothFill::windingAtTop(const RowPlace& place)
+// Whether the chain starts inside the row.
+bool SmoothFill::isBorn(const RowPlace& place)
 {
-    if (!place.straight && active_.chainOf(place).startsBelow(top_)) return 0;
-    return place.winding;
+    return place.partial && active_.chainOf(place).startY > top_;
+}
+
+// Puts the places in the order of their tops. Those of the last row are nearly in order, and so are
+// the new ones among themselves.
+void SmoothFill::sortPlaces()
+{
+    RowPlace* const begin = active_.begin();
+    const uint32_t newCount = active_.size() - oldCount_;
+    sortNearlySorted(begin, oldCount_, isLeftOf);
+    sortNearlySorted(begin + oldCount_, newCount, isLeftOf);
+    if (newCount == 0 || oldCount_ == 0) return;
+    ScratchArray<RowPlace> added(context_.scratchStack, newCount);
+    if (!added) {
+        slabs_.fail();
+        return;
+    }
+    std::copy_n(begin + oldCount_, newCount, added.data());
+    RowPlace* old = begin + oldCount_;
+    RowPlace* to = active_.end();
+    for (uint32_t left = newCount; left > 0;) {
+        if (old != begin && isLeftOf(added[left - 1], old[-1]))
+            *--to = *--old;
+        else
+            *--to = added[--left];
+    }
 }
 
 // Orders chains that start inside the row by where they are at their start.
@@ -267,8 +307,8 @@ void SmoothFill::moveBirths()
     RowPlace* const begin = active_.begin();
     RowPlace* const end = active_.end();
     for (RowPlace* place = begin; place != end; ++place) {
-        if (place->straight || !active_.chainOf(*place).startsBelow(top_)) continue;
-        const Fixed level = active_.chainOf(*place).line.y;
+        if (!isBorn(*place)) continue;
+        const Fixed level = active_.chainOf(*place).startY;
         const auto xOf = [this, level](const RowPlace& other) {
             return wrapAdd(other.top, fixMulInline(other.slope, level - top_));
         };
@@ -307,16 +347,16 @@ bool SmoothFill::staysBeside(Chain chain, const RowPlace& straight, int32_t side
 // off cannot be crossed once one is not.
 void SmoothFill::markCrossed(RowPlace* bent)
 {
-    const Chain& chain = active_.chainOf(*bent);
+    const Chain chain = chainInRow(*bent);
     for (RowPlace* place = bent; place != active_.begin();) {
         --place;
         if (!place->straight) continue;
-        if (staysBeside(chain, *place, 1)) break;
+        if (bent->minX >= place->maxX || staysBeside(chain, *place, 1)) break;
         place->separates = false;
     }
     for (RowPlace* place = bent + 1; place != active_.end(); ++place) {
         if (!place->straight) continue;
-        if (staysBeside(chain, *place, -1)) break;
+        if (bent->maxX <= place->minX || staysBeside(chain, *place, -1)) break;
         place->separates = false;
     }
 }
@@ -347,7 +387,7 @@ void SmoothFill::markSeparators()
             if (open != 0) place->separates = false;
             continue;
         }
-        if (place->partial) open += imbalanceOf(active_.chainOf(*place));
+        if (place->partial) open += imbalanceOf(*place);
         markCrossed(place);
     }
 }
@@ -364,7 +404,7 @@ void SmoothFill::addApart()
 
 void SmoothFill::addRow()
 {
-    sortNearlySorted(active_.begin(), active_.size(), isLeftOf);
+    sortPlaces();
     if (hasBent_) moveBirths();
     markSeparators();
     int32_t winding = 0;
@@ -379,7 +419,7 @@ void SmoothFill::addRow()
         RowPlace* const first = place;
         int32_t after = winding;
         do {
-            after += windingAtTop(*place);
+            if (!isBorn(*place)) after += place->winding;
             ++place;
         } while (place != end && !(place->straight && place->separates));
         addBetween(first, place, winding);
@@ -397,7 +437,17 @@ void SmoothFill::addSingle(const RowPlace& place, int32_t winding)
         coverage_.addPiece(place.top, place.bottom, kFixedOne, sign);
         return;
     }
-    addAlong(active_.chainOf(place), top_, bottom_, sign);
+    const ActiveChain& chain = active_.chainOf(place);
+    Fixed x = place.top;
+    Fixed y = chain.startY;
+    for (uint32_t i = chain.startVertex; i != chain.vertex; i = ring_.next(i, chain.winding)) {
+        const MMPoint2D& p = ring_[i];
+        coverage_.addPiece(x, p.x, static_cast<uint32_t>(p.y - y), sign);
+        x = p.x;
+        y = p.y;
+    }
+    const Fixed end = std::min(chain.line.endY, bottom_);
+    coverage_.addPiece(x, place.bottom, static_cast<uint32_t>(end - y), sign);
 }
 
 // Adds all edges of a chain between two levels.
@@ -440,15 +490,12 @@ void SmoothFill::addStraight(const RowPlace* first, const RowPlace* end, int32_t
 
 // What a chain that starts or ends inside the row does to the winding number right of it: zero in
 // sum where everything that starts and ends cancels.
-uint32_t SmoothFill::imbalanceOf(Chain chain) const
+uint32_t SmoothFill::imbalanceOf(const RowPlace& place)
 {
-    uint32_t sum = chain.startsBelow(top_) ? mixed(chain.line.y) : 0;
-    while (chain.line.endY < bottom_) {
-        if (chain.step(ring_)) continue;
-        sum -= mixed(chain.line.endY);
-        break;
-    }
-    return chain.winding > 0 ? sum : 0 - sum;
+    const ActiveChain& chain = active_.chainOf(place);
+    const uint32_t start = chain.startY > top_ ? mixed(chain.startY) : 0;
+    const uint32_t end = chain.ended ? mixed(chain.line.endY) : 0;
+    return place.winding > 0 ? start - end : end - start;
 }
 
 // Adds chains with vertices. Where their extents do not overlap and everything that starts or ends
@@ -470,7 +517,7 @@ void SmoothFill::addClusters(const RowPlace* first, const RowPlace* end, int32_t
     }
     for (uint32_t i = 0; i < count; ++i) {
         Extent extent{first[i].minX, first[i].maxX, first + i, 0};
-        if (first[i].partial) extent.imbalance = imbalanceOf(active_.chainOf(first[i]));
+        if (first[i].partial) extent.imbalance = imbalanceOf(first[i]);
         extents[i] = extent;
     }
     sortNearlySorted(extents.data(), count, [](const Extent& a, const Extent& b) {
@@ -485,7 +532,7 @@ void SmoothFill::addClusters(const RowPlace* first, const RowPlace* end, int32_t
             const Extent& extent = extents[i];
             reach = std::max(reach, extent.maxX);
             open += extent.imbalance;
-            after += windingAtTop(*extent.place);
+            if (!isBorn(*extent.place)) after += extent.place->winding;
             chains[size++] = chainInRow(*extent.place);
             ++i;
         } while (i < count && (open != 0 || extents[i].minX < reach));
