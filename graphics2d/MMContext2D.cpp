@@ -11,6 +11,21 @@ namespace {
 
 constexpr uint32_t kFirstScratchWords = 1024;
 
+constexpr char kFontCacheVariable[] = "SVG_FONT_CACHE_KB";
+constexpr uint32_t kDefaultFontCacheBytes = 40 * 1024;
+constexpr uint32_t kMaxCachedGlyphBytes = 2048;
+
+// The budget of the glyph cache in bytes: as many kilobytes as the environment says, from 10 to
+// 200.
+uint32_t fontCacheBytes()
+{
+    const char* variable = std::getenv(kFontCacheVariable);
+    if (variable == nullptr) return kDefaultFontCacheBytes;
+    const long kilobytes = std::strtol(variable, nullptr, 10);
+    if (kilobytes < 10 || kilobytes > 200) return kDefaultFontCacheBytes;
+    return static_cast<uint32_t>(kilobytes) * 1024;
+}
+
 } // namespace
 
 MMContext2D::MMContext2D()
@@ -34,10 +49,18 @@ MMContext2D::MMContext2D()
     reservedFlag = 1;
     pointStep = 1;
     patternFilter = kFilterBilinear;
+    initFontLib();
+    updateFont();
+    createLayoutManager();
+    fontCache.Create(fontCacheBytes(), kMaxCachedGlyphBytes);
 }
 
 MMContext2D::~MMContext2D()
 {
+    fontCache.Destroy();
+    destroyLayoutManager();
+    releaseFont();
+    releaseFontLib();
     std::free(scratchStack.firstBlock);
 }
 

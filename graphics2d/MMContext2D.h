@@ -31,6 +31,7 @@
 #include "graphics2d/MMPixmap.h"
 #include "graphics2d/MMTextLayout.h"
 #include "math/Matrix2D.h"
+#include "memory/MMCacheContext.h"
 #include "memory/MMStackContext.h"
 
 namespace KAVO {
@@ -251,9 +252,10 @@ public:
 
     // --- State, in the order of the record ------------------------------------------------------
 
-    MMStackContext scratchStack; // temporary arrays of all operations
-    MMPaint strokePaint;         // kPaintNone
-    MMPaint fillPaint;           // opaque black
+    MMStackContext scratchStack;  // temporary arrays of all operations
+    MMCacheContext<48> fontCache; // glyph images
+    MMPaint strokePaint;          // kPaintNone
+    MMPaint fillPaint;            // opaque black
 
     // Font state.
     void* currentGlyph;    // the font engine's glyph image that is still to be given back

@@ -41,7 +41,7 @@ for kind in shared static; do
     "$folder/$kind/cmake/consumer"
 
     echo "-- through pkg-config"
-    flags=$(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --cflags --libs mm2d)
+    flags=$(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --$kind --cflags --libs mm2d)
     # shellcheck disable=SC2086 # the flags are words
     g++ -std=c++17 tests/consumer/main.cpp -o "$folder/$kind/consumer" $flags
     LD_LIBRARY_PATH=$libraries "$folder/$kind/consumer"

@@ -9,8 +9,10 @@ set -euo pipefail
 packages=()
 for group in "$@"; do
     case $group in
-        build) packages+=(g++ binutils cmake ninja-build pkg-config) ;;
-        test) packages+=(libgtest-dev googletest g++-i686-linux-gnu qemu-user) ;;
+        build) packages+=(g++ binutils cmake ninja-build pkg-config libfreetype-dev libicu-dev) ;;
+        test)
+            packages+=(libgtest-dev googletest g++-i686-linux-gnu qemu-user
+                fonts-dejavu-core fonts-wqy-microhei fonts-tlwg-garuda-ttf) ;;
         examples)
             packages+=(libpugixml-dev libpng-dev
                 librsvg2-bin librsvg2-tests openclipart-svg) ;;

@@ -1,0 +1,23 @@
+// The font engine that all contexts share. Internal.
+#pragma once
+
+#include "platform/FontEngine.h"
+
+#include <cstdint>
+
+namespace KAVO {
+namespace Graphics2D {
+
+// The engine's state block, or null while no context holds it.
+extern void* fontEngine;
+
+// Contexts that completed initFontLib less those that ran releaseFontLib. A context that had no
+// memory for its metrics leaves without having joined, so the count can fall too low: the others
+// then find no engine and draw no text.
+extern int32_t fontEngineUsers;
+
+// The emboldening last passed to the engine, whichever context did it: a 16.16 fraction of the em.
+extern int32_t fontEmboldening;
+
+} // namespace Graphics2D
+} // namespace KAVO

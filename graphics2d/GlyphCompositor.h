@@ -1,0 +1,55 @@
+// Drawing one glyph image into the target. Internal.
+#pragma once
+
+#include "graphics2d/MMContext2D.h"
+#include "platform/FontEngine.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+// Composites the glyphs of a run of text, all in one paint.
+//
+// A solid colour is blended straight into the target. Any other paint first draws each row of the
+// glyph's box into a row buffer, as it would fill a rectangle at that place, and the buffer is then
+// composited through the glyph. Either way the background of a pixel is its right-hand neighbour,
+// also where the glyph is empty: within the glyph's box the background moves left by one pixel.
+// Only the very last pixel of the target, which has no neighbour, reads itself. Rows of the target
+// are taken to be exactly width pixels apart.
+class GlyphCompositor {
+public:
+    // Makes the record the current paint.
+    GlyphCompositor(MMContext2D& context, const MMPaint& record);
+
+    // False for paints that draw no text.
+    bool isVisible() const;
+
+    // Draws the image with its left column at column and its top row at row, cut to the clip
+    // rectangle and the target. Sets outOfMemory and draws nothing when there is no row buffer.
+    void draw(const FS_GrayMap& glyph, int32_t column, int32_t row);
+
+private:
+    // What is visible of a glyph.
+    struct Box {
+        const uint8_t* levels; // the byte with the first visible pixel of the first visible row
+        int32_t stride;        // bytes per row
+        bool startsLow;        // that pixel is in the low half of its byte
+        int32_t x;             // in the target
+        int32_t y;
+        int32_t width;
+        int32_t height;
+    };
+
+    bool cut(const FS_GrayMap& glyph, int32_t column, int32_t row, Box& box) const;
+    Pixel* pixelAt(int32_t x, int32_t y) const;
+    bool endsTarget(const Box& box, int32_t row) const;
+    void drawSolid(const Box& box);
+    void drawThroughBuffer(const Box& box);
+    void movePaintLeft(int32_t columns);
+
+    MMContext2D& context_;
+    MMPaint record_;               // with the paint's origin as the caller set it
+    uint32_t coverageOfLevel_[16]; // 0 to 255, opacity included
+};
+
+} // namespace Graphics2D
+} // namespace KAVO

@@ -1,0 +1,103 @@
+// Drawing and measuring whole texts.
+#include "graphics2d/BoundsUnion.h"
+#include "graphics2d/MMContext2D.h"
+#include "util/WideString.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+namespace {
+
+constexpr uint16_t kWholeText = 65535;
+
+// Whether the pen runs through the text, so that it can be anchored as a whole.
+bool runsFromPen(const MMContext2D& context)
+{
+    return context.charXCount <= 1 && context.charYCount <= 1;
+}
+
+} // namespace
+
+void MMContext2D::drawText(uint16_t** lines, uint8_t count, Fixed x, Fixed y)
+{
+    if (fontMetrics == nullptr || lines == nullptr) return;
+    penX = x;
+    penY = y;
+    BoundsUnion().storeTo(*this);
+    for (uint32_t i = 0; i < count; ++i)
+        ParseText(lines[i], lines[i]);
+
+    if (textAnchor != kAnchorStart && runsFromPen(*this)) {
+        Fixed width = 0;
+        for (uint32_t i = 0; i < count; ++i)
+            width = wrapAdd(width, getTextWidth(lines[i], kWholeText));
+        if (textAnchor == kAnchorMiddle) penX = wrapSub(penX, width >> 1);
+        if (textAnchor == kAnchorEnd) penX = wrapSub(penX, width);
+    }
+
+    const uint8_t draw = drawSuppressed == 0 ? 1 : 0;
+    uint32_t firstIndex = 0;
+    for (uint32_t i = 0; i < count; ++i) {
+        if (lines[i] == nullptr) continue;
+        ParseText(lines[i], lines[i]);
+        const uint32_t length = static_cast<uint32_t>(MMwsstrlen(lines[i]));
+        renderText(lines[i], static_cast<uint16_t>(length), draw, firstIndex);
+        firstIndex += length;
+    }
+}
+
+void MMContext2D::drawText(uint16_t* text, Fixed x, Fixed y)
+{
+    drawText(&text, 1, x, y);
+}
+
+Fixed MMContext2D::getTextWidth(const uint16_t* text, uint16_t length)
+{
+    const MMPoint2D pen = {penX, penY};
+    const uint8_t accumulate = accumulateBounds;
+    accumulateBounds = 0;
+    renderText(text, length, 0, 0);
+    const Fixed width = wrapSub(penX, pen.x);
+    penX = pen.x;
+    penY = pen.y;
+    accumulateBounds = accumulate;
+    return width;
+}
+
+void MMContext2D::getTextSize(uint16_t* text, uint16_t length, Fixed& width, Fixed& height)
+{
+    if (fontMetrics == nullptr) return;
+    ParseText(text, text);
+    width = getTextWidth(text, length);
+    height = lineHeight;
+}
+
+uint32_t MMContext2D::getTextBBox(uint16_t* text, Fixed x, Fixed y, MMFixedRegion* box)
+{
+    if (fontMetrics == nullptr || box == nullptr) return 0;
+    const Matrix2D savedTransform = transform;
+    const uint8_t accumulate = accumulateBounds;
+    transform = kIdentityMatrix;
+    accumulateBounds = 1;
+    ParseText(text, text);
+    BoundsUnion().storeTo(*this);
+    penX = x;
+    penY = y;
+    renderText(text, kWholeText, 0, 0);
+
+    const Fixed width = wrapSub(box->x1, box->x0);
+    if (textAnchor != kAnchorStart && runsFromPen(*this) && width > 0) {
+        const Fixed shift = textAnchor == kAnchorMiddle ? width / 2
+                            : textAnchor == kAnchorEnd  ? width
+                                                        : 0;
+        boundsMinX = wrapSub(boundsMinX, shift);
+        boundsMaxX = wrapSub(boundsMaxX, shift);
+    }
+    *box = {boundsMinX, boundsMinY, boundsMaxX, boundsMaxY};
+    accumulateBounds = accumulate;
+    transform = savedTransform;
+    return 0;
+}
+
+} // namespace Graphics2D
+} // namespace KAVO

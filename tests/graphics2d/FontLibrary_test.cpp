@@ -1,0 +1,151 @@
+// Starting and sharing the font engine, with an engine and a heap that fail.
+#include "tests/support/FailingHeap.h"
+#include "tests/support/TextScene.h"
+
+#include <cstdlib>
+
+namespace {
+
+// An environment variable for one test.
+class Variable {
+public:
+    Variable(const char* name, const char* value) : name_(name)
+    {
+        if (value != nullptr)
+            setenv(name, value, 1);
+        else
+            unsetenv(name);
+    }
+    ~Variable() { unsetenv(name_); }
+
+private:
+    const char* name_;
+};
+
+} // namespace
+
+TEST(FontLibrary, isStartedOnceAndEndedWithTheLastContext)
+{
+    FreshEngine fresh;
+    for (bool firstGoesFirst : {false, true}) {
+        fakeFontEngine = {};
+        MMContext2D* first = new MMContext2D;
+        MMContext2D* second = new MMContext2D;
+        EXPECT_EQ(fakeFontEngine.inits, 1);
+        delete (firstGoesFirst ? first : second);
+        EXPECT_EQ(fakeFontEngine.exits, 0);
+        delete (firstGoesFirst ? second : first);
+        EXPECT_EQ(fakeFontEngine.exits, 1);
+        EXPECT_EQ(fontEngine, nullptr);
+    }
+}
+
+TEST(FontLibrary, findsTheFontInTheFolderOfTheEnvironment)
+{
+    const std::string deep(3000, 'd');
+    const struct {
+        const char* folder;
+        std::string path;
+    } cases[] = {{nullptr, "/usr/lib/ybn/lib/fonts/AMCSL.TTF"},
+                 {"/x", "/x/AMCSL.TTF"},
+                 {"/x/", "/x//AMCSL.TTF"},
+                 {"", "/AMCSL.TTF"},
+                 {deep.c_str(), deep + "/AMCSL.TTF"}};
+    for (const auto& c : cases) {
+        FreshEngine fresh;
+        const Variable folder("YBN_RES_FONT_PATH", c.folder);
+        MMContext2D context;
+        EXPECT_EQ(fakeFontEngine.fontPath, c.path);
+    }
+}
+
+TEST(FontLibrary, takesTheCacheBudgetFromTheEnvironment)
+{
+    const struct {
+        const char* value;
+        uint32_t bytes;
+    } cases[] = {{nullptr, 40960},      {"10", 10240},  {"200", 204800}, {"64 and more", 65536},
+                 {"9", 40960},          {"201", 40960}, {"-5", 40960},   {"abc", 40960},
+                 {"4294967306", 40960}, {"", 40960}};
+    for (const auto& c : cases) {
+        FreshEngine fresh;
+        const Variable budget("SVG_FONT_CACHE_KB", c.value);
+        MMContext2D context;
+        EXPECT_EQ(context.fontCache.budget, c.bytes) << c.value;
+        EXPECT_EQ(context.fontCache.maxEntrySize, 2048u);
+    }
+}
+
+TEST(FontLibrary, setsDefaultsWeightAndLines)
+{
+    FreshEngine fresh;
+    MMContext2D context;
+    EXPECT_EQ(context.fontSize, 12 * kFixedOne);
+    EXPECT_EQ(context.fontWeight, 4);
+    EXPECT_EQ(context.lineHeight, 12 * kFixedOne);
+    for (uint8_t weight : {0, 5, 6, 9}) {
+        context.fontWeight = weight;
+        context.fontSize = (10 + weight) * kFixedOne;
+        context.updateFont();
+        EXPECT_EQ(fakeFontEngine.boldFraction, weight < 6 ? 0 : 6556);
+        EXPECT_EQ(context.lineHeight, context.fontSize);
+    }
+    context.penX = 5;
+    context.penY = 0;
+    context.lineHeight = 12 * kFixedOne;
+    context.newLine();
+    context.newLine();
+    EXPECT_EQ(context.penY, 24 * kFixedOne);
+    EXPECT_EQ(context.penX, 0);
+    EXPECT_EQ(context.newLineFlag, 1);
+}
+
+TEST(FontLibrary, joinsWithTheFullExtentOfTheFont)
+{
+    FreshEngine fresh;
+    MMContext2D context;
+    context.releaseFontLib();
+    context.fontSize = 20 * kFixedOne;
+    EXPECT_EQ(context.initFontLib(), 0u);
+    EXPECT_EQ(context.lineHeight, 20 * kFixedOne); // (800 + 200) / 1000 of the size
+}
+
+TEST(FontLibrary, everyFailingEngineCallLeavesAContextThatDrawsNothing)
+{
+    for (int refused = 0; refused < 3; ++refused) {
+        TextScene scene(20, 20);
+        fakeFontEngine.refuseInit = refused == 0;
+        fakeFontEngine.refuseFont = refused == 1;
+        fakeFontEngine.refuseGlyphs = refused == 2;
+        MMContext2D second;
+        const std::vector<Pixel> before = scene.picture();
+        scene.draw(u"abc", 0, 15);
+        if (refused != 0) {
+            EXPECT_EQ(scene.picture(), before);
+            EXPECT_NEAR(scene.context.penX, 0, 4);
+        }
+        EXPECT_EQ(fakeFontEngine.glyphsAlive, 0);
+    }
+}
+
+TEST(FontLibrary, aContextWithoutMemoryForItsMetricsEndsTheEngineUnderTheOthers)
+{
+    FreshEngine fresh;
+    TextScene scene(20, 20);
+    {
+        MMContext2D poor;
+        poor.releaseFontLib();
+        EXPECT_EQ(fontEngineUsers, 1);
+        FailingHeap heap;
+        heap.failAt(1);
+        EXPECT_EQ(poor.initFontLib(), 0u);
+        EXPECT_EQ(poor.fontMetrics, nullptr);
+        EXPECT_EQ(fontEngineUsers, 1);
+    }
+    EXPECT_EQ(fontEngineUsers, 0);
+    EXPECT_EQ(fakeFontEngine.exits, 1);
+    const std::vector<Pixel> before = scene.picture();
+    scene.draw(u"abc", 0, 15); // without an engine
+    scene.context.updateFont();
+    EXPECT_EQ(scene.picture(), before);
+}

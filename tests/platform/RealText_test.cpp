@@ -1,0 +1,251 @@
+// The real engines: glyphs of installed fonts, and lines of several languages.
+#include "graphics2d/MMContext2D.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+using namespace KAVO::Graphics2D;
+
+namespace {
+
+// A folder with AMCSL.TTF as a link to a font, for the engine that the next context starts.
+class FontFolder {
+public:
+    explicit FontFolder(const char* font)
+        : path_(std::filesystem::temp_directory_path() / ("mm2d-font-" + std::to_string(getpid())))
+    {
+        std::filesystem::create_directory(path_);
+        if (font != nullptr) std::filesystem::create_symlink(font, path_ / "AMCSL.TTF");
+        setenv("YBN_RES_FONT_PATH", path_.c_str(), 1);
+    }
+    ~FontFolder()
+    {
+        unsetenv("YBN_RES_FONT_PATH");
+        std::filesystem::remove_all(path_);
+    }
+
+private:
+    std::filesystem::path path_;
+};
+
+// A context with a picture, drawing in one font.
+struct Page {
+    static constexpr int32_t kWidth = 400;
+    static constexpr int32_t kHeight = 120;
+
+    explicit Page(const char* font)
+        : folder(font), pixels(static_cast<size_t>(kWidth) * kHeight, 0xFFFFFFFF),
+          context(new MMContext2D)
+    {
+        context->target = {kWidth, kHeight, kWidth * 4u, 0xFFFFFFFF, pixels.data(), 0};
+        context->clipRight = kWidth;
+        context->clipBottom = kHeight;
+    }
+
+    std::vector<std::u16string> lines(const std::u16string& text, int32_t width)
+    {
+        std::vector<uint16_t> units(text.begin(), text.end());
+        units.push_back(0);
+        MMTextLayout* layout = context->createTextLayout(units.data(), width);
+        std::vector<std::u16string> result;
+        for (uint32_t i = 0; layout != nullptr && i < layout->lineCount; ++i) {
+            result.emplace_back();
+            for (const uint16_t* unit = layout->lines[i]; *unit != 0; ++unit)
+                result.back().push_back(static_cast<char16_t>(*unit));
+        }
+        context->destroyTextLayout(layout);
+        return result;
+    }
+
+    // The width that holds count characters of a font in which all are equally wide.
+    int32_t columns(int32_t count)
+    {
+        const uint16_t m[] = {'m', 0};
+        return count * context->getTextWidth(m, 1) / kFixedOne + 1;
+    }
+
+    Fixed width(const char16_t* text)
+    {
+        std::vector<uint16_t> units;
+        while (*text != 0)
+            units.push_back(*text++);
+        units.push_back(0);
+        return context->getTextWidth(units.data(), 65535);
+    }
+
+    void draw(const char16_t* text, int32_t x, int32_t y)
+    {
+        std::vector<uint16_t> units;
+        while (*text != 0)
+            units.push_back(*text++);
+        units.push_back(0);
+        context->drawText(units.data(), x * kFixedOne, y * kFixedOne);
+    }
+
+    FontFolder folder;
+    std::vector<Pixel> pixels;
+    std::unique_ptr<MMContext2D> context;
+};
+
+using Lines = std::vector<std::u16string>;
+
+} // namespace
+
+TEST(RealGlyphs, areAsHighAndWideAsTheFontSays)
+{
+    Page page(LATIN_FONT);
+    page.context->fontSize = 40 * kFixedOne;
+    page.context->accumulateBounds = 1;
+    // 1233 of 2048 units; the inverse of the transform takes 1/65536 off.
+    EXPECT_NEAR(page.width(u"m"), 40.0 * 1233 / 2048 * 65536, 30);
+    page.draw(u"H", 20, 100); // 1493 units high, and stands on the baseline
+    EXPECT_EQ(page.context->boundsMaxY, 100 * kFixedOne);
+    EXPECT_EQ(page.context->boundsMinY, (100 - 30) * kFixedOne);
+}
+
+TEST(RealGlyphs, boldOnesAreDarkerAndWider)
+{
+    const auto ink = [](const Page& page) {
+        uint64_t sum = 0;
+        for (Pixel pixel : page.pixels)
+            sum += 255 - (pixel & 255);
+        return sum;
+    };
+    Page page(LATIN_FONT);
+    page.context->fontSize = 24 * kFixedOne;
+    page.draw(u"emHo", 10, 60);
+    const uint64_t upright = ink(page);
+    const Fixed uprightWidth = page.width(u"emHo");
+    std::fill(page.pixels.begin(), page.pixels.end(), 0xFFFFFFFF);
+    page.context->fontWeight = 7;
+    page.context->updateFont();
+    page.draw(u"emHo", 10, 60);
+    EXPECT_GT(ink(page), upright * 5 / 4);
+    // Three quarters of a tenth of the em for each character.
+    EXPECT_NEAR(page.width(u"emHo") - uprightWidth, 4 * 24 * 0.075 * 65536, 3000);
+}
+
+TEST(RealGlyphs, turnWithTheTransform)
+{
+    // The picture of a half turn is that of the upright text, read backwards.
+    Page page(LATIN_FONT);
+    page.context->fontSize = 32 * kFixedOne;
+    page.context->accumulateBounds = 1;
+    page.draw(u"Fg", 100, 60);
+    const Fixed left = page.context->boundsMinX, right = page.context->boundsMaxX;
+    const Fixed top = page.context->boundsMinY, bottom = page.context->boundsMaxY;
+    page.context->transform = {-kFixedOne, 0, 0, -kFixedOne, 200 * kFixedOne, 120 * kFixedOne};
+    page.draw(u"Fg", 100, 60);
+    EXPECT_NEAR(page.context->boundsMinX, 200 * kFixedOne - right, kFixedOne);
+    EXPECT_NEAR(page.context->boundsMaxX, 200 * kFixedOne - left, kFixedOne);
+    EXPECT_NEAR(page.context->boundsMinY, 120 * kFixedOne - bottom, kFixedOne);
+    EXPECT_NEAR(page.context->boundsMaxY, 120 * kFixedOne - top, kFixedOne);
+}
+
+TEST(RealGlyphs, aMissingFontDrawsNothing)
+{
+    Page page(nullptr);
+    EXPECT_EQ(page.context->fontMetrics[0], 1000);
+    EXPECT_EQ(static_cast<int16_t>(page.context->fontMetrics[10]), -200);
+    EXPECT_EQ(page.context->fontMetrics[12], 800);
+    page.draw(u"abc", 10, 50);
+    for (Pixel pixel : page.pixels)
+        ASSERT_EQ(pixel, 0xFFFFFFFFu);
+    EXPECT_EQ(page.lines(u"ab cd", 10), (Lines{u"ab cd"})); // nothing is wide
+}
+
+TEST(RealGlyphs, absurdTransformsAreSurvived)
+{
+    Page page(LATIN_FONT);
+    for (Fixed a : {0, 1, kFixedOne, 0x7FFFFFFF, -0x7FFFFFFF})
+        for (Fixed b : {0, -1, 0x7FFFFFFF})
+            for (Fixed size : {0, 1, 3000 * kFixedOne, 32767 * kFixedOne, -40 * kFixedOne}) {
+                page.context->transform = {a, b, -b, a, 0, 0};
+                page.context->fontSize = size;
+                page.draw(u"a\xD800g", 10, 50);
+            }
+}
+
+TEST(RealLayout, breaksEnglishAtWords)
+{
+    Page page(LATIN_FONT);
+    const struct {
+        std::u16string text;
+        int32_t columns;
+        Lines lines;
+    } cases[] = {
+        {u"", 10, {}},
+        {u"one two three", 20, {u"one two three"}},
+        {u"one two three", 7, {u"one two", u"three"}},
+        {u"one two three", 8, {u"one two", u"three"}},
+        {u"one two   three  ", 7, {u"one two", u"three  "}}, // blanks stay but at soft breaks
+        {u"well-known fact", 6, {u"well-", u"known", u"fact"}},
+        {u"a\nb\r\nc\rd\u2029e", 9, {u"a", u"b", u"c", u"d", u"e"}},
+        {u"a\n\n\nb\n", 9, {u"a", u"", u"", u"b"}},
+        {u"incomprehensible", 6, {u"incomp", u"rehens", u"ible"}},
+        {u"an incomprehensible", 6, {u"an", u"incomp", u"rehens", u"ible"}},
+        {u"   incomprehensible", 6, {u"incomp", u"rehens", u"ible"}},
+        {u"no\u00A0break here", 6, {u"no\u00A0bre", u"ak", u"here"}},
+        {u"hyphen\u00ADation", 12, {u"hyphenation"}},
+        {u"hyphen\u00ADation", 7, {u"hyphen-", u"ation"}},
+        {u"hyphen\u00ADation", 6, {u"hyphe", u"nation"}}, // no room for the hyphen
+        {u"re\u00ADin\u00ADstate it", 6, {u"rein-", u"state", u"it"}},
+        {u"a\u00ADb", 2, {u"ab"}}, // what fits whole needs no hyphen
+        {u"abc", 0, {u"a", u"b", u"c"}},
+        {u"e\u0301e\u0301", 1, {u"e\u0301", u"e\u0301"}}, // accents stay with their letters
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(page.lines(c.text, c.columns == 0 ? 0 : page.columns(c.columns)), c.lines)
+            << ::testing::PrintToString(c.text) << " in " << c.columns;
+    EXPECT_EQ(page.lines(u"abc", -5), (Lines{u"a", u"b", u"c"}));
+    EXPECT_EQ(page.lines(u"a\xD83D\xDE00z", 0), (Lines{u"a", u"\xD83D\xDE00", u"z"}));
+    // A family of four, joined.
+    const std::u16string family = u"\xD83D\xDC68\u200D\xD83D\xDC69\u200D\xD83D\xDC67";
+    EXPECT_EQ(page.lines(u"m" + family + u"m", 1).size(), 3u);
+}
+
+TEST(RealLayout, breaksChineseBetweenCharactersButNotBeforeItsPunctuation)
+{
+    Page page(CHINESE_FONT);
+    page.context->fontSize = 10 * kFixedOne;
+    const int32_t four = page.width(u"\u4E2D\u4E2D\u4E2D\u4E2D") / kFixedOne + 1;
+    EXPECT_EQ(page.lines(u"\u6211\u4EEC\u5728\u8FD9\u91CC\u3002\u597D", four),
+              (Lines{u"\u6211\u4EEC\u5728\u8FD9", u"\u91CC\u3002\u597D"}));
+    EXPECT_EQ(page.lines(u"\u6211\u4EEC\u5728\u8FD9\u3002\u597D", four),
+              (Lines{u"\u6211\u4EEC\u5728", u"\u8FD9\u3002\u597D"}));
+    // Small kana do not begin a line.
+    EXPECT_EQ(page.lines(u"\u3042\u3042\u3042\u30AD\u30E3\u3042", four),
+              (Lines{u"\u3042\u3042\u3042", u"\u30AD\u30E3\u3042"}));
+}
+
+TEST(RealLayout, breaksThaiAtTheWordsOfItsDictionary)
+{
+    Page page(THAI_FONT);
+    // "Thai language", two words without a space.
+    const std::u16string language = u"\u0E20\u0E32\u0E29\u0E32";
+    const std::u16string thai = u"\u0E44\u0E17\u0E22";
+    const int32_t longest = page.width(language.c_str()) / kFixedOne + 1;
+    EXPECT_EQ(page.lines(language + thai, longest), (Lines{language, thai}));
+}
+
+TEST(RealLayout, hundredThousandCharacters)
+{
+    Page page(LATIN_FONT);
+    const std::u16string solid(100000, u'm');
+    EXPECT_EQ(page.lines(solid, 0).size(), 65535u); // the most that a layout holds
+    EXPECT_EQ(page.lines(solid, page.columns(100)).size(), 1000u);
+    std::u16string words;
+    while (words.size() < 100000)
+        words += u"mmmm ";
+    EXPECT_EQ(page.lines(words, page.columns(49)).size(), 2000u); // ten words a line
+    EXPECT_EQ(page.lines(std::u16string(100000, u' '), 3).size(), 1u);
+    EXPECT_EQ(page.lines(std::u16string(50000, u'm') + std::u16string(50000, u' '), 0).size(),
+              50000u);
+}

@@ -1,0 +1,31 @@
+// A font engine for tests: blocks instead of letters, every call can fail, and glyphs are counted.
+//
+// The em is a square of pixels: a glyph image is as many pixels wide and high as the matrix makes
+// of the em along its own axes, stands on the baseline and advances by one em. Every character from
+// the space on has a glyph, except surrogate halves:
+//   space     no bitmap
+//   'g'       a gradient: level (x + y) mod 16
+//   'i'       a full block of half the width, half the advance
+//   'j'       a full block that starts one pixel left of the pen
+//   others    a full block
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+struct FakeFontEngine {
+    // Calls that fail while set.
+    bool refuseInit = false;
+    bool refuseFont = false;
+    bool refuseGlyphs = false;
+
+    // What has happened.
+    int32_t inits = 0;
+    int32_t exits = 0;
+    int32_t glyphsMade = 0;
+    int32_t glyphsAlive = 0;
+    int32_t boldFraction = -1;
+    std::string fontPath;
+};
+
+extern FakeFontEngine fakeFontEngine;
