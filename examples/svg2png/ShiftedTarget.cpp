@@ -24,7 +24,7 @@ ShiftedTarget::ShiftedTarget(MMContext2D& context, Picture& picture, Picture& sh
     left_ = context.clipLeft;
     top_ = context.clipTop;
     right_ = context.clipRight;
-    bottom_ = context.clipBottom;
+    bottom_ = left_ < right_ ? context.clipBottom : top_;
 
     if (shadow.pixels.empty()) shadow = Picture(picture.width + 1, picture.height, 0);
     for (int y = top_; y < bottom_; ++y) {
