@@ -98,3 +98,10 @@ void drawCrossingScene(Canvas& canvas);
 void drawPositionScene(Canvas& canvas);
 void drawPaintScene(Canvas& canvas);
 void drawImageScene(Canvas& canvas);
+
+// Text scenes; each returns an empty string, or what it could not draw. They choose their fonts.
+std::string drawSizeScene(Canvas& canvas);
+std::string drawLetterScene(Canvas& canvas);
+std::string drawEnglishScene(Canvas& canvas);
+std::string drawChineseScene(Canvas& canvas);
+std::string drawThaiScene(Canvas& canvas);

@@ -116,6 +116,10 @@ void Renderer::drawElement(pugi::xml_node node, const State& parent)
         drawUse(node, state);
     else if (name == "switch")
         drawSwitch(node, state);
+    else if (name == "text")
+        drawText(node, state);
+    else if (name == "textArea")
+        drawTextArea(node, state);
     else if (name == "image")
         drawImage(node, state);
     else if (isShape(name))
@@ -211,6 +215,12 @@ void Renderer::noteUnsupported(pugi::xml_node, const Properties& properties)
         const std::string_view value = properties[name];
         if (!value.empty() && value != "none") shortcomings_.insert(name);
     }
+}
+
+void Renderer::clearBounds()
+{
+    context_.boundsMinX = context_.boundsMinY = kEmptyBoundsMin;
+    context_.boundsMaxX = context_.boundsMaxY = kEmptyBoundsMax;
 }
 
 void Renderer::uniteBounds()

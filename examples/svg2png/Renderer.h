@@ -10,6 +10,7 @@
 #include "svg2png/Shapes.h"
 #include "svg2png/Style.h"
 #include "svg2png/SvgDocument.h"
+#include "svg2png/Text.h"
 
 #include <set>
 
@@ -42,6 +43,7 @@ private:
         int depth = 0;
     };
 
+    struct TextRun;
     struct Tiling;
     struct TileRange;
 
@@ -69,6 +71,13 @@ private:
     void drawGeometry(const Shape& shape, const PathSpace& space, bool stroked);
     bool drawRoundedBox(const RoundedBox& box, const PathSpace& space);
 
+    void drawText(pugi::xml_node node, const State& state);
+    void drawTextArea(pugi::xml_node node, const State& state);
+    void drawRun(TextRun& run, const PathSpace& space, const State& state, const Box& bounds);
+    void anchorChunk(std::vector<TextRun>& runs, size_t first);
+    void setFont(const Style& style, std::optional<double> rotate, const PathSpace& space);
+    bool setTextPaint(const Style& style, const State& state, const Box& bounds);
+
     // Set up the context's paints for something with these bounds in user space; false when they
     // paint nothing.
     bool setFill(const State& state, const Box& userBounds);
@@ -85,6 +94,7 @@ private:
     void setTransform(const PathSpace& space);
     void clipTo(const Box& deviceBox);
     void noteUnsupported(pugi::xml_node node, const Properties& properties);
+    void clearBounds();
     void uniteBounds();
     Point pictureCentre() const { return {picture_.width / 2.0, picture_.height / 2.0}; }
     bool isOutside(const Box& deviceBox) const;
@@ -98,6 +108,7 @@ private:
     PaintStore fillStore_;
     PaintStore strokeStore_;
     std::vector<Fixed> dashes_;
+    Degrees characterTurn_ = 0;
     Picture shadow_; // for ShiftedTarget
     Box bounds_;
     size_t elementsLeft_;

@@ -1,0 +1,210 @@
+// Text: sizes, styles, paints, and paragraphs in three scripts.
+#include "gallery/Canvas.h"
+#include "graphics2d/PaintSetup.h"
+#include "platform/freetype/LightHinting.h"
+#include "util/WideString.h"
+
+#include <cstdlib>
+#include <cstring>
+
+using namespace KAVO::Graphics2D;
+
+namespace {
+
+constexpr Pixel kInk = 0xFF222222;
+
+// UTF-16 of the library's own making, freed with its scope.
+class WideText {
+public:
+    explicit WideText(const char* utf8)
+        : units_(MMstrUtf8ToWs(reinterpret_cast<const uint8_t*>(utf8),
+                               static_cast<uint32_t>(std::strlen(utf8))))
+    {
+    }
+    ~WideText() { std::free(units_); }
+    WideText(const WideText&) = delete;
+    WideText& operator=(const WideText&) = delete;
+    uint16_t* units() { return units_; }
+
+private:
+    uint16_t* units_;
+};
+
+void setFont(MMContext2D& context, double size, uint8_t weight = 4, uint32_t style = 0)
+{
+    context.fontSize = fixed(size);
+    context.fontWeight = weight;
+    context.fontStyle = style;
+    context.updateFont();
+}
+
+// Empty, or the first character that the font has no glyph for: its box stays unset.
+std::string missingGlyph(MMContext2D& context, const char* utf8)
+{
+    WideText text(utf8);
+    for (const uint16_t* unit = text.units(); *unit != 0; ++unit) {
+        if (*unit == '\n') continue;
+        uint16_t single[] = {*unit, 0};
+        MMFixedRegion box = {};
+        context.preserveSpace = 1;
+        context.getTextBBox(single, 0, 0, &box);
+        context.preserveSpace = 0;
+        if (box.x0 > box.x1) return "no glyph for character " + std::to_string(*unit);
+    }
+    return "";
+}
+
+// The text is drawn through the transform without the shift of anti-aliased paths.
+void drawLine(Canvas& canvas, const char* utf8, double x, double y)
+{
+    WideText text(utf8);
+    canvas.context().drawText(text.units(), fixed(x), fixed(y));
+}
+
+std::string drawParagraph(Canvas& canvas, const char* fontFile, const char* utf8, double size)
+{
+    const std::string problem = canvas.useFont(fontFile);
+    if (!problem.empty()) return problem;
+    MMContext2D& context = canvas.context();
+    const std::string missing = missingGlyph(context, utf8);
+    if (!missing.empty()) return missing;
+    canvas.fill(kInk);
+    canvas.placeUnshifted();
+    setFont(context, size);
+    context.lineHeight = fixed(size * 1.35);
+    context.wrapWidth = fixed(kPanelWidth - 30);
+    context.wrapOffsetX = fixed(15);
+    context.penX = 0;
+    context.penY = fixed(size + 10);
+    context.textDecoration = 1;
+    WideText text(utf8);
+    context.drawWrappedText(text.units(), 0, 0);
+    return "";
+}
+
+} // namespace
+
+// From 8 to 48 pixels, then bold and slanted.
+std::string drawSizeScene(Canvas& canvas)
+{
+    const std::string problem = canvas.useFont(LATIN_FONT);
+    if (!problem.empty()) return problem;
+    MMContext2D& context = canvas.context();
+    canvas.fill(kInk);
+    canvas.placeUnshifted();
+    double y = 6;
+    for (const double size : {8, 10, 12, 14, 18, 24, 36, 48}) {
+        y += size * 0.98;
+        setFont(context, size);
+        drawLine(canvas, size < 24 ? "Quick vexing jumps" : "Quick jumps", 10, y);
+    }
+    setFont(context, 14, 7);
+    drawLine(canvas, "bold weight", 236, 24);
+    setFont(context, 14, 4, 1);
+    drawLine(canvas, "slanted style", 236, 46);
+    setFont(context, 14, 7, 1);
+    drawLine(canvas, "bold and slanted", 236, 68);
+    const std::string missing = missingGlyph(context, "Quick vexing jumps");
+    if (!missing.empty()) return missing;
+    for (const bool hinted : {false, true}) {
+        const std::string problemAgain = canvas.useFont(LATIN_FONT); // and a glyph cache of its own
+        if (!problemAgain.empty()) return problemAgain;
+        FS_set_light_hinting(hinted);
+        canvas.fill(kInk);
+        canvas.placeUnshifted();
+        setFont(canvas.context(), 11);
+        drawLine(canvas, hinted ? "lightly hinted at 11" : "as designed at 11", 236,
+                 hinted ? 108 : 92);
+    }
+    FS_set_light_hinting(0);
+    return "";
+}
+
+// Letters turned one by one and as a line, painted with a gradient and an image, and clipped.
+std::string drawLetterScene(Canvas& canvas)
+{
+    const std::string problem = canvas.useFont(LATIN_FONT);
+    if (!problem.empty()) return problem;
+    MMContext2D& context = canvas.context();
+    canvas.fill(kInk);
+    canvas.placeUnshifted();
+    setFont(context, 20);
+    static const Degrees turns[] = {degrees(-40), degrees(-28), degrees(-16), degrees(-4),
+                                    degrees(8),   degrees(20),  degrees(32),  degrees(44)};
+    context.charRotate = turns;
+    context.charRotateCount = 8;
+    drawLine(canvas, "tumbling", 16, 36);
+    context.charRotate = nullptr;
+    context.charRotateCount = 0;
+    canvas.placeUnshifted(150, 50, 1, -15);
+    drawLine(canvas, "uphill", 0, 0);
+    canvas.placeUnshifted(240, 12, 1, 15);
+    drawLine(canvas, "downhill", 0, 20);
+
+    const Pixel colours[] = {0xFFD00000, 0xFFE09F3E, 0xFF1C77C3};
+    const Fixed offsets[] = {0, 0x8000, 0x10000};
+    Pixel rampColours[gradientRampRoom(3)];
+    Fixed rampOffsets[gradientRampRoom(3)];
+    canvas.placeUnshifted();
+    setLinearGradient(context.fillPaint, {fixed(10), 0}, {fixed(370), 0}, context.transform,
+                      {colours, offsets, 3}, {rampColours, rampOffsets});
+    setFont(context, 48, 7);
+    drawLine(canvas, "Gradient", 14, 112);
+
+    Picture image(8, 8, 0xFF2A7F78);
+    for (int i = 0; i < 64; ++i) {
+        if ((i + i / 8) % 4 < 2) image.pixels[static_cast<size_t>(i)] = 0xFFE09F3E;
+    }
+    const MMPixmap pixmap = {8, 8, 32, 0, image.pixels.data(), 0};
+    canvas.placeUnshifted(14, 124, 8);
+    setPattern(context.fillPaint, pixmap, context.transform, kFilterBilinear);
+    context.patternFilter = kFilterBilinear;
+    canvas.placeUnshifted();
+    drawLine(canvas, "Tiles", 14, 176);
+
+    canvas.fill(0xFFB23A48);
+    const int16_t left = static_cast<int16_t>(fixFloor(context.transform.e) + 200);
+    const int16_t top = static_cast<int16_t>(fixFloor(context.transform.f) + 138);
+    context.clipLeft = left;
+    context.clipRight = static_cast<int16_t>(left + 150);
+    context.clipTop = top;
+    context.clipBottom = static_cast<int16_t>(top + 26);
+    drawLine(canvas, "clipped", 190, 172);
+    context.clipLeft = context.clipTop = 0;
+    context.clipRight = static_cast<int16_t>(canvas.picture.width);
+    context.clipBottom = static_cast<int16_t>(canvas.picture.height);
+    return "";
+}
+
+std::string drawEnglishScene(Canvas& canvas)
+{
+    return drawParagraph(canvas, LATIN_FONT,
+                         "The library breaks a paragraph into lines that fit a given width, and "
+                         "draws them one below the other. Words are kept whole, and only an "
+                         "extraordinarily-long-compound-of-words is broken where it may be.\n"
+                         "A new line begins where the text says so.",
+                         15);
+}
+
+std::string drawChineseScene(Canvas& canvas)
+{
+    return drawParagraph(canvas, CHINESE_FONT,
+                         "\u56fe\u5f62\u5e93\u628a\u4e00\u6bb5\u6587\u5b57\u5206\u6210\u82e5\u5e72"
+                         "\u884c\uff0c\u6bcf\u884c\u90fd\u4e0d\u8d85\u8fc7\u7ed9\u5b9a\u7684\u5bbd"
+                         "\u5ea6\u3002\u6c49\u5b57\u4e4b\u95f4\u53ef\u4ee5\u6362\u884c\uff0c\u4f46"
+                         "\u6807\u70b9\u4e0d\u4f1a\u51fa\u73b0\u5728\u884c\u9996\u3002",
+                         20);
+}
+
+std::string drawThaiScene(Canvas& canvas)
+{
+    return drawParagraph(
+        canvas, THAI_FONT,
+        "\u0e20\u0e32\u0e29\u0e32\u0e44\u0e17\u0e22\u0e40\u0e02\u0e35\u0e22\u0e19\u0e15\u0e34"
+        "\u0e14\u0e01\u0e31\u0e19\u0e42\u0e14\u0e22\u0e44\u0e21\u0e48\u0e21\u0e35\u0e0a\u0e48"
+        "\u0e2d\u0e07\u0e27\u0e48\u0e32\u0e07\u0e23\u0e30\u0e2b\u0e27\u0e48\u0e32\u0e07\u0e04"
+        "\u0e33 \u0e08\u0e36\u0e07\u0e15\u0e49\u0e2d\u0e07\u0e43\u0e0a\u0e49\u0e1e\u0e08\u0e19"
+        "\u0e32\u0e19\u0e38\u0e01\u0e23\u0e21\u0e2b\u0e32\u0e17\u0e35\u0e48\u0e15\u0e31\u0e14"
+        "\u0e1a\u0e23\u0e23\u0e17\u0e31\u0e14",
+        20);
+}

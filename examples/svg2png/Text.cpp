@@ -1,0 +1,161 @@
+#include "svg2png/Text.h"
+
+#include <algorithm>
+#include <string>
+
+namespace {
+
+constexpr int kMostNesting = 64;
+constexpr uint32_t kReplacement = 0xFFFD;
+
+class TextReader {
+public:
+    TextReader(TextContent& content, double percentBase)
+        : content_(content), percentBase_(percentBase)
+    {
+    }
+    void read(pugi::xml_node node, const Style& style, int depth);
+    void dropTrailingSpace();
+
+private:
+    void append(std::string_view utf8, const Style& style);
+    void applyLists(pugi::xml_node node, size_t first, const Style& style);
+    std::vector<double> lengths(pugi::xml_node node, const char* name, const Style& style) const;
+
+    TextContent& content_;
+    double percentBase_;
+    bool afterSpace_ = true; // a space would collapse into the one before, or into the beginning
+};
+
+void TextReader::append(std::string_view utf8, const Style& style)
+{
+    const size_t styleIndex = content_.styles.size() - 1;
+    for (const uint16_t unit : toUtf16(utf8)) {
+        uint16_t code = unit;
+        if (code == '\r' || (code == '\n' && !style.preserveSpace)) continue;
+        if (code == '\t' || code == '\n') code = ' ';
+        const bool space = code == ' ';
+        if (space && afterSpace_ && !style.preserveSpace) continue;
+        afterSpace_ = space;
+        TextCharacter character;
+        character.code = code;
+        character.style = styleIndex;
+        content_.characters.push_back(character);
+    }
+}
+
+std::vector<double> TextReader::lengths(pugi::xml_node node, const char* name,
+                                        const Style& style) const
+{
+    std::vector<double> values;
+    std::string_view text = trimmed(node.attribute(name).value());
+    while (!text.empty()) {
+        const size_t end = text.find_first_of(", \t\r\n");
+        if (end != 0)
+            values.push_back(parseLength(text.substr(0, end), {percentBase_, style.fontSize}, 0));
+        text = end == text.npos ? std::string_view() : text.substr(end + 1);
+    }
+    return values;
+}
+
+// The element's lists speak of its characters from the first on; what an inner element said already
+// stays.
+void TextReader::applyLists(pugi::xml_node node, size_t first, const Style& style)
+{
+    std::vector<TextCharacter>& characters = content_.characters;
+    const size_t count = characters.size() - first;
+    const std::vector<double> x = lengths(node, "x", style);
+    const std::vector<double> y = lengths(node, "y", style);
+    const std::vector<double> dx = lengths(node, "dx", style);
+    const std::vector<double> dy = lengths(node, "dy", style);
+    const std::vector<double> rotate = parseNumbers(node.attribute("rotate").value());
+    for (size_t i = 0; i < count; ++i) {
+        TextCharacter& character = characters[first + i];
+        if (i < x.size() && !character.x) character.x = x[i];
+        if (i < y.size() && !character.y) character.y = y[i];
+        if (i < dx.size()) character.dx += dx[i];
+        if (i < dy.size()) character.dy += dy[i];
+        if (!rotate.empty() && !character.rotate)
+            character.rotate = rotate[std::min(i, rotate.size() - 1)];
+    }
+}
+
+void TextReader::read(pugi::xml_node node, const Style& style, int depth)
+{
+    const size_t first = content_.characters.size();
+    content_.styles.push_back(style);
+    for (const pugi::xml_node child : node.children()) {
+        if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata) {
+            append(child.value(), style);
+            continue;
+        }
+        const std::string_view name = localName(child.name());
+        const bool spans = name == "tspan" || name == "a" || name == "textPath" || name == "tref";
+        const Properties properties(child);
+        if (name == "tbreak") {
+            TextCharacter lineBreak;
+            lineBreak.code = '\n';
+            lineBreak.style = content_.styles.size() - 1;
+            content_.characters.push_back(lineBreak);
+            afterSpace_ = true;
+        } else if (spans && depth < kMostNesting && properties["display"] != "none") {
+            Style childStyle = style;
+            childStyle.apply(properties, percentBase_);
+            read(child, childStyle, depth + 1);
+            content_.styles.push_back(style); // for what follows the child
+        }
+    }
+    applyLists(node, first, style);
+}
+
+void TextReader::dropTrailingSpace()
+{
+    std::vector<TextCharacter>& characters = content_.characters;
+    if (!characters.empty() && characters.back().code == ' ' &&
+        !content_.styles[characters.back().style].preserveSpace)
+        characters.pop_back();
+}
+
+// Takes one character off the front.
+uint32_t takeCodePoint(std::string_view& utf8)
+{
+    const auto lead = static_cast<unsigned char>(utf8.front());
+    utf8.remove_prefix(1);
+    if (lead < 0x80) return lead;
+    const size_t more = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
+    if (lead < 0xC0 || lead > 0xF7 || utf8.size() < more) return kReplacement;
+    uint32_t code = lead & (0x3Fu >> more);
+    for (size_t i = 0; i < more; ++i) {
+        const auto next = static_cast<unsigned char>(utf8[i]);
+        if ((next & 0xC0) != 0x80) return kReplacement;
+        code = code << 6 | (next & 0x3Fu);
+    }
+    utf8.remove_prefix(more);
+    return code;
+}
+
+} // namespace
+
+std::vector<uint16_t> toUtf16(std::string_view utf8)
+{
+    std::vector<uint16_t> units;
+    while (!utf8.empty()) {
+        const uint32_t code = takeCodePoint(utf8);
+        if (code < 0x10000) {
+            units.push_back(static_cast<uint16_t>(code == 0 ? kReplacement : code));
+        } else {
+            units.push_back(static_cast<uint16_t>(0xD800 + ((code - 0x10000) >> 10 & 0x3FF)));
+            units.push_back(static_cast<uint16_t>(0xDC00 + (code & 0x3FF)));
+        }
+    }
+    return units;
+}
+
+TextContent readText(pugi::xml_node node, const Style& style, double percentBase)
+{
+    TextContent content;
+    TextReader reader(content, percentBase);
+    reader.read(node, style, 0);
+    reader.dropTrailingSpace();
+    return content;
+}

@@ -1,0 +1,32 @@
+// Text elements: their characters, positions and white space.
+#pragma once
+
+#include "svg2png/Style.h"
+
+#include <cstdint>
+#include <optional>
+#include <pugixml.hpp>
+#include <vector>
+
+// One UTF-16 code unit of a text element and what its elements say about it.
+struct TextCharacter {
+    uint16_t code = 0;
+    size_t style = 0;        // index into TextContent::styles
+    std::optional<double> x; // where it goes, absolute
+    std::optional<double> y;
+    double dx = 0; // a shift on top of that
+    double dy = 0;
+    std::optional<double> rotate; // degrees
+};
+
+struct TextContent {
+    std::vector<TextCharacter> characters;
+    std::vector<Style> styles;
+};
+
+// The characters of a text element with white space collapsed as xml:space says. style is that of
+// the element itself; the lengths' percentages refer to percentBase.
+TextContent readText(pugi::xml_node node, const Style& style, double percentBase);
+
+// UTF-8 to UTF-16; malformed bytes become U+FFFD.
+std::vector<uint16_t> toUtf16(std::string_view utf8);
