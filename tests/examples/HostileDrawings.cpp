@@ -22,7 +22,7 @@ std::vector<std::string> sampleDrawings()
 {
     std::vector<std::string> drawings;
     for (const char* name : {"shapes", "fill-rules", "path-grammar", "transforms", "colours",
-                             "strokes", "gradients", "landscape"}) {
+                             "strokes", "gradients", "landscape", "metro", "text", "images"}) {
         std::ifstream file(std::string(DRAWINGS_FOLDER "/") + name + ".svg");
         std::ostringstream text;
         text << file.rdbuf();
