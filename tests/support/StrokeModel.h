@@ -55,7 +55,7 @@ public:
 
     // The share of every pixel inside, 0 to 1; pixel (c, r) is the unit square around (c, r).
     // Lines at fine steps in y, exact in x.
-    std::vector<double> areas(int width, int height, int lines = 32) const
+    std::vector<double> areas(int width, int height, int lines = 64) const
     {
         std::vector<double> area(std::size_t(width * height));
         for (int row = 0; row < height; ++row) {
