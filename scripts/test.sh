@@ -49,15 +49,14 @@ sanitize="-O1 -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-f
 run native -DMM2D_BUILD_EXAMPLES=ON
 run sanitized -DMM2D_BUILD_EXAMPLES=ON -DCMAKE_CXX_FLAGS="$sanitize"
 # Other machines have neither FreeType nor ICU here.
-fake_engines="-DMM2D_FONT_ENGINE=mm2d_fake_font -DMM2D_LAYOUT_ENGINE=mm2d_fake_layout"
-# shellcheck disable=SC2086 # the engines are words
-run x86-32 $fake_engines -DBUILD_SHARED_LIBS=OFF -DCMAKE_TOOLCHAIN_FILE="$PWD/scripts/toolchains/i686.cmake"
+cross() {
+    run "$1" -DCMAKE_TOOLCHAIN_FILE="$PWD/scripts/toolchains/$2.cmake" \
+        -DMM2D_FONT_ENGINE=mm2d_fake_font -DMM2D_LAYOUT_ENGINE=mm2d_fake_layout
+}
+cross x86-32 i686
 if $all_targets; then
-    # shellcheck disable=SC2086
-    run arm-32 $fake_engines -DBUILD_SHARED_LIBS=OFF -DCMAKE_TOOLCHAIN_FILE="$PWD/scripts/toolchains/arm.cmake"
-    # shellcheck disable=SC2086
-    run arm-64 $fake_engines -DBUILD_SHARED_LIBS=OFF \
-        -DCMAKE_TOOLCHAIN_FILE="$PWD/scripts/toolchains/aarch64.cmake"
+    cross arm-32 arm
+    cross arm-64 aarch64
     run clang -DMM2D_BUILD_EXAMPLES=ON -DCMAKE_CXX_COMPILER=clang++
     run O0 -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG="-O0 -g"
     run O3 -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS_RELEASE=-O3
