@@ -344,6 +344,7 @@ TEST(TextRendering, everyFailingAllocationIsSurvived)
     const Fixed offsets[] = {0, kFixedOne};
     Pixel rampColours[16];
     Fixed rampOffsets[16];
+    Text text(u"BB gi jBg");
     const uint32_t calls = failEachAllocation([&] {
         MMContext2D context;
         context.target = scene.context.target;
@@ -353,7 +354,6 @@ TEST(TextRendering, everyFailingAllocationIsSurvived)
         context.textDecoration = 1;
         setLinearGradient(context.fillPaint, {0, 0}, {60 * kFixedOne, 0}, kIdentityMatrix,
                           {colours, offsets, 2}, {rampColours, rampOffsets});
-        Text text(u"BB gi jBg");
         context.drawText(text.data(), 0, 20 * kFixedOne);
         context.drawWrappedText(text.data(), 0, 0);
         EXPECT_EQ(context.scratchStack.usedWords, 0u);
