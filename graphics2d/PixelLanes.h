@@ -102,10 +102,15 @@ inline U32x4 zipHighBytes(U32x4 a, U32x4 b)
 // The upper halves of the products.
 inline U16x8 mulHigh(U16x8 a, U16x8 b)
 {
-    U16x8 result;
-    for (int i = 0; i < 8; ++i) // compilers know this as one instruction
-        result[i] = static_cast<uint16_t>((static_cast<uint32_t>(a[i]) * b[i]) >> 16);
-    return result;
+#if defined(__SSE2__)
+    return (U16x8)_mm_mulhi_epu16((__m128i)a, (__m128i)b);
+#else
+    // In whole words rather than a loop over the lanes: where there are no vector registers, GCC 12
+    // packs such a loop into words and gets the upper halves wrong.
+    const U32x4 even = (((U32x4)a & 0xFFFF) * ((U32x4)b & 0xFFFF)) >> 16;
+    const U32x4 odd = (((U32x4)a >> 16) * ((U32x4)b >> 16)) & 0xFFFF0000u;
+    return (U16x8)(even | odd);
+#endif
 }
 
 // a[0] * b[0] + a[1] * b[1] and so on; all below 2^15.
