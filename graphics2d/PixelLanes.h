@@ -73,19 +73,6 @@ inline U16x8 widenHigh(U32x4 pixels)
                                           28, 13, 29, 14, 30, 15, 31);
 }
 
-// The same times 256.
-inline U16x8 widenLowToHighBytes(U32x4 pixels)
-{
-    return (U16x8)__builtin_shufflevector(U8x16{}, (U8x16)pixels, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20,
-                                          5, 21, 6, 22, 7, 23);
-}
-
-inline U16x8 widenHighToHighBytes(U32x4 pixels)
-{
-    return (U16x8)__builtin_shufflevector(U8x16{}, (U8x16)pixels, 8, 24, 9, 25, 10, 26, 11, 27, 12,
-                                          28, 13, 29, 14, 30, 15, 31);
-}
-
 // The bytes of two pixels of each operand in turn.
 inline U32x4 zipLowBytes(U32x4 a, U32x4 b)
 {
@@ -127,8 +114,12 @@ inline U32x4 multiplyAddPairs(U16x8 a, U16x8 b)
 // Four pixels from the high bytes of sixteen 16-bit lanes.
 inline U32x4 narrowHighBytes(U16x8 low, U16x8 high)
 {
+#if defined(__SSE2__) // compilers shuffle this in more steps
+    return (U32x4)_mm_packus_epi16((__m128i)(low >> 8), (__m128i)(high >> 8));
+#else
     return (U32x4)__builtin_shufflevector((U8x16)low, (U8x16)high, 1, 3, 5, 7, 9, 11, 13, 15, 17,
                                           19, 21, 23, 25, 27, 29, 31);
+#endif
 }
 
 // Moves eight channels by weight / 256; the results are the high bytes. This is blendChannel times
@@ -151,31 +142,32 @@ inline U32x4 blend4(U32x4 destination, U32x4 source, U32x4 weights)
                            moveToward(widenHigh(destination), widenHigh(source), highWeights));
 }
 
-// blend4 with one colour and weight for all pixels.
+// blend4 with one colour and weight for all pixels. moveToward is then d * (256 - w) + s * w, plus
+// w where d lies more than 128 below s.
 class FlatBlend {
 public:
     FlatBlend(Pixel colour, uint32_t weight)
-        : source_((I16x8)widenLow(all4(colour))), raiseBelow_(source_ - 128),
-          weight_((U16x8)all4(weight * 0x00010001u))
+        : raiseBelow_((I16x8)widenLow(all4(colour)) - 128),
+          weight_((U16x8)all4(weight * 0x00010001u)),
+          rest_((U16x8)all4((256 - weight) * 0x00010001u)), share_(widenLow(all4(colour)) * weight_)
     {
     }
     U32x4 operator()(U32x4 destination) const
     {
-        return narrowHighBytes(moved(widenLow(destination), widenLowToHighBytes(destination)),
-                               moved(widenHigh(destination), widenHighToHighBytes(destination)));
+        return narrowHighBytes(moved(widenLow(destination)), moved(widenHigh(destination)));
     }
 
 private:
-    // moveToward; a difference above 128 shows in the destination alone.
-    U16x8 moved(U16x8 from, U16x8 from256) const
+    U16x8 moved(U16x8 from) const
     {
-        const I16x8 raised = source_ - (I16x8)(raiseBelow_ > (I16x8)from);
-        return from256 + (U16x8)(raised - (I16x8)from) * weight_;
+        const U16x8 raised = (U16x8)(raiseBelow_ > (I16x8)from) & weight_;
+        return from * rest_ + (share_ + raised);
     }
 
-    I16x8 source_;
     I16x8 raiseBelow_;
     U16x8 weight_;
+    U16x8 rest_;
+    U16x8 share_;
 };
 
 } // namespace Graphics2D

@@ -13,6 +13,8 @@
 #include "graphics2d/PixelLanes.h"
 #include "math/FixedMath.h"
 
+#include <cwchar>
+
 namespace KAVO {
 namespace Graphics2D {
 
@@ -107,6 +109,14 @@ inline Pixel* spanFirstPixel(const MMContext2D& context)
 
 inline void fillPixels(Pixel* pixels, int32_t count, Pixel colour)
 {
+    // The C library's fill knows the widest registers of the machine; short spans are quicker here.
+    constexpr int32_t kShortSpan = 64;
+    static_assert(sizeof(wchar_t) == sizeof(Pixel), "a wide character is as wide as a pixel");
+    if (count >= kShortSpan) {
+        std::wmemset(reinterpret_cast<wchar_t*>(pixels), static_cast<wchar_t>(colour),
+                     static_cast<size_t>(count));
+        return;
+    }
     int32_t i = 0;
     for (; i + 4 <= count; i += 4)
         store4(pixels + i, all4(colour));
