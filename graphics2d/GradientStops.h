@@ -76,5 +76,32 @@ struct Segment {
     }
 };
 
+// Where a gradient's walk along a span goes. Runs of one colour lie outside the ramp; each gradient
+// adds how it draws its ramp.
+class OpaqueGradientTarget {
+public:
+    explicit OpaqueGradientTarget(const MMContext2D& context) : pixels_(spanFirstPixel(context)) {}
+
+    void pad(Pixel colour, int32_t count)
+    {
+        fillPixels(pixels_, count, colour);
+        pixels_ += count;
+    }
+
+protected:
+    Pixel* pixels_;
+};
+
+class TranslucentGradientTarget {
+public:
+    explicit TranslucentGradientTarget(MMContext2D& context) : run_(context) {}
+
+    bool takeTail() { return run_.takeTail(); }
+    void pad(Pixel colour, int32_t count) { run_.drawColour(colour, count); }
+
+protected:
+    TranslucentRun run_;
+};
+
 } // namespace Graphics2D
 } // namespace KAVO

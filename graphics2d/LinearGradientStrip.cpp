@@ -56,32 +56,20 @@ private:
     Channels step_;
 };
 
-class OpaqueTarget {
+class OpaqueTarget : public OpaqueGradientTarget {
 public:
-    explicit OpaqueTarget(const MMContext2D& context) : pixels_(spanFirstPixel(context)) {}
-
-    void pad(Pixel colour, int32_t count)
-    {
-        fillPixels(pixels_, count, colour);
-        pixels_ += count;
-    }
+    using OpaqueGradientTarget::OpaqueGradientTarget;
 
     void ramp(const Channels& first, const Channels& step, int32_t count)
     {
         ColourRamp(first, step).write(pixels_, count);
         pixels_ += count;
     }
-
-private:
-    Pixel* pixels_;
 };
 
-class TranslucentTarget {
+class TranslucentTarget : public TranslucentGradientTarget {
 public:
-    explicit TranslucentTarget(MMContext2D& context) : run_(context) {}
-
-    bool takeTail() { return run_.takeTail(); }
-    void pad(Pixel colour, int32_t count) { run_.drawColour(colour, count); }
+    using TranslucentGradientTarget::TranslucentGradientTarget;
 
     // The weight is extrapolated from the segment's first three pixels rather than computed for
     // each: it is exact where opacity or alpha is constant, and a ramp anyway where both change.
@@ -123,8 +111,6 @@ private:
     {
         return static_cast<uint32_t>(wrapAdd(weight, 0x8000) >> 16) & 0xFFu;
     }
-
-    TranslucentRun run_;
 };
 
 // The walk along the span: where it is in the gradient, and in which segment it was last.

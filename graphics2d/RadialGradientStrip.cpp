@@ -20,31 +20,20 @@ namespace {
 
 constexpr Fixed kQuarter = 0x4000;
 
-class OpaqueTarget {
+class OpaqueTarget : public OpaqueGradientTarget {
 public:
-    explicit OpaqueTarget(const MMContext2D& context) : pixels_(spanFirstPixel(context)) {}
+    using OpaqueGradientTarget::OpaqueGradientTarget;
 
-    void pad(Pixel colour, int32_t count)
-    {
-        fillPixels(pixels_, count, colour);
-        pixels_ += count;
-    }
     void rampPixel(const Channels& colour)
     {
         *pixels_++ = opaquePixel(colour.red, colour.green, colour.blue);
     }
     void endRamp() {}
-
-private:
-    Pixel* pixels_;
 };
 
-class TranslucentTarget {
+class TranslucentTarget : public TranslucentGradientTarget {
 public:
-    explicit TranslucentTarget(MMContext2D& context) : run_(context) {}
-
-    bool takeTail() { return run_.takeTail(); }
-    void pad(Pixel colour, int32_t count) { run_.drawColour(colour, count); }
+    using TranslucentGradientTarget::TranslucentGradientTarget;
 
     // Unlike the linear ramp, which extrapolates, each pixel has the weight of its own alpha.
     void rampPixel(const Channels& colour)
@@ -74,7 +63,6 @@ private:
         return raisedByte((fixFloor(opacity) * fixFloor(alpha)) >> 8);
     }
 
-    TranslucentRun run_;
     PaintPiece piece_;
     int32_t alphas_[kPieceLength];
     int32_t length_ = 0;
