@@ -20,7 +20,7 @@ namespace {
 // How far round joins and caps may stray from circles, in device pixels. Even 1/8 would show in
 // every cap.
 constexpr Fixed kSagitta = kFixedOne / 256;
-constexpr Fixed kWidePenSagitta = kFixedOne / 32;
+constexpr Fixed kWidePenSagitta = kFixedOne / 64;
 constexpr int64_t kWidePen = 64 * kFixedOne; // half width
 
 // Round joins of a line with very many points make no more than about this many points in all.

@@ -55,7 +55,7 @@ public:
 
     // The share of every pixel inside, 0 to 1; pixel (c, r) is the unit square around (c, r).
     // Lines at fine steps in y, exact in x.
-    std::vector<double> areas(int width, int height, int lines = 64) const
+    std::vector<double> areas(int width, int height, int lines = 128) const
     {
         std::vector<double> area(std::size_t(width * height));
         for (int row = 0; row < height; ++row) {
@@ -98,9 +98,11 @@ private:
         // Smooth turns are never beveled.
         if (context.joinStyle == kJoinRound ||
             (context.joinStyle == kJoinBevel && half * 2 < 15 * M_PI / 180)) {
-            for (int i = 1; i < 128; ++i)
+            const int steps = 1 + int(half * 80);
+            for (int i = 1; i < steps; ++i)
                 wedge.push_back(
-                    p + d1 * out * std::polar(1.0, (cross(d1, d2) > 0 ? 2 : -2) * half * i / 128));
+                    p +
+                    d1 * out * std::polar(1.0, (cross(d1, d2) > 0 ? 2 : -2) * half * i / steps));
         } else if (context.joinStyle == kJoinMiter &&
                    1 / std::cos(half) <= toDouble(context.miterLimit)) {
             const Vector middle = (d1 + d2) * out;
