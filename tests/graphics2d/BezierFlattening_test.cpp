@@ -2,6 +2,7 @@
 #include "graphics2d/BezierFlattening.h"
 
 #include "graphics2d/MMContext2D.h"
+#include "tests/support/UserUnits.h"
 
 #include <gtest/gtest.h>
 
@@ -14,16 +15,6 @@ namespace {
 
 using namespace KAVO::Graphics2D;
 using Points = std::vector<MMPoint2D>;
-
-constexpr Fixed fx(double v)
-{
-    return static_cast<Fixed>(v * 65536);
-}
-
-constexpr MMPoint2D at(double x, double y)
-{
-    return {fx(x), fx(y)};
-}
 
 struct Wide {
     int64_t x, y;

@@ -1,6 +1,7 @@
 // Where dashes begin and end, and what becomes of patterns that are none.
 #include "tests/support/FailingHeap.h"
 #include "tests/support/StrokeRecorder.h"
+#include "tests/support/UserUnits.h"
 
 #include <gtest/gtest.h>
 
@@ -14,11 +15,6 @@ namespace {
 
 using namespace KAVO::Graphics2D;
 using Points = std::vector<MMPoint2D>;
-
-constexpr Fixed fx(double v)
-{
-    return static_cast<Fixed>(v * 65536);
-}
 
 std::vector<StrokeRecorder::Stroke> dash(MMContext2D& context, Points points, bool closed = false)
 {

@@ -1,6 +1,7 @@
 // Rounded rectangles: which points the outline has, and what the call leaves behind.
 #include "tests/support/FailingHeap.h"
 #include "tests/support/StrokeRecorder.h"
+#include "tests/support/UserUnits.h"
 
 #include <gtest/gtest.h>
 
@@ -11,16 +12,6 @@ namespace {
 
 using namespace KAVO::Graphics2D;
 using Points = std::vector<MMPoint2D>;
-
-constexpr Fixed fx(double v)
-{
-    return static_cast<Fixed>(v * 65536);
-}
-
-constexpr MMPoint2D at(double x, double y)
-{
-    return {fx(x), fx(y)};
-}
 
 struct EllipticalRect : testing::Test {
     std::vector<Pixel> pixels = std::vector<Pixel>(64 * 64, 0xFFFFFFFF);

@@ -4,6 +4,7 @@
 #include "tests/support/EncodedPath.h"
 #include "tests/support/FailingHeap.h"
 #include "tests/support/StrokeRecorder.h"
+#include "tests/support/UserUnits.h"
 
 #include <gtest/gtest.h>
 
@@ -14,16 +15,6 @@
 namespace {
 
 using namespace KAVO::Graphics2D;
-
-constexpr Fixed fx(double v)
-{
-    return static_cast<Fixed>(v * 65536);
-}
-
-constexpr MMPoint2D at(double x, double y)
-{
-    return {fx(x), fx(y)};
-}
 
 // A context that draws into a picture of its own.
 struct Picture {

@@ -2,6 +2,7 @@
 #include "graphics2d/MMContext2D.h"
 #include "tests/support/EncodedPath.h"
 #include "tests/support/FailingHeap.h"
+#include "tests/support/UserUnits.h"
 
 #include <gtest/gtest.h>
 
@@ -10,16 +11,6 @@
 namespace {
 
 using namespace KAVO::Graphics2D;
-
-constexpr Fixed fx(double v)
-{
-    return static_cast<Fixed>(v * 65536);
-}
-
-constexpr MMPoint2D at(double x, double y)
-{
-    return {fx(x), fx(y)};
-}
 
 // A position and the state that a caller sees.
 struct Walker {
