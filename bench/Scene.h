@@ -38,6 +38,18 @@ Scene shapeScene(std::string name, const std::vector<Shape>& shapes);
 std::vector<Scene> fillScenes();
 std::vector<Scene> strokeScenes();
 std::vector<Scene> paintScenes();
+std::vector<Scene> textScenes();
+
+// The scenes of text that are compared with each other.
+constexpr char kCachedTextScene[] = "text 12 px cached solid";
+constexpr char kWrapScene[] = "wrap 2,000 characters";
+
+// Bytes of heap that a context takes beside a font engine that is running already.
+struct ContextMemory {
+    size_t atRest;        // the object included
+    size_t withFullCache; // after more glyphs than its cache holds
+};
+ContextMemory contextMemory();
 
 // The renderers' forms of the shapes, each in a file of its own.
 Draw drawWithOurs(const std::vector<Shape>& shapes);

@@ -6,6 +6,7 @@
 // else the machine is doing falls on all of them alike.
 #include "Scene.h"
 
+#include "common/FontFolder.h"
 #include "graphics2d/MMContext2D.h"
 
 #include <benchmark/benchmark.h>
@@ -146,8 +147,13 @@ void printRatio(double peer, double ours)
 
 int main(int argc, char** argv)
 {
+    const FontFolder font(MM2D_BENCH_FONT); // for the engine that the first context starts
+    if (!font.problem().empty()) {
+        std::fprintf(stderr, "mm2d_bench: %s\n", font.problem().c_str());
+        return 1;
+    }
     std::vector<Scene> scenes;
-    for (auto family : {fillScenes, strokeScenes, paintScenes})
+    for (auto family : {fillScenes, strokeScenes, paintScenes, textScenes})
         for (Scene& scene : family())
             scenes.push_back(std::move(scene));
     for (const Scene& scene : scenes) {
@@ -185,6 +191,14 @@ int main(int argc, char** argv)
         for (int n : counts)
             std::printf("%8d %8.1f\n", n, medians.median(kGrowth, std::to_string(n)) / first);
     }
+    const double wrapping = medians.median(kWrapScene, kOurs);
+    const double drawing = medians.median(kCachedTextScene, kOurs);
+    if (wrapping > 0 && drawing > 0)
+        std::printf("\nwrapping 2,000 characters takes as long as drawing %.0f cached glyphs\n",
+                    1000 * wrapping / drawing);
+    const ContextMemory memory = contextMemory();
+    std::printf("\nmemory of a context: %zu bytes at rest, %zu with a full glyph cache\n",
+                memory.atRest, memory.withFullCache);
     constexpr size_t kMostText = 100 * 1024;
     const size_t text = libraryCodeBytes();
     std::printf("\nmachine code of the library without its engines: %zu of at most %zu bytes\n",

@@ -16,7 +16,9 @@ for group in "$@"; do
         examples)
             packages+=(libpugixml-dev libpng-dev
                 librsvg2-bin librsvg2-tests openclipart-svg) ;;
-        bench) packages+=(libbenchmark-dev libcairo2-dev libagg-dev libpugixml-dev libpng-dev) ;;
+        bench)
+            packages+=(libbenchmark-dev libcairo2-dev libagg-dev libpugixml-dev libpng-dev
+                fonts-dejavu-core) ;;
         targets)
             packages+=(clang libclang-rt-14-dev
                 g++-arm-linux-gnueabihf g++-aarch64-linux-gnu) ;;
