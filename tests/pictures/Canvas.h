@@ -1,0 +1,198 @@
+// What the scenes of the picture test are drawn on: styles, and the shapes that show them.
+#pragma once
+
+#include "graphics2d/PaintSetup.h"
+#include "tests/support/EncodedPath.h"
+#include "tests/support/TextScene.h"
+#include "tests/support/UserUnits.h"
+
+#include <vector>
+
+namespace pictures {
+
+constexpr uint16_t kSide = 96;
+constexpr Pixel kBlue = 0xFF457B9D, kRed = 0xFFE63946, kNight = 0xFF1D3557, kSand = 0xFFF4A261;
+
+inline GradientStops stops(bool translucent)
+{
+    static const Pixel opaqueColours[] = {kRed, 0xFFF1FAEE, kBlue, kNight};
+    static const Pixel translucentColours[] = {kRed, 0x80F1FAEE, 0x20457B9D, 0xC01D3557};
+    static const Fixed offsets[] = {0, fx(0.3), fx(0.5), fx(1)};
+    return {translucent ? translucentColours : opaqueColours, offsets, 4};
+}
+
+inline Pixel texelAt(int32_t x, int32_t y)
+{
+    const Pixel rings[] = {0xFFA23E48, 0xFFFFD166, 0xFF118AB2};
+    const Pixel colour = rings[((x - 6) * (x - 6) + (y - 5) * (y - 5)) / 6 % 3];
+    return colour - (static_cast<Pixel>(x) * 18 << 24);
+}
+
+// An anti-aliased context over a square of slanted stripes, filling in blue, and a small image.
+// Text comes from the fake engines.
+struct Canvas : FreshEngine {
+    Canvas()
+    {
+        for (int32_t i = 0; i < kSide * kSide; ++i)
+            pixels.push_back((i % kSide + i / kSide) / 8 % 2 != 0 ? 0xFFFFFFFF : 0xFFCFE0D0);
+        for (int32_t i = 0; i < 12 * 10; ++i)
+            texels.push_back(texelAt(i % 12, i / 12));
+        image = {12, 10, 48, 0, texels.data(), 1};
+        context.target = {kSide, kSide, kSide * 4, kSand, pixels.data(), 0};
+        context.clipRight = context.clipBottom = kSide;
+        context.antiAlias = 1;
+        solid(kBlue);
+    }
+
+    void hard() { context.antiAlias = 0; }
+    void opacity(uint8_t value) { context.fillPaint.paintOpacity = value; }
+    void evenOdd() { context.fillRule = kFillEvenOdd; }
+
+    void place(double a, double b, double c, double d, double e, double f)
+    {
+        context.transform = {fx(a), fx(b), fx(c), fx(d), fx(e), fx(f)};
+    }
+
+    void solid(Pixel colour, MMPaintType type = kPaintSolid)
+    {
+        context.fillPaint.paintType = type;
+        context.fillPaint.paintColour = colour;
+    }
+
+    void linear(bool translucentStops = false)
+    {
+        setLinearGradient(context.fillPaint, at(14, 20), at(70, 60), context.transform,
+                          stops(translucentStops), {rampColours, rampOffsets});
+    }
+
+    void radial(bool translucentStops = false)
+    {
+        setRadialGradient(context.fillPaint, at(44, 40), fx(38), context.transform,
+                          stops(translucentStops), {rampColours, rampOffsets});
+    }
+
+    void pattern(MMPatternFilter filter, bool hasAlpha = false)
+    {
+        image.pixmapExtra = hasAlpha ? 1 : 0;
+        Matrix2D turned = {fx(5.2), fx(1.9), -fx(2.1), fx(5.9), fx(28.5), fx(5)};
+        setPattern(context.fillPaint, image, turned, filter);
+        context.patternFilter = filter;
+    }
+
+    // Strokes with what would have filled.
+    void stroke(double width, MMJoinStyle join = kJoinMiter, MMCapStyle cap = kCapButt)
+    {
+        context.strokePaint = context.fillPaint;
+        context.fillPaint.paintType = kPaintNone;
+        context.strokeHalfWidth = fx(width / 2);
+        context.joinStyle = join;
+        context.capStyle = cap;
+    }
+
+    void polygon(std::vector<MMPoint2D> corners)
+    {
+        context.currentPaint = context.fillPaint;
+        context.rasterPolygon(corners.data(), static_cast<uint16_t>(corners.size()));
+    }
+
+    void path(const EncodedPath& encoded) { context.drawPath(encoded.data()); }
+
+    void line(const std::vector<MMPoint2D>& points, bool closed = false)
+    {
+        path(EncodedPath().points(points, closed ? EncodedPath::kClosed : EncodedPath::kOpen));
+    }
+
+    // With a drop, and a sliver at its side.
+    void star()
+    {
+        EncodedPath star;
+        star.points({at(40, 4), at(58, 74), at(5, 30), at(76, 30), at(20, 75)},
+                    EncodedPath::kClosed)
+            .points({at(66, 60)})
+            .curves({at(92, 40), at(92, 90), at(66, 88), at(50, 90), at(52, 62), at(66, 60)},
+                    EncodedPath::kClosed)
+            .points({at(82, 4), at(84, 3), at(94, 50)}, EncodedPath::kClosed);
+        evenOdd();
+        path(star);
+    }
+
+    void zigzag(bool closed = false)
+    {
+        line({at(12, 20), at(44, 14), at(20, 44), at(70, 24), at(52, 84), at(84, 80), at(84, 34),
+              at(86, 12)},
+             closed);
+    }
+
+    void blob()
+    {
+        EncodedPath curves;
+        curves.points({at(10, 50)})
+            .curves({at(0, 0), at(60, -20), at(48, 40), at(40, 80), at(110, 10), at(90, 60)})
+            .points({at(70, 70)})
+            .curves({at(60, 110), at(20, 100), at(30, 60)}, EncodedPath::kClosed);
+        path(curves);
+    }
+
+    // A polygon that crosses itself all over.
+    void tangle(uint32_t corners, int32_t left, int32_t width)
+    {
+        std::vector<MMPoint2D> list;
+        for (uint32_t i = 0, seed = 7; i < corners; ++i) {
+            const int32_t x = static_cast<int32_t>((seed = seed * 1664525 + 1) >> 16);
+            const int32_t y = static_cast<int32_t>((seed = seed * 1664525 + 1) >> 16);
+            list.push_back({left * kFixedOne + x * width, 4 * kFixedOne + y * 88});
+        }
+        polygon(list);
+    }
+
+    void roundRectangles()
+    {
+        context.drawEllipticalRect(fx(26), fx(24), fx(22), fx(18), fx(8), fx(5));
+        context.drawEllipticalRect(fx(72.5), fx(24.5), fx(18), fx(20), fx(18), fx(20));
+        context.drawEllipticalRect(fx(26), fx(70), fx(20), fx(20), 0, 0);
+        context.transform.rotateCenter(fx(30), fx(72), fx(70));
+        context.drawEllipticalRect(fx(72), fx(70), fx(20), fx(10), fx(12), fx(9));
+    }
+
+    void arcs(uint8_t pie, uint8_t outline)
+    {
+        solid(kNight), stroke(2.5), solid(0xFFA8DADC);
+        const int32_t sweeps[] = {30, 90, 200, 359, 720, -45, -180, -300, 1};
+        for (int32_t i = 0; i < 9; ++i) {
+            MMPoint2D centre = at(17 + 31 * (i % 3), 17 + 31 * (i / 3));
+            context.drawCircularArc(&centre, fx(13), fx(20 * i), sweeps[i] * kFixedOne, pie,
+                                    outline);
+        }
+    }
+
+    void text(const char16_t* units, int32_t x, int32_t y, double size)
+    {
+        Text copy(units);
+        context.fontSize = fx(size);
+        context.drawText(copy.data(), x * kFixedOne, y * kFixedOne);
+    }
+
+    void texts()
+    {
+        text(u"ag i", 4, 22, 16);
+        text(u"jgga gi", 10, 44, 11.5);
+        context.transform.rotateCenter(fx(20), fx(48), fx(48));
+        text(u"gia g", 4, 72, 14);
+    }
+
+    void mark(int32_t x, int32_t y) { pixels[static_cast<size_t>(y * kSide + x)] = kRed; }
+
+    void drawImage(double x, double y, double w, double h, uint8_t offsetByPosition = 0)
+    {
+        context.drawImage(&image, fx(x), fx(y), fx(w), fx(h), offsetByPosition);
+    }
+
+    std::vector<Pixel> pixels;
+    std::vector<Pixel> texels;
+    MMPixmap image; // 12 by 10 texels, rings that fade to the right
+    MMContext2D context;
+    Pixel rampColours[gradientRampRoom(4)];
+    Fixed rampOffsets[gradientRampRoom(4)];
+};
+
+} // namespace pictures
