@@ -3,8 +3,7 @@
 
 #include <cstdio>
 
-constexpr uint16_t kSize = 200;
-static Pixel pixels[kSize * kSize];
+static Pixel pixels[200 * 200];
 
 int main(int argc, char** argv)
 {
@@ -18,18 +17,15 @@ int main(int argc, char** argv)
         0 - 40 * k, 60 * k, 80 * k, 0, 100 * k, 60 * k};
     // clang-format on
     KAVO::Graphics2D::MMContext2D context;
-    context.target = {kSize, kSize, kSize * 4, 0xFFFFFFFF, pixels, 0};
-    context.clipRight = kSize;
-    context.clipBottom = kSize;
+    context.target = {200, 200, 200 * 4, 0xFFFFFFFF, pixels, 0};
+    context.clipRight = context.clipBottom = 200;
     context.antiAlias = 1;
-    for (Pixel& pixel : pixels)
-        pixel = 0xFFFFFFFF;
     context.fillPaint.paintColour = 0xFFD02040;
     context.drawPath(heart);
 
     FILE* file = std::fopen(argc > 1 ? argv[1] : "hello.ppm", "wb");
     if (!file) return 1;
-    std::fprintf(file, "P6 %d %d 255\n", kSize, kSize);
+    std::fputs("P6 200 200 255\n", file);
     for (const Pixel p : pixels)
         std::fprintf(file, "%c%c%c", p >> 16 & 255, p >> 8 & 255, p & 255);
     return std::fclose(file) == 0 ? 0 : 1;

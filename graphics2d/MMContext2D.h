@@ -110,13 +110,13 @@ public:
     int32_t getBezierPts(MMPoint2D* out, MMPoint2D start, MMPoint2D control1, MMPoint2D control2,
                          MMPoint2D end);
 
-    // Strokes one subpath of consecutive records in user space with the current paint and the stroke
-    // style below. The outline is built in user space, so the pen takes part in the transform, and
-    // is filled as one polygon by the non-zero rule. A subpath without length leaves a dot with
-    // round caps, a square along the user space's axes with square caps and nothing with butt caps;
-    // a half width of 0 or less, no records and no points draw nothing. Without anti-aliasing a
-    // stroke is at least one device pixel wide. Sets the bounds fields to the outline's, empty when
-    // nothing was drawn.
+    // Strokes one subpath of consecutive records in user space with the current paint and the
+    // stroke style below. The outline is built in user space, so the pen takes part in the
+    // transform, and is filled as one polygon by the non-zero rule. A subpath without length leaves
+    // a dot with round caps, a square along the user space's axes with square caps and nothing with
+    // butt caps; a half width of 0 or less, no records and no points draw nothing. Without
+    // anti-aliasing a stroke is at least one device pixel wide. Sets the bounds fields to the
+    // outline's, empty when nothing was drawn.
     void drawPolyline(MMLinkPath* records, int16_t segmentCount, uint8_t closed);
 
     // The same cut into dashes by dashArray, dashCount and dashOffset.
@@ -137,10 +137,10 @@ public:
 
     // Fills and strokes a circular arc of sweep degrees from the direction start; a positive sweep
     // goes with increasing angles. With outline 0, pie 1 closes it through the centre and pie 0 by
-    // the chord. Outline 1 fills nothing and strokes the open arc, whatever pie says. A sweep of 360
-    // degrees or more either way is the whole circle, always closed and without its centre. Sets
-    // the bounds fields to those of all that was drawn. A radius of 0 or less, or a null centre,
-    // draws nothing.
+    // the chord. Outline 1 fills nothing and strokes the open arc, whatever pie says. A sweep of
+    // 360 degrees or more either way is the whole circle, always closed and without its centre.
+    // Sets the bounds fields to those of all that was drawn. A radius of 0 or less, or a null
+    // centre, draws nothing.
     void drawCircularArc(MMPoint2D* centre, Fixed radius, Degrees start, Degrees sweep, uint8_t pie,
                          uint8_t outline);
 

@@ -25,17 +25,11 @@ constexpr Degrees degrees(int32_t v)
     return v * kFixedOne;
 }
 
-struct Element {
-    const char* name;
-    Fixed Matrix2D::*value;
-};
-constexpr Element kElements[] = {{"a", &Matrix2D::a}, {"b", &Matrix2D::b}, {"c", &Matrix2D::c},
-                                 {"d", &Matrix2D::d}, {"e", &Matrix2D::e}, {"f", &Matrix2D::f}};
-
 void expectNear(const Matrix2D& m, const Matrix2D& expected, int32_t bound)
 {
-    for (const Element& element : kElements)
-        EXPECT_NEAR(m.*element.value, expected.*element.value, bound) << element.name;
+    for (Fixed Matrix2D::*element :
+         {&Matrix2D::a, &Matrix2D::b, &Matrix2D::c, &Matrix2D::d, &Matrix2D::e, &Matrix2D::f})
+        EXPECT_NEAR(m.*element, expected.*element, bound);
 }
 
 // Moves by (10, 20), then doubles x and halves y: chosen so that every product is exact.
@@ -51,6 +45,7 @@ TEST(Matrix2D, ProductAppliesTheSecondAfterTheFirst)
         0x20000, 0x8000, kFixedOne, -0x8000, degrees(20 + 20 + 1), degrees(5 - 10 - 3)};
     EXPECT_EQ(m, expected);
 
+    // Every argument may be the target.
     Matrix2D product;
     product.mul(&kScaledMove, &kShear);
     EXPECT_EQ(product, expected);
@@ -60,18 +55,10 @@ TEST(Matrix2D, ProductAppliesTheSecondAfterTheFirst)
     product = kShear;
     product.mul(&kScaledMove, &product);
     EXPECT_EQ(product, expected);
-}
-
-TEST(Matrix2D, CanBeMultipliedByItself)
-{
-    Matrix2D m = kShear;
-    m *= m;
+    product = kShear;
+    product *= product;
     // 1 + 2/4, 1/4 - 1/4; 2 - 2, 2/4 + 1; 1 - 6 + 1, 1/4 + 3 - 3
-    const Matrix2D expected = {0x18000, 0, 0, 0x18000, degrees(-4), 0x4000};
-    EXPECT_EQ(m, expected);
-    m = kShear;
-    m.mul(&m, &m);
-    EXPECT_EQ(m, expected);
+    EXPECT_EQ(product, (Matrix2D{0x18000, 0, 0, 0x18000, degrees(-4), 0x4000}));
 }
 
 TEST(Matrix2D, TranslateAndScaleComeAfter)
@@ -218,8 +205,6 @@ TEST(Matrix2D, ComposeChecksItsArguments)
         {Matrix2D::Scale, 1, {0x20000, 7}, 0, {0x20000, 0, 0, 0x20000, 0, 0}},
         {Matrix2D::Scale, 2, {0x20000, 0x8000}, 0, {0x20000, 0, 0, 0x8000, 0, 0}},
         {Matrix2D::Scale, 2, {0, 1}, 8192, same},
-        {Matrix2D::Scale, 2, {1, 0}, 8192, same},
-        {Matrix2D::Scale, 1, {0, 1}, 8192, same},
         {Matrix2D::Scale, 3, {1, 1, 1}, 8192, same},
         {Matrix2D::Rotate, 1, {0}, 0, same},
         {Matrix2D::Rotate, 2, {degrees(90), 1}, 8192, same},
@@ -240,11 +225,8 @@ TEST(Matrix2D, ComposeChecksItsArguments)
         EXPECT_EQ(m.compose(type, values.data(), 0), 8192u) << c.type;
         EXPECT_EQ(m, c.expected) << c.type;
         // A missing second value is filled in for the caller too.
-        if (c.count == 1 && c.type == Matrix2D::Translate) {
-            EXPECT_EQ(values[1], 0);
-        }
-        if (c.count == 1 && c.type == Matrix2D::Scale) {
-            EXPECT_EQ(values[1], values[0]);
+        if (c.count == 1 && c.type <= Matrix2D::Scale) {
+            EXPECT_EQ(values[1], c.type == Matrix2D::Scale ? values[0] : 0);
         }
     }
     Fixed values[6] = {kShear.a, kShear.b, kShear.c, kShear.d, kShear.e, kShear.f};

@@ -38,7 +38,8 @@ struct Held {
     }
 };
 
-// What the stack's blocks should look like, in words.
+// What the stack's blocks should look like, in words: one word more than its size fits into a
+// block, which then takes nothing more, and an empty stack replaces a first block below the peak.
 class Model {
 public:
     explicit Model(uint32_t capacity) : blocks_{{capacity, 0}} {}
@@ -136,46 +137,6 @@ TEST(MMStackContext, FollowsTheModelThroughRandomOperations)
         }
         EXPECT_EQ(heap.liveBlocks(), 0);
     }
-}
-
-TEST(MMStackContext, OneWordMoreThanTheCapacityFits)
-{
-    FailingHeap heap;
-    Stack stack(100);
-    Held whole(stack.Alloc(101), 101, 0xA5);
-    EXPECT_EQ(heap.calls(), 1u);
-    EXPECT_EQ(stack.usedWords, 102u);
-    // The block is overdrawn now: not even an empty allocation goes into it.
-    void* nothing = stack.Alloc(0);
-    EXPECT_EQ(heap.calls(), 2u);
-    stack.DeAlloc(nothing);
-    EXPECT_TRUE(whole.isIntact(101));
-    stack.DeAlloc(whole.bytes);
-
-    Stack other(100);
-    const uint32_t before = heap.calls();
-    other.DeAlloc(other.Alloc(102));
-    EXPECT_EQ(heap.calls(), before + 1);
-}
-
-TEST(MMStackContext, LearnsTheDepthOfAnOperation)
-{
-    FailingHeap heap;
-    Stack stack(10);
-    const auto operation = [&stack] {
-        void* first = stack.Alloc(8);
-        void* second = stack.Alloc(200);
-        void* third = stack.Alloc(300);
-        stack.DeAlloc(third);
-        stack.DeAlloc(second);
-        stack.DeAlloc(first);
-    };
-    operation();
-    EXPECT_EQ(stack.peakWords, 8u + 200 + 300 + 3);
-    operation(); // replaces the first block
-    const uint32_t calls = heap.calls();
-    operation();
-    EXPECT_EQ(heap.calls(), calls);
 }
 
 TEST(MMStackContext, AcceptsNullAndRefusesAbsurdSizes)
