@@ -3,7 +3,8 @@
 #
 #   scripts/install-packages.sh GROUP...
 #
-# Groups: build (the library), test, examples, bench, targets (other machines and compilers).
+# Groups: build (the library), test, examples, bench, targets (other machines and compilers),
+# format.
 set -euo pipefail
 
 packages=()
@@ -22,6 +23,7 @@ for group in "$@"; do
         targets)
             packages+=(clang libclang-rt-14-dev
                 g++-arm-linux-gnueabihf g++-aarch64-linux-gnu) ;;
+        format) packages+=(clang-format-14) ;;
         *)
             echo "$0: unknown group $group" >&2
             exit 2 ;;
