@@ -22,21 +22,9 @@ struct BoundsUnion {
     }
 
     // Adds what the last operation left in the bounds fields.
-    void addBoundsOf(const MMContext2D& context)
-    {
-        if (context.boundsMinX < minX) minX = context.boundsMinX;
-        if (context.boundsMinY < minY) minY = context.boundsMinY;
-        if (context.boundsMaxX > maxX) maxX = context.boundsMaxX;
-        if (context.boundsMaxY > maxY) maxY = context.boundsMaxY;
-    }
+    void addBoundsOf(const MMContext2D& context);
 
-    void storeTo(MMContext2D& context) const
-    {
-        context.boundsMinX = minX;
-        context.boundsMinY = minY;
-        context.boundsMaxX = maxX;
-        context.boundsMaxY = maxY;
-    }
+    void storeTo(MMContext2D& context) const;
 };
 
 } // namespace Graphics2D

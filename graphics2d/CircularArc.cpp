@@ -1,9 +1,7 @@
 // Circular arcs as runs of points, filled and stroked.
 #include "graphics2d/BoundsUnion.h"
 #include "graphics2d/CircleSteps.h"
-#include "graphics2d/Rasteriser.h"
-#include "graphics2d/Stroker.h"
-#include "graphics2d/TransformPoints.h"
+#include "graphics2d/ShapePainting.h"
 #include "math/FixedMath.h"
 #include "memory/ScratchArray.h"
 
@@ -70,26 +68,6 @@ Degrees turnFrom(const UnitVector& a, const UnitVector& b)
     return fixATan(static_cast<int32_t>(dot >> 32), static_cast<int32_t>(cross >> 32));
 }
 
-bool fillShape(MMContext2D& context, const MMPoint2D* points, uint32_t count)
-{
-    ScratchArray<MMPoint2D> polygon(context.scratchStack, count);
-    if (!polygon) return false;
-    transformPoints(context.transform, polygon.data(), points, count);
-    context.currentPaint = context.fillPaint;
-    fillPolygon(context, polygon.data(), count, kFillNonZero);
-    return true;
-}
-
-void strokeShape(MMContext2D& context, MMPoint2D* points, uint32_t count, bool closed)
-{
-    const MMLinkPath record = {points, count};
-    context.currentPaint = context.strokePaint;
-    if (context.dashArray != nullptr)
-        dashSubpath(context, &record, 1, closed);
-    else
-        strokeSubpath(context, &record, 1, closed);
-}
-
 } // namespace
 
 int32_t MMContext2D::getCircularArcPts(MMPoint2D* out, MMPoint2D& centre, MMPoint2D& from,
@@ -134,7 +112,7 @@ void MMContext2D::drawCircularArc(MMPoint2D* centre, Fixed radius, Degrees start
     }
 
     if (fills) {
-        if (!fillShape(*this, points.data(), count)) {
+        if (!fillShape(*this, points.data(), count, kFillNonZero)) {
             outOfMemory |= kScratchExhausted;
             return;
         }

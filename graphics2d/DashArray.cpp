@@ -6,9 +6,11 @@
 #include "graphics2d/BoundsUnion.h"
 #include "graphics2d/PathEdge.h"
 #include "graphics2d/Stroker.h"
+#include "math/FixedMath.h"
 #include "memory/ScratchArray.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace KAVO {
 namespace Graphics2D {
@@ -32,54 +34,69 @@ struct Subpath {
             count += records[i].count;
         return count;
     }
-
-    // Calls walkTo(point) for every point after the first, and for the first again when closed.
-    template <class WalkTo>
-    void forEachTarget(WalkTo walkTo) const
-    {
-        const MMPoint2D* first = nullptr;
-        for (uint32_t i = 0; i < recordCount; ++i) {
-            for (uint32_t j = 0; j < records[i].count; ++j) {
-                const MMPoint2D* point = records[i].points + j;
-                if (first == nullptr)
-                    first = point;
-                else
-                    walkTo(*point);
-            }
-        }
-        if (closed && first != nullptr) walkTo(*first);
-    }
-
-    // Only for a subpath with points.
-    const MMPoint2D& firstPoint() const
-    {
-        const MMLinkPath* record = records;
-        while (record->count == 0)
-            ++record;
-        return *record->points;
-    }
 };
 
-// Calls take(edge) for every edge with a length on the way from one point to another.
-template <class Take>
-void forEachEdge(MMPoint2D from, const MMPoint2D& to, Take take)
-{
-    while (from != to) {
-        const PathEdge edge = PathEdge::toward(from, to);
-        take(edge);
-        from = edge.end;
+// The points of a subpath that has any, from the first on; when it is closed, that comes last too.
+class PointWalk {
+public:
+    explicit PointWalk(const Subpath& subpath)
+        : record_(subpath.records), end_(subpath.records + subpath.recordCount),
+          comesBack_(subpath.closed)
+    {
+        advance();
+        first_ = at_;
     }
+
+    const MMPoint2D& at() const { return at_; }
+
+    // False at the end.
+    [[gnu::noinline]] bool advance()
+    {
+        while (record_ != end_ && index_ == record_->count) {
+            ++record_;
+            index_ = 0;
+        }
+        if (record_ != end_) {
+            at_ = record_->points[index_++];
+            return true;
+        }
+        at_ = first_;
+        return std::exchange(comesBack_, false);
+    }
+
+private:
+    const MMLinkPath* record_;
+    const MMLinkPath* end_;
+    uint32_t index_ = 0;
+    bool comesBack_;
+    MMPoint2D first_;
+    MMPoint2D at_;
+};
+
+// At least the length of a subpath, at most 1.5 times it, without a root for every edge.
+uint64_t lengthBoundOf(const Subpath& subpath)
+{
+    PointWalk walk(subpath);
+    uint64_t length = 0;
+    for (MMPoint2D from = walk.at(); walk.advance(); from = walk.at()) {
+        const int64_t x = int64_t{walk.at().x} - from.x;
+        const int64_t y = int64_t{walk.at().y} - from.y;
+        length += static_cast<uint64_t>((x < 0 ? -x : x) + (y < 0 ? -y : y));
+    }
+    return length;
 }
 
-uint64_t lengthOf(const Subpath& subpath)
+[[gnu::cold]] uint64_t lengthOf(const Subpath& subpath)
 {
+    PointWalk walk(subpath);
     uint64_t length = 0;
-    MMPoint2D at = subpath.firstPoint();
-    subpath.forEachTarget([&](const MMPoint2D& to) {
-        forEachEdge(at, to,
-                    [&](const PathEdge& edge) { length += static_cast<uint32_t>(edge.length); });
-        at = to;
-    });
+    for (MMPoint2D from = walk.at(); walk.advance();) {
+        while (from != walk.at()) {
+            const PathEdge edge = PathEdge::toward(from, walk.at());
+            length += static_cast<uint32_t>(edge.length);
+            from = edge.end;
+        }
+    }
     return length;
 }
 
@@ -180,18 +197,22 @@ private:
 // Walks a subpath's edges, gathers the points of the current piece and strokes the dashes.
 class DashPen {
 public:
-    DashPen(MMContext2D& context, MMPoint2D* buffer, const DashPhase& phase, const MMPoint2D& start)
-        : context_(context), phase_(phase), at_(start), points_(buffer)
+    DashPen(MMContext2D& context, const DevicePen& pen, MMPoint2D* buffer, const DashPhase& phase,
+            const MMPoint2D& start)
+        : context_(context), pen_(pen), phase_(phase), at_(start), points_(buffer)
     {
         restartAt(start);
     }
 
     void walkTo(const MMPoint2D& to)
     {
-        forEachEdge(at_, to, [this](const PathEdge& edge) { walkEdge(edge); });
+        while (at_ != to) {
+            const PathEdge edge = PathEdge::toward(at_, to);
+            walkEdge(edge);
+            at_ = edge.end;
+        }
         // Where a piece has just begun on the vertex itself, the vertex is already there.
         if (points_[count_ - 1] != to) points_[count_++] = to;
-        at_ = to;
     }
 
     void finish()
@@ -203,15 +224,19 @@ public:
 private:
     void walkEdge(const PathEdge& edge)
     {
-        // A boundary exactly on the end belongs to this edge.
+        along_ = edge.vector();
         Fixed remaining = edge.length;
-        while (remaining >= phase_.left()) {
-            remaining -= phase_.left();
-            const MMPoint2D boundary = edge.beforeEnd(remaining);
-            points_[count_++] = boundary;
-            if (phase_.isOn()) strokePiece();
-            restartAt(boundary);
-            phase_.advance();
+        if (remaining >= phase_.left()) { // a boundary exactly on the end belongs to this edge
+            const MMPoint2D unit = edge.direction();
+            do {
+                remaining -= phase_.left();
+                const MMPoint2D boundary = {wrapSub(edge.end.x, fixMul(unit.x, remaining)),
+                                            wrapSub(edge.end.y, fixMul(unit.y, remaining))};
+                points_[count_++] = boundary;
+                if (phase_.isOn()) strokePiece();
+                restartAt(boundary);
+                phase_.advance();
+            } while (remaining >= phase_.left());
         }
         phase_.consume(remaining);
     }
@@ -222,24 +247,29 @@ private:
         count_ = 1;
     }
 
-    void strokePiece()
+    [[gnu::noinline]] void strokePiece()
     {
         const MMLinkPath piece = {points_, count_};
-        strokeSubpath(context_, &piece, 1, false);
+        // A dash without length is a dot in the direction of its edge.
+        if (points_[0] == points_[count_ - 1])
+            pen_.direction = polarOf(along_.x, along_.y).direction;
+        strokeSubpath(context_, pen_, &piece, 1, false);
         bounds_.addBoundsOf(context_);
     }
 
     MMContext2D& context_;
+    DevicePen pen_;
     DashPhase phase_;
     MMPoint2D at_;
+    MMPoint2D along_ = {0, 0}; // the current edge
     MMPoint2D* points_;
     uint32_t count_ = 0;
     BoundsUnion bounds_;
 };
 
-} // namespace
-
-void dashSubpath(MMContext2D& context, const MMLinkPath* records, uint32_t recordCount, bool closed)
+// As MMContext2D::drawDashArray.
+void dashSubpath(MMContext2D& context, const DevicePen& pen, const MMLinkPath* records,
+                 uint32_t recordCount, bool closed)
 {
     BoundsUnion().storeTo(context); // what a subpath without a dash leaves
     const Subpath subpath = {records, recordCount, closed};
@@ -254,12 +284,13 @@ void dashSubpath(MMContext2D& context, const MMLinkPath* records, uint32_t recor
 
     const DashPattern pattern(context);
     if (!pattern.isDrawable()) {
-        strokeSubpath(context, records, recordCount, closed);
+        strokeSubpath(context, pen, records, recordCount, closed);
         return;
     }
     const DashPhase start(pattern, context.dashOffset);
-    if (start.piecesWithin(lengthOf(subpath)) > kMaxPieces) {
-        strokeSubpath(context, records, recordCount, closed);
+    if (start.piecesWithin(lengthBoundOf(subpath)) > kMaxPieces &&
+        start.piecesWithin(lengthOf(subpath)) > kMaxPieces) {
+        strokeSubpath(context, pen, records, recordCount, closed);
         return;
     }
 
@@ -270,15 +301,28 @@ void dashSubpath(MMContext2D& context, const MMLinkPath* records, uint32_t recor
         context.outOfMemory |= kScratchExhausted;
         return;
     }
-    DashPen pen(context, buffer.data(), start, subpath.firstPoint());
-    subpath.forEachTarget([&pen](const MMPoint2D& to) { pen.walkTo(to); });
-    pen.finish();
+    PointWalk walk(subpath);
+    DashPen dashPen(context, pen, buffer.data(), start, walk.at());
+    while (walk.advance())
+        dashPen.walkTo(walk.at());
+    dashPen.finish();
+}
+
+} // namespace
+
+void strokeOrDashSubpath(MMContext2D& context, const DevicePen& pen, const MMLinkPath* records,
+                         uint32_t recordCount, bool closed)
+{
+    if (context.dashArray != nullptr)
+        dashSubpath(context, pen, records, recordCount, closed);
+    else
+        strokeSubpath(context, pen, records, recordCount, closed);
 }
 
 void MMContext2D::drawDashArray(MMLinkPath* records, uint16_t segmentCount, uint8_t closed)
 {
     pointStep = 1;
-    dashSubpath(*this, records, segmentCount, (closed & 1) != 0);
+    dashSubpath(*this, DevicePen(*this), records, segmentCount, (closed & 1) != 0);
 }
 
 } // namespace Graphics2D

@@ -5,8 +5,7 @@
 #include "graphics2d/BezierFlattening.h"
 #include "graphics2d/BoundsUnion.h"
 #include "graphics2d/MMContext2D.h"
-#include "graphics2d/Rasteriser.h"
-#include "graphics2d/Stroker.h"
+#include "graphics2d/ShapePainting.h"
 #include "math/FixedMath.h"
 #include "memory/ScratchArray.h"
 
@@ -75,29 +74,13 @@ struct Corners {
     }
 };
 
-// False when the scratch stack is exhausted.
-bool fillOutline(MMContext2D& context, const MMPoint2D* outline, uint32_t count)
-{
-    context.currentPaint = context.fillPaint;
-    ScratchArray<MMPoint2D> polygon(context.scratchStack, count);
-    if (!polygon) return false;
-    context.transform.transform(polygon.data(), outline, static_cast<uint16_t>(count));
-    fillPolygon(context, polygon.data(), count, static_cast<MMFillRule>(context.fillRule));
-    return true;
-}
-
 void strokeOutline(MMContext2D& context, MMPoint2D* outline, uint32_t count)
 {
-    const MMLinkPath record = {outline, count};
-    context.currentPaint = context.strokePaint;
-    if (context.dashArray == nullptr) {
-        strokeSubpath(context, &record, 1, true);
-        return;
-    }
     // Dashes alone leave a visible fill in the bounds.
     BoundsUnion bounds;
-    if (context.fillPaint.paintType != kPaintNone) bounds.addBoundsOf(context);
-    dashSubpath(context, &record, 1, true);
+    if (context.dashArray != nullptr && context.fillPaint.paintType != kPaintNone)
+        bounds.addBoundsOf(context);
+    strokeShape(context, outline, count, true);
     bounds.addBoundsOf(context);
     bounds.storeTo(context);
 }
@@ -118,7 +101,8 @@ bool drawCorners(MMContext2D& context, const Corners& corners, uint32_t room)
     context.joinStyle = kJoinRound;
     // A fill without memory ends the drawing but is deliberately not reported.
     const bool goesOn =
-        context.fillPaint.paintType == kPaintNone || fillOutline(context, outline.data(), count);
+        context.fillPaint.paintType == kPaintNone ||
+        fillShape(context, outline.data(), count, static_cast<MMFillRule>(context.fillRule));
     if (goesOn && context.strokePaint.paintType != kPaintNone && context.strokeHalfWidth != 0)
         strokeOutline(context, outline.data(), count);
     context.joinStyle = joinStyle;

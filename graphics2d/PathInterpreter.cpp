@@ -71,13 +71,13 @@ bool fillPath(MMContext2D& context, DecodedPath& path)
 void strokePath(MMContext2D& context, DecodedPath& path)
 {
     context.currentPaint = context.strokePaint;
-    const auto strokeSegments = context.dashArray != nullptr ? dashSubpath : strokeSubpath;
+    const DevicePen pen(context);
     const MMLinkPath* segment = path.segments();
     BoundsUnion bounds;
     for (uint32_t i = 0; i < path.subpathCount(); ++i) {
         const uint32_t count = path.segmentCount(i);
         if (count == 0) continue;
-        strokeSegments(context, segment, count, path.isClosed(i));
+        strokeOrDashSubpath(context, pen, segment, count, path.isClosed(i));
         bounds.addBoundsOf(context);
         segment += count;
     }

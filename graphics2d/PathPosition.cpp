@@ -6,6 +6,7 @@
 #include "graphics2d/MMContext2D.h"
 #include "graphics2d/PathDecoder.h"
 #include "graphics2d/PathEdge.h"
+#include "math/FixedMath.h"
 
 namespace KAVO {
 namespace Graphics2D {
@@ -46,7 +47,7 @@ public:
         return true;
     }
 
-    MMPoint2D direction() const { return direction_; } // of the last edge
+    MMPoint2D direction() const { return edge_.direction(); } // where the walk is
 
 private:
     bool walkCommand(PathCommand command)
@@ -87,7 +88,7 @@ private:
         pos_.edgeWalked = length_;
     }
 
-    bool visitCurve(const MMPoint2D* points)
+    [[gnu::noinline]] bool visitCurve(const MMPoint2D* points)
     {
         CurveBuffers buffers(context_, 1);
         if (!buffers) return false;
@@ -97,7 +98,7 @@ private:
         return curve.count > 0;
     }
 
-    void visit(const MMPoint2D& point)
+    [[gnu::noinline]] void visit(const MMPoint2D& point)
     {
         if (insideSubpath_) {
             walkEdges(at_, point);
@@ -109,22 +110,26 @@ private:
         at_ = point;
     }
 
-    void walkEdges(MMPoint2D from, const MMPoint2D& to)
+    [[gnu::noinline]] void walkEdges(MMPoint2D from, const MMPoint2D& to)
     {
         while (from != to && !arrived_) {
-            const PathEdge edge = PathEdge::toward(from, to);
-            from = edge.end;
-            walkEdge(edge);
+            edge_ = PathEdge::toward(from, to);
+            from = edge_.end;
+            walkEdge();
         }
     }
 
-    void walkEdge(const PathEdge& edge)
+    void walkEdge()
     {
         const Fixed along = distance_ - length_;
-        direction_ = edge.direction;
-        arrived_ = along <= edge.length;
-        length_ = arrived_ ? distance_ : length_ + edge.length;
-        pos_.current = arrived_ ? edge.afterStart(along) : edge.end;
+        arrived_ = along <= edge_.length;
+        length_ = arrived_ ? distance_ : length_ + edge_.length;
+        pos_.current = edge_.end;
+        if (along < edge_.length) {
+            const MMPoint2D unit = edge_.direction();
+            pos_.current = {wrapAdd(edge_.start.x, fixMul(unit.x, along)),
+                            wrapAdd(edge_.start.y, fixMul(unit.y, along))};
+        }
         pos_.walked = length_;
     }
 
@@ -137,7 +142,7 @@ private:
     Fixed length_;   // from the start of the path to the last point; at most distance_
     bool insideSubpath_;
     bool arrived_ = false;
-    MMPoint2D direction_ = {0, 0};
+    PathEdge edge_ = {};
 };
 
 } // namespace

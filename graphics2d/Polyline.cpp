@@ -35,16 +35,20 @@ int64_t stretched(Fixed v, int64_t factor)
     return (v * (factor >> 1)) >> 15;
 }
 
-// The pen of the context's style; halfWidth in the units of the outline, deviceHalfWidth where it
-// is widest on the device.
-StrokePen penOf(const MMContext2D& context, Fixed halfWidth, int64_t deviceHalfWidth,
-                uint32_t vertexCount)
+Degrees stepOf(int64_t deviceHalfWidth)
 {
-    const Fixed sagitta = deviceHalfWidth <= kWidePen ? kSagitta : kWidePenSagitta;
+    return stepWithin(deviceHalfWidth <= kWidePen ? kSagitta : kWidePenSagitta, deviceHalfWidth);
+}
+
+// The pen of the context's style; halfWidth in the units of the outline.
+StrokePen penOf(const MMContext2D& context, Fixed halfWidth, Degrees step, uint32_t vertexCount,
+                const UnitVector& direction)
+{
     const int64_t leastStep = int64_t{kDegrees180} * vertexCount / kMaxRoundPoints;
-    const Degrees step = static_cast<Degrees>(
-        std::clamp<int64_t>(leastStep, stepWithin(sagitta, deviceHalfWidth), 45 * kFixedOne));
-    return {halfWidth, context.miterLimit, context.joinStyle, context.capStyle, step};
+    const Degrees greatestStep =
+        static_cast<Degrees>(std::clamp<int64_t>(leastStep, step, 45 * kFixedOne));
+    return {halfWidth,        context.miterLimit, context.joinStyle,
+            context.capStyle, greatestStep,       direction};
 }
 
 // As Matrix2D::transform, but points beyond the range stop at its end instead of wrapping.
@@ -71,26 +75,34 @@ uint32_t dropRepeated(MMPoint2D* points, uint32_t count, bool closed)
 // One line to be stroked, in scratch memory.
 class Stroke {
 public:
-    Stroke(MMContext2D& context, MMPoint2D* points, uint32_t count, bool closed)
-        : context_(context), points_(points), count_(count), closed_(closed)
+    Stroke(MMContext2D& context, const DevicePen& pen, MMPoint2D* points, uint32_t count,
+           bool closed)
+        : context_(context), devicePen_(pen), points_(points), count_(count), closed_(closed)
     {
-        const Matrix2D& m = context.transform;
-        const Stretch stretch = stretchOf({m.a, m.b, m.c, m.d});
-        greatest_ = stretched(context.strokeHalfWidth, stretch.greatest);
-        smallest_ = stretched(context.strokeHalfWidth, stretch.smallest);
     }
 
     // False when the scratch stack is exhausted.
     bool draw()
     {
-        if ((context_.antiAlias & 1) != 0 || smallest_ >= kFixedHalf) return drawPen();
-        return greatest_ > kFixedHalf ? drawPenAndHairline() : drawHairline();
+        if ((context_.antiAlias & 1) != 0 || devicePen_.smallest >= kFixedHalf) return drawPen();
+        return devicePen_.greatest > kFixedHalf ? drawPenAndHairline() : drawHairline();
     }
 
 private:
-    StrokePen pen() const { return penOf(context_, context_.strokeHalfWidth, greatest_, count_); }
+    StrokePen pen() const
+    {
+        return penOf(context_, context_.strokeHalfWidth, devicePen_.step, count_,
+                     devicePen_.direction);
+    }
 
-    StrokePen hairline() const { return penOf(context_, kFixedHalf, kFixedHalf, count_); }
+    // One device pixel wide. A disc could miss the pixels' centres; a square along the axes lights
+    // one pixel wherever it lies.
+    StrokePen hairline() const
+    {
+        StrokePen pen = penOf(context_, kFixedHalf, stepOf(kFixedHalf), count_, {kOne30, 0});
+        if (pen.capStyle == kCapRound) pen.capStyle = kCapSquare;
+        return pen;
+    }
 
     bool buildWithPen(StrokeOutline& outline)
     {
@@ -135,7 +147,10 @@ private:
         if (!buildWithPen(wide)) return false;
         StrokeOutline thin(context_.scratchStack, hairline(), count_);
         if (!buildWithHairline(thin)) return false;
-        if (wide.count() == 0) return true; // a dot with butt caps; both are empty
+        if (thin.count() == 0) { // a line so short that it is a dot with butt caps
+            fill(wide.points(), wide.count());
+            return true;
+        }
         if (mirrors()) std::reverse(thin.points(), thin.points() + thin.count());
 
         const uint32_t count = wide.count() + thin.count() + 2;
@@ -157,17 +172,25 @@ private:
     }
 
     MMContext2D& context_;
+    const DevicePen& devicePen_;
     MMPoint2D* points_;
     uint32_t count_;
     bool closed_;
-    int64_t greatest_; // half width on the device where the pen is widest, in 16.16 pixels
-    int64_t smallest_; // and where it is narrowest
 };
 
 } // namespace
 
-void strokeSubpath(MMContext2D& context, const MMLinkPath* records, uint32_t recordCount,
-                   bool closed)
+DevicePen::DevicePen(const MMContext2D& context)
+{
+    const Matrix2D& m = context.transform;
+    const Stretch stretch = stretchOf({m.a, m.b, m.c, m.d});
+    greatest = stretched(context.strokeHalfWidth, stretch.greatest);
+    smallest = stretched(context.strokeHalfWidth, stretch.smallest);
+    step = stepOf(greatest);
+}
+
+void strokeSubpath(MMContext2D& context, const DevicePen& pen, const MMLinkPath* records,
+                   uint32_t recordCount, bool closed)
 {
     BoundsUnion().storeTo(context);
     if (context.strokeHalfWidth <= 0) return;
@@ -185,14 +208,14 @@ void strokeSubpath(MMContext2D& context, const MMLinkPath* records, uint32_t rec
     MMPoint2D* end = points.data();
     for (uint32_t i = 0; i < recordCount; ++i)
         end = std::copy(records[i].points, records[i].points + records[i].count, end);
-    if (!Stroke(context, points.data(), count, closed).draw())
+    if (!Stroke(context, pen, points.data(), count, closed).draw())
         context.outOfMemory |= kScratchExhausted;
 }
 
 void MMContext2D::drawPolyline(MMLinkPath* records, int16_t segmentCount, uint8_t closed)
 {
     const uint32_t count = segmentCount > 0 ? static_cast<uint32_t>(segmentCount) : 0;
-    strokeSubpath(*this, records, count, closed != 0);
+    strokeSubpath(*this, DevicePen(*this), records, count, closed != 0);
 }
 
 } // namespace Graphics2D

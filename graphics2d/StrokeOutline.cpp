@@ -60,10 +60,9 @@ StrokeOutline::StrokeOutline(MMStackContext& stack, const StrokePen& pen, uint32
 {
 }
 
-// Makes sure that room_ points fit between the two sides.
-bool StrokeOutline::reserve()
+// Makes room between the two sides when fewer than room_ points fit.
+[[gnu::cold]] bool StrokeOutline::grow()
 {
-    if (back_ - front_ >= room_) return true;
     const uint32_t used = capacity_ - back_;
     const uint32_t grown = fitted(uint64_t{capacity_} * 2);
     if (!points_.resize(grown)) return false;
@@ -73,14 +72,15 @@ bool StrokeOutline::reserve()
     return back_ - front_ >= room_;
 }
 
-void StrokeOutline::put(Side side, const MMPoint2D& vertex, const Offset& offset)
+[[gnu::noinline]] void StrokeOutline::put(Side side, const MMPoint2D& vertex, const Offset& offset)
 {
     const MMPoint2D point = {saturated(vertex.x + offset.x), saturated(vertex.y + offset.y)};
     points_[side == kLeft ? front_++ : --back_] = point;
 }
 
 // The point half a width away in the given direction.
-void StrokeOutline::putAlong(Side side, const MMPoint2D& vertex, const UnitVector& direction)
+[[gnu::noinline]] void StrokeOutline::putAlong(Side side, const MMPoint2D& vertex,
+                                               const UnitVector& direction)
 {
     put(side, vertex,
         {scaledAway(direction.x, pen_.halfWidth), scaledAway(direction.y, pen_.halfWidth)});
@@ -171,24 +171,27 @@ void StrokeOutline::putCap(const MMPoint2D& end, const UnitVector& outward)
     }
 }
 
-bool StrokeOutline::buildOpen(const MMPoint2D* points, uint32_t count)
+// An end of the line: from one side over the cap to the other.
+bool StrokeOutline::putEnd(const MMPoint2D& end, const UnitVector& outward, Side from, Side to)
 {
     if (!reserve()) return false;
+    putAlong(from, end, turnedLeft(outward));
+    putCap(end, outward);
+    putAlong(to, end, turnedRight(outward));
+    return true;
+}
+
+bool StrokeOutline::buildOpen(const MMPoint2D* points, uint32_t count)
+{
     Polar edge = edgeBetween(points[0], points[1]);
-    putAlong(kRight, points[0], turnedRight(edge.direction));
-    putCap(points[0], opposite(edge.direction));
-    putAlong(kLeft, points[0], turnedLeft(edge.direction));
+    if (!putEnd(points[0], opposite(edge.direction), kRight, kLeft)) return false;
     for (uint32_t i = 1; i + 1 < count; ++i) {
         if (!reserve()) return false;
         const Polar next = edgeBetween(points[i], points[i + 1]);
         putJoin(points[i], edge, next);
         edge = next;
     }
-    if (!reserve()) return false;
-    putAlong(kLeft, points[count - 1], turnedLeft(edge.direction));
-    putCap(points[count - 1], edge.direction);
-    putAlong(kRight, points[count - 1], turnedRight(edge.direction));
-    return true;
+    return putEnd(points[count - 1], edge.direction, kLeft, kRight);
 }
 
 bool StrokeOutline::buildClosed(const MMPoint2D* points, uint32_t count)
@@ -207,17 +210,16 @@ bool StrokeOutline::buildClosed(const MMPoint2D* points, uint32_t count)
     return true;
 }
 
-// What a line without length leaves: a disc, a square along the axes, or nothing.
+// What a line without length leaves: a disc, a square along its direction, or nothing.
 bool StrokeOutline::buildDot(const MMPoint2D& centre)
 {
     if (!reserve()) return false;
-    const UnitVector right = {kOne30, 0};
     if (pen_.capStyle == kCapRound) {
-        putAlong(kLeft, centre, right);
-        putArc(kLeft, centre, right, kDegrees360);
+        putAlong(kLeft, centre, pen_.direction);
+        putArc(kLeft, centre, pen_.direction, kDegrees360);
     } else if (pen_.capStyle == kCapSquare) {
-        putCap(centre, right);
-        putCap(centre, opposite(right));
+        putCap(centre, pen_.direction);
+        putCap(centre, opposite(pen_.direction));
     }
     return true;
 }

@@ -14,6 +14,7 @@ struct StrokePen {
     uint8_t joinStyle;    // MMJoinStyle
     uint8_t capStyle;     // MMCapStyle
     Degrees greatestStep; // between neighbouring points of round joins and caps
+    UnitVector direction; // of a line without length
 };
 
 // Builds the outline in scratch memory. It is one polygon to be filled non-zero.
@@ -38,7 +39,8 @@ private:
         int64_t y;
     };
 
-    bool reserve();
+    bool reserve() { return back_ - front_ >= room_ || grow(); }
+    bool grow();
     void put(Side side, const MMPoint2D& vertex, const Offset& offset);
     void putAlong(Side side, const MMPoint2D& vertex, const UnitVector& direction);
     void putArc(Side side, const MMPoint2D& centre, const UnitVector& from, Degrees angle);
@@ -46,6 +48,7 @@ private:
     bool joinsRound(Fixed30 dot) const;
     void putJoin(const MMPoint2D& vertex, const Polar& before, const Polar& after);
     void putCap(const MMPoint2D& end, const UnitVector& outward);
+    bool putEnd(const MMPoint2D& end, const UnitVector& outward, Side from, Side to);
     bool buildOpen(const MMPoint2D* points, uint32_t count);
     bool buildClosed(const MMPoint2D* points, uint32_t count);
     bool buildDot(const MMPoint2D& centre);

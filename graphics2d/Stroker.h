@@ -1,18 +1,31 @@
-// Entries of the strokers with 32-bit counts, for paths. Internal.
+// Entries of the strokers with 32-bit counts, for paths and shapes. Internal.
 #pragma once
 
+#include "graphics2d/CircleSteps.h"
 #include "graphics2d/MMContext2D.h"
 
 namespace KAVO {
 namespace Graphics2D {
 
-// As MMContext2D::drawPolyline: strokes one subpath of consecutive records in user space.
-void strokeSubpath(MMContext2D& context, const MMLinkPath* records, uint32_t recordCount,
-                   bool closed);
+// How the pen of the context's stroke style comes out on the device. Made once for all lines that
+// one call strokes.
+struct DevicePen {
+    int64_t greatest; // half width where the pen is widest, in 16.16 pixels
+    int64_t smallest; // and where it is narrowest
+    Degrees step;     // the greatest turn between points of round joins and caps
+    // Of a line without length that has a direction all the same, as dashes do.
+    UnitVector direction = {kOne30, 0};
 
-// As MMContext2D::drawDashArray: the same cut into dashes.
-void dashSubpath(MMContext2D& context, const MMLinkPath* records, uint32_t recordCount,
-                 bool closed);
+    explicit DevicePen(const MMContext2D& context);
+};
+
+// As MMContext2D::drawPolyline: strokes one subpath of consecutive records in user space.
+void strokeSubpath(MMContext2D& context, const DevicePen& pen, const MMLinkPath* records,
+                   uint32_t recordCount, bool closed);
+
+// The same, cut into dashes when the context has a dash array.
+void strokeOrDashSubpath(MMContext2D& context, const DevicePen& pen, const MMLinkPath* records,
+                         uint32_t recordCount, bool closed);
 
 } // namespace Graphics2D
 } // namespace KAVO

@@ -145,6 +145,24 @@ TEST(DashArray, BoundsAreThoseOfAllDashes)
     EXPECT_EQ(dashed.context.boundsMaxX, kEmptyBoundsMax);
 }
 
+// A square of 20 by 20 units is 28 wide when it is turned with a line of slope 4/3.
+TEST(DashArray, SquareDotsLieAlongTheirLine)
+{
+    const auto expectBounds = [](Dashed&& dashed, Points line, MMPoint2D centre, Fixed reach) {
+        dashed.context.strokeHalfWidth = fx(10);
+        dashed.context.capStyle = kCapSquare;
+        MMLinkPath record = {line.data(), static_cast<uint32_t>(line.size())};
+        dashed.context.drawDashArray(&record, 1, 0);
+        EXPECT_NEAR(dashed.context.boundsMinX, centre.x - reach, 4);
+        EXPECT_NEAR(dashed.context.boundsMinY, centre.y - reach, 4);
+        EXPECT_NEAR(dashed.context.boundsMaxX, centre.x + reach, 4);
+        EXPECT_NEAR(dashed.context.boundsMaxY, centre.y + reach, 4);
+    };
+    expectBounds(Dashed({0, 25}), {at(50, 50), at(80, 90)}, at(80, 90), fx(14)); // at the end
+    expectBounds(Dashed({0, 25}, 20), {at(50, 50), at(56, 58)}, at(53, 54), fx(14));
+    expectBounds(Dashed({5, 5}), {at(50, 50), at(50, 50)}, at(50, 50), fx(10)); // no direction
+}
+
 TEST(DashArray, ExhaustedScratchDrawsNothing)
 {
     Dashed dashed({3, 2});

@@ -75,6 +75,11 @@ public:
     }
 
 private:
+    struct Piece {
+        std::vector<Vector> outline; // convex, device space
+        double top, bottom;
+    };
+
     Vector linear(Vector v) const
     {
         return {toDouble(m_.a) * v.real() + toDouble(m_.c) * v.imag(),
@@ -84,9 +89,14 @@ private:
 
     void addPolygon(std::vector<Vector> polygon)
     {
-        for (Vector& v : polygon)
+        Piece piece = {{}, 1e9, -1e9};
+        for (Vector v : polygon) {
             v = mapped(v);
-        polygons_.push_back(polygon);
+            piece.outline.push_back(v);
+            piece.top = std::min(piece.top, v.imag());
+            piece.bottom = std::max(piece.bottom, v.imag());
+        }
+        pieces_.push_back(piece);
     }
 
     void addJoin(const KAVO::Graphics2D::MMContext2D& context, Vector p, Vector d1, Vector d2)
@@ -116,7 +126,8 @@ private:
     std::vector<std::pair<double, double>> spans(double y) const
     {
         std::vector<std::pair<double, double>> result;
-        for (const auto& polygon : polygons_) {
+        for (const auto& [polygon, top, bottom] : pieces_) {
+            if (y < top || y > bottom) continue;
             double left = 1e9, right = -1e9;
             for (std::size_t i = 0; i < polygon.size(); ++i) {
                 const Vector a = polygon[i], b = polygon[(i + 1) % polygon.size()];
@@ -146,8 +157,8 @@ private:
 
     Matrix2D m_;
     double halfWidth_;
-    std::vector<std::vector<Vector>> polygons_; // convex, device space
-    std::vector<Vector> discs_;                 // of the half width, user space
+    std::vector<Piece> pieces_;
+    std::vector<Vector> discs_; // of the half width, user space
 };
 
 } // namespace model

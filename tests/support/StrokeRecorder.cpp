@@ -23,18 +23,21 @@ StrokeRecorder::~StrokeRecorder()
 // The linker leads calls of strokeSubpath here. Its name is the same with 4-byte pointers.
 extern "C" {
 
-void __real__ZN4KAVO10Graphics2D13strokeSubpathERNS0_11MMContext2DEPK10MMLinkPathjb(
-    MMContext2D& context, const MMLinkPath* records, uint32_t recordCount, bool closed);
+void __real__ZN4KAVO10Graphics2D13strokeSubpathERNS0_11MMContext2DERKNS0_9DevicePenEPK10MMLinkPathjb(
+    MMContext2D& context, const DevicePen& pen, const MMLinkPath* records, uint32_t recordCount,
+    bool closed);
 
-void __wrap__ZN4KAVO10Graphics2D13strokeSubpathERNS0_11MMContext2DEPK10MMLinkPathjb(
-    MMContext2D& context, const MMLinkPath* records, uint32_t recordCount, bool closed);
+void __wrap__ZN4KAVO10Graphics2D13strokeSubpathERNS0_11MMContext2DERKNS0_9DevicePenEPK10MMLinkPathjb(
+    MMContext2D& context, const DevicePen& pen, const MMLinkPath* records, uint32_t recordCount,
+    bool closed);
 
-void __wrap__ZN4KAVO10Graphics2D13strokeSubpathERNS0_11MMContext2DEPK10MMLinkPathjb(
-    MMContext2D& context, const MMLinkPath* records, uint32_t recordCount, bool closed)
+void __wrap__ZN4KAVO10Graphics2D13strokeSubpathERNS0_11MMContext2DERKNS0_9DevicePenEPK10MMLinkPathjb(
+    MMContext2D& context, const DevicePen& pen, const MMLinkPath* records, uint32_t recordCount,
+    bool closed)
 {
     if (recorder == nullptr) {
-        __real__ZN4KAVO10Graphics2D13strokeSubpathERNS0_11MMContext2DEPK10MMLinkPathjb(
-            context, records, recordCount, closed);
+        __real__ZN4KAVO10Graphics2D13strokeSubpathERNS0_11MMContext2DERKNS0_9DevicePenEPK10MMLinkPathjb(
+            context, pen, records, recordCount, closed);
         return;
     }
     StrokeRecorder::Stroke stroke = {

@@ -1,0 +1,17 @@
+// Filling and stroking of one outline of points in user space. Internal.
+#pragma once
+
+#include "graphics2d/MMContext2D.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+// Fills the outline through the transform with the fill paint. False when the scratch stack is
+// exhausted.
+bool fillShape(MMContext2D& context, const MMPoint2D* points, uint32_t count, MMFillRule rule);
+
+// Strokes or dashes the outline with the stroke paint.
+void strokeShape(MMContext2D& context, MMPoint2D* points, uint32_t count, bool closed);
+
+} // namespace Graphics2D
+} // namespace KAVO

@@ -1,0 +1,49 @@
+// A context that draws into a white picture of its own.
+#pragma once
+
+#include "graphics2d/MMContext2D.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+struct Picture {
+    static constexpr Pixel kBlank = 0xFFFFFFFF;
+    static constexpr int kGuard = 4; // rows above and below that nobody may touch
+
+    const int size;
+    std::vector<Pixel> pixels;
+    KAVO::Graphics2D::MMContext2D context; // anti-aliased; paints black
+    uint32_t wordsKept = 0;                // scratch memory that is meant to stay
+
+    explicit Picture(int side = 64)
+        : size(side), pixels(static_cast<size_t>(side * (side + 2 * kGuard)), kBlank)
+    {
+        const uint16_t sides = static_cast<uint16_t>(side);
+        context.target = {sides, sides, sides * 4u, kBlank, pixels.data() + side * kGuard, 0};
+        context.clipRight = context.clipBottom = static_cast<int16_t>(side);
+        context.antiAlias = 1;
+        context.currentPaint = context.fillPaint;
+    }
+    ~Picture()
+    {
+        const auto guard = size * kGuard;
+        EXPECT_EQ(std::count(pixels.begin(), pixels.begin() + guard, kBlank), guard);
+        EXPECT_EQ(std::count(pixels.end() - guard, pixels.end(), kBlank), guard);
+        EXPECT_EQ(context.scratchStack.usedWords, wordsKept);
+    }
+
+    Pixel at(int x, int y) const { return pixels[static_cast<size_t>((y + kGuard) * size + x)]; }
+    int coverage(int x, int y) const { return 255 - static_cast<int>(at(x, y) & 0xFF); }
+    bool blank() const
+    {
+        return std::all_of(pixels.begin(), pixels.end(), [](Pixel p) { return p == kBlank; });
+    }
+    bool emptyBounds() const
+    {
+        using namespace KAVO::Graphics2D;
+        return context.boundsMinX == kEmptyBoundsMin && context.boundsMinY == kEmptyBoundsMin &&
+               context.boundsMaxX == kEmptyBoundsMax && context.boundsMaxY == kEmptyBoundsMax;
+    }
+};
