@@ -8,6 +8,9 @@
 //
 // The opaque filler ignores the texels' alpha and writes 255; the translucent one sums it up like a
 // colour for the weight, and moves the target's alpha toward 255.
+//
+// Weights are 16.16 and computed for eight pixels at a time. None reaches 1.0, so 16 bits hold
+// them, and what lies above on the way is added where it is missing.
 #include "graphics2d/PatternSampling.h"
 
 namespace KAVO {
@@ -15,212 +18,266 @@ namespace Graphics2D {
 
 namespace {
 
-constexpr Fixed kOneSixth = 0x2AAA;
-constexpr Fixed kTwoThirds = 0xAAAA;
-constexpr Fixed kFourThirds = 0x15555;
-constexpr Fixed kTwo = 0x20000;
+constexpr uint16_t kOneSixth = 0x2AAA;
+constexpr uint16_t kTwoThirds = 0xAAAA;
+constexpr uint16_t kFourThirds = 0x5555; // without its 1.0
+constexpr int32_t kBatch = kFewPixels;   // pixels whose weights are computed together
 
-// fixMul of two numbers that are known not to be negative.
-inline Fixed product(Fixed a, Fixed b)
+// fixMul of numbers below 1.0, the first of which loses its lowest bit.
+inline U16x8 product(U16x8 a, U16x8 b)
 {
-    const uint32_t first = static_cast<uint32_t>(a);
-    const uint32_t second = static_cast<uint32_t>(b);
-    const uint32_t low = second & 0xFFFFu;
-    return static_cast<Fixed>((second >> 16) * first + low * (first >> 16) +
-                              ((low * ((first & 0xFFFFu) >> 1)) >> 15));
+    return mulHigh(a & 0xFFFE, b);
 }
 
-// The spline's outer piece, distance 1.0 to 2.0 from the tap, as a polynomial. Factors that would
-// be negative are turned around: products round toward zero either way.
-inline Fixed outerWeight(Fixed distance)
+// The spline's outer piece, distance 1.0 + e from the tap, as a polynomial. Factors that would be
+// negative are turned around: products round toward zero either way.
+inline U16x8 outerWeight(U16x8 e)
 {
-    const Fixed inner = kTwo - product(kFixedOne - product(kOneSixth, distance), distance);
-    return kFourThirds - product(inner, distance);
+    const U16x8 cubic = -(mulHigh(U16x8{} + kOneSixth, e) + kOneSixth); // 1.0 - ...
+    const U16x8 quadratic = -(cubic + product(cubic, e));               // 2.0 - ...
+    const U16x8 wholePart = e & (U16x8)((I16x8)quadratic >= 0);         // 1.0 and more
+    return kFourThirds - (quadratic + product(quadratic, e) + wholePart);
 }
 
 // The same as the cube of what is left to the spline's end.
-inline Fixed cubeWeight(Fixed rest)
+inline U16x8 cubeWeight(U16x8 rest)
 {
-    return product(kOneSixth, product(product(rest, rest), rest));
+    return mulHigh(U16x8{} + kOneSixth, product(product(rest, rest), rest));
 }
 
 // The inner piece, distance up to 1.0 from the tap.
-inline Fixed innerWeight(Fixed distance)
+inline U16x8 innerWeight(U16x8 distance)
 {
-    return kTwoThirds - product(product(kFixedOne - (distance >> 1), distance), distance);
+    const U16x8 linear = -(distance >> 1); // 1.0 - ..., and 1.0 times a distance of 0 or 1 is 0
+    return kTwoThirds - product(product(linear, distance), distance);
 }
 
-// The weights of the taps -1, 0, 1 and 2 for a fraction of a texel. The axes compute their end
-// weights in mirrored ways, which round differently.
+// The weights of four taps for the fractions of eight pixels.
 struct CubicWeights {
-    Fixed tap[4];
+    U16x8 tap[4];
 
-    static CubicWeights alongRow(Fixed f)
+    // The axes compute their end weights in mirrored ways, which round differently. Where the
+    // fraction is 0, the distance 1.0 to the next tap does not fit: the last terms make up for it.
+    static CubicWeights alongRow(U16x8 f)
     {
-        const Fixed rest = kFixedOne - f;
-        return {{cubeWeight(rest), innerWeight(f), innerWeight(rest), outerWeight(kTwo - f)}};
+        const U16x8 rest = -f;
+        const U16x8 whole = (U16x8)(f == 0);
+        return {{cubeWeight(rest) + (whole & kOneSixth), innerWeight(f),
+                 innerWeight(rest) - (whole & 0x8000), outerWeight(rest) - (whole & 0x2AA6)}};
     }
-    static CubicWeights acrossRows(Fixed g)
+    static CubicWeights acrossRows(U16x8 g)
     {
-        const Fixed rest = kFixedOne - g;
-        return {{outerWeight(g + kFixedOne), innerWeight(g), innerWeight(rest), cubeWeight(g)}};
+        const U16x8 rest = -g;
+        return {{outerWeight(g), innerWeight(g), innerWeight(rest) - ((U16x8)(g == 0) & 0x8000),
+                 cubeWeight(g)}};
+    }
+
+    // The four taps of each pixel side by side.
+    void byPixel(uint64_t (&weights)[kBatch]) const
+    {
+        const U32x4 low[2] = {zipLow(tap[0], tap[1]), zipLow(tap[2], tap[3])};
+        const U32x4 high[2] = {zipHigh(tap[0], tap[1]), zipHigh(tap[2], tap[3])};
+        const U32x4 pairs[4] = {__builtin_shufflevector(low[0], low[1], 0, 4, 1, 5),
+                                __builtin_shufflevector(low[0], low[1], 2, 6, 3, 7),
+                                __builtin_shufflevector(high[0], high[1], 0, 4, 1, 5),
+                                __builtin_shufflevector(high[0], high[1], 2, 6, 3, 7)};
+        std::memcpy(weights, pairs, sizeof pairs);
     }
 };
 
-// Offsets of the four taps of an axis from its index.
-struct CubicTaps {
-    int32_t tap[4] = {-1, 0, 1, 2};
+// Four texels of a column: the channels of the upper two and of the lower two in turn.
+struct Column {
+    U16x8 upper;
+    U16x8 lower;
+};
 
-    explicit CubicTaps(const TexelAxis& axis)
-    {
-        const int64_t position = axis.position();
-        const int32_t toFirst = -axis.texel();
-        const int32_t toLastButOne = axis.size() - axis.texel() - 2;
-        const int64_t lastButOne = (int64_t{axis.size()} - 2) * kFixedOne;
-        for (int32_t i = 0; i < 4; ++i) {
-            if (position < kFixedOne * (1 - i)) tap[i] = toFirst;
-            if (position > lastButOne + kFixedOne * (3 - i)) tap[i] = toLastButOne;
+// The columns of 4 by 4 texels, their first at the given address.
+inline void loadColumns(const Pixel* texels, int32_t width, Column* columns)
+{
+    const U32x4 first = load4(texels);
+    const U32x4 second = load4(texels + width);
+    const U32x4 third = load4(texels + 2 * width);
+    const U32x4 fourth = load4(texels + 3 * width);
+    const U32x4 upperLeft = zipLowBytes(first, second);
+    const U32x4 upperRight = zipHighBytes(first, second);
+    const U32x4 lowerLeft = zipLowBytes(third, fourth);
+    const U32x4 lowerRight = zipHighBytes(third, fourth);
+    columns[0] = {widenLow(upperLeft), widenLow(lowerLeft)};
+    columns[1] = {widenHigh(upperLeft), widenHigh(lowerLeft)};
+    columns[2] = {widenLow(upperRight), widenLow(lowerRight)};
+    columns[3] = {widenHigh(upperRight), widenHigh(lowerRight)};
+}
+
+// The 8.16 sums of the channels over four columns.
+inline U32x4 weightedSum(const Column* columns, uint64_t x, uint64_t y)
+{
+    const U16x8 both = (U16x8)U64x2{x, y};
+    const U16x8 xPairs = __builtin_shufflevector(both, both, 0, 0, 1, 1, 2, 2, 3, 3);
+    const U16x8 yUpper = __builtin_shufflevector(both, both, 4, 5, 4, 5, 4, 5, 4, 5);
+    const U16x8 yLower = __builtin_shufflevector(both, both, 6, 7, 6, 7, 6, 7, 6, 7);
+    const U32x4 upper = (U32x4)product(xPairs, yUpper);
+    const U32x4 lower = (U32x4)product(xPairs, yLower);
+    // One pair of tap weights for all channels of a column.
+    const auto column = [&](const Column& texels, U32x4 upperTaps, U32x4 lowerTaps) {
+        return multiplyAddPairs(texels.upper, (U16x8)upperTaps) +
+               multiplyAddPairs(texels.lower, (U16x8)lowerTaps);
+    };
+    return column(columns[0], __builtin_shufflevector(upper, upper, 0, 0, 0, 0),
+                  __builtin_shufflevector(lower, lower, 0, 0, 0, 0)) +
+           column(columns[1], __builtin_shufflevector(upper, upper, 1, 1, 1, 1),
+                  __builtin_shufflevector(lower, lower, 1, 1, 1, 1)) +
+           column(columns[2], __builtin_shufflevector(upper, upper, 2, 2, 2, 2),
+                  __builtin_shufflevector(lower, lower, 2, 2, 2, 2)) +
+           column(columns[3], __builtin_shufflevector(upper, upper, 3, 3, 3, 3),
+                  __builtin_shufflevector(lower, lower, 3, 3, 3, 3));
+}
+
+// The texels of an axis that are read instead of the index and its neighbours.
+void tapsOf(const TexelAxis& axis, int64_t (&taps)[4])
+{
+    const int64_t position = axis.position();
+    const int64_t lastButOne = axis.size() - 2;
+    for (int32_t i = 0; i < 4; ++i) {
+        taps[i] = axis.texel() + i - 1;
+        if (position < kFixedOne * (1 - i)) taps[i] = 0;
+        if (position > (lastButOne + 3 - i) * kFixedOne) taps[i] = lastButOne;
+        taps[i] += axis.indexOffset();
+    }
+}
+
+void gatherColumns(const PatternWalk& walk, Column* columns)
+{
+    int64_t x[4];
+    int64_t y[4];
+    tapsOf(walk.u, x);
+    tapsOf(walk.v, y);
+    Pixel texels[16];
+    for (int32_t i = 0; i < 16; ++i)
+        texels[i] = walk.texelAt(x[i & 3], y[i >> 2]);
+    loadColumns(texels, 4, columns);
+}
+
+// The fractions of the next eight pixels.
+U16x8 fractionsOf(const TexelAxis& axis)
+{
+    return all8(axis.fraction()) + U16x8{0, 1, 2, 3, 4, 5, 6, 7} * all8(fixFraction(axis.step()));
+}
+
+void writeSums(const U32x4 (&sums)[kBatch], Pixel* colours, uint32_t* alphas, int32_t count)
+{
+    for (int32_t i = 0; i < count; i += 4) {
+        const U32x4 half = all4(kChannelHalf);
+        const U32x4 pixels = packChannels(sums[i] + half, sums[i + 1] + half, sums[i + 2] + half,
+                                          sums[i + 3] + half);
+        const int32_t length = count - i < 4 ? count - i : 4;
+        std::memcpy(colours + i, &pixels, static_cast<size_t>(length) * sizeof(Pixel));
+        if (alphas == nullptr) continue;
+        for (int32_t k = i; k < i + length; ++k)
+            alphas[k] = sums[k][3];
+    }
+}
+
+// columnsOf(walk, i) gives the four columns of the pixel i after the walk's.
+template <class ColumnsOf>
+inline void sumPixels(PatternWalk walk, Pixel* colours, uint32_t* alphas, int32_t count,
+                      ColumnsOf columnsOf)
+{
+    uint64_t x[kBatch];
+    uint64_t y[kBatch];
+    CubicWeights::acrossRows(fractionsOf(walk.v)).byPixel(y);
+    for (int32_t i = 0; i < count; i += kBatch) {
+        const int32_t length = count - i < kBatch ? count - i : kBatch;
+        CubicWeights::alongRow(fractionsOf(walk.u)).byPixel(x);
+        if (i > 0 && walk.v.step() != 0) CubicWeights::acrossRows(fractionsOf(walk.v)).byPixel(y);
+        U32x4 sums[kBatch] = {};
+        for (int32_t k = 0; k < length; ++k)
+            sums[k] = weightedSum(columnsOf(), x[k], y[k]);
+        writeSums(sums, colours + i, alphas == nullptr ? nullptr : alphas + i, length);
+        walk.advance(length);
+    }
+}
+
+// Texels from four rows, and no more columns than pixels: each is prepared once.
+void magnifyRows(PatternWalk walk, Pixel* colours, uint32_t* alphas, int32_t count)
+{
+    Column columns[kPieceLength + 8];
+    while (count > 0) {
+        const int32_t length = count < kPieceLength ? count : kPieceLength;
+        const Fixed uStep = walk.u.step();
+        Fixed u = walk.u.indexPosition();
+        const int32_t begin = fixFloor(u);
+        const int32_t end = fixFloor(u + uStep * (length - 1));
+        const int32_t first = begin < end ? begin : end;
+        const int32_t last = begin < end ? end : begin;
+        const Pixel* texels = walk.row(walk.v.indexPosition()) - walk.width() - 1 + first;
+        for (int32_t i = 0; i < last - first; i += 4)
+            loadColumns(texels + i, walk.width(), columns + i);
+        loadColumns(texels + last - first, walk.width(), columns + last - first);
+        u -= fixFromInt(first);
+        sumPixels(walk, colours, alphas, length, [&] {
+            const Column* at = columns + fixFloor(u);
+            u += uStep;
+            return at;
+        });
+        walk.advance(length);
+        colours += length;
+        if (alphas != nullptr) alphas += length;
+        count -= length;
+    }
+}
+
+void sampleBicubic(PatternWalk walk, bool inside, Pixel* colours, uint32_t* alphas, int32_t count)
+{
+    if (inside && walk.v.step() == 0 && magnitudeOf(walk.u.step()) <= kFixedOne &&
+        count > kFewPixels)
+        return magnifyRows(walk, colours, alphas, count);
+    PatternWalk at = walk;
+    Column columns[4];
+    Fixed u = walk.u.indexPosition();
+    Fixed v = walk.v.indexPosition();
+    sumPixels(walk, colours, alphas, count, [&]() -> const Column* {
+        if (inside) {
+            loadColumns(walk.row(v) + fixFloor(u) - walk.width() - 1, walk.width(), columns);
+            u = wrapAdd(u, walk.u.step());
+            v = wrapAdd(v, walk.v.step());
+        } else {
+            gatherColumns(at, columns);
+            at.advance(1);
         }
-    }
-};
+        return columns;
+    });
+}
 
-// 8.16 sums of the four channels.
-struct CubicSum {
-    uint32_t blue = 0;
-    uint32_t green = 0;
-    uint32_t red = 0;
-    uint32_t alpha = 0;
-
-    CubicSum() = default;
-
-    // The sum over 4 by 4 texels, their first at the given address: two rows and four channels at a
-    // time. A tap weight is fixMul(x, y), which for these small numbers is the upper half of a
-    // product whose first factor has lost its lowest bit.
-    CubicSum(const Pixel* texels, int32_t width, const CubicWeights& x, const CubicWeights& y)
-    {
-        const U16x8 weightsX = (U16x8)(U32x4{inBothHalves(x.tap[0]), inBothHalves(x.tap[1]),
-                                             inBothHalves(x.tap[2]), inBothHalves(x.tap[3])} &
-                                       0xFFFEFFFEu);
-        U32x4 sum = {};
-        for (int k = 0; k < 4; k += 2, texels += 2 * width) {
-            const U32x4 upper = load4(texels);
-            const U32x4 lower = load4(texels + width);
-            const U32x4 left = zipLowBytes(upper, lower);
-            const U32x4 right = zipHighBytes(upper, lower);
-            const U32x4 taps = (U32x4)mulHigh(
-                weightsX, (U16x8)all4(static_cast<uint32_t>(y.tap[k] | y.tap[k + 1] << 16)));
-            sum += multiplyAddPairs(widenLow(left), (U16x8)all4(taps[0])) +
-                   multiplyAddPairs(widenHigh(left), (U16x8)all4(taps[1])) +
-                   multiplyAddPairs(widenLow(right), (U16x8)all4(taps[2])) +
-                   multiplyAddPairs(widenHigh(right), (U16x8)all4(taps[3]));
-        }
-        std::memcpy(this, &sum, sizeof sum);
-    }
-
-    // A whole channel times a tap weight below 1.0 is exact.
-    void add(Pixel texel, uint32_t weight)
-    {
-        blue += (texel & 0xFF) * weight;
-        green += ((texel >> 8) & 0xFF) * weight;
-        red += ((texel >> 16) & 0xFF) * weight;
-        alpha += (texel >> 24) * weight;
-    }
-    Pixel opaque() const
-    {
-        return packOpaque(red + kChannelHalf, green + kChannelHalf, blue + kChannelHalf);
-    }
-
-private:
-    static uint32_t inBothHalves(Fixed weight)
-    {
-        return static_cast<uint32_t>(weight) * 0x00010001u;
-    }
-};
-
-// Out receives each pixel's sum.
-template <class Out>
-struct BicubicFilter {
-    static constexpr int32_t kBefore = 1;
-    static constexpr int32_t kAfter = 2;
-
-    explicit BicubicFilter(const MMContext2D& context)
-        : walk(context.currentPaint, context.spanStart, fixFromInt(context.spanRow))
-    {
-    }
-
-    void writeOne(int32_t i)
-    {
-        const CubicTaps columns(walk.u);
-        const CubicTaps rows(walk.v);
-        const auto x = CubicWeights::alongRow(static_cast<Fixed>(walk.u.fraction()));
-        const auto y = CubicWeights::acrossRows(static_cast<Fixed>(walk.v.fraction()));
-        CubicSum sum;
-        for (int k = 0; k < 4; ++k)
-            for (int j = 0; j < 4; ++j)
-                sum.add(walk.texelAt(int64_t{walk.u.index()} + columns.tap[j],
-                                     int64_t{walk.v.index()} + rows.tap[k]),
-                        static_cast<uint32_t>(fixMulInline(x.tap[j], y.tap[k])));
-        out.put(i, sum);
-    }
-
-    void writeInside(InsideWalk at, int32_t first, int32_t count)
-    {
-        auto y = CubicWeights::acrossRows(static_cast<Fixed>(fixFraction(at.v)));
-        for (int32_t i = 0; i < count; ++i) {
-            if (at.vStep != 0) y = CubicWeights::acrossRows(static_cast<Fixed>(fixFraction(at.v)));
-            const auto x = CubicWeights::alongRow(static_cast<Fixed>(fixFraction(at.u)));
-            out.put(first + i, CubicSum(at.texel() - at.width - 1, at.width, x, y));
-            at.advance();
-        }
-    }
-
-    PatternWalk walk;
-    Out out{};
-};
-
-struct OpaquePixels {
-    Pixel* pixels;
-    void put(int32_t i, const CubicSum& sum) { pixels[i] = sum.opaque(); }
-};
-
-struct WeightedPixels {
-    PaintPiece* piece;
-    CoverageSequence* coverage;
-
-    void put(int32_t i, const CubicSum& sum)
-    {
-        piece->colours[i] = sum.opaque();
+// By the sum of alphas, rounded to nearest before the weight is raised.
+void weighBySums(PaintPiece& piece, CoverageSequence& coverage, int32_t count)
+{
+    for (int32_t i = 0; i < count; ++i) {
         const int32_t product =
-            fixMulSHRInline(static_cast<Fixed>(sum.alpha), coverage->current(), 8);
+            fixMulSHRInline(static_cast<Fixed>(piece.weights[i]), coverage.current(), 8);
         const int32_t weight = wrapAdd(product, 0x8000) >> 16;
-        piece->weights[i] =
+        piece.weights[i] =
             static_cast<uint32_t>(product >= 0x007F8000 ? weight + 1 : weight) & 0xFFu;
-        coverage->advance(1);
+        coverage.advance(1);
     }
-};
+}
+
+constexpr PatternFilter kBicubic = {1, 2, sampleBicubic, weighBySums};
+
+PatternWalk walkOf(const MMContext2D& context)
+{
+    return PatternWalk(context.currentPaint, context.spanStart, fixFromInt(context.spanRow));
+}
 
 } // namespace
 
 void MMContext2D::drawBiCubPatternStrip()
 {
-    BicubicFilter<OpaquePixels> filter(*this);
-    if (filter.walk.isEmpty()) return;
-    filter.out.pixels = spanFirstPixel(*this);
-    walkPattern(filter, spanLength(*this));
+    drawPattern(*this, walkOf(*this), kBicubic);
 }
 
 void MMContext2D::drawBiCubPatternTStrip()
 {
-    BicubicFilter<WeightedPixels> filter(*this);
-    if (filter.walk.isEmpty()) return;
-    TranslucentRun run(*this);
-    filter.out.coverage = &run.coverage;
-    const auto fillPiece = [&](PaintPiece& piece, int32_t length) {
-        filter.out.piece = &piece;
-        walkPattern(filter, length);
-    };
-    drawInPieces(run, spanLength(*this), fillPiece);
-    if (run.takeTail()) drawInPieces(run, 1, fillPiece);
+    drawTranslucentPattern(*this, walkOf(*this), kBicubic);
 }
 
 } // namespace Graphics2D

@@ -2,7 +2,8 @@
 //
 // The sample point is the span's exact left end on the row's top edge, without the half pixel of
 // the nearest filter, and a texel's colour lies at its whole coordinates: a 1:1 image is copied.
-// Four texels are interpolated first along the row, then across, all channels alike.
+// Four texels are interpolated first along the rows, then across, all channels alike. The weights
+// are the top eight bits of the coordinates' fractions.
 #include "graphics2d/PatternSampling.h"
 
 namespace KAVO {
@@ -10,113 +11,143 @@ namespace Graphics2D {
 
 namespace {
 
-// The two taps of an axis as offsets from the index; both on the outermost texel beyond the image.
-struct LinearTaps {
-    int32_t before;
-    int32_t after;
+// What the interpolation along the upper and the lower row starts from: the left texels times 256
+// and the differences to the right ones.
+struct RowStep {
+    U16x8 from;
+    U16x8 change;
 
-    explicit LinearTaps(const TexelAxis& axis)
+    static RowStep between(U16x8 left, U16x8 right)
     {
-        const int32_t texel = axis.texel();
-        if (texel < 0) {
-            before = after = -texel;
-        } else if (texel >= axis.size() - 1) {
-            before = after = axis.size() - texel - 1;
-        } else {
-            before = 0;
-            after = 1;
-        }
+        return {left << 8, raisedDifference(left, right)};
     }
-};
-
-struct BilinearFilter {
-    static constexpr int32_t kBefore = 0;
-    static constexpr int32_t kAfter = 1;
-
-    explicit BilinearFilter(const MMContext2D& context)
-        : walk(context.currentPaint, context.spanStart, fixFromInt(context.spanRow))
+    // The texel at an address and its neighbours to the right, below, and both.
+    static RowStep at(const Pixel* upper, int32_t width)
     {
-    }
-
-    void writeOne(int32_t i)
-    {
-        const LinearTaps columns(walk.u);
-        const LinearTaps rows(walk.v);
-        const uint32_t across = walk.u.fraction() >> 8;
-        const int64_t left = int64_t{walk.u.index()} + columns.before;
-        const int64_t right = int64_t{walk.u.index()} + columns.after;
-        const int64_t upper = int64_t{walk.v.index()} + rows.before;
-        const int64_t lower = int64_t{walk.v.index()} + rows.after;
-        out[i] =
-            blendPixel(blendPixel(walk.texelAt(left, upper), walk.texelAt(right, upper), across),
-                       blendPixel(walk.texelAt(left, lower), walk.texelAt(right, lower), across),
-                       walk.v.fraction() >> 8);
-    }
-
-    // Two pixels at a time, four channels each.
-    void writeInside(InsideWalk at, int32_t first, int32_t count)
-    {
-        Pixel* to = out + first;
-        int32_t i = 0;
-        for (; i + 2 <= count; i += 2) {
-            const U16x8 one = interpolatedRows(at);
-            const U32x4 oneDown = all4(weightPair(at.v));
-            at.advance();
-            const U16x8 two = interpolatedRows(at);
-            const U32x4 twoDown = all4(weightPair(at.v));
-            at.advance();
-            const U16x8 upper = __builtin_shufflevector(one, two, 0, 1, 2, 3, 8, 9, 10, 11);
-            const U16x8 lower = __builtin_shufflevector(one, two, 4, 5, 6, 7, 12, 13, 14, 15);
-            const U16x8 down = (U16x8)__builtin_shufflevector(oneDown, twoDown, 0, 1, 4, 5);
-            const U16x8 result = moveToward(upper, lower, down);
-            const U32x4 pixels = narrowHighBytes(result, result);
-            std::memcpy(to + i, &pixels, 2 * sizeof(Pixel));
-        }
-        if (i < count) {
-            const Pixel* upper = at.texel();
-            const Pixel* lower = upper + at.width;
-            const uint32_t across = fixFraction(at.u) >> 8;
-            to[i] = blendPixel(blendPixel(upper[0], upper[1], across),
-                               blendPixel(lower[0], lower[1], across), fixFraction(at.v) >> 8);
-        }
-    }
-
-    PatternWalk walk;
-    Pixel* out = nullptr;
-
-private:
-    // The top eight bits of the fraction, twice: one for each half of a 32-bit lane.
-    static uint32_t weightPair(Fixed position)
-    {
-        return (fixFraction(position) >> 8) * 0x00010001u;
-    }
-
-    // The upper row's pixel and the lower row's, in 16-bit lanes.
-    static U16x8 interpolatedRows(const InsideWalk& at)
-    {
-        const Pixel* upper = at.texel();
-        // Upper left, upper right, lower left, lower right.
-        const U32x4 texels = load2And2(upper, upper + at.width);
+        const U32x4 texels = load2And2(upper, upper + width);
         const U32x4 columns = __builtin_shufflevector(texels, texels, 0, 2, 1, 3);
-        return moveToward(widenLow(columns), widenHigh(columns), (U16x8)all4(weightPair(at.u))) >>
-               8;
+        return between(widenLow(columns), widenHigh(columns));
     }
+    U16x8 mixed(U16x8 fraction) const { return (from + change * (fraction >> 8)) >> 8; }
 };
+
+// Interpolates count pixels, two at a time; next() gives the RowStep of one after the other.
+template <class Next>
+inline void mixPixels(const PatternWalk& walk, Pixel* out, int32_t count, Next next)
+{
+    const U16x8 uStep = all8(fixFraction(walk.u.step()));
+    U16x8 u = all8(walk.u.fraction());
+    // The first pixel in the lower lanes, the second in the upper ones.
+    const uint32_t step = fixFraction(walk.v.step());
+    const U16x8 vStep = all8(2 * step);
+    U16x8 v = all8(walk.v.fraction()) + (U16x8)U32x4{0, 0, step * 0x00010001u, step * 0x00010001u};
+    while (count > 0) {
+        const U16x8 first = next().mixed(u);
+        u += uStep;
+        const U16x8 second = count > 1 ? next().mixed(u) : first;
+        u += uStep;
+        const U16x8 upper = __builtin_shufflevector(first, second, 0, 1, 2, 3, 8, 9, 10, 11);
+        const U16x8 lower = __builtin_shufflevector(first, second, 4, 5, 6, 7, 12, 13, 14, 15);
+        const U16x8 result = moveToward(upper, lower, v >> 8);
+        v += vStep;
+        const U32x4 pixels = narrowHighBytes(result, result);
+        if (count == 1) {
+            *out = pixels[0];
+            return;
+        }
+        std::memcpy(out, &pixels, 2 * sizeof(Pixel));
+        out += 2;
+        count -= 2;
+    }
+}
+
+// Texels from two rows, and no more of them than pixels: each is prepared once.
+void magnifyRows(PatternWalk walk, Pixel* out, int32_t count)
+{
+    RowStep steps[kPieceLength + 1];
+    while (count > 0) {
+        const int32_t length = count < kPieceLength ? count : kPieceLength;
+        const Fixed uStep = walk.u.step();
+        Fixed u = walk.u.indexPosition();
+        const int32_t begin = fixFloor(u);
+        const int32_t end = fixFloor(u + uStep * (length - 1));
+        const int32_t first = begin < end ? begin : end;
+        const Pixel* upper = walk.row(walk.v.indexPosition()) + first;
+        const Pixel* lower = upper + walk.width();
+        U16x8 left = widenLow(U32x4{upper[0], lower[0], 0, 0});
+        for (int32_t i = 0, steps_ = begin < end ? end - begin : begin - end; i <= steps_; ++i) {
+            const U16x8 right = widenLow(U32x4{upper[i + 1], lower[i + 1], 0, 0});
+            steps[i] = RowStep::between(left, right);
+            left = right;
+        }
+        u -= fixFromInt(first);
+        mixPixels(walk, out, length, [&]() -> const RowStep& {
+            const RowStep& step = steps[fixFloor(u)];
+            u += uStep;
+            return step;
+        });
+        walk.advance(length);
+        out += length;
+        count -= length;
+    }
+}
+
+// The texels before and after a position, both the outermost one beyond the image.
+void tapsOf(const TexelAxis& axis, int64_t (&taps)[2])
+{
+    const int32_t texel = axis.texel();
+    const int32_t last = axis.size() - 1;
+    taps[0] = axis.indexOffset() + (texel < 0 ? 0 : texel < last ? texel : last);
+    taps[1] = taps[0] + (texel >= 0 && texel < last ? 1 : 0);
+}
+
+void sampleBilinear(PatternWalk walk, bool inside, Pixel* out, uint32_t*, int32_t count)
+{
+    if (!inside) {
+        PatternWalk at = walk;
+        mixPixels(walk, out, count, [&] {
+            int64_t x[2];
+            int64_t y[2];
+            tapsOf(at.u, x);
+            tapsOf(at.v, y);
+            const Pixel texels[4] = {at.texelAt(x[0], y[0]), at.texelAt(x[1], y[0]),
+                                     at.texelAt(x[0], y[1]), at.texelAt(x[1], y[1])};
+            at.advance(1);
+            return RowStep::at(texels, 2);
+        });
+        return;
+    }
+    const Fixed uStep = walk.u.step();
+    const Fixed vStep = walk.v.step();
+    if (vStep == 0 && magnitudeOf(uStep) <= kFixedOne && count > kFewPixels)
+        return magnifyRows(walk, out, count);
+    Fixed u = walk.u.indexPosition();
+    Fixed v = walk.v.indexPosition();
+    mixPixels(walk, out, count, [&] {
+        const RowStep step = RowStep::at(walk.row(v) + fixFloor(u), walk.width());
+        u = wrapAdd(u, uStep);
+        v = wrapAdd(v, vStep);
+        return step;
+    });
+}
+
+constexpr PatternFilter kBilinear = {0, 1, sampleBilinear, weighByAlpha};
+
+PatternWalk walkOf(const MMContext2D& context)
+{
+    return PatternWalk(context.currentPaint, context.spanStart, fixFromInt(context.spanRow));
+}
 
 } // namespace
 
 void MMContext2D::drawBiLinPatternStrip()
 {
-    BilinearFilter filter(*this);
-    if (filter.walk.isEmpty()) return;
-    filter.out = spanFirstPixel(*this);
-    walkPattern(filter, spanLength(*this));
+    drawPattern(*this, walkOf(*this), kBilinear);
 }
 
 void MMContext2D::drawBiLinPatternTStrip()
 {
-    BilinearFilter filter(*this);
-    if (!filter.walk.isEmpty()) drawByAlpha(*this, filter);
+    drawTranslucentPattern(*this, walkOf(*this), kBilinear);
 }
 
 } // namespace Graphics2D

@@ -94,7 +94,7 @@ public:
             }
             weight = nextWeight;
             nextWeight = wrapAdd(nextWeight, weightStep);
-            run_.drawPiece(piece.colours, piece.weights, length);
+            run_.drawPiece(piece, length);
             done += length;
         }
         run_.coverage.advance(count);

@@ -8,92 +8,85 @@ namespace Graphics2D {
 
 namespace {
 
-// From the index to the nearest texel within the axis.
-int32_t clampOffset(const TexelAxis& axis)
+// One texel per pixel, or so little less that the run stays on consecutive texels: an inverted
+// identity comes out as 0xFFFF. False when the texels do not follow each other.
+bool isRowCopy(const PatternWalk& walk, int32_t count)
 {
-    const int32_t texel = axis.texel();
-    if (texel < 0) return -texel;
-    if (texel >= axis.size() - 1) return axis.size() - texel - 1;
-    return 0;
+    if (walk.v.step() != 0) return false;
+    const Fixed step = walk.u.step();
+    if (step != kFixedOne && step != kFixedOne - 1) return false;
+    const uint32_t shortfall =
+        static_cast<uint32_t>(kFixedOne - step) * static_cast<uint32_t>(count - 1);
+    return shortfall <= walk.u.fraction();
 }
 
-struct NearestFilter {
-    static constexpr int32_t kBefore = 0;
-    static constexpr int32_t kAfter = 0;
-
-    explicit NearestFilter(const MMContext2D& context)
-        : walk(context.currentPaint, wrapAdd(fixFromInt(fixFloor(context.spanStart)), kFixedHalf),
-               wrapAdd(fixFromInt(context.spanRow), kFixedHalf))
-    {
+// All texels from one row.
+void scaleRow(const PatternWalk& walk, Pixel* out, int32_t count)
+{
+    const Pixel* row = walk.row(walk.v.indexPosition());
+    const Fixed step = walk.u.step();
+    Fixed u = walk.u.indexPosition();
+    for (; count >= 4; count -= 4, out += 4) {
+        const Pixel first = row[fixFloor(u)];
+        const Pixel second = row[fixFloor(wrapAdd(u, step))];
+        u = wrapAdd(u, wrapAdd(step, step));
+        const Pixel third = row[fixFloor(u)];
+        const Pixel fourth = row[fixFloor(wrapAdd(u, step))];
+        u = wrapAdd(u, wrapAdd(step, step));
+        store4(out, U32x4{first, second, third, fourth});
     }
+    for (; count > 0; --count, u = wrapAdd(u, step))
+        *out++ = row[fixFloor(u)];
+}
 
-    void writeOne(int32_t i)
-    {
-        out[i] = walk.texelAt(int64_t{walk.u.index()} + clampOffset(walk.u),
-                              int64_t{walk.v.index()} + clampOffset(walk.v));
+// The nearest texel within the axis.
+int64_t clamped(const TexelAxis& axis)
+{
+    const int32_t texel = axis.texel();
+    const int32_t last = axis.size() - 1;
+    return axis.indexOffset() + (texel < 0 ? 0 : texel < last ? texel : last);
+}
+
+void sampleNearest(PatternWalk walk, bool inside, Pixel* out, uint32_t*, int32_t count)
+{
+    if (!inside) {
+        for (int32_t i = 0; i < count; ++i, walk.advance(1))
+            out[i] = walk.texelAt(clamped(walk.u), clamped(walk.v));
+        return;
     }
-
-    void writeInside(InsideWalk at, int32_t first, int32_t count)
-    {
-        Pixel* to = out + first;
-        if (at.vStep == 0 && copyRow(at, to, count)) return;
-        if (at.vStep == 0) return scaleRow(at, to, count);
-        for (int32_t i = 0; i < count; ++i) {
-            to[i] = *at.texel();
-            at.advance();
-        }
+    Fixed u = walk.u.indexPosition();
+    Fixed v = walk.v.indexPosition();
+    if (isRowCopy(walk, count)) {
+        std::memcpy(out, walk.row(v) + fixFloor(u), static_cast<size_t>(count) * sizeof(Pixel));
+        return;
     }
-
-    PatternWalk walk;
-    Pixel* out = nullptr;
-
-private:
-    // One texel per pixel, or so little less that the run stays on consecutive texels: an inverted
-    // identity comes out as 0xFFFF. False when the texels do not follow each other.
-    static bool copyRow(const InsideWalk& at, Pixel* to, int32_t count)
-    {
-        if (at.uStep != kFixedOne && at.uStep != kFixedOne - 1) return false;
-        const uint32_t shortfall =
-            static_cast<uint32_t>(kFixedOne - at.uStep) * static_cast<uint32_t>(count - 1);
-        if (shortfall > fixFraction(at.u)) return false;
-        std::memcpy(to, at.texel(), static_cast<size_t>(count) * sizeof(Pixel));
-        return true;
+    if (walk.v.step() == 0) return scaleRow(walk, out, count);
+    for (int32_t i = 0; i < count; ++i) {
+        out[i] = walk.row(v)[fixFloor(u)];
+        u = wrapAdd(u, walk.u.step());
+        v = wrapAdd(v, walk.v.step());
     }
+}
 
-    // All texels from one row.
-    static void scaleRow(const InsideWalk& at, Pixel* to, int32_t count)
-    {
-        Fixed u = wrapAdd(at.u, at.uBias);
-        const Pixel* row = at.texel() - fixFloor(u);
-        const auto next = [&] {
-            const Pixel texel = row[fixFloor(u)];
-            u = wrapAdd(u, at.uStep);
-            return texel;
-        };
-        int32_t i = 0;
-        for (; i + 4 <= count; i += 4) {
-            const U32x4 texels = {next(), next(), next(), next()};
-            store4(to + i, texels);
-        }
-        for (; i < count; ++i)
-            to[i] = next();
-    }
-};
+constexpr PatternFilter kNearest = {0, 0, sampleNearest, weighByAlpha};
+
+PatternWalk walkOf(const MMContext2D& context)
+{
+    return PatternWalk(context.currentPaint,
+                       wrapAdd(fixFromInt(fixFloor(context.spanStart)), kFixedHalf),
+                       wrapAdd(fixFromInt(context.spanRow), kFixedHalf));
+}
 
 } // namespace
 
 void MMContext2D::drawPatternStrip()
 {
-    NearestFilter filter(*this);
-    if (filter.walk.isEmpty()) return;
-    filter.out = spanFirstPixel(*this);
-    walkPattern(filter, spanLength(*this));
+    drawPattern(*this, walkOf(*this), kNearest);
 }
 
 void MMContext2D::drawPatternTStrip()
 {
-    NearestFilter filter(*this);
-    if (!filter.walk.isEmpty()) drawByAlpha(*this, filter);
+    drawTranslucentPattern(*this, walkOf(*this), kNearest);
 }
 
 } // namespace Graphics2D

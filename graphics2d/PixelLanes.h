@@ -22,6 +22,7 @@ typedef uint16_t U16x8 __attribute__((vector_size(16)));
 typedef int16_t I16x8 __attribute__((vector_size(16)));
 typedef uint32_t U32x4 __attribute__((vector_size(16)));
 typedef int32_t I32x4 __attribute__((vector_size(16)));
+typedef uint64_t U64x2 __attribute__((vector_size(16)));
 
 inline U32x4 load4(const uint32_t* from)
 {
@@ -33,7 +34,6 @@ inline U32x4 load4(const uint32_t* from)
 // Two pixels from each of two places.
 inline U32x4 load2And2(const uint32_t* first, const uint32_t* second)
 {
-    typedef uint64_t U64x2 __attribute__((vector_size(16)));
     U64x2 pairs;
     uint64_t pair;
     std::memcpy(&pair, first, sizeof pair);
@@ -51,6 +51,11 @@ inline void store4(uint32_t* to, U32x4 lanes)
 inline U32x4 all4(uint32_t v)
 {
     return U32x4{v, v, v, v};
+}
+
+inline U16x8 all8(uint32_t v)
+{
+    return (U16x8)all4((v & 0xFFFFu) * 0x00010001u);
 }
 
 // The values of first + k * step for k = 0 to 3, modulo 2^32.
@@ -84,6 +89,17 @@ inline U32x4 zipHighBytes(U32x4 a, U32x4 b)
 {
     return (U32x4)__builtin_shufflevector((U8x16)a, (U8x16)b, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28,
                                           13, 29, 14, 30, 15, 31);
+}
+
+// The lower or upper four lanes of each operand in turn.
+inline U32x4 zipLow(U16x8 a, U16x8 b)
+{
+    return (U32x4)__builtin_shufflevector(a, b, 0, 8, 1, 9, 2, 10, 3, 11);
+}
+
+inline U32x4 zipHigh(U16x8 a, U16x8 b)
+{
+    return (U32x4)__builtin_shufflevector(a, b, 4, 12, 5, 13, 6, 14, 7, 15);
 }
 
 // The upper halves of the products.
@@ -122,14 +138,37 @@ inline U32x4 narrowHighBytes(U16x8 low, U16x8 high)
 #endif
 }
 
+// Four opaque pixels from bits 16 to 23 of the lanes of each of four vectors of channels: blue,
+// green, red and one that is not used.
+inline U32x4 packChannels(U32x4 a, U32x4 b, U32x4 c, U32x4 d)
+{
+#if defined(__SSE2__)
+    const __m128i low = _mm_packs_epi32((__m128i)(a << 8 >> 24), (__m128i)(b << 8 >> 24));
+    const __m128i high = _mm_packs_epi32((__m128i)(c << 8 >> 24), (__m128i)(d << 8 >> 24));
+    const U32x4 pixels = (U32x4)_mm_packus_epi16(low, high);
+#else
+    const U8x16 low = __builtin_shufflevector((U8x16)a, (U8x16)b, 2, 6, 10, 14, 18, 22, 26, 30, 2,
+                                              6, 10, 14, 18, 22, 26, 30);
+    const U8x16 high = __builtin_shufflevector((U8x16)c, (U8x16)d, 2, 6, 10, 14, 18, 22, 26, 30, 2,
+                                               6, 10, 14, 18, 22, 26, 30);
+    const U32x4 pixels = (U32x4)__builtin_shufflevector((U32x4)low, (U32x4)high, 0, 1, 4, 5);
+#endif
+    return pixels | 0xFF000000u;
+}
+
+// What a weight of 256 would move eight channels by: the difference, one higher above 128.
+inline U16x8 raisedDifference(U16x8 from, U16x8 to)
+{
+    const I16x8 difference = (I16x8)(to - from);
+    return (U16x8)(difference - (I16x8)(difference > 128)); // a true comparison is -1
+}
+
 // Moves eight channels by weight / 256; the results are the high bytes. This is blendChannel times
-// 256: with d' the difference, one higher above 128, from * 256 + d' * weight lies between 0 and
-// 65535, so 16 bits that wrap on the way hold it exactly.
+// 256: with d' the raised difference, from * 256 + d' * weight lies between 0 and 65535, so 16 bits
+// that wrap on the way hold it exactly.
 inline U16x8 moveToward(U16x8 from, U16x8 to, U16x8 weight)
 {
-    I16x8 difference = (I16x8)(to - from);
-    difference -= (I16x8)(difference > 128); // a true comparison is -1
-    return (from << 8) + (U16x8)difference * weight;
+    return (from << 8) + raisedDifference(from, to) * weight;
 }
 
 // blendPixel for four pixels; the weights are 0 to 255.

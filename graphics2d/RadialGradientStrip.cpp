@@ -51,7 +51,7 @@ public:
                                       : gradientWeight(run_.coverage.current(), alphas_[i]);
             run_.coverage.advance(1);
         }
-        run_.drawPiece(piece_.colours, piece_.weights, length_);
+        run_.drawPiece(piece_, length_);
         length_ = 0;
     }
 

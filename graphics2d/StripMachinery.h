@@ -162,6 +162,8 @@ public:
 
     // All pixels have the current coverage.
     bool isFlat() const { return step_ == 0 && next_ == current_; }
+    // And it is 0 to 255 without a fraction.
+    bool isFlatAndWhole() const { return isFlat() && (current_ & ~0x00FF0000) == 0; }
 
     void restartAt(Coverage coverage) { current_ = coverage; }
 
@@ -184,81 +186,25 @@ private:
 // last row does the pixel read itself.
 class TranslucentRun {
 public:
-    explicit TranslucentRun(MMContext2D& context)
-        : coverage(context), context_(context), pixels_(spanFirstPixel(context))
-    {
-        const MMPixmap& target = context.target;
-        const uint32_t lastRow = target.height != 0 ? target.height - 1u : 0u;
-        targetEnd_ = reinterpret_cast<uintptr_t>(target.pixels) +
-                     static_cast<uintptr_t>(lastRow) * target.rowBytes +
-                     static_cast<uintptr_t>(target.width) * sizeof(Pixel);
-    }
+    explicit TranslucentRun(MMContext2D& context);
     ~TranslucentRun() { context_.spanCoverageNext = coverage.next(); }
     TranslucentRun(const TranslucentRun&) = delete;
     TranslucentRun& operator=(const TranslucentRun&) = delete;
 
     // True once when the span has a tail pixel, whose coverage is then the current one.
-    bool takeTail()
-    {
-        if (context_.spanTailCoverage <= 0) return false;
-        coverage.restartAt(context_.spanTailCoverage);
-        context_.spanTailCoverage = 0;
-        return true;
-    }
+    bool takeTail();
 
     // Blends count pixels of one colour and its own alpha, by the gradients' weight.
-    void drawColour(Pixel colour, int32_t count)
-    {
-        const int32_t alpha = alphaOf(colour);
-        if (coverage.isFlat()) {
-            drawFlat(colour, gradientWeight(coverage.current(), alpha), count);
-            coverage.advance(count);
-            return;
-        }
-        for (int32_t i = 0; i < count; ++i) {
-            drawFlat(colour, gradientWeight(coverage.current(), alpha), 1);
-            coverage.advance(1);
-        }
-    }
+    void drawColour(Pixel colour, int32_t count);
 
     // Blends the first count pixels of a piece. The coverage is the caller's to advance.
-    void drawPiece(const Pixel* colours, const uint32_t* weights, int32_t count)
-    {
-        const int32_t pairs = pixelsWithNeighbour(count);
-        int32_t i = 0;
-        for (; i + 4 <= pairs; i += 4)
-            store4(pixels_ + i,
-                   blend4(load4(pixels_ + i + 1), load4(colours + i), load4(weights + i)));
-        for (; i < pairs; ++i)
-            pixels_[i] = blendPixel(pixels_[i + 1], colours[i], weights[i]);
-        for (; i < count; ++i)
-            pixels_[i] = blendPixel(pixels_[i], colours[i], weights[i]);
-        pixels_ += count;
-    }
+    void drawPiece(const PaintPiece& piece, int32_t count);
 
     CoverageSequence coverage;
 
 private:
-    void drawFlat(Pixel colour, uint32_t weight, int32_t count)
-    {
-        const int32_t pairs = pixelsWithNeighbour(count);
-        int32_t i = 0;
-        if (pairs >= 4)
-            for (const FlatBlend blend(colour, weight); i + 4 <= pairs; i += 4)
-                store4(pixels_ + i, blend(load4(pixels_ + i + 1)));
-        for (; i < pairs; ++i)
-            pixels_[i] = blendPixel(pixels_[i + 1], colour, weight);
-        for (; i < count; ++i)
-            pixels_[i] = blendPixel(pixels_[i], colour, weight);
-        pixels_ += count;
-    }
-
-    // count, or one less when the neighbour of the last pixel lies past the target.
-    int32_t pixelsWithNeighbour(int32_t count) const
-    {
-        const bool atEnd = reinterpret_cast<uintptr_t>(pixels_ + count) == targetEnd_;
-        return atEnd && count > 0 ? count - 1 : count;
-    }
+    void drawFlat(Pixel colour, uint32_t weight, int32_t count);
+    int32_t pixelsWithNeighbour(int32_t count) const;
 
     MMContext2D& context_;
     Pixel* pixels_;

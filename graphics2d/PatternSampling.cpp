@@ -1,0 +1,106 @@
+// The walk of a span through the pattern image.
+#include "graphics2d/PatternSampling.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+namespace {
+
+MMPoint2D mapped(const Matrix2D& transform, Fixed x, Fixed y)
+{
+    MMPoint2D point = {x, y};
+    transform.transform(&point, &point, 1);
+    return point;
+}
+
+uint32_t patternWeight(Coverage opacity, uint32_t alpha)
+{
+    const uint32_t product = (static_cast<uint32_t>(opacity) * alpha) >> 8;
+    const uint32_t weight = (product + 0x8000) >> 16;
+    return (product >= 0x007F8000u ? weight + 1 : weight) & 0xFFu;
+}
+
+// Weights for pixels of one whole opacity, 0 to 255; returns how many it did, a multiple of four.
+int32_t weighFours(PaintPiece& piece, uint32_t opacity, int32_t count)
+{
+    int32_t i = 0;
+    for (; i + 4 <= count; i += 4) {
+        // Eight 16-bit products, of which the odd ones are 0. They are the exact weight times 256,
+        // and reach 0x7F80 just when the rounded weight reaches 128.
+        const U32x4 alpha = load4(piece.colours + i) >> 24;
+        const U32x4 weight = ((U32x4)((U16x8)alpha * (U16x8)all4(opacity)) + 0x80) >> 8;
+        store4(piece.weights + i, weight + (weight >> 7));
+    }
+    return i;
+}
+
+// Samples count pixels: in long runs inside the image, in short ones where tap offsets are needed.
+void sample(PatternWalk& walk, const PatternFilter& filter, Pixel* colours, uint32_t* alphas,
+            int32_t count)
+{
+    while (count > 0) {
+        int32_t length = walk.u.pixelsInside(filter.before, filter.after, count);
+        if (length > 0) length = walk.v.pixelsInside(filter.before, filter.after, length);
+        const bool inside = length > 0;
+        if (!inside) length = count < kFewPixels ? count : kFewPixels;
+        filter.sample(walk, inside, colours, alphas, length);
+        walk.advance(length);
+        colours += length;
+        if (alphas != nullptr) alphas += length;
+        count -= length;
+    }
+}
+
+} // namespace
+
+PatternWalk::PatternWalk(const MMPaint& paint, Fixed x, Fixed y)
+    : PatternWalk(paint, mapped(paint.patternTransform, x, y))
+{
+}
+
+PatternWalk::PatternWalk(const MMPaint& paint, MMPoint2D start)
+    : u(start.x, paint.patternTransform.a, paint.patternImage.width),
+      v(start.y, paint.patternTransform.b, paint.patternImage.height),
+      pixels_(paint.patternImage.pixels)
+{
+}
+
+void weighByAlpha(PaintPiece& piece, CoverageSequence& coverage, int32_t count)
+{
+    int32_t i = 0;
+    if (coverage.isFlatAndWhole()) {
+        i = weighFours(piece, static_cast<uint32_t>(fixFloor(coverage.current())), count);
+        coverage.advance(i);
+    }
+    for (; i < count; ++i) {
+        piece.weights[i] = patternWeight(coverage.current(), piece.colours[i] >> 24);
+        coverage.advance(1);
+    }
+}
+
+void drawPattern(const MMContext2D& context, PatternWalk walk, const PatternFilter& filter)
+{
+    if (walk.isEmpty()) return;
+    sample(walk, filter, spanFirstPixel(context), nullptr, spanLength(context));
+}
+
+void drawTranslucentPattern(MMContext2D& context, PatternWalk walk, const PatternFilter& filter)
+{
+    if (walk.isEmpty()) return;
+    TranslucentRun run(context);
+    PaintPiece piece;
+    int32_t count = spanLength(context);
+    do {
+        while (count > 0) {
+            const int32_t length = count < kPieceLength ? count : kPieceLength;
+            sample(walk, filter, piece.colours, piece.weights, length);
+            filter.weigh(piece, run.coverage, length);
+            run.drawPiece(piece, length);
+            count -= length;
+        }
+        count = 1;
+    } while (run.takeTail());
+}
+
+} // namespace Graphics2D
+} // namespace KAVO

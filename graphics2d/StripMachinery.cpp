@@ -1,0 +1,68 @@
+// What the translucent strip fillers share.
+#include "graphics2d/StripMachinery.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+TranslucentRun::TranslucentRun(MMContext2D& context)
+    : coverage(context), context_(context), pixels_(spanFirstPixel(context))
+{
+    const MMPixmap& target = context.target;
+    const uint32_t lastRow = target.height != 0 ? target.height - 1u : 0u;
+    targetEnd_ = reinterpret_cast<uintptr_t>(target.pixels) +
+                 static_cast<uintptr_t>(lastRow) * target.rowBytes +
+                 static_cast<uintptr_t>(target.width) * sizeof(Pixel);
+}
+
+bool TranslucentRun::takeTail()
+{
+    if (context_.spanTailCoverage <= 0) return false;
+    coverage.restartAt(context_.spanTailCoverage);
+    context_.spanTailCoverage = 0;
+    return true;
+}
+
+void TranslucentRun::drawColour(Pixel colour, int32_t count)
+{
+    const int32_t alpha = alphaOf(colour);
+    while (count > 0) {
+        const int32_t length = coverage.isFlat() ? count : 1;
+        drawFlat(colour, gradientWeight(coverage.current(), alpha), length);
+        coverage.advance(length);
+        count -= length;
+    }
+}
+
+void TranslucentRun::drawPiece(const PaintPiece& piece, int32_t count)
+{
+    const int32_t pairs = pixelsWithNeighbour(count);
+    int32_t i = 0;
+    for (; i + 4 <= pairs; i += 4)
+        store4(pixels_ + i,
+               blend4(load4(pixels_ + i + 1), load4(piece.colours + i), load4(piece.weights + i)));
+    for (; i < count; ++i)
+        pixels_[i] = blendPixel(pixels_[i < pairs ? i + 1 : i], piece.colours[i], piece.weights[i]);
+    pixels_ += count;
+}
+
+void TranslucentRun::drawFlat(Pixel colour, uint32_t weight, int32_t count)
+{
+    const int32_t pairs = pixelsWithNeighbour(count);
+    int32_t i = 0;
+    if (pairs >= 4)
+        for (const FlatBlend blend(colour, weight); i + 4 <= pairs; i += 4)
+            store4(pixels_ + i, blend(load4(pixels_ + i + 1)));
+    for (; i < count; ++i)
+        pixels_[i] = blendPixel(pixels_[i < pairs ? i + 1 : i], colour, weight);
+    pixels_ += count;
+}
+
+// count, or one less when the neighbour of the last pixel lies past the target.
+int32_t TranslucentRun::pixelsWithNeighbour(int32_t count) const
+{
+    const bool atEnd = reinterpret_cast<uintptr_t>(pixels_ + count) == targetEnd_;
+    return atEnd && count > 0 ? count - 1 : count;
+}
+
+} // namespace Graphics2D
+} // namespace KAVO
