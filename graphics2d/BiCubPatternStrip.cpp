@@ -203,20 +203,17 @@ void magnifyRows(PatternWalk walk, Pixel* colours, uint32_t* alphas, int32_t cou
     Column columns[kPieceLength + 8];
     while (count > 0) {
         const int32_t length = count < kPieceLength ? count : kPieceLength;
-        const Fixed uStep = walk.u.step();
-        Fixed u = walk.u.indexPosition();
-        const int32_t begin = fixFloor(u);
-        const int32_t end = fixFloor(u + uStep * (length - 1));
-        const int32_t first = begin < end ? begin : end;
-        const int32_t last = begin < end ? end : begin;
-        const Pixel* texels = walk.row(walk.v.indexPosition()) - walk.width() - 1 + first;
-        for (int32_t i = 0; i < last - first; i += 4)
+        const TexelRange range(walk.u, length);
+        const Pixel* texels = walk.row(walk.v.indexPosition()) - walk.width() - 1 + range.first;
+        for (int32_t i = 0; i < range.count - 1; i += 4)
             loadColumns(texels + i, walk.width(), columns + i);
-        loadColumns(texels + last - first, walk.width(), columns + last - first);
-        u -= fixFromInt(first);
+        const int32_t last = range.count - 1;
+        loadColumns(texels + last, walk.width(), columns + last);
+        Fixed u = range.start;
+        const Fixed uStep = walk.u.step();
         sumPixels(walk, colours, alphas, length, [&] {
             const Column* at = columns + fixFloor(u);
-            u += uStep;
+            u = wrapAdd(u, uStep);
             return at;
         });
         walk.advance(length);
@@ -226,7 +223,8 @@ void magnifyRows(PatternWalk walk, Pixel* colours, uint32_t* alphas, int32_t cou
     }
 }
 
-void sampleBicubic(PatternWalk walk, bool inside, Pixel* colours, uint32_t* alphas, int32_t count)
+void sampleBicubic(const PatternWalk& walk, bool inside, Pixel* colours, uint32_t* alphas,
+                   int32_t count)
 {
     if (inside && walk.v.step() == 0 && magnitudeOf(walk.u.step()) <= kFixedOne &&
         count > kFewPixels)
@@ -272,12 +270,14 @@ PatternWalk walkOf(const MMContext2D& context)
 
 void MMContext2D::drawBiCubPatternStrip()
 {
-    drawPattern(*this, walkOf(*this), kBicubic);
+    PatternWalk walk = walkOf(*this);
+    drawPattern(*this, walk, kBicubic);
 }
 
 void MMContext2D::drawBiCubPatternTStrip()
 {
-    drawTranslucentPattern(*this, walkOf(*this), kBicubic);
+    PatternWalk walk = walkOf(*this);
+    drawTranslucentPattern(*this, walk, kBicubic);
 }
 
 } // namespace Graphics2D

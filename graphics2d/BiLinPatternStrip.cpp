@@ -31,61 +31,105 @@ struct RowStep {
     U16x8 mixed(U16x8 fraction) const { return (from + change * (fraction >> 8)) >> 8; }
 };
 
-// Interpolates count pixels, two at a time; next() gives the RowStep of one after the other.
-template <class Next>
-inline void mixPixels(const PatternWalk& walk, Pixel* out, int32_t count, Next next)
+// Two pixels between the upper and the lower row; the results are the high bytes.
+inline U16x8 mixedRows(U16x8 first, U16x8 second, U16x8 fraction)
 {
-    const U16x8 uStep = all8(fixFraction(walk.u.step()));
-    U16x8 u = all8(walk.u.fraction());
-    // The first pixel in the lower lanes, the second in the upper ones.
-    const uint32_t step = fixFraction(walk.v.step());
-    const U16x8 vStep = all8(2 * step);
-    U16x8 v = all8(walk.v.fraction()) + (U16x8)U32x4{0, 0, step * 0x00010001u, step * 0x00010001u};
-    while (count > 0) {
-        const U16x8 first = next().mixed(u);
-        u += uStep;
-        const U16x8 second = count > 1 ? next().mixed(u) : first;
-        u += uStep;
-        const U16x8 upper = __builtin_shufflevector(first, second, 0, 1, 2, 3, 8, 9, 10, 11);
-        const U16x8 lower = __builtin_shufflevector(first, second, 4, 5, 6, 7, 12, 13, 14, 15);
-        const U16x8 result = moveToward(upper, lower, v >> 8);
-        v += vStep;
-        const U32x4 pixels = narrowHighBytes(result, result);
-        if (count == 1) {
-            *out = pixels[0];
-            return;
-        }
-        std::memcpy(out, &pixels, 2 * sizeof(Pixel));
-        out += 2;
-        count -= 2;
+    const U16x8 upper = __builtin_shufflevector(first, second, 0, 1, 2, 3, 8, 9, 10, 11);
+    const U16x8 lower = __builtin_shufflevector(first, second, 4, 5, 6, 7, 12, 13, 14, 15);
+    return moveToward(upper, lower, fraction >> 8);
+}
+
+// The fractions of two pixels, the first in the lower lanes.
+inline U16x8 fractionsOfTwo(const TexelAxis& axis)
+{
+    const uint32_t step = fixFraction(axis.step()) * 0x00010001u;
+    return all8(axis.fraction()) + (U16x8)U32x4{0, 0, step, step};
+}
+
+// Interpolates count pixels, four at a time and at least four. texels.next() gives the RowStep of
+// one after the other, texels.goBack(pixels) returns to earlier ones. v are the fractions of two
+// pixels, vStep that of one.
+template <class Texels>
+inline void mixPixels(const TexelAxis& axis, Texels texels, U16x8 v, U16x8 vStep, Pixel* out,
+                      int32_t count)
+{
+    const U16x8 uStep = all8(fixFraction(axis.step()));
+    U16x8 u = all8(axis.fraction());
+    while (true) {
+        U16x8 rows[4];
+        for (int i = 0; i < 4; ++i, u += uStep)
+            rows[i] = texels.next().mixed(u);
+        const U16x8 firstTwo = mixedRows(rows[0], rows[1], v);
+        const U16x8 lastTwo = mixedRows(rows[2], rows[3], v + vStep + vStep);
+        store4(out, narrowHighBytes(firstTwo, lastTwo));
+        v += 4 * vStep;
+        out += 4;
+        count -= 4;
+        if (count <= 0) return;
+        if (count >= 4) continue;
+        // Up to three are left: they are drawn with those before them, once more.
+        const int32_t again = 4 - count;
+        texels.goBack(again);
+        u -= uStep * static_cast<uint16_t>(again);
+        v -= vStep * static_cast<uint16_t>(again);
+        out -= again;
+        count = 4;
     }
 }
+
+// Anywhere inside the image.
+struct TexelsInside {
+    const PatternWalk& walk;
+    Fixed u;
+    Fixed v;
+
+    RowStep next()
+    {
+        const Pixel* texel = walk.row(v) + fixFloor(u);
+        u = wrapAdd(u, walk.u.step());
+        v = wrapAdd(v, walk.v.step());
+        return RowStep::at(texel, walk.width());
+    }
+    void goBack(int32_t pixels)
+    {
+        u = wrapSub(u, walk.u.step() * pixels);
+        v = wrapSub(v, walk.v.step() * pixels);
+    }
+};
+
+// From two rows that steps were prepared of.
+struct PreparedTexels {
+    const RowStep* steps;
+    Fixed u;
+    Fixed uStep;
+
+    const RowStep& next()
+    {
+        const RowStep& step = steps[fixFloor(u)];
+        u = wrapAdd(u, uStep);
+        return step;
+    }
+    void goBack(int32_t pixels) { u = wrapSub(u, uStep * pixels); }
+};
 
 // Texels from two rows, and no more of them than pixels: each is prepared once.
 void magnifyRows(PatternWalk walk, Pixel* out, int32_t count)
 {
     RowStep steps[kPieceLength + 1];
     while (count > 0) {
-        const int32_t length = count < kPieceLength ? count : kPieceLength;
-        const Fixed uStep = walk.u.step();
-        Fixed u = walk.u.indexPosition();
-        const int32_t begin = fixFloor(u);
-        const int32_t end = fixFloor(u + uStep * (length - 1));
-        const int32_t first = begin < end ? begin : end;
-        const Pixel* upper = walk.row(walk.v.indexPosition()) + first;
+        // In pieces that leave no less than four pixels to the last.
+        const int32_t length = count < kPieceLength + 4 ? count : kPieceLength - 4;
+        const TexelRange range(walk.u, length);
+        const Pixel* upper = walk.row(walk.v.indexPosition()) + range.first;
         const Pixel* lower = upper + walk.width();
         U16x8 left = widenLow(U32x4{upper[0], lower[0], 0, 0});
-        for (int32_t i = 0, steps_ = begin < end ? end - begin : begin - end; i <= steps_; ++i) {
+        for (int32_t i = 0; i < range.count; ++i) {
             const U16x8 right = widenLow(U32x4{upper[i + 1], lower[i + 1], 0, 0});
             steps[i] = RowStep::between(left, right);
             left = right;
         }
-        u -= fixFromInt(first);
-        mixPixels(walk, out, length, [&]() -> const RowStep& {
-            const RowStep& step = steps[fixFloor(u)];
-            u += uStep;
-            return step;
-        });
+        const PreparedTexels texels = {steps, range.start, walk.u.step()};
+        mixPixels(walk.u, texels, all8(walk.v.fraction()), U16x8{}, out, length);
         walk.advance(length);
         out += length;
         count -= length;
@@ -101,34 +145,35 @@ void tapsOf(const TexelAxis& axis, int64_t (&taps)[2])
     taps[1] = taps[0] + (texel >= 0 && texel < last ? 1 : 0);
 }
 
-void sampleBilinear(PatternWalk walk, bool inside, Pixel* out, uint32_t*, int32_t count)
+// A few pixels anywhere.
+void sampleFew(PatternWalk walk, Pixel* out, int32_t count)
 {
-    if (!inside) {
-        PatternWalk at = walk;
-        mixPixels(walk, out, count, [&] {
-            int64_t x[2];
-            int64_t y[2];
-            tapsOf(at.u, x);
-            tapsOf(at.v, y);
-            const Pixel texels[4] = {at.texelAt(x[0], y[0]), at.texelAt(x[1], y[0]),
-                                     at.texelAt(x[0], y[1]), at.texelAt(x[1], y[1])};
-            at.advance(1);
-            return RowStep::at(texels, 2);
-        });
-        return;
+    RowStep steps[kFewPixels] = {};
+    Pixel pixels[kFewPixels];
+    const U16x8 v = fractionsOfTwo(walk.v);
+    const TexelAxis uAxis = walk.u;
+    for (int32_t i = 0; i < count; ++i) {
+        int64_t x[2];
+        int64_t y[2];
+        tapsOf(walk.u, x);
+        tapsOf(walk.v, y);
+        const Pixel texels[4] = {walk.texelAt(x[0], y[0]), walk.texelAt(x[1], y[0]),
+                                 walk.texelAt(x[0], y[1]), walk.texelAt(x[1], y[1])};
+        steps[i] = RowStep::at(texels, 2);
+        walk.advance(1);
     }
-    const Fixed uStep = walk.u.step();
-    const Fixed vStep = walk.v.step();
-    if (vStep == 0 && magnitudeOf(uStep) <= kFixedOne && count > kFewPixels)
+    const PreparedTexels texels = {steps, 0, kFixedOne};
+    mixPixels(uAxis, texels, v, all8(fixFraction(walk.v.step())), pixels, count <= 4 ? 4 : 8);
+    std::memcpy(out, pixels, static_cast<size_t>(count) * sizeof(Pixel));
+}
+
+void sampleBilinear(const PatternWalk& walk, bool inside, Pixel* out, uint32_t*, int32_t count)
+{
+    if (!inside || count < 4) return sampleFew(walk, out, count);
+    if (walk.v.step() == 0 && magnitudeOf(walk.u.step()) <= kFixedOne && count > kFewPixels)
         return magnifyRows(walk, out, count);
-    Fixed u = walk.u.indexPosition();
-    Fixed v = walk.v.indexPosition();
-    mixPixels(walk, out, count, [&] {
-        const RowStep step = RowStep::at(walk.row(v) + fixFloor(u), walk.width());
-        u = wrapAdd(u, uStep);
-        v = wrapAdd(v, vStep);
-        return step;
-    });
+    const TexelsInside texels = {walk, walk.u.indexPosition(), walk.v.indexPosition()};
+    mixPixels(walk.u, texels, fractionsOfTwo(walk.v), all8(fixFraction(walk.v.step())), out, count);
 }
 
 constexpr PatternFilter kBilinear = {0, 1, sampleBilinear, weighByAlpha};
@@ -142,12 +187,14 @@ PatternWalk walkOf(const MMContext2D& context)
 
 void MMContext2D::drawBiLinPatternStrip()
 {
-    drawPattern(*this, walkOf(*this), kBilinear);
+    PatternWalk walk = walkOf(*this);
+    drawPattern(*this, walk, kBilinear);
 }
 
 void MMContext2D::drawBiLinPatternTStrip()
 {
-    drawTranslucentPattern(*this, walkOf(*this), kBilinear);
+    PatternWalk walk = walkOf(*this);
+    drawTranslucentPattern(*this, walk, kBilinear);
 }
 
 } // namespace Graphics2D

@@ -6,10 +6,13 @@ namespace Graphics2D {
 
 namespace {
 
-MMPoint2D mapped(const Matrix2D& transform, Fixed x, Fixed y)
+MMPoint2D mapped(const Matrix2D& m, Fixed x, Fixed y)
 {
+    // Images at their own size are frequent: products with 1.0 and 0 are exact.
+    if (m.a == kFixedOne && m.d == kFixedOne && (m.b | m.c) == 0)
+        return {wrapAdd(x, m.e), wrapAdd(y, m.f)};
     MMPoint2D point = {x, y};
-    transform.transform(&point, &point, 1);
+    m.transform(&point, &point, 1);
     return point;
 }
 
@@ -78,13 +81,13 @@ void weighByAlpha(PaintPiece& piece, CoverageSequence& coverage, int32_t count)
     }
 }
 
-void drawPattern(const MMContext2D& context, PatternWalk walk, const PatternFilter& filter)
+void drawPattern(const MMContext2D& context, PatternWalk& walk, const PatternFilter& filter)
 {
     if (walk.isEmpty()) return;
     sample(walk, filter, spanFirstPixel(context), nullptr, spanLength(context));
 }
 
-void drawTranslucentPattern(MMContext2D& context, PatternWalk walk, const PatternFilter& filter)
+void drawTranslucentPattern(MMContext2D& context, PatternWalk& walk, const PatternFilter& filter)
 {
     if (walk.isEmpty()) return;
     TranslucentRun run(context);

@@ -46,10 +46,11 @@ public:
     {
         const int32_t reserve = step_ < 0 ? 1 : 0;
         const int32_t end = size_ - last - reserve;
-        const Fixed low = (first + reserve) << 16;
-        const Fixed high = end >= 0x8000 ? INT32_MAX : fixFromInt(end) - 1;
-        if (end <= 0 || distance_ < low || distance_ > high) return 0;
-        return stepsWithin(position(), step_, low, high, atMost);
+        const int64_t low = (first + reserve) << 16;
+        const int64_t high = end < 0x8000 ? int64_t{end} * kFixedOne - 1 : INT32_MAX;
+        if (distance_ < low || distance_ > high) return 0;
+        return stepsWithin(position(), step_, static_cast<Fixed>(low), static_cast<Fixed>(high),
+                           atMost);
     }
 
 private:
@@ -57,6 +58,23 @@ private:
     Fixed step_;
     int32_t size_; // texels
     Fixed bias_;   // of the index
+};
+
+// The texels that the next pixels of an axis point at; all of them inside the image.
+struct TexelRange {
+    int32_t first;
+    int32_t count;
+    Fixed start; // the index position from the first texel on
+
+    TexelRange(const TexelAxis& axis, int32_t pixels)
+    {
+        const Fixed begin = axis.indexPosition();
+        const int32_t texel = fixFloor(begin);
+        const int32_t lastTexel = fixFloor(begin + axis.step() * (pixels - 1));
+        first = texel < lastTexel ? texel : lastTexel;
+        count = (texel < lastTexel ? lastTexel - texel : texel - lastTexel) + 1;
+        start = begin - fixFromInt(first);
+    }
 };
 
 class PatternWalk {
@@ -108,7 +126,8 @@ struct PatternFilter {
     // Writes the colours of the next count pixels. Either all of them are inside the image, where
     // no tap offsets are needed, or they are at most kFewPixels that may be anywhere. alphas is
     // null for the opaque filler; filters whose colours have no alpha leave it there.
-    void (*sample)(PatternWalk walk, bool inside, Pixel* colours, uint32_t* alphas, int32_t count);
+    void (*sample)(const PatternWalk& walk, bool inside, Pixel* colours, uint32_t* alphas,
+                   int32_t count);
     // Turns colours and alphas into weights; moves the coverage on.
     void (*weigh)(PaintPiece& piece, CoverageSequence& coverage, int32_t count);
 };
@@ -120,8 +139,8 @@ constexpr int32_t kFewPixels = 8;
 void weighByAlpha(PaintPiece& piece, CoverageSequence& coverage, int32_t count);
 
 // The strip fillers.
-void drawPattern(const MMContext2D& context, PatternWalk walk, const PatternFilter& filter);
-void drawTranslucentPattern(MMContext2D& context, PatternWalk walk, const PatternFilter& filter);
+void drawPattern(const MMContext2D& context, PatternWalk& walk, const PatternFilter& filter);
+void drawTranslucentPattern(MMContext2D& context, PatternWalk& walk, const PatternFilter& filter);
 
 } // namespace Graphics2D
 } // namespace KAVO

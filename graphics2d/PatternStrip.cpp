@@ -47,11 +47,12 @@ int64_t clamped(const TexelAxis& axis)
     return axis.indexOffset() + (texel < 0 ? 0 : texel < last ? texel : last);
 }
 
-void sampleNearest(PatternWalk walk, bool inside, Pixel* out, uint32_t*, int32_t count)
+void sampleNearest(const PatternWalk& walk, bool inside, Pixel* out, uint32_t*, int32_t count)
 {
     if (!inside) {
-        for (int32_t i = 0; i < count; ++i, walk.advance(1))
-            out[i] = walk.texelAt(clamped(walk.u), clamped(walk.v));
+        PatternWalk at = walk;
+        for (int32_t i = 0; i < count; ++i, at.advance(1))
+            out[i] = at.texelAt(clamped(at.u), clamped(at.v));
         return;
     }
     Fixed u = walk.u.indexPosition();
@@ -81,12 +82,14 @@ PatternWalk walkOf(const MMContext2D& context)
 
 void MMContext2D::drawPatternStrip()
 {
-    drawPattern(*this, walkOf(*this), kNearest);
+    PatternWalk walk = walkOf(*this);
+    drawPattern(*this, walk, kNearest);
 }
 
 void MMContext2D::drawPatternTStrip()
 {
-    drawTranslucentPattern(*this, walkOf(*this), kNearest);
+    PatternWalk walk = walkOf(*this);
+    drawTranslucentPattern(*this, walk, kNearest);
 }
 
 } // namespace Graphics2D
