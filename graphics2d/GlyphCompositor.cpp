@@ -5,144 +5,107 @@
 #include "graphics2d/StripMachinery.h"
 #include "memory/ScratchArray.h"
 
+#include <algorithm>
+#include <cstring>
+
 namespace KAVO {
 namespace Graphics2D {
 
 namespace {
 
-constexpr uint32_t kRoundingBias = 0x81;
+constexpr int32_t kPiece = 8; // pixels composited at a time
 
-// a * b / 255 rounded, for bytes.
-constexpr uint32_t byteProduct(uint32_t a, uint32_t b)
+// a * b / 255 rounded, for lanes whose products are at most 255 * 255.
+inline U16x8 byteProduct(U16x8 a, U16x8 b)
 {
-    const uint32_t t = a * b + kRoundingBias;
-    return ((t + (t >> 8)) >> 8) & 0xFFu;
+    const U16x8 product = a * b + 0x81;
+    return (product + (product >> 8)) >> 8;
 }
 
-// Coverage of the next pixels of a glyph's row.
-class LevelReader {
-public:
-    LevelReader(const uint8_t* levels, bool startsLow, const uint32_t* coverageOfLevel)
-        : levels_(levels), low_(startsLow), coverageOfLevel_(coverageOfLevel)
-    {
-    }
+// How a paint's pixels go over their background through the glyph. The lanes are the channels of
+// two pixels, with each pixel's coverage on all of its channels; the results are the high bytes.
 
-    void read(uint32_t* coverage, int32_t count)
-    {
-        int32_t i = 0;
-        if (low_ && count > 0) {
-            coverage[i++] = coverageOfLevel_[*levels_++ & 15u];
-            low_ = false;
-        }
-        for (; i + 2 <= count; i += 2) {
-            const uint8_t pair = *levels_++;
-            coverage[i] = coverageOfLevel_[pair >> 4];
-            coverage[i + 1] = coverageOfLevel_[pair & 15u];
-        }
-        if (i < count) {
-            coverage[i] = coverageOfLevel_[*levels_ >> 4];
-            low_ = true;
-        }
-    }
-
-private:
-    const uint8_t* levels_;
-    bool low_;
-    const uint32_t* coverageOfLevel_;
-};
-
-// How a pixel of the paint goes over its background through the glyph.
 struct SolidBlend {
-    static U32x4 four(U32x4 background, U32x4 colour, U32x4 coverage)
+    static U16x8 two(U16x8 background, U16x8 colour, U16x8 coverage)
     {
-        return blend4(background, colour, coverage);
+        return moveToward(background, colour, coverage);
     }
 };
 
-// Eight channels times 0 to 255, where 255 stands for 256: the top bit of the channel counts twice.
+// Channels times 0 to 255, where 255 stands for 256: the top bit of the channel counts twice.
 inline U16x8 scaleChannels(U16x8 channels, U16x8 factor)
 {
     return ((channels + (channels >> 7)) * factor) >> 8;
 }
 
-inline U16x8 saturatedSum(U16x8 a, U16x8 b)
-{
-    const U16x8 sum = a + b;
-    const U16x8 over = (U16x8)(sum > 255);
-    return (sum | over) & 255;
-}
-
 // The paint's pixel scaled by the coverage, over the background scaled by what its alpha leaves.
+// Sums above 255 become 255.
 struct BufferBlend {
-    static U32x4 four(U32x4 background, U32x4 colour, U32x4 coverage)
+    static U16x8 two(U16x8 background, U16x8 colour, U16x8 coverage)
     {
-        const U32x4 product = (colour >> 24) * coverage + kRoundingBias;
-        const U32x4 rest = 255 - (((product + (product >> 8)) >> 8) & 0xFFu);
-        const U32x4 coverages = coverage | (coverage << 16);
-        const U32x4 rests = rest | (rest << 16);
-        const U16x8 low = saturatedSum(
-            scaleChannels(widenLow(colour),
-                          (U16x8)__builtin_shufflevector(coverages, coverages, 0, 0, 1, 1)),
-            scaleChannels(widenLow(background),
-                          (U16x8)__builtin_shufflevector(rests, rests, 0, 0, 1, 1)));
-        const U16x8 high = saturatedSum(
-            scaleChannels(widenHigh(colour),
-                          (U16x8)__builtin_shufflevector(coverages, coverages, 2, 2, 3, 3)),
-            scaleChannels(widenHigh(background),
-                          (U16x8)__builtin_shufflevector(rests, rests, 2, 2, 3, 3)));
-        return narrowHighBytes(low << 8, high << 8);
+        const U16x8 alpha = __builtin_shufflevector(colour, colour, 3, 3, 3, 3, 7, 7, 7, 7);
+        const U16x8 rest = 255 - byteProduct(alpha, coverage);
+        const U16x8 sum = scaleChannels(colour, coverage) + scaleChannels(background, rest);
+        return (sum | (U16x8)(sum > 255)) << 8;
     }
 };
 
-// Colours of a run of pixels.
-struct OneColour {
-    Pixel colour;
-    U32x4 four(int32_t) const { return all4(colour); }
-    Pixel one(int32_t) const { return colour; }
-};
-
-struct ColourRow {
-    const Pixel* colours;
-    U32x4 four(int32_t i) const { return load4(colours + i); }
-    Pixel one(int32_t i) const { return colours[i]; }
-};
-
+// coverages: of the four pixels, each twice.
 template <class Blend>
-inline Pixel blendOne(Pixel background, Pixel colour, uint32_t coverage)
+inline U32x4 blendFour(U32x4 background, U32x4 colour, U32x4 coverages)
 {
-    return Blend::four(all4(background), all4(colour), all4(coverage))[0];
+    const U16x8 first = (U16x8)__builtin_shufflevector(coverages, coverages, 0, 0, 1, 1);
+    const U16x8 last = (U16x8)__builtin_shufflevector(coverages, coverages, 2, 2, 3, 3);
+    return narrowHighBytes(Blend::two(widenLow(background), widenLow(colour), first),
+                           Blend::two(widenHigh(background), widenHigh(colour), last));
 }
 
-// Composites a row of count pixels. atEnd: there is no word behind the last one.
-template <class Blend, class Colours>
-void compositeRow(Pixel* pixels, const Colours& colours, LevelReader levels, int32_t count,
-                  bool atEnd)
+// Composites the first count of eight pixels, or all if count is greater. Reads all nine from
+// pixels on.
+template <class Blend>
+inline void compositePiece(Pixel* pixels, U32x4 firstColours, U32x4 lastColours, U16x8 coverage,
+                           int32_t count)
 {
-    uint32_t coverage[kPieceLength];
-    for (int32_t done = 0; done < count; done += kPieceLength) {
-        const int32_t piece = count - done < kPieceLength ? count - done : kPieceLength;
-        const int32_t pairs = atEnd && done + piece == count ? piece - 1 : piece;
-        levels.read(coverage, piece);
-        Pixel* out = pixels + done;
-        int32_t i = 0;
-        for (; i + 4 <= pairs; i += 4)
-            store4(out + i,
-                   Blend::four(load4(out + i + 1), colours.four(done + i), load4(coverage + i)));
-        for (; i < pairs; ++i)
-            out[i] = blendOne<Blend>(out[i + 1], colours.one(done + i), coverage[i]);
-        for (; i < piece; ++i)
-            out[i] = blendOne<Blend>(out[i], colours.one(done + i), coverage[i]);
+    U32x4 four = blendFour<Blend>(
+        load4(pixels + 1), firstColours,
+        (U32x4)__builtin_shufflevector(coverage, coverage, 0, 0, 1, 1, 2, 2, 3, 3));
+    if (count >= 4) {
+        const U32x4 last = blendFour<Blend>(
+            load4(pixels + 5), lastColours,
+            (U32x4)__builtin_shufflevector(coverage, coverage, 4, 4, 5, 5, 6, 6, 7, 7));
+        store4(pixels, four);
+        four = last;
+        pixels += 4;
+        if (count >= kPiece) {
+            store4(pixels, four);
+            return;
+        }
     }
+    if ((count & 2) != 0) {
+        std::memcpy(pixels, &four, 2 * sizeof *pixels);
+        four = __builtin_shufflevector(four, four, 2, 3, 2, 3);
+        pixels += 2;
+    }
+    if ((count & 1) != 0) *pixels = four[0];
 }
 
-int32_t larger(int32_t a, int32_t b)
+// The levels of eight pixels, 0 to 15, from bytes that hold the left of two pixels in the upper
+// half. Nothing is read from end on; what would lie there does not matter.
+inline U16x8 eightLevels(const uint8_t* bytes, const uint8_t* end, bool startsLow)
 {
-    return a > b ? a : b;
-}
-
-int32_t smaller(int32_t a, int32_t b)
-{
-    return a < b ? a : b;
+    uint64_t word = 0;
+    const ptrdiff_t available = end - bytes;
+    if (available > kPiece / 2) {
+        uint32_t most;
+        std::memcpy(&most, bytes, sizeof most);
+        word = uint64_t{bytes[4]} << 32 | most;
+    } else {
+        for (ptrdiff_t i = available; i-- > 0;)
+            word = word << 8 | bytes[i];
+    }
+    if (startsLow) word = (word & 0x0F0F0F0F0F0F0F0Fu) << 4 | (word >> 12 & 0x0F0F0F0F0F0F0F0Fu);
+    const U16x8 pairs = widenLow(U32x4{static_cast<uint32_t>(word), 0, 0, 0});
+    return __builtin_shufflevector(pairs >> 4, pairs & 15, 0, 8, 1, 9, 2, 10, 3, 11);
 }
 
 } // namespace
@@ -152,8 +115,14 @@ GlyphCompositor::GlyphCompositor(MMContext2D& context, const MMPaint& record)
 {
     context.currentPaint = record;
     context.spanStart = 0;
-    for (uint32_t level = 0; level < 16; ++level)
-        coverageOfLevel_[level] = byteProduct(record.paintOpacity, level * 17);
+    const MMPixmap& target = context.target;
+    if (target.pixels == nullptr) return;
+    left_ = std::max<int32_t>(context.clipLeft, 0);
+    top_ = std::max<int32_t>(context.clipTop, 0);
+    right_ = std::min<int32_t>(context.clipRight, target.width);
+    bottom_ = std::min<int32_t>(context.clipBottom, target.height);
+    rowPixels_ = target.width;
+    pixelsEnd_ = target.pixels + target.height * rowPixels_;
 }
 
 bool GlyphCompositor::isVisible() const
@@ -173,54 +142,55 @@ bool GlyphCompositor::isVisible() const
 void GlyphCompositor::draw(const FS_GrayMap& glyph, int32_t column, int32_t row)
 {
     Box box;
-    if (!cut(glyph, column, row, box)) return;
+    box.x = std::max(column, left_);
+    box.y = std::max(row, top_);
+    box.width = std::min(column + glyph.width, right_) - box.x;
+    box.height = std::min(row + glyph.height, bottom_) - box.y;
+    if (box.width <= 0 || box.height <= 0) return;
+
+    const int32_t skippedColumns = box.x - column;
+    box.stride = glyph.stride;
+    box.startsLow = skippedColumns % 2 != 0;
+    box.levels = glyph.bitmap + (box.y - row) * box.stride + skippedColumns / 2;
+    box.levelsEnd = glyph.bitmap + glyph.height * box.stride;
+    box.pixels = context_.target.pixels + box.y * rowPixels_ + box.x;
     if (record_.paintType == kPaintSolid)
         drawSolid(box);
     else
         drawThroughBuffer(box);
 }
 
-bool GlyphCompositor::cut(const FS_GrayMap& glyph, int32_t column, int32_t row, Box& box) const
+// Composites row y of the box.
+template <class Blend, class ColoursAt>
+inline void GlyphCompositor::compositeRow(const Box& box, int32_t y, ColoursAt coloursAt) const
 {
-    const MMPixmap& target = context_.target;
-    if (target.pixels == nullptr) return false;
-    box.x = larger(column, larger(context_.clipLeft, 0));
-    box.y = larger(row, larger(context_.clipTop, 0));
-    box.width = smaller(column + glyph.width, smaller(context_.clipRight, target.width)) - box.x;
-    box.height = smaller(row + glyph.height, smaller(context_.clipBottom, target.height)) - box.y;
-    if (box.width <= 0 || box.height <= 0) return false;
-
-    const int32_t skippedColumns = box.x - column;
-    box.stride = glyph.stride;
-    box.startsLow = skippedColumns % 2 != 0;
-    box.levels =
-        glyph.bitmap + static_cast<ptrdiff_t>(box.y - row) * glyph.stride + skippedColumns / 2;
-    return true;
-}
-
-Pixel* GlyphCompositor::pixelAt(int32_t x, int32_t y) const
-{
-    return context_.target.pixels + static_cast<ptrdiff_t>(y) * context_.target.width + x;
-}
-
-// Whether the last pixel of a row of the box is the last of the target.
-bool GlyphCompositor::endsTarget(const Box& box, int32_t row) const
-{
-    return row + 1 == context_.target.height && box.x + box.width == context_.target.width;
-}
-
-void GlyphCompositor::drawSolid(const Box& box)
-{
-    const OneColour colour = {record_.paintColour};
-    const uint8_t* levels = box.levels;
-    Pixel* pixels = pixelAt(box.x, box.y);
-    for (int32_t y = box.y; y < box.y + box.height; ++y) {
-        compositeRow<SolidBlend>(pixels, colour,
-                                 LevelReader(levels, box.startsLow, coverageOfLevel_), box.width,
-                                 endsTarget(box, y));
-        levels += box.stride;
-        pixels += context_.target.width;
+    const U16x8 opacity = U16x8{} + record_.paintOpacity;
+    Pixel* pixels = box.pixels + y * rowPixels_;
+    const uint8_t* levels = box.levels + y * box.stride;
+    for (int32_t i = 0; i < box.width; i += kPiece) {
+        const U16x8 coverage =
+            byteProduct(opacity, eightLevels(levels, box.levelsEnd, box.startsLow) * 17);
+        const int32_t count = box.width - i;
+        const ptrdiff_t room = pixelsEnd_ - pixels;
+        Pixel copy[kPiece + 1];
+        const bool atEnd = room <= kPiece;
+        if (atEnd) { // of the target, whose last pixel reads itself
+            for (ptrdiff_t j = 0; j <= kPiece; ++j)
+                copy[j] = pixels[std::min(j, room - 1)];
+        }
+        compositePiece<Blend>(atEnd ? copy : pixels, coloursAt(i), coloursAt(i + 4), coverage,
+                              count);
+        if (atEnd) std::memcpy(pixels, copy, sizeof *pixels * std::min<size_t>(count, kPiece));
+        pixels += kPiece;
+        levels += kPiece / 2;
     }
+}
+
+void GlyphCompositor::drawSolid(const Box& box) const
+{
+    const U32x4 colour = all4(record_.paintColour);
+    for (int32_t y = 0; y < box.height; ++y)
+        compositeRow<SolidBlend>(box, y, [=](int32_t) { return colour; });
 }
 
 // Lets the row buffer's column 0 see the paint as the target's column does.
@@ -242,8 +212,8 @@ void GlyphCompositor::drawThroughBuffer(const Box& box)
 {
     const SpanFiller paint = chooseSpanFiller(context_);
     if (paint.filler == nullptr) return;
-    // The translucent fillers read one pixel past the last.
-    const uint32_t words = static_cast<uint32_t>(box.width) + 1;
+    // In whole pieces, with the pixel past the last that the translucent fillers read.
+    const uint32_t words = static_cast<uint32_t>(box.width) + kPiece;
     ScratchArray<Pixel> buffer(context_.scratchStack, words);
     if (!buffer) {
         context_.outOfMemory |= kScratchExhausted;
@@ -252,18 +222,12 @@ void GlyphCompositor::drawThroughBuffer(const Box& box)
     movePaintLeft(box.x);
     context_.spanEnd = fixFromInt(box.width);
     context_.spanPixels = buffer.data();
-    const ColourRow colours = {buffer.data()};
-    const uint8_t* levels = box.levels;
-    Pixel* pixels = pixelAt(box.x, box.y);
-    for (int32_t y = box.y; y < box.y + box.height; ++y) {
-        context_.spanRow = y;
+    const Pixel* colours = buffer.data();
+    for (int32_t y = 0; y < box.height; ++y) {
+        context_.spanRow = box.y + y;
         fillPixels(buffer.data(), static_cast<int32_t>(words), 0);
         drawSpan(context_, paint);
-        compositeRow<BufferBlend>(pixels, colours,
-                                  LevelReader(levels, box.startsLow, coverageOfLevel_), box.width,
-                                  endsTarget(box, y));
-        levels += box.stride;
-        pixels += context_.target.width;
+        compositeRow<BufferBlend>(box, y, [=](int32_t i) { return load4(colours + i); });
     }
 }
 

@@ -30,25 +30,33 @@ public:
 private:
     // What is visible of a glyph.
     struct Box {
-        const uint8_t* levels; // the byte with the first visible pixel of the first visible row
-        int32_t stride;        // bytes per row
-        bool startsLow;        // that pixel is in the low half of its byte
-        int32_t x;             // in the target
+        const uint8_t* levels;    // the byte with the first visible pixel of the first visible row
+        const uint8_t* levelsEnd; // of the glyph's bitmap
+        ptrdiff_t stride;         // bytes per row
+        bool startsLow;           // that pixel is in the low half of its byte
+        Pixel* pixels;            // that pixel in the target
+        int32_t x;                // of that pixel
         int32_t y;
         int32_t width;
         int32_t height;
     };
 
-    bool cut(const FS_GrayMap& glyph, int32_t column, int32_t row, Box& box) const;
-    Pixel* pixelAt(int32_t x, int32_t y) const;
-    bool endsTarget(const Box& box, int32_t row) const;
-    void drawSolid(const Box& box);
+    template <class Blend, class ColoursAt>
+    void compositeRow(const Box& box, int32_t y, ColoursAt coloursAt) const;
+    void drawSolid(const Box& box) const;
     void drawThroughBuffer(const Box& box);
     void movePaintLeft(int32_t columns);
 
     MMContext2D& context_;
-    MMPaint record_;               // with the paint's origin as the caller set it
-    uint32_t coverageOfLevel_[16]; // 0 to 255, opacity included
+    MMPaint record_; // with the paint's origin as the caller set it
+
+    // Where pixels may be drawn: the clip rectangle within the target.
+    int32_t left_ = 0;
+    int32_t top_ = 0;
+    int32_t right_ = 0;
+    int32_t bottom_ = 0;
+    ptrdiff_t rowPixels_ = 0;          // from one row to the next
+    const Pixel* pixelsEnd_ = nullptr; // of the target
 };
 
 } // namespace Graphics2D
