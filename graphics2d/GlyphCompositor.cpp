@@ -13,7 +13,7 @@ namespace Graphics2D {
 
 namespace {
 
-constexpr int32_t kPiece = 8; // pixels composited at a time
+constexpr int32_t kPiece = 4; // pixels composited at a time
 
 // a * b / 255 rounded, for lanes whose products are at most 255 * 255.
 inline U16x8 byteProduct(U16x8 a, U16x8 b)
@@ -60,75 +60,63 @@ inline U32x4 blendFour(U32x4 background, U32x4 colour, U32x4 coverages)
                            Blend::two(widenHigh(background), widenHigh(colour), last));
 }
 
-// Composites the first count of eight pixels, or all if count is greater. Reads all nine from
-// pixels on.
-template <class Blend>
-inline void compositePiece(Pixel* pixels, U32x4 firstColours, U32x4 lastColours, U16x8 coverage,
-                           int32_t count)
+// The levels of four pixels, 0 to 15, in the lower lanes. Of the two pixels in a byte, the left one
+// is in the upper half. Nothing is read from end on.
+inline U16x8 fourLevels(const uint8_t* bytes, const uint8_t* end, bool startsLow)
 {
-    U32x4 four = blendFour<Blend>(
-        load4(pixels + 1), firstColours,
-        (U32x4)__builtin_shufflevector(coverage, coverage, 0, 0, 1, 1, 2, 2, 3, 3));
-    if (count >= 4) {
-        const U32x4 last = blendFour<Blend>(
-            load4(pixels + 5), lastColours,
-            (U32x4)__builtin_shufflevector(coverage, coverage, 4, 4, 5, 5, 6, 6, 7, 7));
-        store4(pixels, four);
-        four = last;
-        pixels += 4;
-        if (count >= kPiece) {
-            store4(pixels, four);
-            return;
-        }
-    }
-    if ((count & 2) != 0) {
-        std::memcpy(pixels, &four, 2 * sizeof *pixels);
-        four = __builtin_shufflevector(four, four, 2, 3, 2, 3);
-        pixels += 2;
-    }
-    if ((count & 1) != 0) *pixels = four[0];
-}
-
-// The levels of eight pixels, 0 to 15, from bytes that hold the left of two pixels in the upper
-// half. Nothing is read from end on; what would lie there does not matter.
-inline U16x8 eightLevels(const uint8_t* bytes, const uint8_t* end, bool startsLow)
-{
-    uint64_t word = 0;
-    const ptrdiff_t available = end - bytes;
-    if (available > kPiece / 2) {
-        uint32_t most;
-        std::memcpy(&most, bytes, sizeof most);
-        word = uint64_t{bytes[4]} << 32 | most;
+    uint32_t word = 0;
+    if (end - bytes >= 4) {
+        std::memcpy(&word, bytes, sizeof word);
     } else {
-        for (ptrdiff_t i = available; i-- > 0;)
+        for (ptrdiff_t i = end - bytes; i-- > 0;)
             word = word << 8 | bytes[i];
     }
-    if (startsLow) word = (word & 0x0F0F0F0F0F0F0F0Fu) << 4 | (word >> 12 & 0x0F0F0F0F0F0F0F0Fu);
-    const U16x8 pairs = widenLow(U32x4{static_cast<uint32_t>(word), 0, 0, 0});
+    if (startsLow) word = (word & 0x0F0F0F0Fu) << 4 | (word >> 12 & 0x0F0F0F0Fu);
+    const U16x8 pairs = widenLow(U32x4{word, 0, 0, 0});
     return __builtin_shufflevector(pairs >> 4, pairs & 15, 0, 8, 1, 9, 2, 10, 3, 11);
+}
+
+// The right-hand neighbours of the last pixels of the target, up to four. The very last one has
+// itself.
+inline U32x4 lastNeighbours(const Pixel* pixels, ptrdiff_t count)
+{
+    U32x4 neighbours;
+    for (ptrdiff_t i = 0; i < 4; ++i)
+        neighbours[i] = pixels[std::min(i + 1, count - 1)];
+    return neighbours;
+}
+
+// count: 1 to 4.
+inline void storeFirst(Pixel* to, U32x4 pixels, int32_t count)
+{
+    if (count >= 4) {
+        store4(to, pixels);
+        return;
+    }
+    if ((count & 2) != 0) {
+        std::memcpy(to, &pixels, 2 * sizeof *to);
+        to += 2;
+        pixels = __builtin_shufflevector(pixels, pixels, 2, 3, 2, 3);
+    }
+    if ((count & 1) != 0) *to = pixels[0];
 }
 
 } // namespace
 
-GlyphCompositor::GlyphCompositor(MMContext2D& context, const MMPaint& record)
-    : context_(context), record_(record)
+bool GlyphCompositor::begin(const MMPaint& record)
 {
-    context.currentPaint = record;
-    context.spanStart = 0;
-    const MMPixmap& target = context.target;
-    if (target.pixels == nullptr) return;
-    left_ = std::max<int32_t>(context.clipLeft, 0);
-    top_ = std::max<int32_t>(context.clipTop, 0);
-    right_ = std::min<int32_t>(context.clipRight, target.width);
-    bottom_ = std::min<int32_t>(context.clipBottom, target.height);
+    context_.currentPaint = record;
+    context_.spanStart = 0;
+    record_ = &record;
+    const MMPixmap& target = context_.target;
+    left_ = std::max<int32_t>(context_.clipLeft, 0);
+    top_ = std::max<int32_t>(context_.clipTop, 0);
+    right_ = std::min<int32_t>(context_.clipRight, target.width);
+    bottom_ = std::min<int32_t>(context_.clipBottom, target.height);
     rowPixels_ = target.width;
+    if (target.pixels == nullptr || record.paintOpacity == 0) return false;
     pixelsEnd_ = target.pixels + target.height * rowPixels_;
-}
-
-bool GlyphCompositor::isVisible() const
-{
-    if (record_.paintOpacity == 0) return false;
-    switch (record_.paintType) {
+    switch (record.paintType) {
     case kPaintSolid:
     case kPaintLinearGradient:
     case kPaintRadialGradient:
@@ -154,7 +142,7 @@ void GlyphCompositor::draw(const FS_GrayMap& glyph, int32_t column, int32_t row)
     box.levels = glyph.bitmap + (box.y - row) * box.stride + skippedColumns / 2;
     box.levelsEnd = glyph.bitmap + glyph.height * box.stride;
     box.pixels = context_.target.pixels + box.y * rowPixels_ + box.x;
-    if (record_.paintType == kPaintSolid)
+    if (record_->paintType == kPaintSolid)
         drawSolid(box);
     else
         drawThroughBuffer(box);
@@ -164,23 +152,19 @@ void GlyphCompositor::draw(const FS_GrayMap& glyph, int32_t column, int32_t row)
 template <class Blend, class ColoursAt>
 inline void GlyphCompositor::compositeRow(const Box& box, int32_t y, ColoursAt coloursAt) const
 {
-    const U16x8 opacity = U16x8{} + record_.paintOpacity;
+    const U16x8 opacity = U16x8{} + record_->paintOpacity;
     Pixel* pixels = box.pixels + y * rowPixels_;
     const uint8_t* levels = box.levels + y * box.stride;
     for (int32_t i = 0; i < box.width; i += kPiece) {
-        const U16x8 coverage =
-            byteProduct(opacity, eightLevels(levels, box.levelsEnd, box.startsLow) * 17);
-        const int32_t count = box.width - i;
         const ptrdiff_t room = pixelsEnd_ - pixels;
-        Pixel copy[kPiece + 1];
-        const bool atEnd = room <= kPiece;
-        if (atEnd) { // of the target, whose last pixel reads itself
-            for (ptrdiff_t j = 0; j <= kPiece; ++j)
-                copy[j] = pixels[std::min(j, room - 1)];
-        }
-        compositePiece<Blend>(atEnd ? copy : pixels, coloursAt(i), coloursAt(i + 4), coverage,
-                              count);
-        if (atEnd) std::memcpy(pixels, copy, sizeof *pixels * std::min<size_t>(count, kPiece));
+        const U32x4 background = room > kPiece ? load4(pixels + 1) : lastNeighbours(pixels, room);
+        const U16x8 coverage =
+            byteProduct(opacity, fourLevels(levels, box.levelsEnd, box.startsLow) * 17);
+        storeFirst(pixels,
+                   blendFour<Blend>(
+                       background, coloursAt(i),
+                       (U32x4)__builtin_shufflevector(coverage, coverage, 0, 0, 1, 1, 2, 2, 3, 3)),
+                   box.width - i);
         pixels += kPiece;
         levels += kPiece / 2;
     }
@@ -188,7 +172,7 @@ inline void GlyphCompositor::compositeRow(const Box& box, int32_t y, ColoursAt c
 
 void GlyphCompositor::drawSolid(const Box& box) const
 {
-    const U32x4 colour = all4(record_.paintColour);
+    const U32x4 colour = all4(record_->paintColour);
     for (int32_t y = 0; y < box.height; ++y)
         compositeRow<SolidBlend>(box, y, [=](int32_t) { return colour; });
 }
@@ -198,11 +182,11 @@ void GlyphCompositor::movePaintLeft(int32_t columns)
 {
     MMPaint& paint = context_.currentPaint;
     if (paint.paintType == kPaintLinearGradient) {
-        paint.gradientOriginX = wrapSub(record_.gradientOriginX, fixFromInt(columns));
+        paint.gradientOriginX = wrapSub(record_->gradientOriginX, fixFromInt(columns));
     } else if (paint.paintType == kPaintRadialGradient) {
-        paint.radialCenterX = wrapSub(record_.radialCenterX, fixFromInt(columns));
+        paint.radialCenterX = wrapSub(record_->radialCenterX, fixFromInt(columns));
     } else {
-        const Matrix2D& toTexels = record_.patternTransform;
+        const Matrix2D& toTexels = record_->patternTransform;
         paint.patternTransform.e = wrapAdd(toTexels.e, wrapMul(toTexels.a, columns));
         paint.patternTransform.f = wrapAdd(toTexels.f, wrapMul(toTexels.b, columns));
     }

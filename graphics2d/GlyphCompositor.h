@@ -17,11 +17,10 @@ namespace Graphics2D {
 // are taken to be exactly width pixels apart.
 class GlyphCompositor {
 public:
-    // Makes the record the current paint.
-    GlyphCompositor(MMContext2D& context, const MMPaint& record);
+    explicit GlyphCompositor(MMContext2D& context) : context_(context) {}
 
-    // False for paints that draw no text.
-    bool isVisible() const;
+    // Makes the record, which must stay, the current paint. False when it draws no text.
+    bool begin(const MMPaint& record);
 
     // Draws the image with its left column at column and its top row at row, cut to the clip
     // rectangle and the target. Sets outOfMemory and draws nothing when there is no row buffer.
@@ -48,15 +47,15 @@ private:
     void movePaintLeft(int32_t columns);
 
     MMContext2D& context_;
-    MMPaint record_; // with the paint's origin as the caller set it
+    const MMPaint* record_; // with the paint's origin as the caller set it
 
     // Where pixels may be drawn: the clip rectangle within the target.
-    int32_t left_ = 0;
-    int32_t top_ = 0;
-    int32_t right_ = 0;
-    int32_t bottom_ = 0;
-    ptrdiff_t rowPixels_ = 0;          // from one row to the next
-    const Pixel* pixelsEnd_ = nullptr; // of the target
+    int32_t left_;
+    int32_t top_;
+    int32_t right_;
+    int32_t bottom_;
+    ptrdiff_t rowPixels_;    // from one row to the next
+    const Pixel* pixelsEnd_; // of the target
 };
 
 } // namespace Graphics2D

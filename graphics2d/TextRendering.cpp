@@ -4,6 +4,8 @@
 #include "graphics2d/MMContext2D.h"
 #include "math/FixedMath.h"
 
+#include <algorithm>
+
 namespace KAVO {
 namespace Graphics2D {
 
@@ -139,47 +141,12 @@ void placePen(const MMContext2D& context, uint32_t index, MMPoint2D& pen)
 }
 
 // Adds a glyph's box, in whole pixels.
-void addToBounds(MMContext2D& context, const FS_GrayMap& glyph, const MMPoint2D& pen)
+void addToBounds(MMContext2D& context, const FS_GrayMap& glyph, int32_t column, int32_t row)
 {
-    const int32_t left = glyph.left + fixFloor(pen.x);
-    const int32_t top = fixFloor(pen.y) - glyph.top;
-    const Fixed x0 = fixFromInt(left);
-    const Fixed y0 = fixFromInt(top);
-    const Fixed x1 = fixFromInt(left + glyph.width);
-    const Fixed y1 = fixFromInt(top + glyph.height);
-    if (x0 < context.boundsMinX) context.boundsMinX = x0;
-    if (y0 < context.boundsMinY) context.boundsMinY = y0;
-    if (x1 > context.boundsMaxX) context.boundsMaxX = x1;
-    if (y1 > context.boundsMaxY) context.boundsMaxY = y1;
-}
-
-// Sends every glyph of the run to onGlyph(image, pen), the pen in device space, and moves the pen
-// field past it.
-template <class OnGlyph>
-void walkRun(MMContext2D& context, const uint16_t* text, uint16_t length, uint32_t firstIndex,
-             OnGlyph onGlyph)
-{
-    const GlyphMatrix upright = glyphMatrixOf(context);
-    GlyphSource source(context);
-    MMPoint2D pen = mapped(context.transform, context.penX, context.penY);
-    for (uint32_t taken = 0; taken < length && text[taken] != 0; ++taken) {
-        const uint32_t index = firstIndex + taken;
-        placePen(context, index, pen);
-        Degrees angle;
-        source.setMatrix(rotationOf(context, index, angle) ? rotated(upright, angle) : upright);
-        const FS_GrayMap* glyph = source.glyph(text[taken]);
-        if (glyph == nullptr) continue;
-        if (context.accumulateBounds != 0) addToBounds(context, *glyph, pen);
-        onGlyph(*glyph, pen);
-        pen.x = wrapAdd(pen.x, glyph->advanceX);
-        pen.y = wrapSub(pen.y, glyph->advanceY);
-        source.release();
-    }
-    Matrix2D toUser = context.transform;
-    toUser.invert();
-    pen = mapped(toUser, pen.x, pen.y);
-    context.penX = pen.x;
-    context.penY = pen.y;
+    context.boundsMinX = std::min(context.boundsMinX, fixFromInt(column));
+    context.boundsMinY = std::min(context.boundsMinY, fixFromInt(row));
+    context.boundsMaxX = std::max(context.boundsMaxX, fixFromInt(column + glyph.width));
+    context.boundsMaxY = std::max(context.boundsMaxY, fixFromInt(row + glyph.height));
 }
 
 } // namespace
@@ -188,19 +155,32 @@ void MMContext2D::renderText(const uint16_t* text, uint16_t length, uint8_t draw
                              uint32_t firstIndex)
 {
     if (text == nullptr || fontEngine == nullptr) return;
-    if (draw != 0) {
-        GlyphCompositor compositor(*this,
-                                   fillPaint.paintType != kPaintNone ? fillPaint : strokePaint);
-        if (compositor.isVisible()) {
-            walkRun(*this, text, length, firstIndex,
-                    [&](const FS_GrayMap& glyph, const MMPoint2D& pen) {
-                        compositor.draw(glyph, static_cast<int16_t>(glyph.left + fixFloor(pen.x)),
-                                        static_cast<int16_t>(fixFloor(pen.y) - glyph.top));
-                    });
-            return;
-        }
+    GlyphCompositor compositor(*this);
+    const bool draws =
+        draw != 0 && compositor.begin(fillPaint.paintType != kPaintNone ? fillPaint : strokePaint);
+    const GlyphMatrix upright = glyphMatrixOf(*this);
+    GlyphSource source(*this);
+    MMPoint2D pen = mapped(transform, penX, penY); // in device space until the end
+    for (uint32_t taken = 0; taken < length && text[taken] != 0; ++taken) {
+        const uint32_t index = firstIndex + taken;
+        placePen(*this, index, pen);
+        Degrees angle;
+        source.setMatrix(rotationOf(*this, index, angle) ? rotated(upright, angle) : upright);
+        const FS_GrayMap* glyph = source.glyph(text[taken]);
+        if (glyph == nullptr) continue;
+        const int32_t column = glyph->left + fixFloor(pen.x);
+        const int32_t row = fixFloor(pen.y) - glyph->top;
+        if (accumulateBounds != 0) addToBounds(*this, *glyph, column, row);
+        if (draws) compositor.draw(*glyph, static_cast<int16_t>(column), static_cast<int16_t>(row));
+        pen.x = wrapAdd(pen.x, glyph->advanceX);
+        pen.y = wrapSub(pen.y, glyph->advanceY);
+        source.release();
     }
-    walkRun(*this, text, length, firstIndex, [](const FS_GrayMap&, const MMPoint2D&) {});
+    Matrix2D toUser = transform;
+    toUser.invert();
+    pen = mapped(toUser, pen.x, pen.y);
+    penX = pen.x;
+    penY = pen.y;
 }
 
 } // namespace Graphics2D

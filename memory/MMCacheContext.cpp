@@ -8,13 +8,20 @@ namespace {
 
 constexpr uint32_t kDigitsPerWord = 8;
 
-// Digit number index of the key. Keys need no alignment.
-uint32_t digitOf(const void* key, uint32_t index)
+// The word of the key whose digits begin with number index. Keys need no alignment.
+uint32_t wordAt(const void* key, uint32_t index)
 {
     uint32_t word;
     std::memcpy(&word, static_cast<const uint8_t*>(key) + index / kDigitsPerWord * sizeof word,
                 sizeof word);
-    return word >> (4 * (index % kDigitsPerWord)) & 15u;
+    return word;
+}
+
+// The last digit of a key of N.
+template <uint32_t N>
+uint32_t lastDigit(const void* key)
+{
+    return wordAt(key, N - kDigitsPerWord) >> 28;
 }
 
 MMCacheInteriorNode* makeInteriorNode()
@@ -22,12 +29,23 @@ MMCacheInteriorNode* makeInteriorNode()
     return static_cast<MMCacheInteriorNode*>(std::calloc(1, sizeof(MMCacheInteriorNode)));
 }
 
-// Frees a tree that has no entries left; it is at most as deep as a key has digits.
+// Frees a tree that has no entries left, always the first path to its end and then upward.
 void freeInteriorNodes(MMCacheInteriorNode* node)
 {
-    for (MMCacheBaseNode* child : node->children)
-        if (child != nullptr) freeInteriorNodes(static_cast<MMCacheInteriorNode*>(child));
-    std::free(node);
+    while (node != nullptr) {
+        MMCacheBaseNode** child = node->children;
+        MMCacheBaseNode** const end = child + 16;
+        while (child != end && *child == nullptr)
+            ++child;
+        MMCacheBaseNode* next = node->parent;
+        if (child != end) {
+            next = *child;
+            *child = nullptr;
+        } else {
+            std::free(node);
+        }
+        node = static_cast<MMCacheInteriorNode*>(next);
+    }
 }
 
 } // namespace
@@ -51,7 +69,7 @@ void MMCacheContext<N>::Destroy()
 {
     while (lruTail != nullptr)
         RemoveLeaf(lruTail);
-    if (root != nullptr) freeInteriorNodes(root);
+    freeInteriorNodes(root);
     root = nullptr;
     prefetchNode = nullptr;
     prefetchDepth = 0;
@@ -71,14 +89,18 @@ MMCacheInteriorNode* MMCacheContext<N>::makeChild(MMCacheInteriorNode* parent, u
     return child;
 }
 
-// The interior node that the key's digits [from, to) lead to from node; null when it is missing and
-// is not to be made or cannot be. What has been made so far stays.
+// The interior node that the key's digits [from, to) lead to from node, from being the first of a
+// word; null when it is missing and is not to be made or cannot be. What has been made so far
+// stays.
 template <uint32_t N>
 MMCacheInteriorNode* MMCacheContext<N>::resolve(MMCacheInteriorNode* node, const void* key,
                                                 uint32_t from, uint32_t to, bool create)
 {
+    uint32_t word = 0;
     for (uint32_t i = from; i < to && node != nullptr; ++i) {
-        const uint32_t slot = digitOf(key, i);
+        if (i % kDigitsPerWord == 0) word = wordAt(key, i);
+        const uint32_t slot = word & 15;
+        word >>= 4;
         MMCacheBaseNode* child = node->children[slot];
         if (child == nullptr && create) child = makeChild(node, slot);
         node = static_cast<MMCacheInteriorNode*>(child);
@@ -104,7 +126,7 @@ void* MMCacheContext<N>::Get(const void* key)
 {
     const MMCacheInteriorNode* last = resolve(prefetchNode, key, prefetchDepth, N - 1, false);
     if (last == nullptr) return nullptr;
-    MMCacheEntry* entry = static_cast<MMCacheEntry*>(last->children[digitOf(key, N - 1)]);
+    MMCacheEntry* entry = static_cast<MMCacheEntry*>(last->children[lastDigit<N>(key)]);
     if (entry == nullptr) return nullptr;
     if (entry != mruHead) {
         unlink(entry);
@@ -119,7 +141,7 @@ void* MMCacheContext<N>::Add(const void* data, const void* key, uint32_t size)
     if (size > maxEntrySize) return nullptr;
     MMCacheInteriorNode* last = resolve(prefetchNode, key, prefetchDepth, N - 1, true);
     if (last == nullptr) return nullptr;
-    const uint32_t slot = digitOf(key, N - 1);
+    const uint32_t slot = lastDigit<N>(key);
     if (last->children[slot] != nullptr)
         return static_cast<MMCacheEntry*>(last->children[slot])->data;
     if (size > budget) return nullptr;

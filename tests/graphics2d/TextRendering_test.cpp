@@ -1,5 +1,6 @@
 // Glyphs in the target: where they lie, how they are composited, and what they cost.
 #include "graphics2d/PaintSetup.h"
+#include "graphics2d/StripDispatch.h"
 #include "tests/support/FailingHeap.h"
 #include "tests/support/TextScene.h"
 
@@ -11,9 +12,10 @@ namespace {
 
 // --- An independent model of compositing, one channel at a time ----------------------------------
 
+// Rounded, but up from a little below the half: 1147 / 255 = 4.498 gives 5.
 int32_t dividedBy255(int32_t v)
 {
-    return (2 * v + 255) / 510; // rounded; 255 is odd, so there are no halves
+    return (v + 0x81 + (v + 0x81) / 256) / 256;
 }
 
 int32_t channel(Pixel p, int32_t i)
@@ -53,26 +55,96 @@ Pixel bufferModel(Pixel background, Pixel colour, int32_t opacity, int32_t level
     return result;
 }
 
-// What a glyph of the fake engine, top left at (left, top), makes of the picture. colourAt tells
-// the paint's pixels.
-template <class Model, class ColourAt>
-std::vector<Pixel> glyphModel(const TextScene& scene, std::vector<Pixel> picture, int32_t left,
-                              int32_t top, int32_t size, int32_t opacity, Model model,
-                              ColourAt colourAt)
+// The opacities that one in three glyphs has, and the others.
+uint8_t someOpacity(std::mt19937& random)
 {
-    const int32_t width = scene.context.target.width;
-    const int32_t height = scene.context.target.height;
-    for (int32_t y = top; y < top + size; ++y)
-        for (int32_t x = left; x < left + size; ++x) {
-            if (x < scene.context.clipLeft || x >= scene.context.clipRight) continue;
-            if (y < scene.context.clipTop || y >= scene.context.clipBottom) continue;
-            if (x < 0 || x >= width || y < 0 || y >= height) continue;
+    return static_cast<uint8_t>(random() % 3 == 0 ? 255 : random());
+}
+
+// A glyph of the fake engine somewhere in and around a small clip rectangle.
+struct SomeGlyph {
+    int32_t size, x, y;
+
+    SomeGlyph(TextScene& scene, std::mt19937& random)
+        : size(1 + static_cast<int32_t>(random() % 20)),
+          x(static_cast<int32_t>(random() % 50) - 22), y(static_cast<int32_t>(random() % 50) - 12)
+    {
+        MMContext2D& context = scene.context;
+        context.fontSize = size * kFixedOne;
+        context.clipLeft = static_cast<int16_t>(random() % 8);
+        context.clipTop = static_cast<int16_t>(random() % 8);
+        context.clipRight = static_cast<int16_t>(12 + random() % 20); // also beyond the target
+        context.clipBottom = static_cast<int16_t>(9 + random() % 20);
+    }
+};
+
+// Draws the glyph and compares with the model; paint holds the paint's pixels.
+template <class Model>
+void expectGlyph(TextScene& scene, const SomeGlyph& glyph, std::vector<Pixel> picture,
+                 const std::vector<Pixel>& paint, Model model)
+{
+    const MMContext2D& context = scene.context;
+    scene.storePicture(picture);
+    scene.draw(u"g", glyph.x, glyph.y);
+    const int32_t opacity = context.fillPaint.paintOpacity;
+    const int32_t width = context.target.width, height = context.target.height;
+    const int32_t top = glyph.y - glyph.size;
+    for (int32_t y = top; opacity != 0 && y < glyph.y; ++y)
+        for (int32_t x = glyph.x; x < glyph.x + glyph.size; ++x) {
+            if (x < context.clipLeft || x >= std::min<int32_t>(context.clipRight, width)) continue;
+            if (y < context.clipTop || y >= std::min<int32_t>(context.clipBottom, height)) continue;
             const size_t i = static_cast<size_t>(y * width + x);
             const Pixel background = picture[i + 1 < picture.size() ? i + 1 : i];
-            picture[i] = model(background, colourAt(x, y), opacity, (x - left + y - top) % 16);
+            picture[i] = model(background, paint[i], opacity, (x - glyph.x + y - top) % 16);
         }
-    return picture;
+    ASSERT_EQ(scene.picture(), picture);
+    ASSERT_TRUE(scene.guardsIntact());
 }
+
+// All paints that go through a row buffer, with what they refer to.
+struct BufferedPaints {
+    static constexpr int kCount = 5; // linear, radial, an image under three filters
+    std::vector<Pixel> colours, texels;
+    const Fixed offsets[3] = {0, kFixedHalf, kFixedOne};
+    Pixel rampColours[gradientRampRoom(3)];
+    Fixed rampOffsets[gradientRampRoom(3)];
+
+    // Every colour has the bits of always.
+    BufferedPaints(std::mt19937& random, Pixel always) : colours(3), texels(13 * 11)
+    {
+        for (std::vector<Pixel>* pixels : {&colours, &texels})
+            for (Pixel& pixel : *pixels)
+                pixel = random() | always;
+    }
+
+    void set(MMContext2D& context, int paint, bool imageHasAlpha)
+    {
+        const Matrix2D slanted = {60000, 9000, -7000, 70000, 5 * kFixedOne, 3 * kFixedOne};
+        const GradientStops stops = {colours.data(), offsets, 3};
+        if (paint == 0)
+            setLinearGradient(context.fillPaint, {0, 0}, {50 * kFixedOne, 9 * kFixedOne}, slanted,
+                              stops, {rampColours, rampOffsets});
+        if (paint == 1)
+            setRadialGradient(context.fillPaint, {20 * kFixedOne, 20 * kFixedOne}, 30 * kFixedOne,
+                              slanted, stops, {rampColours, rampOffsets});
+        if (paint < 2) return;
+        context.patternFilter = static_cast<uint8_t>(paint - 2);
+        setPattern(context.fillPaint, {13, 11, 52, 0, texels.data(), imageHasAlpha}, slanted,
+                   static_cast<MMPatternFilter>(paint - 2));
+    }
+
+    // Fills columns [left, right) of a row on its own.
+    static void drawSpan(TextScene& scene, int32_t left, int32_t right, int32_t row)
+    {
+        MMContext2D& context = scene.context;
+        context.currentPaint = context.fillPaint;
+        context.spanRow = row;
+        context.spanPixels = context.target.pixels + row * context.target.width;
+        context.spanStart = left * kFixedOne;
+        context.spanEnd = right * kFixedOne;
+        KAVO::Graphics2D::drawSpan(context, chooseSpanFiller(context));
+    }
+};
 
 std::vector<Pixel> randomPicture(const TextScene& scene, std::mt19937& random)
 {
@@ -93,115 +165,63 @@ TEST(TextRendering, solidGlyphsEqualThePixelModelWhereverTheyAreCut)
 {
     std::mt19937 random(5);
     for (int round = 0; round < 400; ++round) {
+        SCOPED_TRACE(round);
         TextScene scene(23, 17);
-        MMContext2D& context = scene.context;
-        const int32_t size = 1 + static_cast<int32_t>(random() % 20);
-        const int32_t x = static_cast<int32_t>(random() % 50) - 22;
-        const int32_t y = static_cast<int32_t>(random() % 50) - 12;
-        context.fontSize = size * kFixedOne;
-        context.clipLeft = static_cast<int16_t>(random() % 8);
-        context.clipTop = static_cast<int16_t>(random() % 8);
-        // Also beyond the target.
-        context.clipRight = static_cast<int16_t>(12 + random() % 20);
-        context.clipBottom = static_cast<int16_t>(9 + random() % 20);
-        context.fillPaint.paintColour = random();
-        context.fillPaint.paintOpacity = static_cast<uint8_t>(round % 3 == 0 ? 255 : random());
-        const std::vector<Pixel> before = randomPicture(scene, random);
-        scene.storePicture(before);
-        scene.draw(u"g", x, y);
-
-        const int32_t opacity = context.fillPaint.paintOpacity;
-        const Pixel colour = context.fillPaint.paintColour;
-        const std::vector<Pixel> expected =
-            opacity == 0 ? before
-                         : glyphModel(scene, before, x, y - size, size, opacity, solidModel,
-                                      [&](int32_t, int32_t) { return colour; });
-        ASSERT_EQ(scene.picture(), expected) << "round " << round;
-        ASSERT_TRUE(scene.guardsIntact()) << "round " << round;
+        const SomeGlyph glyph(scene, random);
+        scene.context.fillPaint.paintColour = random();
+        scene.context.fillPaint.paintOpacity = someOpacity(random);
+        const std::vector<Pixel> paint(scene.pixelCount(), scene.context.fillPaint.paintColour);
+        expectGlyph(scene, glyph, randomPicture(scene, random), paint, solidModel);
+        if (HasFatalFailure()) return;
     }
 }
 
-TEST(TextRendering, paintsThroughTheRowBufferEqualThePixelModel)
+// Opacity and alpha count twice: in the row buffer, which the paint's own filler draws over
+// nothing, and in the coverage.
+TEST(TextRendering, otherPaintsEqualThePixelModelOverTheirOwnRows)
 {
     std::mt19937 random(6);
-    std::vector<Pixel> texels(23 * 17);
-    for (int round = 0; round < 200; ++round) {
-        TextScene scene(23, 17);
-        MMContext2D& context = scene.context;
-        const int32_t size = 1 + static_cast<int32_t>(random() % 20);
-        const int32_t x = static_cast<int32_t>(random() % 40) - 15;
-        const int32_t y = static_cast<int32_t>(random() % 30);
-        context.fontSize = size * kFixedOne;
-        context.clipLeft = static_cast<int16_t>(random() % 8);
-        for (Pixel& texel : texels)
-            texel = random();
-        // An opaque image as large as the target: texel (x, y) is what the paint has at (x, y).
-        context.patternFilter = kFilterNearest;
-        context.fillPaint.paintOpacity = 255;
-        setPattern(context.fillPaint, {23, 17, 92, 0, texels.data(), 0}, kIdentityMatrix,
-                   kFilterNearest);
-        context.fillPaint.patternTransform = kIdentityMatrix;
-        const std::vector<Pixel> before = randomPicture(scene, random);
-        scene.storePicture(before);
-        scene.draw(u"g", x, y);
-        const std::vector<Pixel> expected = glyphModel(
-            scene, before, x, y - size, size, 255, bufferModel, [&](int32_t column, int32_t row) {
-                return texels[static_cast<size_t>(row * 23 + column)];
-            });
-        ASSERT_EQ(scene.picture(), expected) << "round " << round;
-        ASSERT_TRUE(scene.guardsIntact());
+    for (int round = 0; round < 400; ++round) {
+        SCOPED_TRACE(round);
+        TextScene scene(23, 17), rows(23, 17);
+        const SomeGlyph glyph(scene, random);
+        BufferedPaints paints(random, random() % 2 == 0 ? 0xFF000000 : 0);
+        const bool imageHasAlpha = random() % 2 != 0;
+        const uint8_t opacity = someOpacity(random);
+        for (TextScene* s : {&scene, &rows}) {
+            paints.set(s->context, round % BufferedPaints::kCount, imageHasAlpha);
+            s->context.fillPaint.paintOpacity = opacity;
+        }
+        rows.fill(0);
+        const int32_t left = std::max<int32_t>(glyph.x, scene.context.clipLeft);
+        const int32_t right =
+            std::min<int32_t>({glyph.x + glyph.size, scene.context.clipRight, 23});
+        for (int32_t y = 0; y < 17; ++y)
+            BufferedPaints::drawSpan(rows, left, right, y);
+        expectGlyph(scene, glyph, randomPicture(scene, random), rows.picture(), bufferModel);
+        if (HasFatalFailure()) return;
     }
 }
 
 TEST(TextRendering, aPaintSeenThroughABlockIsThePaintOfARectangleThere)
 {
-    // Channels below 128 lose one when they are composited at full coverage.
-    const Pixel colours[] = {0xFF80A0B0, 0xFFF0C080, 0xFF9080FF};
-    const Fixed offsets[] = {0, kFixedHalf, kFixedOne};
-    Pixel rampColours[24];
-    Fixed rampOffsets[24];
-    std::vector<Pixel> texels(13 * 11);
     std::mt19937 random(7);
-    for (Pixel& texel : texels)
-        texel = random() | 0xFF808080;
-
-    for (int paint = 0; paint < 5; ++paint) {
-        TextScene scene(64, 48);
-        TextScene rectangle(64, 48);
-        for (TextScene* s : {&scene, &rectangle}) {
-            MMContext2D& context = s->context;
-            Matrix2D slanted = {60000, 9000, -7000, 70000, 5 * kFixedOne, 3 * kFixedOne};
-            if (paint == 0)
-                setLinearGradient(context.fillPaint, {0, 0}, {50 * kFixedOne, 9 * kFixedOne},
-                                  slanted, {colours, offsets, 3}, {rampColours, rampOffsets});
-            if (paint == 1)
-                setRadialGradient(context.fillPaint, {20 * kFixedOne, 20 * kFixedOne},
-                                  30 * kFixedOne, slanted, {colours, offsets, 3},
-                                  {rampColours, rampOffsets});
-            if (paint >= 2) {
-                context.patternFilter = static_cast<uint8_t>(paint - 2);
-                setPattern(context.fillPaint, {13, 11, 52, 0, texels.data(), 0}, slanted,
-                           static_cast<MMPatternFilter>(paint - 2));
-            }
-        }
+    // Channels below 128 lose one when they are composited at full coverage.
+    BufferedPaints paints(random, 0xFF808080);
+    for (int paint = 0; paint < BufferedPaints::kCount; ++paint) {
+        TextScene scene(64, 48), rectangles(64, 48);
+        paints.set(scene.context, paint, false);
+        paints.set(rectangles.context, paint, false);
+        scene.context.fontSize = 20 * kFixedOne;
         // Three blocks side by side, the first cut on the left, drawn twice over: the paint must
         // not creep.
-        scene.context.fontSize = 20 * kFixedOne;
         scene.draw(u"BBB", -7, 33);
         scene.draw(u"BBB", -7, 33);
-        rectangle.context.currentPaint = rectangle.context.fillPaint;
         const int32_t columns[] = {0, 13, 33, 53}; // gradients are stepped from where a span starts
-        for (int i = 0; i < 3; ++i) {
-            const Fixed left = columns[i] * kFixedOne, right = columns[i + 1] * kFixedOne;
-            MMPoint2D corners[] = {{left, 13 * kFixedOne},
-                                   {right, 13 * kFixedOne},
-                                   {right, 33 * kFixedOne},
-                                   {left, 33 * kFixedOne}};
-            for (MMPoint2D& corner : corners) // pixels are chosen by their centres
-                corner.x -= 1, corner.y -= 1;
-            rectangle.context.rasterPolygon(corners, 4);
-        }
-        EXPECT_EQ(scene.picture(), rectangle.picture()) << "paint " << paint;
+        for (int i = 0; i < 3; ++i)
+            for (int32_t y = 13; y < 33; ++y)
+                BufferedPaints::drawSpan(rectangles, columns[i], columns[i + 1], y);
+        EXPECT_EQ(scene.picture(), rectangles.picture()) << "paint " << paint;
     }
 }
 
@@ -345,7 +365,7 @@ TEST(TextRendering, everyFailingAllocationIsSurvived)
     Pixel rampColours[16];
     Fixed rampOffsets[16];
     Text text(u"BB gi jBg");
-    const uint32_t calls = failEachAllocation([&] {
+    const auto operation = [&] {
         MMContext2D context;
         context.target = scene.context.target;
         context.clipRight = 60;
@@ -358,8 +378,15 @@ TEST(TextRendering, everyFailingAllocationIsSurvived)
         context.drawWrappedText(text.data(), 0, 0);
         EXPECT_EQ(context.scratchStack.usedWords, 0u);
         fontEngineUsers = 2; // a context that had no metrics left without having joined
-    });
+    };
+    const uint32_t calls = failEachAllocation(operation);
     EXPECT_GT(calls, 20u);
+    for (uint32_t n = 1; n <= calls; ++n) { // and everything from there on
+        FailingHeap heap;
+        heap.failFrom(n);
+        operation();
+        EXPECT_EQ(heap.liveBlocks(), 0) << n;
+    }
     fontEngineUsers = 1;
     EXPECT_TRUE(scene.guardsIntact());
     EXPECT_EQ(fakeFontEngine.glyphsAlive, 0);

@@ -2,6 +2,7 @@
 
 #include "platform/FontEngine.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -12,6 +13,11 @@ namespace {
 struct Scale {
     int32_t xx, xy, yx, yy;
 } scale;
+
+bool refused(FontCall call)
+{
+    return (fakeFontEngine.refused >> call & 1) != 0;
+}
 
 bool hasGlyph(uint32_t character)
 {
@@ -25,22 +31,12 @@ int32_t pixelsOf(int32_t length)
     return static_cast<int32_t>((magnitude + 0x8000) >> 16);
 }
 
-int32_t larger(int32_t a, int32_t b)
-{
-    return a > b ? a : b;
-}
-
-uint8_t levelAt(uint32_t character, int32_t x, int32_t y)
-{
-    return static_cast<uint8_t>(character == 'g' ? (x + y) % 16 : 15);
-}
-
 void fillBitmap(FS_GrayMap& map, uint32_t character)
 {
     for (int32_t y = 0; y < map.height; ++y)
         for (int32_t x = 0; x < map.width; ++x) {
             uint8_t& pair = map.bitmap[y * map.stride + x / 2];
-            const int level = levelAt(character, x, y);
+            const int level = character == 'g' ? (x + y) % 16 : 15;
             pair = static_cast<uint8_t>(pair | (x % 2 == 0 ? level << 4 : level));
         }
 }
@@ -53,7 +49,7 @@ int32_t FS_init(void* state, int32_t)
 {
     std::memset(state, 0, FS_STATE_BYTES);
     ++fakeFontEngine.inits;
-    return fakeFontEngine.refuseInit ? 1 : 0;
+    return refused(kInit) ? 1 : 0;
 }
 
 int32_t FS_exit(void*)
@@ -65,23 +61,24 @@ int32_t FS_exit(void*)
 int32_t FS_add_font(void* state, const char*, const char* path, int32_t, int32_t)
 {
     fakeFontEngine.fontPath = path;
-    if (fakeFontEngine.refuseFont) return 1;
+    if (refused(kAddFont)) return 1;
     static_cast<uint8_t*>(state)[FS_REGISTERED_BYTE] = 1;
     return 0;
 }
 
 int32_t FS_set_font(void*, const char*)
 {
-    return fakeFontEngine.refuseFont ? 1 : 0;
+    return refused(kSetFont) ? 1 : 0;
 }
 
 int32_t FS_set_cmap(void*, int32_t platform, int32_t encoding)
 {
-    return platform == 3 && encoding == 1 ? 0 : 1;
+    return refused(kSetCharacterMap) || platform != 3 || encoding != 1 ? 1 : 0;
 }
 
 int32_t FS_font_metrics(void*, void* metrics)
 {
+    if (refused(kMetrics)) return 1;
     int16_t* units = static_cast<int16_t*>(metrics);
     std::memset(metrics, 0, FS_METRICS_BYTES);
     units[FS_METRICS_UNITS_PER_EM] = 1000;
@@ -92,22 +89,23 @@ int32_t FS_font_metrics(void*, void* metrics)
 
 int32_t FS_set_bold_pct(void*, int32_t fraction)
 {
+    if (refused(kSetBold)) return 1;
     fakeFontEngine.boldFraction = fraction;
     return 0;
 }
 
 int32_t FS_set_scale(void*, int32_t xx, int32_t xy, int32_t yx, int32_t yy)
 {
+    if (refused(kSetScale)) return 1;
     scale = {xx, xy, yx, yy};
     return 0;
 }
 
 void* FS_get_graymap(void*, uint32_t character)
 {
-    if (fakeFontEngine.refuseGlyphs || fakeFontEngine.refuseFont || !hasGlyph(character))
-        return nullptr;
-    int32_t width = larger(pixelsOf(scale.xx), pixelsOf(scale.xy));
-    int32_t height = larger(pixelsOf(scale.yy), pixelsOf(scale.yx));
+    if (refused(kGetGlyph) || refused(kAddFont) || !hasGlyph(character)) return nullptr;
+    int32_t width = std::max(pixelsOf(scale.xx), pixelsOf(scale.xy));
+    int32_t height = std::max(pixelsOf(scale.yy), pixelsOf(scale.yx));
     if (character == ' ') width = height = 0;
     if (character == 'i') width /= 2;
     if (width > 1000 || height > 1000) return nullptr;

@@ -13,14 +13,24 @@
 #include <cstdint>
 #include <string>
 
+// Calls that can be refused; freeing cannot.
+enum FontCall : uint32_t {
+    kInit,
+    kAddFont,
+    kSetFont,
+    kSetCharacterMap,
+    kMetrics,
+    kSetBold,
+    kSetScale,
+    kGetGlyph,
+    kFontCalls
+};
+
 struct FakeFontEngine {
-    // Calls that fail while set.
-    bool refuseInit = false;
-    bool refuseFont = false;
-    bool refuseGlyphs = false;
+    uint32_t refused = 0; // bit n: FontCall n fails
 
     // What has happened.
-    int32_t inits = 0;
+    int32_t inits = 0; // started or tried to
     int32_t exits = 0;
     int32_t glyphsMade = 0;
     int32_t glyphsAlive = 0;

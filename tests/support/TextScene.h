@@ -38,11 +38,13 @@ private:
 // No engine and no users of one until the scope ends.
 class FreshEngine {
 public:
-    FreshEngine() : engine_(fontEngine), users_(fontEngineUsers)
+    // refused: bits of the calls that the new engine refuses, see FakeFontEngine.
+    explicit FreshEngine(uint32_t refused = 0) : engine_(fontEngine), users_(fontEngineUsers)
     {
         fontEngine = nullptr;
         fontEngineUsers = 0;
         fakeFontEngine = {};
+        fakeFontEngine.refused = refused;
     }
     ~FreshEngine()
     {
@@ -62,13 +64,13 @@ struct TextScene : FreshEngine {
     static constexpr int32_t kGuard = 100; // words before and after the picture
     static constexpr Pixel kGuardPixel = 0xDEADBEEF;
 
-    TextScene(uint16_t width, uint16_t height, Pixel ground = 0xFFFFFFFF)
-        : words(static_cast<size_t>(width) * height + 2 * kGuard, kGuardPixel)
+    TextScene(uint16_t width, uint16_t height, uint32_t refused = 0)
+        : FreshEngine(refused), words(static_cast<size_t>(width) * height + 2 * kGuard, kGuardPixel)
     {
         context.target = {width, height, width * 4u, 0xFFFFFFFF, words.data() + kGuard, 0};
         context.clipRight = static_cast<int16_t>(width);
         context.clipBottom = static_cast<int16_t>(height);
-        fill(ground);
+        fill(0xFFFFFFFF);
     }
 
     void fill(Pixel ground) { storePicture(std::vector<Pixel>(pixelCount(), ground)); }
