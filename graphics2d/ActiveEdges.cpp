@@ -1,5 +1,6 @@
 // The edges that cross the current row of a polygon, and the vertices they come from.
 #include "graphics2d/ActiveEdges.h"
+#include "graphics2d/NearlySorted.h"
 #include "graphics2d/PolygonBounds.h"
 
 namespace KAVO {
@@ -90,10 +91,33 @@ uint32_t VertexRing::sortedByY(uint32_t first, uint32_t count)
     return head;
 }
 
+bool Chain::step(const VertexRing& ring)
+{
+    const uint32_t next = ring.next(vertex, winding);
+    const MMPoint2D& from = ring[vertex];
+    if (ring[next].y < from.y) return false;
+    line = EdgeLine::between(from, ring[next]);
+    vertex = next;
+    return true;
+}
+
+bool Chain::descend(const VertexRing& ring, Fixed level)
+{
+    while (line.endY <= level)
+        if (!step(ring)) return false;
+    if (line.y < level) line.moveTo(level, line.xAt(level));
+    return true;
+}
+
 ActiveEdges::ActiveEdges(MMContext2D& context, const VertexRing& ring)
     : ring_(ring), pool_(kActiveChainWords), order_(context.scratchStack, 2 * ring.minimumCount()),
       minimum_(ring.firstMinimum()), ready_(order_ && pool_.Resize(2 * ring.size()) == 0)
 {
+}
+
+void ActiveEdges::sort(uint32_t first, uint32_t count)
+{
+    sortNearlySorted(begin() + first, count);
 }
 
 void ActiveEdges::startAbove(Fixed level)
@@ -109,6 +133,10 @@ void ActiveEdges::startChain(uint32_t minimum, int32_t winding)
 {
     void* item = pool_.Alloc(); // two slots per edge: never null
     if (item == nullptr) return;
+    const uint32_t offset = static_cast<uint32_t>(static_cast<uint32_t*>(item) - pool_.slots);
+    // The next search goes on from here: most slots before are taken, and a search over all of them
+    // for every chain would cost their product.
+    pool_.searchStart = offset / (kActiveChainWords + 1) / 32;
     const MMPoint2D& p = ring_[minimum];
     ActiveChain& chain = *static_cast<ActiveChain*>(item);
     chain.line = EdgeLine::at(p);
@@ -119,7 +147,6 @@ void ActiveEdges::startChain(uint32_t minimum, int32_t winding)
         pool_.DeAlloc(item);
         return;
     }
-    const uint32_t offset = static_cast<uint32_t>(static_cast<uint32_t*>(item) - pool_.slots);
     order_[size_++] = {p.x, p.x, p.x, p.x, 0, 0, winding, offset, false, false, false};
 }
 

@@ -63,25 +63,11 @@ struct Chain {
     int32_t winding; // 1 or -1, also the direction round the ring
 
     // Moves to the next edge down. False at the end of the chain.
-    bool step(const VertexRing& ring)
-    {
-        const uint32_t next = ring.next(vertex, winding);
-        const MMPoint2D& from = ring[vertex];
-        if (ring[next].y < from.y) return false;
-        line = EdgeLine::between(from, ring[next]);
-        vertex = next;
-        return true;
-    }
+    bool step(const VertexRing& ring);
 
     // Moves to the first edge that reaches below the level, and down to the level. False when the
     // chain ends before.
-    bool descend(const VertexRing& ring, Fixed level)
-    {
-        while (line.endY <= level)
-            if (!step(ring)) return false;
-        if (line.y < level) line.moveTo(level, line.xAt(level));
-        return true;
-    }
+    bool descend(const VertexRing& ring, Fixed level);
 };
 
 // A chain's record, an item of a bucket pool. After a row in which the chain has vertices it stands
@@ -110,6 +96,11 @@ struct RowPlace {
     bool separates; // straight, and no other chain crosses it in this row
 };
 
+inline bool isBefore(const RowPlace& a, const RowPlace& b)
+{
+    return a.top != b.top ? a.top < b.top : a.bottom < b.bottom;
+}
+
 // All chains that cross the current row.
 class ActiveEdges {
 public:
@@ -135,6 +126,9 @@ public:
     // Drops a chain. Its place must not be used again.
     void drop(const RowPlace& place) { pool_.DeAlloc(&chainOf(place)); }
     void setEnd(RowPlace* end) { size_ = static_cast<uint32_t>(end - order_.data()); }
+
+    // Puts count places from first on in order.
+    void sort(uint32_t first, uint32_t count);
 
 private:
     void startChain(uint32_t minimum, int32_t winding);

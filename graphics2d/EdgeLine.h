@@ -12,12 +12,7 @@ constexpr Fixed kStepHeight = 16;
 
 // dx / dy as fixDiv gives it, for 0 < dy and |dx| / dy < 32768: by one wide division where the host
 // has that.
-inline Fixed slopeOf(Fixed dx, Fixed dy)
-{
-    if (sizeof(void*) < 8) return fixDiv(dx, dy);
-    const uint64_t numerator = static_cast<uint64_t>(magnitudeOf(dx)) << 16;
-    return applySign(static_cast<uint32_t>(numerator / static_cast<uint32_t>(dy)), signMaskOf(dx));
-}
+Fixed slopeOf(Fixed dx, Fixed dy);
 
 // Where the line is (x at y), how it goes on, and where it ends. Always evaluated downward, so that
 // two polygons that share an edge agree on it whichever way round they list it.
@@ -44,15 +39,7 @@ struct EdgeLine {
     static EdgeLine at(const MMPoint2D& point) { return {point.x, point.y, 0, point.x, point.y}; }
 
     // x at a level not above y; the end's x from the end on.
-    Fixed xAt(Fixed level)
-    {
-        if (level >= endY) return endX;
-        if (level == y) return x;
-        if (slope == kNoSlope) findSlope();
-        if (slope == kTooFlat)
-            return wrapAdd(x, fixMulDiv(wrapSub(endX, x), wrapSub(level, y), wrapSub(endY, y)));
-        return wrapAdd(x, fixMulInline(slope, wrapSub(level, y)));
-    }
+    Fixed xAt(Fixed level);
 
     // x per row, of a line at least one row high.
     Fixed slopePerRow()
@@ -69,13 +56,7 @@ struct EdgeLine {
     }
 
 private:
-    void findSlope()
-    {
-        const Fixed dx = endX - x;
-        const Fixed dy = endY - y;
-        const bool tooFlat = (magnitudeOf(dx) >> 15) >= static_cast<uint32_t>(dy);
-        slope = tooFlat ? kTooFlat : slopeOf(dx, dy);
-    }
+    void findSlope();
 };
 
 } // namespace Graphics2D

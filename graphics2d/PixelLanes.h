@@ -163,7 +163,7 @@ inline U16x8 raisedDifference(U16x8 from, U16x8 to)
     return (U16x8)(difference - (I16x8)(difference > 128)); // a true comparison is -1
 }
 
-// Moves eight channels by weight / 256; the results are the high bytes. This is blendChannel times
+// Moves eight channels by weight / 256; the results are the high bytes. This is blendPair times
 // 256: with d' the raised difference, from * 256 + d' * weight lies between 0 and 65535, so 16 bits
 // that wrap on the way hold it exactly.
 inline U16x8 moveToward(U16x8 from, U16x8 to, U16x8 weight)

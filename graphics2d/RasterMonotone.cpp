@@ -84,7 +84,7 @@ public:
 
     // Moves to the first edge that reaches below the level, or that ends on it when inclusive.
     // False when the chain has no such edge.
-    bool advance(Fixed level, bool inclusive)
+    [[gnu::noinline]] bool advance(Fixed level, bool inclusive)
     {
         bool moved = false;
         while (line_.endY < level || (!inclusive && line_.endY == level)) {
@@ -193,17 +193,19 @@ int32_t drawWholeRows(RowPainter& painter, SideChain& left, SideChain& right, in
     const Fixed leftCoverage = left.coverageSlope();
     const Fixed rightCoverage = right.coverageSlope();
     int32_t drawn = 0;
-    for (; drawn < count; ++drawn) {
+    while (drawn < count) {
         const Fixed leftNext = wrapAdd(leftX, leftSlope);
         const Fixed rightNext = wrapAdd(rightX, rightSlope);
         if ((leftX > rightX) != (leftNext > rightNext) && leftX != rightX) break; // they cross
         const EdgeRamp a(leftX, leftNext, leftCoverage);
         const EdgeRamp b(rightX, rightNext, rightCoverage);
-        painter.beginRow(row + drawn);
-        if (leftX > rightX || leftNext > rightNext)
-            drawEdgeRow(painter, b, a);
-        else
-            drawEdgeRow(painter, a, b);
+        const bool exchanged = leftX > rightX || leftNext > rightNext;
+        // Between upright edges all rows are alike.
+        const int32_t end = leftSlope == 0 && rightSlope == 0 ? count : drawn + 1;
+        for (; drawn < end; ++drawn) {
+            painter.beginRow(row + drawn);
+            drawEdgeRow(painter, exchanged ? b : a, exchanged ? a : b);
+        }
         leftX = leftNext;
         rightX = rightNext;
     }

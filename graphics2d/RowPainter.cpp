@@ -33,6 +33,24 @@ void RowPainter::beginRow(int32_t row)
     context_.spanPixels = reinterpret_cast<Pixel*>(bytes);
 }
 
+void RowPainter::drawWhole(int32_t first, int32_t end)
+{
+    if (first >= end) return;
+    context_.spanStart = fixFromInt(first);
+    context_.spanEnd = fixFromInt(end);
+    drawSpan(context_, span_);
+}
+
+void RowPainter::addConstant(int32_t first, int32_t end, Area area)
+{
+    if (area >= kMostArea) {
+        addWhole(first, end);
+    } else if (area >= kLeastArea) {
+        flush();
+        drawPartial(first, end - first, area, area, 0, 0);
+    }
+}
+
 void RowPainter::drawPartial(int32_t first, int32_t count, Area start, Area next, int32_t step,
                              Area tail)
 {

@@ -33,13 +33,7 @@ public:
     void beginRow(int32_t row);
 
     // Whole pixels of columns first to end - 1, which lie within the visible box.
-    void drawWhole(int32_t first, int32_t end)
-    {
-        if (first >= end) return;
-        context_.spanStart = fixFromInt(first);
-        context_.spanEnd = fixFromInt(end);
-        drawSpan(context_, span_);
-    }
+    void drawWhole(int32_t first, int32_t end);
 
     // Columns first to first + count - 1 with the areas start, next, next + step, ... and one more
     // column with the area tail unless that is 0. The step has 24 fraction bits. Within the visible
@@ -48,15 +42,7 @@ public:
 
     // Gives the columns first to end - 1 the same area each, to the right of what was given before.
     // Drawing may be delayed until flush().
-    void addConstant(int32_t first, int32_t end, Area area)
-    {
-        if (area >= kMostArea) {
-            addWhole(first, end);
-        } else if (area >= kLeastArea) {
-            flush();
-            drawPartial(first, end - first, area, area, 0, 0);
-        }
-    }
+    void addConstant(int32_t first, int32_t end, Area area);
 
     // Gives whole pixels. The columns may lie outside the visible box.
     void addSpan(int32_t first, int32_t end)
@@ -71,6 +57,7 @@ public:
 
     void flush()
     {
+        if (wholeFirst_ == wholeEnd_) return;
         drawWhole(wholeFirst_, wholeEnd_);
         wholeFirst_ = wholeEnd_;
     }

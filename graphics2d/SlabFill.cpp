@@ -12,11 +12,6 @@ namespace {
 // Up to so many crossing edges are bisected further, for there it costs little.
 constexpr uint32_t kFewEdges = 16;
 
-bool isLeftOf(const SlabEdge& a, const SlabEdge& b)
-{
-    return a.top != b.top ? a.top < b.top : a.bottom < b.bottom;
-}
-
 bool isSortedByBottom(const SlabEdge* edges, uint32_t count)
 {
     for (uint32_t i = 1; i < count; ++i)
@@ -24,17 +19,17 @@ bool isSortedByBottom(const SlabEdge* edges, uint32_t count)
     return true;
 }
 
-Fixed middleOf(const SlabEdge& edge)
-{
-    return static_cast<Fixed>((static_cast<int64_t>(edge.top) + edge.bottom) >> 1);
-}
-
 } // namespace
+
+void sortSlabEdges(SlabEdge* edges, uint32_t count)
+{
+    sortNearlySorted(edges, count);
+}
 
 void SlabFill::add(SlabEdge* edges, uint32_t count, int32_t winding, uint32_t height)
 {
     if (isDeepInside(winding, count)) return;
-    sortNearlySorted(edges, count, isLeftOf);
+    sortSlabEdges(edges, count);
     if (isSortedByBottom(edges, count))
         addOrdered(edges, count, winding, height);
     else
@@ -100,25 +95,42 @@ void SlabFill::addCrossedPair(const SlabEdge* edges, int32_t winding, uint32_t h
 
 void SlabFill::bisect(const SlabEdge* edges, uint32_t count, int32_t winding, uint32_t height)
 {
+    if (height <= (count <= kFewEdges ? kLeastSlab / 16 : kLeastSlab)) {
+        addByMiddles(edges, count, winding, height);
+        return;
+    }
     ScratchArray<SlabEdge> half(context_.scratchStack, count);
     if (!half) {
         fail();
         return;
     }
-    if (height <= (count <= kFewEdges ? kLeastSlab / 16 : kLeastSlab)) {
-        std::copy_n(edges, count, half.data());
-        sortNearlySorted(half.data(), count, [](const SlabEdge& a, const SlabEdge& b) {
-            return middleOf(a) < middleOf(b);
-        });
-        addOrdered(half.data(), count, winding, height);
+    for (int part = 0; part < 2; ++part) {
+        for (uint32_t i = 0; i < count; ++i) {
+            const SlabEdge& edge = edges[i];
+            const Fixed middle = middleOf(edge.top, edge.bottom);
+            half[i] = part == 0 ? SlabEdge{edge.top, middle, edge.winding}
+                                : SlabEdge{middle, edge.bottom, edge.winding};
+        }
+        add(half.data(), count, winding, part == 0 ? height / 2 : height - height / 2);
+    }
+}
+
+// Takes crossing edges in the order of their middles.
+void SlabFill::addByMiddles(const SlabEdge* edges, uint32_t count, int32_t winding, uint32_t height)
+{
+    ScratchArray<SlabEdge> order(context_.scratchStack, count);
+    if (!order) {
+        fail();
         return;
     }
     for (uint32_t i = 0; i < count; ++i)
-        half[i] = {edges[i].top, middleOf(edges[i]), edges[i].winding};
-    add(half.data(), count, winding, height / 2);
-    for (uint32_t i = 0; i < count; ++i)
-        half[i] = {middleOf(edges[i]), edges[i].bottom, edges[i].winding};
-    add(half.data(), count, winding, height - height / 2);
+        order[i] = {middleOf(edges[i].top, edges[i].bottom), static_cast<Fixed>(i), 0};
+    sortSlabEdges(order.data(), count);
+    for (uint32_t i = 0; i < count; ++i) {
+        const SlabEdge& edge = edges[order[i].bottom];
+        addOrdered(&edge, 1, winding, height);
+        winding += edge.winding;
+    }
 }
 
 } // namespace Graphics2D

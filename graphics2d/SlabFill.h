@@ -13,12 +13,28 @@ struct SlabEdge {
     int32_t winding; // what it adds to the winding number right of it
 };
 
+inline bool isBefore(const SlabEdge& a, const SlabEdge& b)
+{
+    return a.top != b.top ? a.top < b.top : a.bottom < b.bottom;
+}
+
+// Sorts by top, then by bottom. Lists of other records that are to be sorted by two numbers borrow
+// the first two fields.
+void sortSlabEdges(SlabEdge* edges, uint32_t count);
+
+// The middle of two places, without wrapping on the way.
+inline Fixed middleOf(Fixed a, Fixed b)
+{
+    return static_cast<Fixed>((static_cast<int64_t>(a) + b) >> 1);
+}
+
 // Adds the inside of slabs to a row of coverage.
 //
 // Only the edges at which inside and outside meet are added. Where the order of the edges at the
 // bottom differs from that at the top they cross: two edges are cut at their intersection, groups
 // of more are bisected down to 1/16 of a row (1/256 when they are few) and then taken in the order
-// of their middles.
+// of their middles. No slab therefore costs more than a constant number of sorts, however many of
+// its edges cross.
 class SlabFill {
 public:
     static constexpr uint32_t kLeastSlab = 0x1000;
@@ -27,6 +43,10 @@ public:
         : context_(context), coverage_(coverage), insideMask_(rule == kFillEvenOdd ? 1 : -1)
     {
     }
+
+    // Scratch memory for slabs, and the row it is for.
+    MMStackContext& scratch() { return context_.scratchStack; }
+    CoverageRow& coverage() { return coverage_; }
 
     // Scratch memory ran out: edges are missing from the row.
     bool failed() const { return failed_; }
@@ -56,6 +76,7 @@ private:
     void addGroups(const SlabEdge* edges, uint32_t count, int32_t winding, uint32_t height);
     void addCrossedPair(const SlabEdge* edges, int32_t winding, uint32_t height);
     void bisect(const SlabEdge* edges, uint32_t count, int32_t winding, uint32_t height);
+    void addByMiddles(const SlabEdge* edges, uint32_t count, int32_t winding, uint32_t height);
 
     MMContext2D& context_;
     CoverageRow& coverage_;

@@ -54,20 +54,22 @@ void MMContext2D::drawPickingStrip()
 
 void MMContext2D::drawSolidTStrip()
 {
+    constexpr int32_t kLongSpan = 8;
     const int32_t count = spanLength(*this);
     const Pixel colour = currentPaint.paintColour;
     Pixel* pixels = spanFirstPixel(*this);
     if (count > 0) {
         const Coverage step = spanCoverageStep;
-        Coverage coverage = spanCoverageNext;
-        pixels[0] = blendPixel(pixels[0], colour, roundedWeight(spanCoverage));
-        int32_t i = 1;
-        if (step == 0 && count >= 8) i = blendFlat(pixels, i, count, colour, coverage);
-        for (; i < count; ++i) {
+        const int32_t flatFrom = step == 0 && count >= kLongSpan ? 1 : count;
+        Coverage coverage = spanCoverage;
+        Coverage next = wrapSub(spanCoverageNext, step); // of the pixel before
+        for (int32_t i = 0; i < count; ++i) {
+            if (i == flatFrom) i = blendFlat(pixels, i, count, colour, coverage);
+            if (i == count) break;
             pixels[i] = blendPixel(pixels[i], colour, roundedWeight(coverage));
-            coverage = wrapAdd(coverage, step);
+            coverage = next = wrapAdd(next, step);
         }
-        spanCoverageNext = coverage;
+        spanCoverageNext = next;
     }
     if (spanTailCoverage > 0) {
         Pixel& tail = spanPixels[fixFloor(spanEnd)];

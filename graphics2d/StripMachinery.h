@@ -20,25 +20,24 @@ namespace Graphics2D {
 
 // --- Blending ------------------------------------------------------------------------------------
 
-// Moves one channel from the destination's value toward the source's by weight / 256, rounding
-// toward minus infinity. Differences above 128 get one extra weight, so that a weight of 255
-// reaches the source exactly for large rises; falls reach it because the shift floors.
-inline uint32_t blendChannel(uint32_t destination, uint32_t source, uint32_t weight)
+// Moves two of a pixel's four channels, 16 bits apart, from the destination's values toward the
+// source's by weight / 256, rounding toward minus infinity. Differences above 128 get one extra
+// weight, so that a weight of 255 reaches the source exactly for large rises; falls reach it
+// because the shift floors.
+inline uint32_t blendPair(uint32_t destination, uint32_t source, uint32_t weight)
 {
-    const int32_t w = static_cast<int32_t>(weight);
-    const int32_t difference = static_cast<int32_t>(source) - static_cast<int32_t>(destination);
-    const int32_t product = difference * w + (difference > 128 ? w : 0);
-    return static_cast<uint32_t>(static_cast<int32_t>(destination) + (product >> 8));
+    // A lane holds 512 + source - destination - 129: bit 9 is set when the difference is above 128.
+    const uint32_t raised = (((source | 0x02000200u) - 0x00810081u - destination) >> 9) & 0x10001u;
+    // d * 256 + (s - d + raised) * w of each lane, which lies between 0 and 65535.
+    return ((destination * (256 - weight) + (source + raised) * weight) >> 8) & 0x00FF00FFu;
 }
 
-// The same for all four channels alike, alpha included. The results cannot leave 0 to 255.
+// The same for all four channels alike, alpha included. Weights are 0 to 255.
 inline Pixel blendPixel(Pixel destination, Pixel source, uint32_t weight)
 {
-    const uint32_t blue = blendChannel(destination & 0xFF, source & 0xFF, weight);
-    const uint32_t green = blendChannel((destination >> 8) & 0xFF, (source >> 8) & 0xFF, weight);
-    const uint32_t red = blendChannel((destination >> 16) & 0xFF, (source >> 16) & 0xFF, weight);
-    const uint32_t alpha = blendChannel(destination >> 24, source >> 24, weight);
-    return blue | green << 8 | red << 16 | alpha << 24;
+    constexpr uint32_t kEven = 0x00FF00FFu;
+    return blendPair(destination & kEven, source & kEven, weight) |
+           blendPair((destination >> 8) & kEven, (source >> 8) & kEven, weight) << 8;
 }
 
 // --- 8.16 channels -------------------------------------------------------------------------------
