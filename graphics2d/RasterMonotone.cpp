@@ -101,6 +101,7 @@ public:
         return true;
     }
 
+    Fixed endX() const { return line_.endX; }
     Fixed endY() const { return line_.endY; }
     Fixed xAt(Fixed level) { return line_.xAt(level); }
     void moveTo(Fixed level, Fixed x) { line_.moveTo(level, x); }
@@ -167,6 +168,8 @@ Fixed drawSlabs(RowPainter& painter, CoverageRow& coverage, SlabFill& slabs, Sid
                 SideChain& right, Fixed level, Fixed bottom)
 {
     const Fixed rowBottom = std::min(fixFromInt(fixFloor(level) + 1), bottom);
+    painter.expect(fixFloor(level) + 2, left.endX());
+    painter.expect(fixFloor(level) + 2, right.endX());
     while (level < rowBottom && left.advance(level, false) && right.advance(level, false)) {
         const Fixed slabBottom = std::min({rowBottom, left.endY(), right.endY()});
         SlabEdge edges[] = {{left.xAt(level), left.xAt(slabBottom), 1},
@@ -204,6 +207,8 @@ int32_t drawWholeRows(RowPainter& painter, SideChain& left, SideChain& right, in
         const int32_t end = leftSlope == 0 && rightSlope == 0 ? count : drawn + 1;
         for (; drawn < end; ++drawn) {
             painter.beginRow(row + drawn);
+            painter.expect(row + drawn + 2, leftNext);
+            painter.expect(row + drawn + 2, rightNext);
             drawEdgeRow(painter, exchanged ? b : a, exchanged ? a : b);
         }
         leftX = leftNext;

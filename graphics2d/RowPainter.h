@@ -32,6 +32,16 @@ public:
 
     void beginRow(int32_t row);
 
+    // Has the memory of a pixel fetched that will be drawn soon. Shapes begin each row in a place
+    // that the processor does not foresee, and waiting for it is what a small shape costs most.
+    void expect(int32_t row, Fixed x) const
+    {
+        const MMPixmap& target = context_.target;
+        const int64_t offset = int64_t{row} * target.rowBytes + int64_t{fixFloor(x)} * 4;
+        __builtin_prefetch(reinterpret_cast<const void*>(
+            reinterpret_cast<uintptr_t>(target.pixels) + static_cast<uintptr_t>(offset)));
+    }
+
     // Whole pixels of columns first to end - 1, which lie within the visible box.
     void drawWhole(int32_t first, int32_t end);
 

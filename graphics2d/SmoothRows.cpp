@@ -133,6 +133,7 @@ void SmoothFill::placeChains(uint32_t oldCount)
         }
         if (place.minX < reach) areApart_ = false;
         reach = place.maxX;
+        painter_.expect(fixFloor(top_), place.minX);
         ++kept;
     }
     active_.setEnd(kept);
