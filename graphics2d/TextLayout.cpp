@@ -23,6 +23,7 @@ struct GlyphRecord {
 };
 
 constexpr uint32_t kGlyphRecordWords = 2;
+static_assert(sizeof(GlyphRecord) == kGlyphRecordWords * sizeof(void*), "a pointer takes one word");
 
 // The room of one line of n code units in bytes.
 constexpr size_t lineBytes(uint32_t n)

@@ -22,44 +22,59 @@ scripts/install-packages.sh "${groups[@]}"
 summary=()
 failed=false
 
-# run NAME CMAKE_ARGUMENTS...: configures, builds and tests in build/test-NAME.
+# run NAME SKIPPED CMAKE_ARGUMENTS...: configures, builds and tests in build/test-NAME, at -O2 unless
+# the arguments say otherwise and without debugging information, which would take a third of the
+# time. Tests whose names match SKIPPED are left out.
 run() {
-    local name=$1 folder=build/test-$1 start=$SECONDS result
+    local name=$1 skipped=$2 folder=build/test-$1 start=$SECONDS result
     local log=$folder.log
-    shift
+    shift 2
     echo "== $name"
     mkdir -p build
-    if ! cmake -S . -B "$folder" -G Ninja -DMM2D_WERROR=ON "$@" > "$log" 2>&1 ||
+    if ! cmake -S . -B "$folder" -G Ninja -DMM2D_WERROR=ON -DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O2 \
+            "$@" > "$log" 2>&1 ||
         ! cmake --build "$folder" --parallel "$(nproc)" >> "$log" 2>&1; then
         grep -nE 'error|Error|FAILED' "$log" | head -n 20 || tail -n 20 "$log"
         result="BUILD FAILED, see $log"
         failed=true
     else
         ctest --test-dir "$folder" --parallel "$(nproc)" --output-on-failure --no-tests=error \
-            >> "$log" 2>&1 || { failed=true; sed -n '/tests failed/,$p' "$log"; }
+            --exclude-regex "$skipped" >> "$log" 2>&1 ||
+            { failed=true; sed -n '/tests failed/,$p' "$log"; }
         result=$(grep -E 'tests passed|No tests' "$log" | tail -n 1)
         [[ $result == 100%* ]] || result="$result, see $log"
     fi
     echo "   $result"
-    summary+=("$(printf '%-10s %4d s  %s' "$name" $((SECONDS - start)) "$result")")
+    summary+=("$(printf '%-14s %4d s  %s' "$name" $((SECONDS - start)) "$result")")
 }
 
-sanitize="-O1 -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer"
+# Emulated machines are slow. What compares with slow models there would prove nothing about the
+# machine that the picture hashes do not.
+slow_models='Polyline\.MatchesUnion|PaintStrip|RasterHostile|RasterQuality'
 
-run native -DMM2D_BUILD_EXAMPLES=ON
-run sanitized -DMM2D_BUILD_EXAMPLES=ON -DCMAKE_CXX_FLAGS="$sanitize"
-# Other machines have neither FreeType nor ICU here.
+# cross NAME TOOLCHAIN SKIPPED CMAKE_ARGUMENTS...: for a machine without FreeType and ICU, whose
+# engines come from the tests.
 cross() {
-    run "$1" -DCMAKE_TOOLCHAIN_FILE="$PWD/scripts/toolchains/$2.cmake" \
-        -DMM2D_FONT_ENGINE=mm2d_fake_font -DMM2D_LAYOUT_ENGINE=mm2d_fake_layout
+    local name=$1 toolchain=$PWD/scripts/toolchains/$2.cmake skipped=$slow_models${3:+|$3}
+    shift 3
+    run "$name" "$skipped" -DCMAKE_TOOLCHAIN_FILE="$toolchain" \
+        -DMM2D_FONT_ENGINE=mm2d_fake_font -DMM2D_LAYOUT_ENGINE=mm2d_fake_layout "$@"
 }
-cross x86-32 i686
+
+sanitize="-O1 -g1 -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer"
+
+run native '' -DMM2D_BUILD_EXAMPLES=ON
+run sanitized '' -DMM2D_BUILD_EXAMPLES=ON -DCMAKE_CXX_FLAGS_RELWITHDEBINFO="$sanitize"
+cross x86-32 i686 ''
 if $all_targets; then
-    cross arm-32 arm
-    cross arm-64 aarch64
-    run clang -DMM2D_BUILD_EXAMPLES=ON -DCMAKE_CXX_COMPILER=clang++
-    run O0 -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG="-O0 -g"
-    run O3 -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS_RELEASE=-O3
+    # Without SSE2 the compiler keeps doubles in registers of 80 bits, which the models of these
+    # tests do not expect. The library itself has no floating point.
+    cross x86-32-no-sse2 i686 "$double_models" -DCMAKE_CXX_FLAGS=
+    cross arm-32 arm ''
+    cross arm-64 aarch64 ''
+    run clang '' -DMM2D_BUILD_EXAMPLES=ON -DCMAKE_CXX_COMPILER=clang++
+    run O0 '' -DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O0
+    run O3 '' -DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O3
 fi
 
 echo

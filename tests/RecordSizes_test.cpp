@@ -1,7 +1,11 @@
-// Record sizes that callers on 32-bit targets rely on, in 32-bit words. Checked by the compiler; on
-// other targets pointers make the records larger.
+// Record sizes and field positions that callers on 32-bit targets rely on, in 32-bit words. Checked
+// by the compiler; on other targets pointers make most of the records larger.
+#include "graphics2d/MMLinkPath.h"
 #include "graphics2d/MMPaint.h"
 #include "graphics2d/MMPixmap.h"
+#include "graphics2d/MMTextLayout.h"
+#include "math/Matrix2D.h"
+#include "math/Vector2D.h"
 #include "memory/MMBucketContext.h"
 #include "memory/MMCacheContext.h"
 #include "memory/MMStackContext.h"
@@ -12,20 +16,33 @@
 
 namespace {
 
-template <class T>
-constexpr bool hasWords(size_t words)
+constexpr bool onWord(size_t bytes, size_t word)
 {
-    return sizeof(void*) != 4 || sizeof(T) == words * sizeof(uint32_t);
+    return sizeof(void*) != 4 || bytes == word * sizeof(uint32_t);
 }
 
-static_assert(hasWords<MMPixmap>(5), "");
-static_assert(hasWords<MMPaint>(14), "");
-static_assert(hasWords<MMStackContext>(4), "");
-static_assert(hasWords<MMBucketContext>(5), "");
-static_assert(hasWords<Vector>(2), "");
-static_assert(hasWords<MMCacheInteriorNode>(18), "");
-static_assert(hasWords<MMCacheEntry>(6), "");
-static_assert(hasWords<MMCacheContext<48>>(9), "");
-static_assert(sizeof(Matrix2D) == 6 * sizeof(uint32_t), "on every target");
+static_assert(onWord(sizeof(MMPixmap), 5), "");
+static_assert(onWord(sizeof(MMPaint), 14), "");
+static_assert(onWord(sizeof(MMStackContext), 4), "");
+static_assert(onWord(sizeof(MMBucketContext), 5), "");
+static_assert(onWord(sizeof(Vector), 2), "");
+static_assert(onWord(sizeof(MMCacheInteriorNode), 18), "");
+static_assert(onWord(sizeof(MMCacheEntry), 6), "");
+static_assert(onWord(sizeof(MMCacheContext<48>), 9), "");
+static_assert(onWord(sizeof(MMIntersect), 13), "");
+static_assert(onWord(sizeof(MMLinkPath), 2), "");
+static_assert(onWord(sizeof(MMTextLayout), 2), "");
+
+// Without pointers: on every target.
+static_assert(sizeof(MMPoint2D) == 2 * sizeof(uint32_t), "");
+static_assert(sizeof(MMFixedRegion) == 4 * sizeof(uint32_t), "");
+static_assert(sizeof(Matrix2D) == 6 * sizeof(uint32_t), "");
+
+static_assert(onWord(offsetof(MMPixmap, pixels), 3), "");
+static_assert(onWord(offsetof(MMPaint, paintColour), 1), "");
+static_assert(onWord(offsetof(MMPaint, paintHasAlpha), 4), "");
+static_assert(onWord(offsetof(MMPaint, patternImage), 7), "");
+static_assert(onWord(offsetof(MMPaint, patternHasAlpha), 12), "");
+static_assert(onWord(offsetof(MMPaint, paintOpacity), 13), "");
 
 } // namespace
