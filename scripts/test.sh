@@ -1,45 +1,63 @@
 #!/bin/bash
-# Builds and runs all tests: as users build the library, under sanitizers, and for 32-bit x86.
+# Builds and runs the tests.
 #
-#   scripts/test.sh [--all-targets]
+#   scripts/test.sh                as users build the library, under sanitizers, and for 32-bit x86
+#   scripts/test.sh --all-targets  also for other machines (emulated), with Clang, at -O0 and -O3
+#   scripts/test.sh TARGET...      these alone: native sanitized x86-32 x86-32-no-sse2 arm-32 arm-64
+#                                  clang O0 O3
 #
-# --all-targets adds 32-bit and 64-bit ARM (emulated), Clang, -O0 and -O3. Installs what is missing.
-# Build folders are build/test-*; the summary at the end names a log for whatever failed.
+# Installs what is missing. Build folders are build/test-*; the summary at the end names a log for
+# whatever failed.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-all_targets=false
+plain=(native sanitized x86-32)
+others=(x86-32-no-sse2 arm-32 arm-64 clang O0 O3)
+groups=(build test examples targets)
 case "${1:-}" in
-    '') ;;
-    --all-targets) all_targets=true ;;
-    *) sed -n '2,/^set/p' "$0" | grep '^#' | cut -c3-; exit 2 ;;
+    '') wanted=("${plain[@]}") groups=(build test examples) ;;
+    --all-targets) wanted=("${plain[@]}" "${others[@]}") ;;
+    -*) sed -n '2,/^set/p' "$0" | grep '^#' | cut -c3-; exit 2 ;;
+    *) wanted=("$@") ;;
 esac
-
-groups=(build test examples)
-$all_targets && groups+=(targets)
 scripts/install-packages.sh "${groups[@]}"
+
+# Leaves out debugging information, which would take a third of the time.
+at_level() { printf -- '-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=%s' "$1"; }
+with_examples=-DMM2D_BUILD_EXAMPLES=ON
+sanitize="-O1 -g1 -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer"
+
+# FreeType and ICU are not there for other machines; the tests' own engines are.
+for_machine() {
+    echo "-DCMAKE_TOOLCHAIN_FILE=scripts/toolchains/$1.cmake" \
+        -DMM2D_FONT_ENGINE=mm2d_fake_font -DMM2D_LAYOUT_ENGINE=mm2d_fake_layout
+}
+
+# Tests left out, as a pattern. Emulated machines are slow, and what compares with slow models there
+# would prove nothing about the machine that the picture hashes do not.
+slow_models='Polyline\.MatchesUnion|PaintStrip'
+# Without SSE2 the compiler keeps doubles in registers of 80 bits, which the floating-point models of
+# these tests do not expect. The library itself has no floating point.
+double_models='none yet'
 
 summary=()
 failed=false
 
-# run NAME SKIPPED CMAKE_ARGUMENTS...: configures, builds and tests in build/test-NAME, at -O2 unless
-# the arguments say otherwise and without debugging information, which would take a third of the
-# time. Tests whose names match SKIPPED are left out.
+# run NAME LEFT_OUT CMAKE_ARGUMENTS...: configures, builds and tests in build/test-NAME.
 run() {
-    local name=$1 skipped=$2 folder=build/test-$1 start=$SECONDS result
+    local name=$1 left_out=$2 folder=build/test-$1 start=$SECONDS result
     local log=$folder.log
     shift 2
     echo "== $name"
     mkdir -p build
-    if ! cmake -S . -B "$folder" -G Ninja -DMM2D_WERROR=ON -DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O2 \
-            "$@" > "$log" 2>&1 ||
+    if ! cmake -S . -B "$folder" -G Ninja -DMM2D_WERROR=ON "$@" > "$log" 2>&1 ||
         ! cmake --build "$folder" --parallel "$(nproc)" >> "$log" 2>&1; then
         grep -nE 'error|Error|FAILED' "$log" | head -n 20 || tail -n 20 "$log"
         result="BUILD FAILED, see $log"
         failed=true
     else
         ctest --test-dir "$folder" --parallel "$(nproc)" --output-on-failure --no-tests=error \
-            --exclude-regex "$skipped" >> "$log" 2>&1 ||
+            --exclude-regex "$left_out" >> "$log" 2>&1 ||
             { failed=true; sed -n '/tests failed/,$p' "$log"; }
         result=$(grep -E 'tests passed|No tests' "$log" | tail -n 1)
         [[ $result == 100%* ]] || result="$result, see $log"
@@ -48,34 +66,23 @@ run() {
     summary+=("$(printf '%-14s %4d s  %s' "$name" $((SECONDS - start)) "$result")")
 }
 
-# Emulated machines are slow. What compares with slow models there would prove nothing about the
-# machine that the picture hashes do not.
-slow_models='Polyline\.MatchesUnion|PaintStrip|RasterHostile|RasterQuality'
-
-# cross NAME TOOLCHAIN SKIPPED CMAKE_ARGUMENTS...: for a machine without FreeType and ICU, whose
-# engines come from the tests.
-cross() {
-    local name=$1 toolchain=$PWD/scripts/toolchains/$2.cmake skipped=$slow_models${3:+|$3}
-    shift 3
-    run "$name" "$skipped" -DCMAKE_TOOLCHAIN_FILE="$toolchain" \
-        -DMM2D_FONT_ENGINE=mm2d_fake_font -DMM2D_LAYOUT_ENGINE=mm2d_fake_layout "$@"
-}
-
-sanitize="-O1 -g1 -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer"
-
-run native '' -DMM2D_BUILD_EXAMPLES=ON
-run sanitized '' -DMM2D_BUILD_EXAMPLES=ON -DCMAKE_CXX_FLAGS_RELWITHDEBINFO="$sanitize"
-cross x86-32 i686 ''
-if $all_targets; then
-    # Without SSE2 the compiler keeps doubles in registers of 80 bits, which the models of these
-    # tests do not expect. The library itself has no floating point.
-    cross x86-32-no-sse2 i686 "$double_models" -DCMAKE_CXX_FLAGS=
-    cross arm-32 arm ''
-    cross arm-64 aarch64 ''
-    run clang '' -DMM2D_BUILD_EXAMPLES=ON -DCMAKE_CXX_COMPILER=clang++
-    run O0 '' -DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O0
-    run O3 '' -DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O3
-fi
+for target in "${wanted[@]}"; do
+    # shellcheck disable=SC2046 # the arguments are words
+    case $target in
+        native) run native '' $with_examples "$(at_level -O2)" ;;
+        sanitized) run sanitized '' $with_examples "$(at_level "$sanitize")" ;;
+        x86-32) run x86-32 "$slow_models" $(for_machine i686) "$(at_level -O2)" ;;
+        x86-32-no-sse2)
+            run x86-32-no-sse2 "$slow_models|$double_models" $(for_machine i686) \
+                "$(at_level -O2)" -DCMAKE_CXX_FLAGS= ;;
+        arm-32) run arm-32 "$slow_models" $(for_machine arm) "$(at_level -O2)" ;;
+        arm-64) run arm-64 "$slow_models" $(for_machine aarch64) "$(at_level -O2)" ;;
+        clang) run clang '' $with_examples -DCMAKE_CXX_COMPILER=clang++ "$(at_level -O2)" ;;
+        O0) run O0 '' "$(at_level -O0)" ;;
+        O3) run O3 '' "$(at_level -O3)" ;;
+        *) echo "unknown target $target"; exit 2 ;;
+    esac
+done
 
 echo
 printf '%s\n' "${summary[@]}"
