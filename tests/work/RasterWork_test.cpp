@@ -1,0 +1,115 @@
+// The work of filling hostile polygons, counted rather than timed: the rasteriser's sources are
+// compiled so that every basic block they run calls back here.
+#include "graphics2d/Rasteriser.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <vector>
+
+static uint64_t blocksRun = 0;
+
+extern "C" void __sanitizer_cov_trace_pc(); // the name that the compiler calls
+extern "C" void __sanitizer_cov_trace_pc()
+{
+    ++blocksRun;
+}
+
+namespace {
+
+using namespace KAVO::Graphics2D;
+
+constexpr int32_t kSide = 1000;
+
+// Basic blocks run to fill a polygon with anti-aliasing.
+uint64_t workOf(const std::vector<MMPoint2D>& polygon, MMFillRule rule)
+{
+    std::vector<Pixel> pixels(kSide * 100);
+    MMContext2D context;
+    context.target = {kSide, 100, kSide * 4, 0, pixels.data(), 0};
+    context.clipRight = kSide;
+    context.clipBottom = 100;
+    context.antiAlias = 1;
+    context.currentPaint = context.fillPaint;
+    blocksRun = 0;
+    fillComplexPolygon(context, polygon.data(), static_cast<uint32_t>(polygon.size()), rule);
+    return blocksRun;
+}
+
+class Places {
+public:
+    MMPoint2D within(double top, double bottom)
+    {
+        return {coordinate(0, kSide), coordinate(top, bottom)};
+    }
+    Fixed coordinate(double low, double high)
+    {
+        return static_cast<Fixed>((low + (high - low) * (random_() / 4294967296.0)) * 65536);
+    }
+
+private:
+    std::mt19937 random_{1};
+};
+
+MMPoint2D at(double x, double y)
+{
+    return {static_cast<Fixed>(x * 65536), static_cast<Fixed>(y * 65536)};
+}
+
+// Polygons that once cost, or are likely to cost, the square of their vertices.
+struct Family {
+    const char* name;
+    MMPoint2D (*vertex)(Places& places, int i, int n);
+};
+
+const Family kFamilies[] = {
+    {"up and down through two rows",
+     [](Places& p, int i, int) { return i % 2 != 0 ? p.within(10, 10.5) : p.within(11.5, 12); }},
+    {"all crossing all others in one slab",
+     [](Places&, int i, int n) {
+         return i % 2 != 0 ? at(kSide * double(i) / n, 10.25)
+                           : at(kSide - kSide * double(i) / n, 11.75);
+     }},
+    {"across whole rows",
+     [](Places& p, int i, int) { return i % 2 != 0 ? p.within(9.9, 10) : p.within(12, 12.1); }},
+    {"random in one row", [](Places& p, int, int) { return p.within(10, 11); }},
+    {"wide bent chains across upright ones",
+     [](Places& p, int i, int n) {
+         if (i < n / 2) return at(2.0 * kSide * i / n, i % 2 != 0 ? 0 : 90);
+         return i % 2 != 0 ? at(i & 2 ? 0 : kSide, 10.2) : p.within(10.5, 10.9);
+     }},
+    {"births on the wrong side of upright chains",
+     [](Places& p, int i, int n) {
+         if (i < n / 2)
+             return at(2.0 * kSide * i / n + (i % 2 != 0 ? 0 : 900), i % 2 != 0 ? 10 : 11);
+         return i % 2 != 0 ? p.within(10.9, 10.95) : p.within(12, 13);
+     }},
+    {"many horizontal steps",
+     [](Places& p, int i, int) {
+         return MMPoint2D{p.coordinate(0, kSide), at(0, 10 + (i / 2 * 7 % 40) * 0.05).y};
+     }},
+};
+
+// Four times the vertices may cost little more than four times the work, wherever they lie: 4.7 by
+// n log n, some more while the rows only begin to be crowded. The square would be sixteen.
+TEST(RasterWork, GrowsNoFasterThanSorting)
+{
+    constexpr int kFew = 3000, kMany = 12000;
+    for (const Family& family : kFamilies) {
+        for (MMFillRule rule : {kFillNonZero, kFillEvenOdd}) {
+            uint64_t work[2];
+            for (int size = 0; size < 2; ++size) {
+                Places places;
+                std::vector<MMPoint2D> polygon;
+                const int n = size == 0 ? kFew : kMany;
+                for (int i = 0; i < n; ++i)
+                    polygon.push_back(family.vertex(places, i, n));
+                work[size] = workOf(polygon, rule);
+            }
+            EXPECT_GT(work[0], uint64_t{kFew}) << family.name;
+            EXPECT_LT(work[1], work[0] * 13 / 2) << family.name << ", fill rule " << int(rule);
+        }
+    }
+}
+
+} // namespace
