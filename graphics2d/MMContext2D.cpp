@@ -61,7 +61,7 @@ MMContext2D::~MMContext2D()
     destroyLayoutManager();
     releaseFont();
     releaseFontLib();
-    std::free(scratchStack.firstBlock);
+    scratchStack.Destroy();
 }
 
 } // namespace Graphics2D

@@ -164,6 +164,11 @@ void MMStackContext::freeChain(Block* block)
     }
 }
 
+void MMStackContext::Destroy()
+{
+    freeChain(currentBlock);
+}
+
 void* MMStackContext::Alloc(uint32_t n)
 {
     freeChain(consolidate());

@@ -18,11 +18,15 @@ public:
 
     uint32_t usedWords;  // in use over all blocks, each allocation with its size word
     uint32_t peakWords;  // the largest usedWords has been
-    Block* firstBlock;   // null when the heap refused it; released with free() by the owner
+    Block* firstBlock;   // null when the heap refused it
     Block* currentBlock; // the last block of the chain, which serves the next allocation
 
     // Starts an empty stack whose first block has room for capacity words.
     void Create(uint32_t capacity);
+
+    // Frees all blocks, also those of allocations that were never given back. For an empty stack
+    // free(firstBlock) does the same.
+    void Destroy();
 
     // Room for n words, or null when the heap is exhausted (the stack is then unchanged).
     void* Alloc(uint32_t n);

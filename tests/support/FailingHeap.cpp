@@ -1,12 +1,14 @@
 #include "tests/support/FailingHeap.h"
 
 #include <cstddef>
+#include <malloc.h>
 
 namespace {
 
 bool counting = false;
 uint32_t callCount = 0;
 int32_t liveCount = 0;
+int64_t liveSize = 0;      // bytes
 uint32_t firstFailure = 0; // call number; 0: none
 uint32_t lastFailure = 0;
 
@@ -18,9 +20,18 @@ bool nextCallFails()
     return firstFailure != 0 && callCount >= firstFailure && callCount <= lastFailure;
 }
 
-void blockTaken(const void* block)
+void blockTaken(void* block)
 {
-    if (counting && block != nullptr) ++liveCount;
+    if (!counting || block == nullptr) return;
+    ++liveCount;
+    liveSize += static_cast<int64_t>(malloc_usable_size(block));
+}
+
+void blockGivenBack(void* block)
+{
+    if (!counting || block == nullptr) return;
+    --liveCount;
+    liveSize -= static_cast<int64_t>(malloc_usable_size(block));
 }
 
 } // namespace
@@ -56,14 +67,15 @@ void* __wrap_calloc(size_t count, size_t size)
 void* __wrap_realloc(void* block, size_t size)
 {
     if (nextCallFails()) return nullptr;
+    blockGivenBack(block);
     void* resized = __real_realloc(block, size);
-    if (block == nullptr) blockTaken(resized);
+    blockTaken(resized != nullptr ? resized : block);
     return resized;
 }
 
 void __wrap_free(void* block)
 {
-    if (counting && block != nullptr) --liveCount;
+    blockGivenBack(block);
     __real_free(block);
 }
 
@@ -72,6 +84,7 @@ void __wrap_free(void* block)
 FailingHeap::FailingHeap()
 {
     liveCount = 0;
+    liveSize = 0;
     failAt(0);
     counting = true;
 }
@@ -102,4 +115,9 @@ uint32_t FailingHeap::calls() const
 int32_t FailingHeap::liveBlocks() const
 {
     return liveCount;
+}
+
+int64_t FailingHeap::liveBytes() const
+{
+    return liveSize;
 }

@@ -29,6 +29,7 @@ public:
 
     // Blocks taken less blocks given back since construction; 0 when nothing leaked.
     int32_t liveBlocks() const;
+    int64_t liveBytes() const;
 };
 
 // Runs operation again and again, with the first heap call failing, then the second, and so on,
