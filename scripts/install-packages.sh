@@ -4,7 +4,7 @@
 #   scripts/install-packages.sh GROUP...
 #
 # Groups: build (the library), test, examples, bench, targets (other machines and compilers),
-# format.
+# format, fuzz, coverage, memory.
 set -euo pipefail
 
 packages=()
@@ -20,6 +20,9 @@ for group in "$@"; do
         bench)
             packages+=(libbenchmark-dev libcairo2-dev libagg-dev libpugixml-dev libpng-dev
                 fonts-dejavu-core) ;;
+        fuzz) packages+=(clang libclang-rt-14-dev fonts-dejavu-core) ;;
+        coverage) packages+=(gcovr) ;;
+        memory) packages+=(valgrind) ;;
         targets)
             packages+=(clang libclang-rt-14-dev
                 g++-arm-linux-gnueabihf g++-aarch64-linux-gnu) ;;

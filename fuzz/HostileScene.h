@@ -1,0 +1,163 @@
+// A context in any state that a caller could bring it into, over a picture that notices what is
+// written where nothing may be.
+#pragma once
+
+#include "fuzz/ByteReader.h"
+#include "graphics2d/MMContext2D.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+using namespace KAVO::Graphics2D;
+
+// What does not hold is a finding.
+inline void require(bool holds, const char* what)
+{
+    if (holds) return;
+    std::fprintf(stderr, "does not hold: %s\n", what);
+    std::abort();
+}
+
+// Reads 12 to some 300 bytes.
+class HostileScene {
+public:
+    // padded: rows of the target may lie further apart than they are long.
+    HostileScene(ByteReader& in, bool padded) : in_(in)
+    {
+        readTarget(padded);
+        MMContext2D& c = context;
+        c.transform = readMatrix();
+        readPaint(c.fillPaint);
+        readPaint(c.strokePaint);
+        c.antiAlias = in.byte();
+        c.fillRule = in.byte();
+        c.joinStyle = in.byte();
+        c.capStyle = in.byte();
+        c.strokeHalfWidth = in.fixed();
+        c.miterLimit = in.fixed();
+        c.dashOffset = in.fixed();
+        dashes_ = in.array<Fixed>(in.below(8));
+        c.dashArray = dashes_.empty() ? nullptr : dashes_.data();
+        c.dashCount = static_cast<uint16_t>(dashes_.size());
+        const uint8_t flags = in.byte();
+        c.accumulateBounds = flags & 1;
+        c.drawSuppressed = (flags & 0x0E) == 0x0E;
+        c.renderFlags = (flags & 0x70) == 0x70 ? kRenderBoundsOnly : 0;
+        c.pointStep = static_cast<int32_t>(in.fixed());
+        c.patternFilter = in.byte();
+        c.imageOpacity = in.byte();
+        c.pickX = in.fixed();
+        c.pickY = in.fixed();
+        c.currentPaint = c.fillPaint;
+    }
+
+    // An image whose memory ends with its last texel.
+    MMPixmap readImage()
+    {
+        const uint16_t width = static_cast<uint16_t>(in_.below(12));
+        const uint16_t height = static_cast<uint16_t>(in_.below(12));
+        images_.push_back(in_.array<Pixel>(size_t{width} * height));
+        Pixel* pixels = images_.back().empty() ? nullptr : images_.back().data();
+        return {width, height, in_.word(), 0, pixels, in_.word()};
+    }
+
+    Matrix2D readMatrix()
+    {
+        const Fixed one = kFixedOne;
+        switch (in_.below(3)) {
+        case 0:
+            return {one, 0, 0, one, 0, 0};
+        case 1:
+            return {one, 0, 0, one, in_.fixed(), in_.fixed()};
+        default:
+            const Fixed a = in_.fixed(), b = in_.fixed(), c = in_.fixed(), d = in_.fixed();
+            return {a, b, c, d, in_.fixed(), in_.fixed()};
+        }
+    }
+
+    void readPaint(MMPaint& paint)
+    {
+        const uint8_t type = in_.byte();
+        paint.paintType = type == 255 ? UINT32_MAX : type;
+        paint.paintOpacity = in_.byte();
+        switch (paint.paintType) {
+        case kPaintLinearGradient:
+            readStops(paint);
+            paint.gradientOriginX = in_.fixed();
+            paint.gradientOriginY = in_.fixed();
+            paint.gradientStepX = in_.fixed();
+            paint.gradientStepY = in_.fixed();
+            break;
+        case kPaintRadialGradient:
+            readStops(paint);
+            for (Fixed* field : {&paint.radialXToU, &paint.radialXToV, &paint.radialYToU,
+                                 &paint.radialYToV, &paint.radialCenterX, &paint.radialCenterY})
+                *field = in_.fixed();
+            break;
+        case kPaintPattern:
+            paint.patternTransform = readMatrix();
+            paint.patternImage = readImage();
+            paint.patternHasAlpha = in_.byte();
+            break;
+        default:
+            paint.paintColour = in_.word();
+        }
+    }
+
+    // Everything outside of the clip rectangle must be as it was, and the scratch stack empty but
+    // for the blocks that one-point dashed subpaths leave behind.
+    void check(bool dashed)
+    {
+        for (size_t i = 0; i < words_.size(); ++i) {
+            const int32_t x = static_cast<int32_t>(i % stride_);
+            const int32_t y = static_cast<int32_t>(i / stride_);
+            const bool inside = x < width_ && context.clipLeft <= x && x < context.clipRight &&
+                                context.clipTop <= y && y < context.clipBottom;
+            require(inside || words_[i] == kGround, "nothing is drawn outside of the clip");
+        }
+        require(dashed || context.scratchStack.usedWords == 0, "all scratch memory is given back");
+        require(context.outOfMemory == 0, "memory does not run out");
+    }
+
+    MMContext2D context;
+
+private:
+    static constexpr Pixel kGround = 0xA55A3CC3;
+
+    void readTarget(bool padded)
+    {
+        width_ = static_cast<uint16_t>(in_.below(64));
+        const uint16_t height = static_cast<uint16_t>(in_.below(64));
+        stride_ = width_ + in_.below(4) * padded;
+        words_.assign(size_t{stride_} * height, kGround);
+        Pixel* pixels = words_.empty() ? nullptr : words_.data();
+        context.target = {width_, height, stride_ * 4, 0xFFFFFFFF, pixels, 0};
+        context.clipRight = static_cast<int16_t>(width_);
+        context.clipBottom = static_cast<int16_t>(height);
+        if (in_.below(2) == 0) return;
+        for (int16_t* side :
+             {&context.clipLeft, &context.clipTop, &context.clipRight, &context.clipBottom})
+            *side = in_.below(8) == 0
+                        ? static_cast<int16_t>(in_.half())
+                        : static_cast<int16_t>(static_cast<int32_t>(in_.below(80)) - 8);
+    }
+
+    void readStops(MMPaint& paint)
+    {
+        const size_t count = in_.below(6);
+        colours_.push_back(in_.array<Pixel>(count));
+        offsets_.push_back(in_.array<Fixed>(count));
+        paint.gradientStopCount = static_cast<uint32_t>(count);
+        paint.gradientStopColors = colours_.back().data(); // null when there are none
+        paint.gradientStopOffsets = offsets_.back().data();
+        paint.paintHasAlpha = in_.byte();
+    }
+
+    ByteReader& in_;
+    uint16_t width_;
+    uint32_t stride_; // words
+    std::vector<Pixel> words_;
+    std::vector<Fixed> dashes_;
+    std::vector<std::vector<Pixel>> images_, colours_;
+    std::vector<std::vector<Fixed>> offsets_;
+};
