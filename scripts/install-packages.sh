@@ -4,7 +4,7 @@
 #   scripts/install-packages.sh GROUP...
 #
 # Groups: build (the library), test, examples, bench, targets (other machines and compilers),
-# format, fuzz, coverage, memory.
+# format, fuzz, coverage.
 set -euo pipefail
 
 packages=()
@@ -12,7 +12,7 @@ for group in "$@"; do
     case $group in
         build) packages+=(g++ binutils cmake ninja-build pkg-config libfreetype-dev libicu-dev) ;;
         test)
-            packages+=(libgtest-dev googletest g++-i686-linux-gnu qemu-user
+            packages+=(libgtest-dev googletest valgrind g++-i686-linux-gnu qemu-user
                 fonts-dejavu-core fonts-wqy-microhei fonts-tlwg-garuda-ttf) ;;
         examples)
             packages+=(libpugixml-dev libpng-dev
@@ -22,7 +22,6 @@ for group in "$@"; do
                 fonts-dejavu-core) ;;
         fuzz) packages+=(clang libclang-rt-14-dev fonts-dejavu-core) ;;
         coverage) packages+=(gcovr) ;;
-        memory) packages+=(valgrind) ;;
         targets)
             packages+=(clang libclang-rt-14-dev
                 g++-arm-linux-gnueabihf g++-aarch64-linux-gnu) ;;
