@@ -109,7 +109,7 @@ inline void loadColumns(const Pixel* texels, int32_t width, Column* columns)
 }
 
 // The 8.16 sums of the channels over four columns.
-inline U32x4 weightedSum(const Column* columns, uint64_t x, uint64_t y)
+inline Channels weightedSum(const Column* columns, uint64_t x, uint64_t y)
 {
     const U16x8 both = (U16x8)U64x2{x, y};
     const U16x8 xPairs = __builtin_shufflevector(both, both, 0, 0, 1, 1, 2, 2, 3, 3);
@@ -163,24 +163,10 @@ U16x8 fractionsOf(const TexelAxis& axis)
     return all8(axis.fraction()) + U16x8{0, 1, 2, 3, 4, 5, 6, 7} * all8(fixFraction(axis.step()));
 }
 
-void writeSums(const U32x4 (&sums)[kBatch], Pixel* colours, uint32_t* alphas, int32_t count)
-{
-    for (int32_t i = 0; i < count; i += 4) {
-        const U32x4 half = all4(kChannelHalf);
-        const U32x4 pixels = packChannels(sums[i] + half, sums[i + 1] + half, sums[i + 2] + half,
-                                          sums[i + 3] + half);
-        const int32_t length = count - i < 4 ? count - i : 4;
-        std::memcpy(colours + i, &pixels, static_cast<size_t>(length) * sizeof(Pixel));
-        if (alphas == nullptr) continue;
-        for (int32_t k = i; k < i + length; ++k)
-            alphas[k] = sums[k][3];
-    }
-}
-
-// columnsOf(walk, i) gives the four columns of the pixel i after the walk's.
-template <class ColumnsOf>
+// nextColumns() gives the four columns of one pixel after the other.
+template <class NextColumns>
 inline void sumPixels(PatternWalk walk, Pixel* colours, uint32_t* alphas, int32_t count,
-                      ColumnsOf columnsOf)
+                      NextColumns nextColumns)
 {
     uint64_t x[kBatch];
     uint64_t y[kBatch];
@@ -189,10 +175,13 @@ inline void sumPixels(PatternWalk walk, Pixel* colours, uint32_t* alphas, int32_
         const int32_t length = count - i < kBatch ? count - i : kBatch;
         CubicWeights::alongRow(fractionsOf(walk.u)).byPixel(x);
         if (i > 0 && walk.v.step() != 0) CubicWeights::acrossRows(fractionsOf(walk.v)).byPixel(y);
-        U32x4 sums[kBatch] = {};
+        Channels sums[kBatch] = {};
         for (int32_t k = 0; k < length; ++k)
-            sums[k] = weightedSum(columnsOf(), x[k], y[k]);
-        writeSums(sums, colours + i, alphas == nullptr ? nullptr : alphas + i, length);
+            sums[k] = weightedSum(nextColumns(), x[k], y[k]);
+        packOpaque(sums, colours + i, length);
+        if (alphas != nullptr)
+            for (int32_t k = 0; k < length; ++k)
+                alphas[i + k] = sums[k][kAlpha];
         walk.advance(length);
     }
 }

@@ -14,78 +14,77 @@ namespace {
 // A colour that changes by a constant per pixel, written as opaque pixels whatever its alpha.
 class ColourRamp {
 public:
-    ColourRamp(const Channels& first, const Channels& step) : channels_(first), step_(step) {}
+    ColourRamp(Channels first, Channels step) : channels_(first), step_(step) {}
 
     // Writes the next count pixels.
     void write(Pixel* out, int32_t count)
     {
-        int32_t i = 0;
-        if (count >= 4) i = writeFours(out, count);
-        for (; i < count; ++i) {
-            out[i] = opaquePixel(channels_.red, channels_.green, channels_.blue);
-            advance(1);
-        }
+        Lanes red(channels_, step_, kRed);
+        Lanes green(channels_, step_, kGreen);
+        Lanes blue(channels_, step_, kBlue);
+        channels_ += step_ * static_cast<uint32_t>(count);
+        const auto next = [&] {
+            return 0xFF000000u | (red.next() & 0x00FF0000u) | ((green.next() >> 8) & 0x0000FF00u) |
+                   ((blue.next() >> 16) & 0xFFu);
+        };
+        for (; count >= 4; count -= 4, out += 4)
+            store4(out, next());
+        if (count > 0) storeFew(out, next(), count);
     }
 
 private:
-    int32_t writeFours(Pixel* out, int32_t count)
-    {
-        U32x4 red = ramp4(wrapAdd(channels_.red, kChannelHalf), step_.red);
-        U32x4 green = ramp4(wrapAdd(channels_.green, kChannelHalf), step_.green);
-        U32x4 blue = ramp4(wrapAdd(channels_.blue, kChannelHalf), step_.blue);
-        const U32x4 redStep = all4(static_cast<uint32_t>(step_.red) * 4);
-        const U32x4 greenStep = all4(static_cast<uint32_t>(step_.green) * 4);
-        const U32x4 blueStep = all4(static_cast<uint32_t>(step_.blue) * 4);
-        int32_t i = 0;
-        for (; i + 4 <= count; i += 4) {
-            store4(out + i, packOpaque(red, green, blue));
-            red += redStep;
-            green += greenStep;
-            blue += blueStep;
-        }
-        advance(i);
-        return i;
-    }
+    // One channel of four pixels.
+    struct Lanes {
+        U32x4 value;
+        U32x4 step;
 
-    void advance(int32_t count)
-    {
-        channels_ += step_.map([count](int32_t step) { return wrapMul(step, count); });
-    }
+        Lanes(Channels channels, Channels steps, int k)
+            : value(all4(channels[k] + kChannelHalf) + steps[k] * U32x4{0, 1, 2, 3}),
+              step(all4(steps[k] * 4))
+        {
+        }
+        U32x4 next()
+        {
+            const U32x4 now = value;
+            value += step;
+            return now;
+        }
+    };
 
     Channels channels_;
     Channels step_;
 };
 
-class OpaqueTarget : public OpaqueGradientTarget {
+class LinearTarget : public GradientTarget {
 public:
-    using OpaqueGradientTarget::OpaqueGradientTarget;
+    using GradientTarget::GradientTarget;
 
-    void ramp(const Channels& first, const Channels& step, int32_t count)
+    void ramp(Channels first, Channels step, int32_t count)
     {
+        if (translucent_) return translucentRamp(first, step, count);
         ColourRamp(first, step).write(pixels_, count);
         pixels_ += count;
     }
-};
 
-class TranslucentTarget : public TranslucentGradientTarget {
-public:
-    using TranslucentGradientTarget::TranslucentGradientTarget;
-
+private:
     // The weight is extrapolated from the segment's first three pixels rather than computed for
     // each: it is exact where opacity or alpha is constant, and a ramp anyway where both change.
-    void ramp(const Channels& first, const Channels& step, int32_t count)
+    void translucentRamp(Channels first, Channels step, int32_t count)
     {
         const Coverage opacity = run_.coverage.next();
-        const int32_t alpha = wrapAdd(first.alpha, step.alpha);
-        int32_t weight = rampWeight(run_.coverage.current(), first.alpha);
+        const int32_t alphaStep = static_cast<int32_t>(step[kAlpha]);
+        const int32_t firstAlpha = static_cast<int32_t>(first[kAlpha]);
+        const int32_t alpha = wrapAdd(firstAlpha, alphaStep);
+        int32_t weight = rampWeight(run_.coverage.current(), firstAlpha);
         int32_t nextWeight = rampWeight(opacity, alpha);
         const int32_t weightStep =
-            wrapSub(rampWeight(wrapAdd(opacity, run_.coverage.step()), wrapAdd(alpha, step.alpha)),
+            wrapSub(rampWeight(wrapAdd(opacity, run_.coverage.step()), wrapAdd(alpha, alphaStep)),
                     nextWeight);
+        run_.coverage.advance(count);
         ColourRamp colours(first, step);
         PaintPiece piece;
-        for (int32_t done = 0; done < count;) {
-            const int32_t length = count - done < kPieceLength ? count - done : kPieceLength;
+        while (count > 0) {
+            const int32_t length = count < kPieceLength ? count : kPieceLength;
             colours.write(piece.colours, length);
             piece.weights[0] = weightByte(weight);
             for (int32_t i = 1; i < length; ++i) {
@@ -95,12 +94,10 @@ public:
             weight = nextWeight;
             nextWeight = wrapAdd(nextWeight, weightStep);
             run_.drawPiece(piece, length);
-            done += length;
+            count -= length;
         }
-        run_.coverage.advance(count);
     }
 
-private:
     // 16.16, one higher from 128.0 on so that full opacity reaches 255.
     static int32_t rampWeight(Coverage opacity, int32_t alpha)
     {
@@ -127,8 +124,7 @@ public:
 
     // Draws count pixels. The phases repeat because the parameter may run through them in either
     // direction, and may wrap.
-    template <class Target>
-    void draw(Target& target, int32_t count)
+    void draw(LinearTarget& target, int32_t count)
     {
         if (stops_.isEmpty()) return;
         const Fixed first = stops_.firstOffset();
@@ -163,8 +159,7 @@ private:
     }
 
     // A segment keeps its end: a pixel that lands exactly on the next stop is still drawn from it.
-    template <class Target>
-    void drawSegment(Target& target, int32_t& count)
+    void drawSegment(LinearTarget& target, int32_t& count)
     {
         findSegment();
         const Fixed low = stops_.offsets[segment_];
@@ -172,8 +167,9 @@ private:
         const Segment segment(stops_, segment_);
         const Channels first = segment.at(t_);
         const Fixed fractionStep = fixDiv(step_, segment.length);
-        const Channels step = segment.difference.map(
-            [fractionStep](int32_t change) { return fixMul(fractionStep, change); });
+        const Channels step = mapChannels(segment.difference, [fractionStep](int32_t change) {
+            return fixMul(fractionStep, change);
+        });
         // t may wrap into the segment again, which then goes on.
         int32_t length = 0;
         while (count > 0 && low < t_ && t_ <= high)
@@ -187,20 +183,24 @@ private:
     uint32_t segment_ = 0;
 };
 
+void drawLinear(MMContext2D& context, bool translucent)
+{
+    LinearTarget target(context, translucent);
+    LinearWalk walk(context);
+    walk.draw(target, spanLength(context));
+    if (target.takeTail()) walk.draw(target, 1);
+}
+
 } // namespace
 
 void MMContext2D::drawLinearGradientStrip()
 {
-    OpaqueTarget out(*this);
-    LinearWalk(*this).draw(out, spanLength(*this));
+    drawLinear(*this, false);
 }
 
 void MMContext2D::drawLinearGradientTStrip()
 {
-    TranslucentTarget out(*this);
-    LinearWalk walk(*this);
-    walk.draw(out, spanLength(*this));
-    if (out.takeTail()) walk.draw(out, 1);
+    drawLinear(*this, true);
 }
 
 } // namespace Graphics2D

@@ -48,6 +48,13 @@ inline void store4(uint32_t* to, U32x4 lanes)
     std::memcpy(to, &lanes, sizeof lanes);
 }
 
+// The first few lanes.
+inline void storeFew(uint32_t* to, U32x4 lanes, int32_t count)
+{
+    for (int32_t i = 0; i < count; ++i)
+        to[i] = lanes[i];
+}
+
 inline U32x4 all4(uint32_t v)
 {
     return U32x4{v, v, v, v};

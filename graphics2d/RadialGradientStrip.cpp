@@ -20,52 +20,52 @@ namespace {
 
 constexpr Fixed kQuarter = 0x4000;
 
-class OpaqueTarget : public OpaqueGradientTarget {
+class RadialTarget : public GradientTarget {
 public:
-    using OpaqueGradientTarget::OpaqueGradientTarget;
+    using GradientTarget::GradientTarget;
 
-    void rampPixel(const Channels& colour)
+    // Draws count colours, with room up to the next multiple of four.
+    void ramp(const Channels* colours, int32_t count)
     {
-        *pixels_++ = opaquePixel(colour.red, colour.green, colour.blue);
-    }
-    void endRamp() {}
-};
-
-class TranslucentTarget : public TranslucentGradientTarget {
-public:
-    using TranslucentGradientTarget::TranslucentGradientTarget;
-
-    // Unlike the linear ramp, which extrapolates, each pixel has the weight of its own alpha.
-    void rampPixel(const Channels& colour)
-    {
-        piece_.colours[length_] = opaquePixel(colour.red, colour.green, colour.blue);
-        alphas_[length_] = colour.alpha;
-        if (++length_ == kPieceLength) endRamp();
-    }
-    void endRamp()
-    {
-        const Coverage opacity = run_.coverage.current();
-        const bool whole = run_.coverage.isFlat() && (opacity & ~0x00FF0000) == 0;
-        for (int32_t i = 0; i < length_; ++i) {
-            piece_.weights[i] = whole ? wholeWeight(opacity, alphas_[i])
-                                      : gradientWeight(run_.coverage.current(), alphas_[i]);
-            run_.coverage.advance(1);
-        }
-        run_.drawPiece(piece_, length_);
-        length_ = 0;
+        if (translucent_) return translucentRamp(colours, count);
+        packOpaque(colours, pixels_, count);
+        pixels_ += count;
     }
 
 private:
+    // Unlike the linear ramp, which extrapolates, each pixel has the weight of its own alpha.
+    void translucentRamp(const Channels* colours, int32_t count)
+    {
+        PaintPiece piece;
+        packOpaque(colours, piece.colours, count);
+        const Coverage opacity = run_.coverage.current();
+        if (run_.coverage.isFlatAndWhole()) {
+            for (int32_t i = 0; i < count; ++i)
+                piece.weights[i] = wholeWeight(opacity, static_cast<int32_t>(colours[i][kAlpha]));
+            run_.coverage.advance(count);
+        } else {
+            for (int32_t i = 0; i < count; ++i) {
+                piece.weights[i] = gradientWeight(run_.coverage.current(),
+                                                  static_cast<int32_t>(colours[i][kAlpha]));
+                run_.coverage.advance(1);
+            }
+        }
+        run_.drawPiece(piece, count);
+    }
+
     // gradientWeight of an opacity without a fraction: what the alpha has of one is then lost.
     static uint32_t wholeWeight(Coverage opacity, int32_t alpha)
     {
         if (alpha < 0) return gradientWeight(opacity, alpha);
         return raisedByte((fixFloor(opacity) * fixFloor(alpha)) >> 8);
     }
+};
 
-    PaintPiece piece_;
-    int32_t alphas_[kPieceLength];
-    int32_t length_ = 0;
+// The colour along the ramp.
+struct RadialColour {
+    Channels value;
+    Channels step;     // per unit step of r
+    Channels halfStep; // and per half one
 };
 
 // Follows r along a row, one pixel to the right at a time.
@@ -84,84 +84,100 @@ struct CircleFollower {
     int32_t risingMask = 0;       // all ones once the ramp is drawn past the vertex
     int32_t guess = 0;            // unit steps that a pixel takes at least, as of late
 
-    struct Move {
-        int32_t units; // unit steps
-        bool half;     // and a half one
-        bool crossed;  // the vertex; the next move needs the colour steps of the other side
-    };
-
-    // One pixel, whatever the numbers.
-    Move advance()
-    {
-        error = wrapAdd(error, change);
-        moveRight();
-        Move move = {};
-        move.crossed = dx >= vertex && risingMask == 0;
-        if (move.crossed) {
-            direction = kFixedOne;
-            risingMask = -1;
-        }
-        move.units = stepOneByOne();
-        move.half = halfStep();
-        guess = move.units < guess ? move.units : move.units - 1;
-        if (guess < 0 || guess > kGreatestGuess) guess = 0;
-        return move;
-    }
-
-    // The same for the usual pixel, which takes the guessed number of unit steps or one more,
-    // without a jump that depends on which: g steps cost g * (2r + g), or g * (2r - g) while
-    // falling. They are right when they end with 1 - 2r < error <= 0; the half step is then due
-    // while falling only. False, and nothing done, when they are not right, at the vertex, and with
-    // numbers so small or large that steps stop early or wrap.
-    template <bool kFalling>
-    [[gnu::always_inline]] bool advanceByGuess(Move& move)
-    {
-        if (r < 16 * kFixedOne || r >= 2048 * kFixedOne) return false;
-        if (kFalling && wrapAdd(dx, kFixedOne) >= vertex) return false;
-        const int32_t due = wrapAdd(error, change);
-        if (kFalling ? due > 0 || due < -kGreatestError : due < 0 || due > kGreatestError)
-            return false;
-        const Fixed steps = guess * kFixedOne;
-        Fixed newR = kFalling ? r - steps : r + steps;
-        const int32_t cost = guess * (r + newR);
-        int32_t rest = kFalling ? due + cost : due - cost;
-        const int32_t more =
-            -static_cast<int32_t>(kFalling ? rest <= kFixedOne - 2 * newR : rest > 0);
-        const int32_t next = kFalling ? 2 * newR - kFixedOne : -2 * newR - kFixedOne;
-        rest += more & next;
-        newR += more & (kFalling ? -kFixedOne : kFixedOne);
-        if (rest > 0 || rest <= kFixedOne - 2 * newR) return false;
-        move = {guess - more, false, false};
-        if (kFalling) {
-            const int32_t half = -static_cast<int32_t>(rest <= kQuarter - newR);
-            rest += half & (newR - kQuarter);
-            newR -= half & kFixedHalf;
-            move.half = half != 0;
-        }
-        r = newR;
-        error = rest;
-        moveRight();
-        return true;
-    }
-
     // Sets what follows from dx.
     void start() { change = wrapAdd(fixMul(doubled(dx), a), b); }
 
+    // One pixel, whatever the numbers. True when it crossed the vertex: the next one needs the
+    // colour steps of the other side.
+    bool advance(RadialColour& colour);
+
+    // Writes up to count colours as long as r is within [low, high) and the next pixel is a usual
+    // one; returns how many.
+    int32_t advanceUsual(RadialColour& colour, Fixed low, Fixed high, Channels* out, int32_t count)
+    {
+        // Where the numbers are so small or large that steps stop early or wrap, nothing is usual.
+        if (dx < -kFarthest || dx > kFarthest) return 0;
+        low = low > kLeastR ? low : kLeastR;
+        high = high < kMostR ? high : kMostR;
+        if (r < low || r >= high) return 0;
+        if (dx < -kFixedHalf) count = pixelsBefore(-kFixedHalf, count);
+        if (risingMask != 0) return advanceByGuess<false>(colour, low, high, out, count);
+        if (direction > 0) return 0;
+        return advanceByGuess<true>(colour, low, high, out, pixelsBefore(vertex, count));
+    }
+
 private:
     static constexpr int32_t kGreatestGuess = 4;
-    static constexpr int32_t kGreatestError = 0x50000000; // 4 * (2r + 4) more or less still fits
+    static constexpr Fixed kLeastR = 16 * kFixedOne;
+    static constexpr Fixed kMostR = 2048 * kFixedOne;
+    static constexpr uint32_t kGreatestError = 0x50000000; // 4 * (2r + 4) more or less still fits
+    static constexpr Fixed kFarthest = 0x3F000000;
 
+    static int32_t allOnesIfNegative(int32_t v) { return v >> 31; }
     static Fixed doubled(Fixed dx) { return wrapAdd(wrapAdd(dx, dx), kFixedOne); }
 
-    // The product with a grows by 2a exactly, but is rounded toward zero: it is formed anew where
-    // its sign may change, and next to the end of the range.
-    void moveRight()
+    // How many pixels of count can be advanced with dx staying below a bound.
+    int32_t pixelsBefore(Fixed bound, int32_t count) const
     {
-        const Fixed before = doubled(dx);
-        dx = wrapAdd(dx, kFixedOne);
-        const Fixed after = doubled(dx);
-        change = wrapAdd(change, wrapAdd(a, a));
-        if ((before ^ after) < 0 || after < -0x7FFF0000) start();
+        const int64_t pixels = (int64_t{bound} - dx - 1) >> 16;
+        return pixels < 0 ? 0 : pixels < count ? static_cast<int32_t>(pixels) : count;
+    }
+
+    // A usual pixel takes the guessed number of unit steps or one more, and this takes it without a
+    // jump that depends on which: g steps cost g * (2r + g), or g * (2r - g) while falling. They
+    // are right when they end with 1 - 2r < error <= 0; the half step is then due while falling
+    // only. Stops where they are not right. All of count lie on the same side of the vertex and
+    // have 2 dx + 1 of the same sign, so that the change grows evenly.
+    template <bool kFalling>
+    int32_t advanceByGuess(RadialColour& colour, Fixed low, Fixed high, Channels* out,
+                           int32_t count)
+    {
+        constexpr Fixed kUnit = kFalling ? -kFixedOne : kFixedOne;
+        const Fixed steps = guess * kUnit;
+        const Channels guessedStep = colour.step * static_cast<uint32_t>(guess);
+        const Fixed changeStep = wrapAdd(a, a);
+        int32_t cost = guess * (r + r + steps); // of the guessed steps
+        // Errors up to the greatest to the side where they are expected, and some to the other.
+        const uint32_t slack = kFalling ? 0 : static_cast<uint32_t>(2 * kMostR);
+        Channels value = colour.value;
+        Fixed newR = r;
+        Fixed newError = error;
+        Fixed newChange = change;
+        int32_t i = 0;
+        while (i < count && static_cast<uint32_t>(newR - low) < static_cast<uint32_t>(high - low)) {
+            const int32_t due = wrapAdd(newError, newChange);
+            const uint32_t size = static_cast<uint32_t>(kFalling ? wrapNeg(due) : due);
+            if (size + slack > kGreatestError + slack) break;
+            Fixed guessedR = newR + steps;
+            int32_t rest = kFalling ? due + cost : due - cost;
+            cost += 2 * guess * steps;
+            // One more step when the rest is above 0, or while falling up to 1 - 2r.
+            const int32_t more =
+                allOnesIfNegative(kFalling ? rest + 2 * guessedR - kFixedOne - 1 : -rest);
+            rest += more & (kFalling ? 2 * guessedR - kFixedOne : -2 * guessedR - kFixedOne);
+            guessedR += more & kUnit;
+            cost += more & (2 * guess * kUnit);
+            if (static_cast<uint32_t>(-rest) >= static_cast<uint32_t>(2 * guessedR - kFixedOne))
+                break;
+            out[i++] = value;
+            value += guessedStep + (colour.step & static_cast<uint32_t>(more));
+            if (kFalling) { // half a step up to 1/4 - r
+                const int32_t half = allOnesIfNegative(rest + guessedR - kQuarter - 1);
+                rest += half & (guessedR - kQuarter);
+                guessedR -= half & kFixedHalf;
+                cost -= half & (guess * kFixedOne);
+                value += colour.halfStep & static_cast<uint32_t>(half);
+            }
+            newR = guessedR;
+            newError = rest;
+            newChange = wrapAdd(newChange, changeStep);
+        }
+        colour.value = value;
+        r = newR;
+        error = newError;
+        change = newChange;
+        dx += i * kFixedOne;
+        return i;
     }
 
     bool isFalling() const { return direction < 0; }
@@ -169,30 +185,51 @@ private:
     // The mask and the low bit negate r in two's complement.
     Fixed signedBy(Fixed v) const { return wrapAdd(v ^ risingMask, risingMask & 1); }
 
-    int32_t stepOneByOne()
-    {
-        int32_t units = 0;
-        while (wrapAdd(r, direction) > 0) {
-            const Fixed twoR = signedBy(wrapAdd(r, r));
-            if (error <= 0 && !(isFalling() && wrapSub(kFixedOne, twoR) >= error)) break;
-            r = wrapAdd(r, direction);
-            error = wrapAdd(error, wrapSub(twoR, kFixedOne));
-            ++units;
-        }
-        return units;
-    }
-
-    bool halfStep()
-    {
-        const Fixed signedR = signedBy(r);
-        const bool due = wrapAdd(r, direction) > 0 &&
-                         (error > 0 || (isFalling() && wrapSub(kQuarter, signedR) >= error));
-        const int32_t mask = -static_cast<int32_t>(due);
-        error = wrapAdd(error, mask & wrapSub(signedR, kQuarter));
-        r = wrapAdd(r, mask & (direction >> 1));
-        return due;
-    }
+    int32_t stepOneByOne();
+    bool halfStep();
 };
+
+bool CircleFollower::advance(RadialColour& colour)
+{
+    error = wrapAdd(error, change);
+    // The product with a grows by 2a exactly, but is rounded toward zero: it is formed anew.
+    dx = wrapAdd(dx, kFixedOne);
+    start();
+    const bool crossed = dx >= vertex && risingMask == 0;
+    if (crossed) {
+        direction = kFixedOne;
+        risingMask = -1;
+    }
+    const int32_t units = stepOneByOne();
+    colour.value += colour.step * static_cast<uint32_t>(units);
+    if (halfStep()) colour.value += colour.halfStep;
+    guess = units < guess ? units : units - 1;
+    if (guess < 0 || guess > kGreatestGuess) guess = 0;
+    return crossed;
+}
+
+int32_t CircleFollower::stepOneByOne()
+{
+    int32_t units = 0;
+    while (wrapAdd(r, direction) > 0) {
+        const Fixed twoR = signedBy(wrapAdd(r, r));
+        if (error <= 0 && !(isFalling() && wrapSub(kFixedOne, twoR) >= error)) break;
+        r = wrapAdd(r, direction);
+        error = wrapAdd(error, wrapSub(twoR, kFixedOne));
+        ++units;
+    }
+    return units;
+}
+
+bool CircleFollower::halfStep()
+{
+    const Fixed signedR = signedBy(r);
+    if (wrapAdd(r, direction) <= 0) return false;
+    if (error <= 0 && !(isFalling() && wrapSub(kQuarter, signedR) >= error)) return false;
+    error = wrapAdd(error, wrapSub(signedR, kQuarter));
+    r = wrapAdd(r, direction >> 1);
+    return true;
+}
 
 // The walk along the span. Everything persists from phase to phase; only r is refreshed where it
 // is computed exactly.
@@ -213,8 +250,7 @@ public:
         at_.r = exactR();
     }
 
-    template <class Target>
-    void draw(Target& target, int32_t count)
+    void draw(RadialTarget& target, int32_t count)
     {
         if (stops_.isEmpty()) return;
         const Fixed first = stops_.firstOffset();
@@ -222,10 +258,8 @@ public:
         while (count > 0) {
             if (at_.r >= last) drawOutside(target, count);
             if (at_.r < first && count > 0) drawInside(target, count);
-            while (first <= at_.r && at_.r < last && count > 0) {
+            while (first <= at_.r && at_.r < last && count > 0)
                 drawSegment(target, count);
-                target.endRamp();
-            }
         }
     }
 
@@ -258,31 +292,27 @@ private:
     }
 
     // One colour over count pixels; r is not followed.
-    template <class Target>
-    void pad(Target& target, Pixel colour, int32_t length, int32_t& count)
+    void pad(RadialTarget& target, Pixel colour, int32_t length, int32_t& count)
     {
         target.pad(colour, length);
         at_.dx = wrapAdd(at_.dx, fixFromInt(length));
         count -= length;
     }
     // The same up to and including dx = end.
-    template <class Target>
-    void padTo(Target& target, Pixel colour, Fixed end, int32_t& count)
+    void padTo(RadialTarget& target, Pixel colour, Fixed end, int32_t& count)
     {
         while (count > 0 && at_.dx <= end)
             pad(target, colour, stepsWithin(at_.dx, kFixedOne, INT32_MIN, end, count), count);
         at_.r = exactR();
     }
     // A single pixel where rounding left r on the wrong side.
-    template <class Target>
-    void padOne(Target& target, Pixel colour, int32_t& count)
+    void padOne(RadialTarget& target, Pixel colour, int32_t& count)
     {
         pad(target, colour, 1, count);
         at_.r = exactR();
     }
 
-    template <class Target>
-    void drawOutside(Target& target, int32_t& count)
+    void drawOutside(RadialTarget& target, int32_t& count)
     {
         const Fixed last = stops_.lastOffset();
         const Pixel colour = stops_.lastColour();
@@ -296,8 +326,7 @@ private:
         if (at_.dx >= at_.vertex) at_.direction = kFixedOne;
     }
 
-    template <class Target>
-    void drawInside(Target& target, int32_t& count)
+    void drawInside(RadialTarget& target, int32_t& count)
     {
         const Fixed first = stops_.firstOffset();
         const int32_t before = count;
@@ -321,49 +350,48 @@ private:
     // segment's length and a half: the colours then stay within the segment's ends.
     Channels stepPerUnit(const Segment& segment)
     {
-        const Fixed divisor = wrapAdd(segment.length, kFixedHalf);
-        if (at_.dx < at_.vertex)
-            return segment.difference.map(
-                [divisor](int32_t change) { return wrapAdd(fixDiv(change, ~divisor), 1); });
-        at_.risingMask = -1;
-        at_.direction = kFixedOne;
-        return segment.difference.map(
-            [divisor](int32_t change) { return fixDiv(change, divisor); });
+        Fixed divisor = wrapAdd(segment.length, kFixedHalf);
+        const bool falling = at_.dx < at_.vertex;
+        if (falling) {
+            divisor = ~divisor;
+        } else {
+            at_.risingMask = -1;
+            at_.direction = kFixedOne;
+        }
+        return mapChannels(segment.difference, [&](int32_t change) {
+            return wrapAdd(fixDiv(change, divisor), falling ? 1 : 0);
+        });
     }
 
     // Draws pixels while r stays in its segment, up to the vertex or the end of the span.
-    template <class Target>
-    void drawSegment(Target& target, int32_t& count)
+    void drawSegment(RadialTarget& target, int32_t& count)
     {
         findSegment();
         const Segment segment(stops_, segment_);
         const Fixed low = stops_.offsets[segment_];
         const Fixed high = stops_.offsets[segment_ + 1];
-        Channels colour = segment.at(at_.r);
-        const Channels step = stepPerUnit(segment);
-        const Channels halfStep = step.map([](int32_t s) { return s >> 1; });
-        CircleFollower at = at_; // in registers
-        at.start();
-        int32_t left = count;
-        const auto draw = [&](CircleFollower::Move& move, auto advanceByGuess) {
-            while (low <= at.r && at.r < high && left > 0) {
-                target.rampPixel(colour);
-                --left;
-                if (!advanceByGuess(move)) move = at.advance();
-                const int32_t halfMask = -static_cast<int32_t>(move.half);
-                colour += Channels::combine(step, halfStep, [&](int32_t whole, int32_t half) {
-                    return wrapAdd(wrapMul(whole, move.units), halfMask & half);
-                });
-                if (move.crossed) return;
+        RadialColour colour;
+        colour.value = segment.at(at_.r);
+        colour.step = stepPerUnit(segment);
+        colour.halfStep = (Channels)((I32x4)colour.step >> 1);
+        at_.start();
+        bool crossed = false;
+        const auto goesOn = [&] { return low <= at_.r && at_.r < high && !crossed; };
+        while (count > 0 && goesOn()) {
+            Channels colours[kPieceLength];
+            const int32_t room = count < kPieceLength ? count : kPieceLength;
+            int32_t length = 0;
+            while (length < room && goesOn()) {
+                const int32_t usual =
+                    at_.advanceUsual(colour, low, high, colours + length, room - length);
+                length += usual;
+                if (usual > 0) continue;
+                colours[length++] = colour.value;
+                crossed = at_.advance(colour);
             }
-        };
-        CircleFollower::Move move = {};
-        if (at.direction < 0)
-            draw(move, [&at](auto& m) { return at.advanceByGuess<true>(m); });
-        else
-            draw(move, [&at](auto& m) { return at.advanceByGuess<false>(m); });
-        at_ = at;
-        count = left;
+            target.ramp(colours, length);
+            count -= length;
+        }
     }
 
     const StopList stops_;
@@ -373,21 +401,26 @@ private:
     uint32_t segment_;
 };
 
+void drawRadial(MMContext2D& context, bool translucent)
+{
+    RadialTarget target(context, translucent);
+    const int32_t count = spanLength(context);
+    if (count <= 0 && !translucent) return;
+    RadialWalk walk(context);
+    walk.draw(target, count);
+    if (target.takeTail()) walk.draw(target, 1);
+}
+
 } // namespace
 
 void MMContext2D::drawRadialGradientStrip()
 {
-    OpaqueTarget out(*this);
-    const int32_t count = spanLength(*this);
-    if (count > 0) RadialWalk(*this).draw(out, count);
+    drawRadial(*this, false);
 }
 
 void MMContext2D::drawRadialGradientTStrip()
 {
-    TranslucentTarget out(*this);
-    RadialWalk walk(*this);
-    walk.draw(out, spanLength(*this));
-    if (out.takeTail()) walk.draw(out, 1);
+    drawRadial(*this, true);
 }
 
 } // namespace Graphics2D

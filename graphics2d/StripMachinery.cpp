@@ -4,6 +4,17 @@
 namespace KAVO {
 namespace Graphics2D {
 
+void packOpaque(const Channels* channels, Pixel* pixels, int32_t count)
+{
+    const U32x4 half = all4(kChannelHalf);
+    for (int32_t i = 0; i < count; i += 4) {
+        const U32x4 packed = packChannels(channels[i] + half, channels[i + 1] + half,
+                                          channels[i + 2] + half, channels[i + 3] + half);
+        if (i + 4 > count) return storeFew(pixels + i, packed, count - i);
+        store4(pixels + i, packed);
+    }
+}
+
 TranslucentRun::TranslucentRun(MMContext2D& context)
     : coverage(context), context_(context), pixels_(spanFirstPixel(context))
 {

@@ -44,37 +44,35 @@ inline Pixel blendPixel(Pixel destination, Pixel source, uint32_t weight)
 
 constexpr int32_t kChannelHalf = 0x8000; // added before the byte is taken: rounds to nearest
 
-inline int32_t redOf(Pixel colour)
+// Blue, green, red and alpha, or differences or steps of them.
+using Channels = U32x4;
+constexpr int kBlue = 0;
+constexpr int kGreen = 1;
+constexpr int kRed = 2;
+constexpr int kAlpha = 3;
+
+inline Channels channelsOf(Pixel colour)
 {
-    return static_cast<int32_t>(colour & 0x00FF0000u);
+    return U32x4{colour & 0xFF, (colour >> 8) & 0xFF, (colour >> 16) & 0xFF, colour >> 24} << 16;
 }
-inline int32_t greenOf(Pixel colour)
-{
-    return static_cast<int32_t>((colour & 0x0000FF00u) << 8);
-}
-inline int32_t blueOf(Pixel colour)
-{
-    return static_cast<int32_t>((colour & 0x000000FFu) << 16);
-}
+
 inline int32_t alphaOf(Pixel colour)
 {
     return static_cast<int32_t>((colour >> 24) << 16);
 }
 
-// An opaque pixel of three channels that kChannelHalf was added to.
-template <class Lanes>
-inline Lanes packOpaque(Lanes red, Lanes green, Lanes blue)
+// The results of op for each channel.
+template <class Op>
+inline Channels mapChannels(Channels channels, Op op)
 {
-    return 0xFF000000u | (red & 0x00FF0000u) | ((green >> 8) & 0x0000FF00u) |
-           ((blue >> 16) & 0xFFu);
+    for (int k = 0; k < 4; ++k)
+        channels[k] = static_cast<uint32_t>(op(static_cast<int32_t>(channels[k])));
+    return channels;
 }
 
-inline Pixel opaquePixel(int32_t red, int32_t green, int32_t blue)
-{
-    return packOpaque(static_cast<uint32_t>(wrapAdd(red, kChannelHalf)),
-                      static_cast<uint32_t>(wrapAdd(green, kChannelHalf)),
-                      static_cast<uint32_t>(wrapAdd(blue, kChannelHalf)));
-}
+// Opaque pixels of count channels, whose alpha is left out. There must be room to read up to the
+// next multiple of four.
+void packOpaque(const Channels* channels, Pixel* pixels, int32_t count);
 
 // --- Weights -------------------------------------------------------------------------------------
 
