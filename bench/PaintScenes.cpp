@@ -18,18 +18,21 @@ using namespace KAVO::Graphics2D;
 constexpr int kImageSize = 256;
 constexpr double kHalf = kSceneSize / 2.0;
 
-uint32_t texel(int x, int y)
+uint32_t texel(uint32_t x, uint32_t y, uint32_t alpha, bool premultiplied)
 {
-    return 0xFF000000u | static_cast<uint32_t>(x * 255 / kImageSize) << 16 |
-           static_cast<uint32_t>(y * 255 / kImageSize) << 8 | static_cast<uint32_t>((x ^ y) & 255);
+    const uint32_t share = premultiplied ? alpha : 255;
+    const auto channel = [share](uint32_t v) { return (v * share + 127) / 255; };
+    return alpha << 24 | channel(x * 255 / kImageSize) << 16 | channel(y * 255 / kImageSize) << 8 |
+           channel((x ^ y) & 255);
 }
 
-std::vector<uint32_t> image()
+// Opaque, or with an alpha that grows toward the lower right.
+std::vector<uint32_t> image(bool hasAlpha, bool premultiplied)
 {
     std::vector<uint32_t> texels;
-    for (int y = 0; y < kImageSize; ++y)
-        for (int x = 0; x < kImageSize; ++x)
-            texels.push_back(texel(x, y));
+    for (uint32_t y = 0; y < kImageSize; ++y)
+        for (uint32_t x = 0; x < kImageSize; ++x)
+            texels.push_back(texel(x, y, hasAlpha ? (x + y) / 2 : 255, premultiplied));
     return texels;
 }
 
@@ -41,12 +44,13 @@ struct PaintScene {
     double scale;
     double degrees;
     double size; // of the square that is painted, from the target's corner
+    bool hasAlpha = false;
 };
 
 // A target and the square filled with one paint.
 struct OursPaint {
     std::vector<Pixel> pixels = std::vector<Pixel>(kSceneSize * kSceneSize, 0xFFFFFFFF);
-    std::vector<Pixel> texels = image();
+    std::vector<Pixel> texels;
     const Pixel colours[3] = {0xFFC03020, 0xFFF0E040, 0xFF2060C0};
     const Fixed offsets[3] = {0, kFixedHalf, kFixedOne};
     Pixel rampColours[gradientRampRoom(3)];
@@ -54,7 +58,7 @@ struct OursPaint {
     MMContext2D context;
     std::vector<uint32_t> path;
 
-    explicit OursPaint(const PaintScene& scene)
+    explicit OursPaint(const PaintScene& scene) : texels(image(scene.hasAlpha, false))
     {
         context.target = {kSceneSize, kSceneSize, kSceneSize * 4, 0xFFFFFFFF, pixels.data(), 0};
         context.clipRight = kSceneSize;
@@ -80,25 +84,32 @@ struct OursPaint {
         Matrix2D transform = kIdentityMatrix;
         if (scene.scale != 1) transform.scale(toFixed(scene.scale), toFixed(scene.scale));
         transform.rotate(toFixed(scene.degrees));
-        setPattern(paint, {kImageSize, kImageSize, kImageSize * 4, 0, texels.data(), 0}, transform,
-                   scene.filter);
+        const MMPixmap pixmap = {kImageSize, kImageSize,    kImageSize * 4,
+                                 0,          texels.data(), scene.hasAlpha};
+        setPattern(paint, pixmap, transform, scene.filter);
     }
 };
 
 #ifdef MM2D_BENCH_CAIRO
 struct CairoPaint {
-    std::vector<uint32_t> texels = image();
-    cairo_surface_t* source = cairo_image_surface_create_for_data(
-        reinterpret_cast<unsigned char*>(texels.data()), CAIRO_FORMAT_RGB24, kImageSize, kImageSize,
-        kImageSize * 4);
+    std::vector<uint32_t> texels;
+    cairo_surface_t* source;
     cairo_surface_t* surface =
         cairo_image_surface_create(CAIRO_FORMAT_ARGB32, kSceneSize, kSceneSize);
     cairo_t* cairo = cairo_create(surface);
     cairo_pattern_t* pattern;
     double opacity;
     double size;
+    bool isImage;
 
-    explicit CairoPaint(const PaintScene& scene) : opacity(scene.opacity / 255.0), size(scene.size)
+    explicit CairoPaint(const PaintScene& scene)
+        : texels(image(scene.hasAlpha, true)),
+          source(cairo_image_surface_create_for_data(
+              reinterpret_cast<unsigned char*>(texels.data()),
+              scene.hasAlpha ? CAIRO_FORMAT_ARGB32 : CAIRO_FORMAT_RGB24, kImageSize, kImageSize,
+              kImageSize * 4)),
+          opacity(scene.opacity / 255.0), size(scene.size),
+          isImage(scene.kind == PaintScene::kImage)
     {
         if (scene.kind == PaintScene::kImage) {
             pattern = cairo_pattern_create_for_surface(source);
@@ -133,7 +144,14 @@ struct CairoPaint {
     {
         cairo_set_source(cairo, pattern);
         cairo_rectangle(cairo, 0, 0, size, size);
-        cairo_fill(cairo);
+        if (isImage && opacity < 1) {
+            cairo_save(cairo);
+            cairo_clip(cairo);
+            cairo_paint_with_alpha(cairo, opacity);
+            cairo_restore(cairo);
+        } else {
+            cairo_fill(cairo);
+        }
         cairo_surface_flush(surface);
     }
 };
@@ -162,9 +180,13 @@ std::vector<Scene> paintScenes()
         {PaintScene::kRadial, "radial gradient opaque", 255, kFilterNearest, 1, 0, kSceneSize},
         {PaintScene::kRadial, "radial gradient translucent", 128, kFilterNearest, 1, 0, kSceneSize},
         {PaintScene::kImage, "image 1:1 nearest", 255, kFilterNearest, 1, 0, kImageSize},
+        {PaintScene::kImage, "image 1:1 with alpha", 255, kFilterNearest, 1, 0, kImageSize, true},
+        {PaintScene::kImage, "image 1:1 translucent", 128, kFilterNearest, 1, 0, kImageSize},
         {PaintScene::kImage, "image 3.9x nearest", 255, kFilterNearest, 3.9, 0, kSceneSize},
         {PaintScene::kImage, "image 3.9x bilinear", 255, kFilterBilinear, 3.9, 0, kSceneSize},
         {PaintScene::kImage, "image 3.9x bicubic", 255, kFilterBicubic, 3.9, 0, kSceneSize},
+        {PaintScene::kImage, "image 3.9x bilinear translucent", 128, kFilterBilinear, 3.9, 0,
+         kSceneSize},
         {PaintScene::kImage, "image rotated nearest", 255, kFilterNearest, 3.9, 10, kSceneSize},
         {PaintScene::kImage, "image rotated bilinear", 255, kFilterBilinear, 3.9, 10, kSceneSize},
         {PaintScene::kImage, "image rotated bicubic", 255, kFilterBicubic, 3.9, 10, kSceneSize},
