@@ -22,6 +22,7 @@ constexpr uint16_t kOneSixth = 0x2AAA;
 constexpr uint16_t kTwoThirds = 0xAAAA;
 constexpr uint16_t kFourThirds = 0x5555; // without its 1.0
 constexpr int32_t kBatch = kFewPixels;   // pixels whose weights are computed together
+constexpr int32_t kPrepared = 64;        // pixels that columns are prepared for at once
 
 // fixMul of numbers below 1.0, the first of which loses its lowest bit.
 inline U16x8 product(U16x8 a, U16x8 b)
@@ -52,6 +53,8 @@ inline U16x8 innerWeight(U16x8 distance)
     return kTwoThirds - product(product(linear, distance), distance);
 }
 
+using PixelWeights = uint64_t[kBatch]; // of four taps, 16 bits each
+
 // The weights of four taps for the fractions of eight pixels.
 struct CubicWeights {
     U16x8 tap[4];
@@ -73,7 +76,7 @@ struct CubicWeights {
     }
 
     // The four taps of each pixel side by side.
-    void byPixel(uint64_t (&weights)[kBatch]) const
+    void byPixel(PixelWeights& weights) const
     {
         const U32x4 low[2] = {zipLow(tap[0], tap[1]), zipLow(tap[2], tap[3])};
         const U32x4 high[2] = {zipHigh(tap[0], tap[1]), zipHigh(tap[2], tap[3])};
@@ -163,18 +166,29 @@ U16x8 fractionsOf(const TexelAxis& axis)
     return all8(axis.fraction()) + U16x8{0, 1, 2, 3, 4, 5, 6, 7} * all8(fixFraction(axis.step()));
 }
 
+// Of the next eight pixels. Calls, to have their code once.
+[[gnu::noinline]] void weighColumns(const TexelAxis& u, PixelWeights& weights)
+{
+    CubicWeights::alongRow(fractionsOf(u)).byPixel(weights);
+}
+
+[[gnu::noinline]] void weighRows(const TexelAxis& v, PixelWeights& weights)
+{
+    CubicWeights::acrossRows(fractionsOf(v)).byPixel(weights);
+}
+
 // nextColumns() gives the four columns of one pixel after the other.
 template <class NextColumns>
 inline void sumPixels(PatternWalk walk, Pixel* colours, uint32_t* alphas, int32_t count,
                       NextColumns nextColumns)
 {
-    uint64_t x[kBatch];
-    uint64_t y[kBatch];
-    CubicWeights::acrossRows(fractionsOf(walk.v)).byPixel(y);
+    PixelWeights x;
+    PixelWeights y;
+    weighRows(walk.v, y);
     for (int32_t i = 0; i < count; i += kBatch) {
         const int32_t length = count - i < kBatch ? count - i : kBatch;
-        CubicWeights::alongRow(fractionsOf(walk.u)).byPixel(x);
-        if (i > 0 && walk.v.step() != 0) CubicWeights::acrossRows(fractionsOf(walk.v)).byPixel(y);
+        weighColumns(walk.u, x);
+        if (i > 0 && walk.v.step() != 0) weighRows(walk.v, y);
         Channels sums[kBatch] = {};
         for (int32_t k = 0; k < length; ++k)
             sums[k] = weightedSum(nextColumns(), x[k], y[k]);
@@ -189,9 +203,9 @@ inline void sumPixels(PatternWalk walk, Pixel* colours, uint32_t* alphas, int32_
 // Texels from four rows, and no more columns than pixels: each is prepared once.
 void magnifyRows(PatternWalk walk, Pixel* colours, uint32_t* alphas, int32_t count)
 {
-    Column columns[kPieceLength + 8];
+    Column columns[kPrepared + 3];
     while (count > 0) {
-        const int32_t length = count < kPieceLength ? count : kPieceLength;
+        const int32_t length = count < kPrepared ? count : kPrepared;
         const TexelRange range(walk.u, length);
         const Pixel* texels = walk.row(walk.v.indexPosition()) - walk.width() - 1 + range.first;
         for (int32_t i = 0; i < range.count - 1; i += 4)

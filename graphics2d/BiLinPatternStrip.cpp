@@ -11,6 +11,8 @@ namespace Graphics2D {
 
 namespace {
 
+constexpr int32_t kPrepared = 64; // texels that are prepared at once
+
 // What the interpolation along the upper and the lower row starts from: the left texels times 256
 // and the differences to the right ones.
 struct RowStep {
@@ -115,10 +117,10 @@ struct PreparedTexels {
 // Texels from two rows, and no more of them than pixels: each is prepared once.
 void magnifyRows(PatternWalk walk, Pixel* out, int32_t count)
 {
-    RowStep steps[kPieceLength + 1];
+    RowStep steps[kPrepared];
     while (count > 0) {
         // In pieces that leave no less than four pixels to the last.
-        const int32_t length = count < kPieceLength + 4 ? count : kPieceLength - 4;
+        const int32_t length = count <= kPrepared ? count : kPrepared - 4;
         const TexelRange range(walk.u, length);
         const Pixel* upper = walk.row(walk.v.indexPosition()) + range.first;
         const Pixel* lower = upper + walk.width();
@@ -176,7 +178,7 @@ void sampleBilinear(const PatternWalk& walk, bool inside, Pixel* out, uint32_t*,
     mixPixels(walk.u, texels, fractionsOfTwo(walk.v), all8(fixFraction(walk.v.step())), out, count);
 }
 
-constexpr PatternFilter kBilinear = {0, 1, sampleBilinear, weighByAlpha};
+constexpr PatternFilter kBilinear = {0, 1, sampleBilinear, nullptr};
 
 PatternWalk walkOf(const MMContext2D& context)
 {

@@ -3,7 +3,7 @@
 // The gradient fillers follow their parameter in 16.16 steps and the radial one in half units, so
 // its scale decides how finely they draw. This file therefore chooses the unit of the parameter
 // itself and scales the stop offsets to it. It runs once per paint, so intermediate results are
-// 64 bits wide.
+// 64 bits wide, and its functions are marked as cold, so that they are compiled for size.
 #include "graphics2d/PaintSetup.h"
 
 #include <initializer_list>
@@ -215,8 +215,9 @@ bool invert(const Matrix2D& m, Matrix2D& inverse)
 
 } // namespace
 
-void setLinearGradient(MMPaint& paint, MMPoint2D start, MMPoint2D end, const Matrix2D& transform,
-                       const GradientStops& stops, const GradientRamp& ramp)
+[[gnu::cold]] void setLinearGradient(MMPaint& paint, MMPoint2D start, MMPoint2D end,
+                                     const Matrix2D& transform, const GradientStops& stops,
+                                     const GradientRamp& ramp)
 {
     paint.paintType = kPaintLinearGradient;
     paint.gradientOriginX = paint.gradientOriginY = 0;
@@ -263,8 +264,9 @@ void setLinearGradient(MMPaint& paint, MMPoint2D start, MMPoint2D end, const Mat
     writer.addAll(stops, offset, clampTo(length, 0, kGreatestOffset), piece);
 }
 
-void setRadialGradient(MMPaint& paint, MMPoint2D centre, Fixed radius, const Matrix2D& transform,
-                       const GradientStops& stops, const GradientRamp& ramp)
+[[gnu::cold]] void setRadialGradient(MMPaint& paint, MMPoint2D centre, Fixed radius,
+                                     const Matrix2D& transform, const GradientStops& stops,
+                                     const GradientRamp& ramp)
 {
     paint.paintType = kPaintRadialGradient;
     paint.radialXToU = paint.radialYToV = kFixedOne;
@@ -310,8 +312,8 @@ void setRadialGradient(MMPaint& paint, MMPoint2D centre, Fixed radius, const Mat
     writer.addAll(stops, 0, clampTo(outer, 0, kGreatestOffset), INT64_MAX);
 }
 
-void setPattern(MMPaint& paint, const MMPixmap& image, const Matrix2D& transform,
-                MMPatternFilter filter)
+[[gnu::cold]] void setPattern(MMPaint& paint, const MMPixmap& image, const Matrix2D& transform,
+                              MMPatternFilter filter)
 {
     // Either argument may be the paint's own.
     const MMPixmap pixmap = image;

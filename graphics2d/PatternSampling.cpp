@@ -16,6 +16,8 @@ MMPoint2D mapped(const Matrix2D& m, Fixed x, Fixed y)
     return point;
 }
 
+// The weight of a colour by its own alpha, rounded to nearest before it is raised: unlike the
+// gradients', which truncates.
 uint32_t patternWeight(Coverage opacity, uint32_t alpha)
 {
     const uint32_t product = (static_cast<uint32_t>(opacity) * alpha) >> 8;
@@ -23,18 +25,13 @@ uint32_t patternWeight(Coverage opacity, uint32_t alpha)
     return (product >= 0x007F8000u ? weight + 1 : weight) & 0xFFu;
 }
 
-// Weights for pixels of one whole opacity, 0 to 255; returns how many it did, a multiple of four.
-int32_t weighFours(PaintPiece& piece, uint32_t opacity, int32_t count)
+// The same for four colours and an opacity of 0 to 255 without a fraction. The products fit 16
+// bits; they are the exact weight times 256, and reach 0x7F80 just when the rounded weight reaches
+// 128.
+inline U32x4 patternWeights(U32x4 colours, U16x8 opacity)
 {
-    int32_t i = 0;
-    for (; i + 4 <= count; i += 4) {
-        // Eight 16-bit products, of which the odd ones are 0. They are the exact weight times 256,
-        // and reach 0x7F80 just when the rounded weight reaches 128.
-        const U32x4 alpha = load4(piece.colours + i) >> 24;
-        const U32x4 weight = ((U32x4)((U16x8)alpha * (U16x8)all4(opacity)) + 0x80) >> 8;
-        store4(piece.weights + i, weight + (weight >> 7));
-    }
-    return i;
+    const U32x4 weights = ((U32x4)((U16x8)(colours >> 24) * opacity) + 0x80) >> 8;
+    return weights + (weights >> 7);
 }
 
 // Samples count pixels: in long runs inside the image, in short ones where tap offsets are needed.
@@ -54,6 +51,23 @@ void sample(PatternWalk& walk, const PatternFilter& filter, Pixel* colours, uint
     }
 }
 
+void drawByAlpha(TranslucentRun& run, PaintPiece& piece, int32_t count)
+{
+    if (run.coverage.isFlatAndWhole()) {
+        const U16x8 opacity = all8(static_cast<uint32_t>(fixFloor(run.coverage.current())));
+        run.blend(
+            piece.colours,
+            [&](int32_t i) { return patternWeights(load4(piece.colours + i), opacity); }, count);
+        run.coverage.advance(count);
+        return;
+    }
+    for (int32_t i = 0; i < count; ++i) {
+        piece.weights[i] = patternWeight(run.coverage.current(), piece.colours[i] >> 24);
+        run.coverage.advance(1);
+    }
+    run.drawPiece(piece, count);
+}
+
 } // namespace
 
 PatternWalk::PatternWalk(const MMPaint& paint, Fixed x, Fixed y)
@@ -66,19 +80,6 @@ PatternWalk::PatternWalk(const MMPaint& paint, MMPoint2D start)
       v(start.y, paint.patternTransform.b, paint.patternImage.height),
       pixels_(paint.patternImage.pixels)
 {
-}
-
-void weighByAlpha(PaintPiece& piece, CoverageSequence& coverage, int32_t count)
-{
-    int32_t i = 0;
-    if (coverage.isFlatAndWhole()) {
-        i = weighFours(piece, static_cast<uint32_t>(fixFloor(coverage.current())), count);
-        coverage.advance(i);
-    }
-    for (; i < count; ++i) {
-        piece.weights[i] = patternWeight(coverage.current(), piece.colours[i] >> 24);
-        coverage.advance(1);
-    }
 }
 
 void drawPattern(const MMContext2D& context, PatternWalk& walk, const PatternFilter& filter)
@@ -97,8 +98,12 @@ void drawTranslucentPattern(MMContext2D& context, PatternWalk& walk, const Patte
         while (count > 0) {
             const int32_t length = count < kPieceLength ? count : kPieceLength;
             sample(walk, filter, piece.colours, piece.weights, length);
-            filter.weigh(piece, run.coverage, length);
-            run.drawPiece(piece, length);
+            if (filter.weigh != nullptr) {
+                filter.weigh(piece, run.coverage, length);
+                run.drawPiece(piece, length);
+            } else {
+                drawByAlpha(run, piece, length);
+            }
             count -= length;
         }
         count = 1;

@@ -128,15 +128,11 @@ struct PatternFilter {
     // null for the opaque filler; filters whose colours have no alpha leave it there.
     void (*sample)(const PatternWalk& walk, bool inside, Pixel* colours, uint32_t* alphas,
                    int32_t count);
-    // Turns colours and alphas into weights; moves the coverage on.
+    // Turns alphas into weights; moves the coverage on. Null when the colours have their alpha.
     void (*weigh)(PaintPiece& piece, CoverageSequence& coverage, int32_t count);
 };
 
 constexpr int32_t kFewPixels = 8;
-
-// Weights from the alpha of the colours, rounded to nearest before they are raised: unlike the
-// gradients', which truncate.
-void weighByAlpha(PaintPiece& piece, CoverageSequence& coverage, int32_t count);
 
 // The strip fillers.
 void drawPattern(const MMContext2D& context, PatternWalk& walk, const PatternFilter& filter);

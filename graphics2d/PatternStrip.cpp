@@ -69,7 +69,7 @@ void sampleNearest(const PatternWalk& walk, bool inside, Pixel* out, uint32_t*, 
     }
 }
 
-constexpr PatternFilter kNearest = {0, 0, sampleNearest, weighByAlpha};
+constexpr PatternFilter kNearest = {0, 0, sampleNearest, nullptr};
 
 PatternWalk walkOf(const MMContext2D& context)
 {

@@ -46,14 +46,8 @@ void TranslucentRun::drawColour(Pixel colour, int32_t count)
 
 void TranslucentRun::drawPiece(const PaintPiece& piece, int32_t count)
 {
-    const int32_t pairs = pixelsWithNeighbour(count);
-    int32_t i = 0;
-    for (; i + 4 <= pairs; i += 4)
-        store4(pixels_ + i,
-               blend4(load4(pixels_ + i + 1), load4(piece.colours + i), load4(piece.weights + i)));
-    for (; i < count; ++i)
-        pixels_[i] = blendPixel(pixels_[i < pairs ? i + 1 : i], piece.colours[i], piece.weights[i]);
-    pixels_ += count;
+    blend(
+        piece.colours, [&](int32_t i) { return load4(piece.weights + i); }, count);
 }
 
 void TranslucentRun::drawFlat(Pixel colour, uint32_t weight, int32_t count)
@@ -66,13 +60,6 @@ void TranslucentRun::drawFlat(Pixel colour, uint32_t weight, int32_t count)
     for (; i < count; ++i)
         pixels_[i] = blendPixel(pixels_[i < pairs ? i + 1 : i], colour, weight);
     pixels_ += count;
-}
-
-// count, or one less when the neighbour of the last pixel lies past the target.
-int32_t TranslucentRun::pixelsWithNeighbour(int32_t count) const
-{
-    const bool atEnd = reinterpret_cast<uintptr_t>(pixels_ + count) == targetEnd_;
-    return atEnd && count > 0 ? count - 1 : count;
 }
 
 } // namespace Graphics2D

@@ -136,7 +136,7 @@ inline int32_t stepsWithin(int32_t value, int32_t step, int32_t low, int32_t hig
 
 // --- Translucent runs ----------------------------------------------------------------------------
 
-constexpr int32_t kPieceLength = 64; // a multiple of four
+constexpr int32_t kPieceLength = 128; // a multiple of four
 
 // Source pixels on their way into the target.
 struct PaintPiece {
@@ -197,11 +197,37 @@ public:
     // Blends the first count pixels of a piece. The coverage is the caller's to advance.
     void drawPiece(const PaintPiece& piece, int32_t count);
 
+    // The same with four weights from weightsAt(i) at a time. Colours and weights are read up to
+    // the next multiple of four.
+    template <class WeightsAt>
+    void blend(const Pixel* colours, WeightsAt weightsAt, int32_t count)
+    {
+        const int32_t pairs = pixelsWithNeighbour(count);
+        int32_t i = 0;
+        for (; i + 4 <= pairs; i += 4)
+            store4(pixels_ + i, blend4(load4(pixels_ + i + 1), load4(colours + i), weightsAt(i)));
+        for (; i < count; i += 4) {
+            Pixel backgrounds[4] = {};
+            const int32_t rest = count - i < 4 ? count - i : 4;
+            for (int32_t k = 0; k < rest; ++k)
+                backgrounds[k] = pixels_[i + k < pairs ? i + k + 1 : i + k];
+            storeFew(pixels_ + i, blend4(load4(backgrounds), load4(colours + i), weightsAt(i)),
+                     rest);
+        }
+        pixels_ += count;
+    }
+
     CoverageSequence coverage;
 
 private:
     void drawFlat(Pixel colour, uint32_t weight, int32_t count);
-    int32_t pixelsWithNeighbour(int32_t count) const;
+
+    // count, or one less when the neighbour of the last pixel lies past the target.
+    int32_t pixelsWithNeighbour(int32_t count) const
+    {
+        const bool atEnd = reinterpret_cast<uintptr_t>(pixels_ + count) == targetEnd_;
+        return atEnd && count > 0 ? count - 1 : count;
+    }
 
     MMContext2D& context_;
     Pixel* pixels_;

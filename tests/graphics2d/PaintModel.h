@@ -17,6 +17,16 @@ inline int byteOf(Pixel p, int k)
     return (p >> (8 * k)) & 0xFF;
 }
 
+inline Pixel moved(Pixel from, Pixel to, int w)
+{
+    Pixel p = 0;
+    for (int k = 0; k < 4; ++k) {
+        const int d = byteOf(to, k) - byteOf(from, k);
+        p |= static_cast<Pixel>(byteOf(from, k) + ((d * w + (d > 128 ? w : 0)) >> 8)) << 8 * k;
+    }
+    return p;
+}
+
 // What all models have: the pixel to draw next, how many are left, and the opacity.
 struct Run {
     MMContext2D& context;
@@ -42,23 +52,12 @@ struct Run {
     }
     void put(Pixel source, int w)
     {
+        const MMPixmap& t = context.target;
+        const Pixel* end = t.pixels + (t.height - 1) * t.rowBytes / 4 + t.width;
+        *pixel = translucent ? moved(pixel[pixel + 1 == end ? 0 : 1], source, w) : source;
         if (translucent) {
-            const MMPixmap& t = context.target;
-            const auto* end =
-                reinterpret_cast<const char*>(t.pixels) + (t.height - 1) * t.rowBytes + t.width * 4;
-            const bool atEnd = reinterpret_cast<const char*>(pixel + 1) == end;
-            const Pixel behind = atEnd ? pixel[0] : pixel[1];
-            Pixel result = 0;
-            for (int k = 0; k < 4; ++k) {
-                const int d = byteOf(source, k) - byteOf(behind, k);
-                const int move = (d * w + (d > 128 ? w : 0)) >> 8;
-                result |= static_cast<Pixel>(byteOf(behind, k) + move) << (8 * k);
-            }
-            *pixel = result;
             o = context.spanCoverageNext;
             context.spanCoverageNext = wrapAdd(o, context.spanCoverageStep);
-        } else {
-            *pixel = source;
         }
         ++pixel;
         --n;
@@ -79,6 +78,29 @@ inline Pixel opaque(const int32_t (&v)[4])
         p |= static_cast<Pixel>((wrapAdd(v[k], 0x8000) >> 16) & 0xFF) << (8 * k);
     return p;
 }
+
+// The colour between two stops and its change over all of the segment.
+struct Segment {
+    Fixed span;
+    int32_t v[4], d[4];
+
+    Segment(const MMPaint& p, uint32_t i, Fixed at)
+    {
+        const Fixed* o = p.gradientStopOffsets + i;
+        const Pixel* c = p.gradientStopColors + i;
+        span = wrapSub(o[1], o[0]);
+        const Fixed f = fixDiv(wrapSub(at, o[0]), span);
+        for (int k = 0; k < 4; ++k) {
+            d[k] = (byteOf(c[1], k) - byteOf(c[0], k)) * 65536;
+            v[k] = wrapAdd(fixMul(f, d[k]), byteOf(c[0], k) << 16);
+        }
+    }
+    void step(const int32_t (&change)[4], int shift = 0)
+    {
+        for (int k = 0; k < 4; ++k)
+            v[k] = wrapAdd(v[k], change[k] >> shift);
+    }
+};
 
 inline int32_t raised(int32_t x)
 {
@@ -108,15 +130,11 @@ inline void linear(MMContext2D& context, bool translucent)
                     ++i;
                 while (i != 0 && o[i] >= t)
                     --i;
-                const Fixed span = wrapSub(o[i + 1], o[i]);
-                const Fixed f = fixDiv(wrapSub(t, o[i]), span);
-                const Fixed q = fixDiv(p.gradientStepX, span);
-                int32_t v[4], e[4];
-                for (int k = 0; k < 4; ++k) {
-                    const int32_t d = (byteOf(c[i + 1], k) - byteOf(c[i], k)) * 65536;
-                    v[k] = wrapAdd(fixMul(f, d), byteOf(c[i], k) << 16);
-                    e[k] = fixMul(q, d);
-                }
+                Segment at(p, i, t);
+                auto& v = at.v;
+                int32_t e[4];
+                for (int k = 0; k < 4; ++k)
+                    e[k] = fixMul(fixDiv(p.gradientStepX, at.span), at.d[k]);
                 const Coverage R = context.spanCoverageNext;
                 const Coverage S = context.spanCoverageStep;
                 const int32_t w1 = raised(fixMulSHR(R, wrapAdd(v[3], e[3]), 8));
@@ -126,8 +144,7 @@ inline void linear(MMContext2D& context, bool translucent)
                 for (int k = 0; run.n > 0 && o[i] < t && t <= o[i + 1]; ++k, step()) {
                     run.put(opaque(v), (wrapAdd(w, 0x8000) >> 16) & 0xFF);
                     w = wrapAdd(w1, wrapMul(k, wrapSub(w2, w1)));
-                    for (int j = 0; j < 4; ++j)
-                        v[j] = wrapAdd(v[j], e[j]);
+                    at.step(e);
                 }
             }
         }
@@ -156,9 +173,14 @@ inline void radial(MMContext2D& context, bool translucent)
                         wrapAdd(fixMul(dx, p.radialXToV), fixMul(dy, p.radialYToV))};
         r = v2dNorm(&uv);
     };
-    const auto pad = [&](Pixel colour) {
-        run.putStop(colour);
-        dx = wrapAdd(dx, one);
+    bool grows = false; // r is not computed any more
+    const auto padTo = [&](Pixel colour, Fixed end) {
+        for (; dx <= end && run.n > 0; dx = wrapAdd(dx, one))
+            run.putStop(colour);
+        if (!grows) exact();
+    };
+    const auto padOne = [&](bool needed, Pixel colour) {
+        if (needed && run.n > 0) padTo(colour, dx);
     };
     Fixed disc = 0;
     const auto root = [&](Fixed k, int side) {
@@ -175,36 +197,18 @@ inline void radial(MMContext2D& context, bool translucent)
     do {
         while (run.n > 0) {
             if (r >= o[last]) {
-                if (s < 0) {
-                    Fixed entry = root(o[last], -1);
-                    if (disc < 0) entry = 0x7FFFFFFF;
-                    while (dx <= entry && run.n > 0)
-                        pad(c[last]);
-                    exact();
-                    if (r >= o[last] && run.n > 0) {
-                        pad(c[last]);
-                        exact();
-                    }
-                    if (dx >= xv) s = one;
-                } else {
-                    while (run.n > 0)
-                        pad(c[last]);
-                }
+                grows = s > 0;
+                const Fixed entry = root(o[last], -1);
+                padTo(c[last], grows || disc < 0 ? 0x7FFFFFFF : entry);
+                grows = false;
+                padOne(r >= o[last], c[last]);
+                if (dx >= xv) s = one;
             }
             if (r < o[0] && run.n > 0) {
                 const int before = run.n;
-                const Fixed leave = root(o[0], 1);
-                while (dx <= leave && run.n > 0)
-                    pad(c[0]);
-                exact();
-                if (r >= o[last] && run.n > 0) {
-                    pad(c[last]);
-                    exact();
-                }
-                if (run.n == before && r < o[0]) {
-                    pad(c[0]);
-                    exact();
-                }
+                padTo(c[0], root(o[0], 1));
+                padOne(r >= o[last], c[last]);
+                padOne(run.n == before && r < o[0], c[0]);
                 s = one;
             }
             while (o[0] <= r && r < o[last] && run.n > 0) {
@@ -212,23 +216,20 @@ inline void radial(MMContext2D& context, bool translucent)
                     --i;
                 while (o[i + 1] <= r)
                     ++i;
-                const Fixed span = wrapSub(o[i + 1], o[i]);
-                const Fixed f = fixDiv(wrapSub(r, o[i]), span);
+                Segment at(p, i, r);
                 const bool before = dx < xv;
-                int32_t v[4], q[4];
-                for (int k = 0; k < 4; ++k) {
-                    const int32_t d = (byteOf(c[i + 1], k) - byteOf(c[i], k)) * 65536;
-                    v[k] = wrapAdd(fixMul(f, d), byteOf(c[i], k) << 16);
-                    q[k] = before ? wrapAdd(fixDiv(d, ~wrapAdd(span, 0x8000)), 1)
-                                  : fixDiv(d, wrapAdd(span, 0x8000));
-                }
+                const Fixed divisor = wrapAdd(at.span, 0x8000);
+                int32_t q[4];
+                for (int k = 0; k < 4; ++k)
+                    q[k] =
+                        before ? wrapAdd(fixDiv(at.d[k], ~divisor), 1) : fixDiv(at.d[k], divisor);
                 if (!before) {
                     m = -1;
                     s = one;
                 }
                 bool crossed = false;
                 while (!crossed && o[i] <= r && r < o[i + 1] && run.n > 0) {
-                    run.put(opaque(v), run.gradientWeight(v[3]));
+                    run.put(opaque(at.v), run.gradientWeight(at.v[3]));
                     E = wrapAdd(E, wrapAdd(fixMul(wrapAdd(wrapMul(2, dx), one), A), B));
                     dx = wrapAdd(dx, one);
                     int32_t t = m & 1;
@@ -244,16 +245,14 @@ inline void radial(MMContext2D& context, bool translucent)
                     while (wrapAdd(r, s) > 0 && (E > 0 || (wrapSub(one, K) >= E && F))) {
                         r = wrapAdd(r, s);
                         E = wrapAdd(E, wrapSub(K, one));
-                        for (int k = 0; k < 4; ++k)
-                            v[k] = wrapAdd(v[k], q[k]);
+                        at.step(q);
                         K = wrapAdd(m ^ wrapMul(2, r), t);
                     }
                     K = wrapAdd(r ^ m, t);
                     if (wrapAdd(r, s) > 0 && (E > 0 || (wrapSub(0x4000, K) >= E && F))) {
                         E = wrapAdd(E, wrapSub(K, 0x4000));
                         r = wrapAdd(r, s / 2);
-                        for (int k = 0; k < 4; ++k)
-                            v[k] = wrapAdd(v[k], q[k] >> 1);
+                        at.step(q, 1);
                     }
                 }
             }
@@ -309,38 +308,21 @@ struct Sampler {
         return pixels[std::clamp<int64_t>(i, 0, count - 1)];
     }
     Pixel nearest() const { return texel(u.clamp(u.size - 1), v.clamp(v.size - 1)); }
-    static Pixel move(Pixel from, Pixel to, int w)
-    {
-        Pixel p = 0;
-        for (int k = 0; k < 4; ++k) {
-            const int d = byteOf(to, k) - byteOf(from, k);
-            p |= static_cast<Pixel>(byteOf(from, k) + ((d * w + (d > 128 ? w : 0)) >> 8)) << 8 * k;
-        }
-        return p;
-    }
     static bool between(const Axis& a) { return a.position >= 0 && a.position >> 16 < a.size - 1; }
     Pixel bilinear() const
     {
         const int64_t x0 = u.clamp(u.size - 1), x1 = between(u) ? 1 : x0;
         const int64_t y0 = v.clamp(v.size - 1), y1 = between(v) ? 1 : y0;
         const int fx = u.fractionOf() >> 8, fy = v.fractionOf() >> 8;
-        return move(move(texel(x0, y0), texel(x1, y0), fx), move(texel(x0, y1), texel(x1, y1), fx),
-                    fy);
+        return moved(moved(texel(x0, y0), texel(x1, y0), fx),
+                     moved(texel(x0, y1), texel(x1, y1), fx), fy);
     }
     static void cubicTaps(const Axis& a, int64_t (&tap)[4])
     {
         const int64_t p = a.position, one = 0x10000, R = (a.size - 2) * one;
         const int64_t first = -(p >> 16), last = a.size - (p >> 16) - 2;
         for (int i = 0; i < 4; ++i)
-            tap[i] = i - 1;
-        if (p < one) tap[0] = first;
-        if (p < 0) tap[1] = first;
-        if (p < -one) tap[2] = first;
-        if (p < -2 * one) tap[3] = first;
-        if (p > R) tap[3] = last;
-        if (p > R + one) tap[2] = last;
-        if (p > R + 2 * one) tap[1] = last;
-        if (p > R + 3 * one) tap[0] = last;
+            tap[i] = p < (1 - i) * one ? first : p > R + (3 - i) * one ? last : i - 1;
     }
     void cubicSums(int32_t (&sum)[4]) const
     {

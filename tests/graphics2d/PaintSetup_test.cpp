@@ -127,47 +127,31 @@ TEST(PaintSetup, SkewTiltsTheLinesOfEqualColour)
     EXPECT_EQ(canvas.paint.gradientStepY, -canvas.paint.gradientStepX);
 }
 
-TEST(PaintSetup, GradientsWithoutExtentPaintTheirLastStop)
+TEST(PaintSetup, GradientsWithoutExtentOrStops)
 {
     const Matrix2D flat = {0x10000, 0x10000, 0x10000, 0x10000, 0, 0};
-    const std::function<void(Canvas&)> setUps[] = {
-        [](Canvas& c) {
-            setLinearGradient(c.paint, {9, 9}, {9, 9}, kIdentityMatrix, kTwoStops, c.ramp);
-        },
-        [&](Canvas& c) {
-            setLinearGradient(c.paint, {0, 0}, {65536, -65536}, flat, kTwoStops, c.ramp);
-        },
-        [](Canvas& c) {
-            setRadialGradient(c.paint, {0, 0}, 0, kIdentityMatrix, kTwoStops, c.ramp);
-        },
-        [&](Canvas& c) {
-            setRadialGradient(c.paint, {0, 0}, 65536, flat, kTwoStops, c.ramp);
-        },
-        [](Canvas& c) {
-            setRadialGradient(c.paint, {0, 0}, 65536, {}, kTwoStops, c.ramp);
-        },
+    const struct {
+        Pixel expected; // the last stop, or what was there
+        Fixed x, y;     // of the linear one's end
+        Fixed radius;   // of the radial one
+        Matrix2D transform;
+        GradientStops stops;
+    } cases[] = {
+        {0xFFFF8000, 0, 0, 0, kIdentityMatrix, kTwoStops},
+        {0xFFFF8000, 65536, -65536, 65536, flat, kTwoStops},
+        {0xFFFF8000, 65536, 0, 65536, {}, kTwoStops},
+        {0x12345678, 65536, 0, 65536, kIdentityMatrix, {kStopColours, kStopOffsets, 0}},
+        {0x12345678, 65536, 0, 65536, kIdentityMatrix, {nullptr, kStopOffsets, 2}},
+        {0x12345678, 65536, 0, 65536, kIdentityMatrix, {kStopColours, nullptr, 2}},
     };
-    for (const auto& setUp : setUps) {
-        Canvas canvas(16, 1);
-        setUp(canvas);
+    for (const auto& c : cases) {
+        Canvas canvas(16, 2);
+        setLinearGradient(canvas.paint, {0, 0}, {c.x, c.y}, c.transform, c.stops, canvas.ramp);
         canvas.drawRow(0);
+        setRadialGradient(canvas.paint, {0, 0}, c.radius, c.transform, c.stops, canvas.ramp);
+        canvas.drawRow(1);
         for (Pixel p : canvas.pixels)
-            EXPECT_EQ(p, 0xFFFF8000);
-    }
-}
-
-TEST(PaintSetup, NoStopsDrawNothing)
-{
-    for (const GradientStops& stops :
-         {GradientStops{kStopColours, kStopOffsets, 0}, GradientStops{nullptr, kStopOffsets, 2},
-          GradientStops{kStopColours, nullptr, 2}}) {
-        Canvas canvas(16, 1);
-        setLinearGradient(canvas.paint, {0, 0}, {fixed(9), 0}, kIdentityMatrix, stops, canvas.ramp);
-        canvas.drawRow(0);
-        setRadialGradient(canvas.paint, {0, 0}, fixed(9), kIdentityMatrix, stops, canvas.ramp);
-        canvas.drawRow(0);
-        for (Pixel p : canvas.pixels)
-            EXPECT_EQ(p, 0x12345678u);
+            EXPECT_EQ(p, c.expected) << "case " << &c - cases;
     }
 }
 
