@@ -3,36 +3,45 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
 namespace {
 
 using namespace rastertest;
+
+struct RuledCanvas : Canvas {
+    explicit RuledCanvas(bool evenOdd, bool antiAlias)
+    {
+        context.fillRule = evenOdd ? kFillEvenOdd : kFillNonZero;
+        context.antiAlias = antiAlias;
+    }
+};
+
+// Whether a centre lies in one of a row's spans; those on a right edge do.
+bool isIn(const std::vector<std::pair<double, double>>& spans, double c)
+{
+    return std::any_of(spans.begin(), spans.end(),
+                       [c](auto& span) { return span.first < c && c <= span.second; });
+}
 
 TEST(RasterQuality, CoverageIsTheArea)
 {
     for (const Shape& shape : shapes()) {
         for (bool evenOdd : {false, true}) {
-            Canvas canvas;
-            canvas.context.fillRule = evenOdd ? kFillEvenOdd : kFillNonZero;
+            RuledCanvas canvas(evenOdd, true);
             canvas.fill(shape.polygon);
             const std::vector<double> areas = model::areas(shape.polygon, kWidth, kHeight, evenOdd);
             double sum = 0, worst = 0;
             int edgePixels = 0, worstAt = 0;
             for (int i = 0; i < kWidth * kHeight; ++i) {
-                const double error =
-                    std::abs(areas[std::size_t(i)] * 255 - canvas.at(i % kWidth, i / kWidth));
+                const double area = areas[std::size_t(i)];
+                const double error = std::abs(area * 255 - canvas.at(i % kWidth, i / kWidth));
                 if (error > worst) {
                     worst = error;
                     worstAt = i;
                 }
-                if (areas[std::size_t(i)] <= 1e-6 || areas[std::size_t(i)] >= 1 - 1e-6) continue;
+                if (area <= 1e-6 || area >= 1 - 1e-6) continue;
                 sum += error;
                 ++edgePixels;
             }
-            if (std::getenv("SHOW_ERRORS") != nullptr)
-                std::printf("%-28s %d mean %.3f worst %.2f at %d,%d\n", shape.name, evenOdd,
-                            sum / edgePixels, worst, worstAt % kWidth, worstAt / kWidth);
             EXPECT_LE(sum / edgePixels, shape.mean) << shape.name << " even-odd " << evenOdd;
             EXPECT_LE(worst, shape.worst) << shape.name << " even-odd " << evenOdd << " at "
                                           << worstAt % kWidth << ", " << worstAt / kWidth;
@@ -44,18 +53,13 @@ TEST(RasterQuality, SharpPixelsAreTheWindingAtTheirCentres)
 {
     for (const Shape& shape : shapes()) {
         for (bool evenOdd : {false, true}) {
-            Canvas canvas;
-            canvas.context.antiAlias = 0;
-            canvas.context.fillRule = evenOdd ? kFillEvenOdd : kFillNonZero;
+            RuledCanvas canvas(evenOdd, false);
             canvas.fill(shape.polygon);
             for (int y = 0; y < kHeight; ++y) {
                 const auto spans = model::spans(shape.polygon, y + 0.5, evenOdd);
                 for (int x = 0; x < kWidth; ++x) {
                     const double c = x + 0.5;
-                    const bool in = std::any_of(spans.begin(), spans.end(), [c](auto& s) {
-                        return s.first < c && c <= s.second;
-                    });
-                    if (in == (canvas.at(x, y) != 0)) continue;
+                    if (isIn(spans, c) == (canvas.at(x, y) != 0)) continue;
                     EXPECT_LE(model::distanceToOutline(shape.polygon, c, y + 0.5),
                               (kHeight + 2) / 65536.0)
                         << shape.name << " even-odd " << evenOdd << " at " << x << ", " << y;
@@ -78,17 +82,12 @@ TEST(RasterQuality, CentresOnEdgesBelongToTheRightAndUpperNeighbour)
         }
         model::add(polygon, x, 20); // and back along the grid
         const bool evenOdd = n % 2 != 0;
-        Canvas canvas;
-        canvas.context.antiAlias = 0;
-        canvas.context.fillRule = evenOdd ? kFillEvenOdd : kFillNonZero;
+        RuledCanvas canvas(evenOdd, false);
         canvas.fill(polygon);
         for (int row = 0; row < 40; ++row) {
             const auto spans = model::spans(polygon, row + 0.5, evenOdd);
             for (int c = 0; c < 40; ++c) {
-                const bool in = std::any_of(spans.begin(), spans.end(), [c](auto& s) {
-                    return s.first < c + 0.5 && c + 0.5 <= s.second;
-                });
-                ASSERT_EQ(canvas.at(c, row) != 0, in)
+                ASSERT_EQ(canvas.at(c, row) != 0, isIn(spans, c + 0.5))
                     << "polygon " << n << " at " << c << ", " << row;
             }
         }
@@ -170,8 +169,7 @@ TEST(RasterQuality, ShapesThatShareAnOutlineLeaveNoGap)
         model::add(left, 5, 110);
         model::add(right, 120, 110);
         // Folds of the shared outline would count twice; nesting by winding needs simple shapes.
-        Canvas a, b, both;
-        a.context.fillRule = b.context.fillRule = both.context.fillRule = kFillEvenOdd;
+        RuledCanvas a(true, true), b(true, true);
         a.fill(left);
         b.fill(model::reversed(right));
         for (int y = 7; y < 108; ++y)

@@ -52,8 +52,8 @@ TEST(RasterClip, DrawsTheSamePixelsInsideAndNothingOutside)
     struct Clip {
         int16_t left, top, right, bottom;
     };
-    constexpr int kInset = 8; // the target lies this far inside the buffer
-    constexpr int kStride = kWidth + 2 * kInset;
+    constexpr int kInset = 8; // the target lies this far inside the pixels
+    constexpr int kRight = kWidth - 2 * kInset, kBottom = kHeight - 2 * kInset;
     std::vector<Shape> list = shapes();
     list.push_back({"thin", model::rectangle(-3, 20.1, 200, 20.4), 0, 0});
     for (const Shape& shape : list) {
@@ -64,28 +64,27 @@ TEST(RasterClip, DrawsTheSamePixelsInsideAndNothingOutside)
             for (const Clip& clip :
                  {Clip{40, 30, 90, 80}, Clip{61, 20, 62, 100}, Clip{0, 59, 140, 60},
                   Clip{-300, -300, 3000, 3000}, Clip{50, 50, 40, 40}}) {
-                std::vector<Pixel> buffer(kStride * (kHeight + 2 * kInset), 0xFF000000);
-                MMContext2D context;
-                context.target = {
-                    kWidth, kHeight, kStride * 4, 0, buffer.data() + kInset * kStride + kInset, 0};
+                Canvas canvas;
+                MMContext2D& context = canvas.context;
+                context.target.pixels += kInset * kWidth + kInset;
+                context.target.width = kRight;
+                context.target.height = kBottom;
                 context.clipLeft = clip.left;
                 context.clipTop = clip.top;
                 context.clipRight = clip.right;
                 context.clipBottom = clip.bottom;
                 context.antiAlias = antiAlias;
-                context.currentPaint = whole.context.currentPaint;
-                fill(context, shape.polygon, Entry::Any);
-                for (int y = -kInset; y < kHeight + kInset; ++y) {
-                    for (int x = -kInset; x < kWidth + kInset; ++x) {
+                canvas.fill(shape.polygon);
+                for (int y = -kInset; y < kBottom + kInset; ++y) {
+                    for (int x = -kInset; x < kRight + kInset; ++x) {
                         const bool in = x >= std::max<int>(clip.left, 0) &&
-                                        x < std::min<int>(clip.right, kWidth) &&
+                                        x < std::min<int>(clip.right, kRight) &&
                                         y >= std::max<int>(clip.top, 0) &&
-                                        y < std::min<int>(clip.bottom, kHeight);
+                                        y < std::min<int>(clip.bottom, kBottom);
                         const int expected = in ? whole.at(x, y) : 0;
-                        const int got =
-                            int(buffer[std::size_t((y + kInset) * kStride + x + kInset)] & 0xFF);
                         // A run that starts at the clip may round its step elsewhere.
-                        ASSERT_NEAR(got, expected, in && expected % 255 != 0 ? antiAlias : 0)
+                        ASSERT_NEAR(canvas.at(x + kInset, y + kInset), expected,
+                                    in && expected % 255 != 0 ? antiAlias : 0)
                             << shape.name << " at " << x << ", " << y;
                     }
                 }
@@ -113,26 +112,17 @@ TEST(RasterClip, EmptyTargetsAndSuppressedDrawingOnlySetTheBounds)
 
 TEST(RasterHostile, AnyCoordinatesStayInsideTheTarget)
 {
-    constexpr std::array<Fixed, 14> kValues = {-0x7FFFFFFF - 1,
-                                               -0x7FFFFFFF,
-                                               0x7FFFFFFF,
-                                               0x7FFF8000,
-                                               0x7FFF7FFF,
-                                               0x40000000,
-                                               -0x40000000,
-                                               0,
-                                               1,
-                                               0x8000,
-                                               0x10000,
-                                               0x7FFF,
-                                               50 * kFixedOne,
-                                               50 * kFixedOne + 17};
+    constexpr Fixed kLeast = -0x7FFFFFFF - 1, kMost = 0x7FFFFFFF, kInside = 50 * kFixedOne;
+    constexpr Fixed kValues[] = {
+        kLeast, kLeast + 1, kMost,  kMost - 0x7FFF, kMost - 0x8000, 0x40000000, -0x40000000,
+        0,      1,          0x8000, 0x10000,        0x7FFF,         kInside,    kInside + 17};
+    const auto any = [&](std::mt19937& random) { return kValues[random() % std::size(kValues)]; };
     std::mt19937 random(1);
     for (int n = 0; n < 6000; ++n) {
         Polygon polygon;
         const uint32_t count = 1 + random() % 12;
         for (uint32_t i = 0; i < count; ++i) {
-            MMPoint2D p{kValues[random() % kValues.size()], kValues[random() % kValues.size()]};
+            MMPoint2D p{any(random), any(random)};
             if (n % 3 == 1) p.x = static_cast<Fixed>(random());
             if (n % 3 == 2) p.y = static_cast<Fixed>(random());
             polygon.push_back(p);
@@ -170,18 +160,11 @@ TEST(RasterMemory, AFailedAllocationSetsTheBitAndLeaksNothing)
             whole.context.antiAlias = antiAlias;
             fill(whole.context, polygon, Entry::Any);
             ASSERT_EQ(whole.context.outOfMemory, 0);
-            std::vector<Pixel> pixels(whole.pixels.size());
             const uint32_t calls = failEachAllocation([&] {
-                std::fill(pixels.begin(), pixels.end(), 0xFF000000);
-                MMContext2D context;
-                context.target = whole.context.target;
-                context.target.pixels = pixels.data();
-                context.clipRight = kWidth;
-                context.clipBottom = kHeight;
-                context.antiAlias = antiAlias;
-                context.currentPaint = whole.context.currentPaint;
-                fill(context, polygon, Entry::Any);
-                EXPECT_TRUE(context.outOfMemory != 0 || pixels == whole.pixels);
+                Canvas canvas; // its pixels come from a heap that does not fail
+                canvas.context.antiAlias = antiAlias;
+                fill(canvas.context, polygon, Entry::Any);
+                EXPECT_TRUE(canvas.context.outOfMemory != 0 || canvas.pixels == whole.pixels);
             });
             EXPECT_GE(calls, 2u);
         }

@@ -1,6 +1,5 @@
 // The basic strip fillers: what they write, where they stop, and which coverage they use.
 #include "graphics2d/MMContext2D.h"
-#include "graphics2d/StripDispatch.h"
 
 #include <gtest/gtest.h>
 
@@ -11,15 +10,17 @@ namespace {
 using namespace KAVO::Graphics2D;
 
 constexpr Pixel kGuard = 0xCAFEBABE;
+constexpr Pixel kGround = 0xFF102030;
 
-// A context over one row of eight pixels with a guard pixel on either side.
-struct Row : testing::Test {
-    std::array<Pixel, 10> pixels{};
+// A context over one row of pixels with a guard pixel on either side.
+template <size_t kLength>
+struct RowOf : testing::Test {
+    std::array<Pixel, kLength + 2> pixels;
     MMContext2D context;
 
-    Row()
+    RowOf()
     {
-        pixels.fill(0xFF102030);
+        pixels.fill(kGround);
         pixels.front() = pixels.back() = kGuard;
         context.spanPixels = pixels.data() + 1;
         context.currentPaint = context.fillPaint;
@@ -29,73 +30,93 @@ struct Row : testing::Test {
         context.spanStart = start;
         context.spanEnd = end;
     }
-    ~Row() override
+    ~RowOf() override
     {
         EXPECT_EQ(pixels.front(), kGuard);
         EXPECT_EQ(pixels.back(), kGuard);
     }
 };
+using SolidStrip = RowOf<8>;
+using SolidBlend = RowOf<256>;
 
-TEST_F(Row, SolidFillsWholePixelsOfTheSpanOnly)
+TEST_F(SolidStrip, WritesWholePixelsOfTheSpanOnly)
 {
     context.currentPaint.paintColour = 0x12345678;
-    span(0x28000, 0x5FFFF);
-    context.drawSolidStrip();
-    for (int x = 0; x < 8; ++x)
-        EXPECT_EQ(pixels[1 + x], x >= 2 && x < 5 ? 0x12345678u : 0xFF102030u) << x;
-}
-
-TEST_F(Row, EmptyAndReversedSpansWriteNothing)
-{
-    for (Fixed end : {0x30000, 0x3FFFF, 0x10000}) {
-        span(0x30000, end);
+    for (Fixed end : {0x30000, 0x3FFFF, 0x10000, 0x5FFFF}) {
+        const bool empty = end < 0x40000;
+        span(0x38000, end);
         context.drawSolidStrip();
+        EXPECT_EQ(pixels[1 + 3], empty ? kGround : 0x12345678u);
         context.drawSolidXORStrip();
+        EXPECT_EQ(pixels[1 + 4], empty ? kGround : 0u);
+        context.drawSolidXORStrip(); // twice restores
+        if (!empty) continue;
         context.drawTransStrip();
-        context.spanTailCoverage = 0;
         context.drawSolidTStrip();
     }
-    for (int x = 0; x < 8; ++x)
-        EXPECT_EQ(pixels[1 + x], 0xFF102030u);
+    for (unsigned x = 0; x < 8; ++x)
+        EXPECT_EQ(pixels[1 + x], x == 3 || x == 4 ? 0x12345678u : kGround) << x;
 }
 
-TEST_F(Row, ExclusiveOrTwiceRestores)
+// Every weight against every pair of a pixel's and a colour's byte, in flat spans, which are
+// blended several pixels at a time, and in ramps, which are not.
+TEST_F(SolidBlend, MovesEachByteByTheWeight)
 {
-    context.currentPaint.paintColour = 0x80FF5501;
-    span(0, 8 << 16);
-    context.drawSolidXORStrip();
-    EXPECT_EQ(pixels[1], 0x7FEF7531u);
-    context.drawSolidXORStrip();
-    EXPECT_EQ(pixels[8], 0xFF102030u);
+    for (uint32_t weight = 0; weight < 256; ++weight) {
+        for (uint32_t s = 0; s < 64; s += weight % 8 == 0 ? 1 : 9) {
+            for (Coverage step : {0, 1}) {
+                context.currentPaint.paintColour =
+                    s | (s + 64) << 8 | (s + 128) << 16 | (s + 192) << 24;
+                for (uint32_t p = 0; p < 256; ++p)
+                    pixels[1 + p] = p * 0x01010101u;
+                span(0, 256 << 16);
+                context.spanCoverage = context.spanCoverageNext = static_cast<Coverage>(weight)
+                                                                  << 16;
+                context.spanCoverageStep = step;
+                context.drawSolidTStrip();
+                ASSERT_EQ(context.spanCoverageNext,
+                          (static_cast<Coverage>(weight) << 16) + 255 * step);
+                for (int p = 0; p < 256; ++p)
+                    for (int byte = 0; byte < 4; ++byte) {
+                        const int d = static_cast<int>(s) + 64 * byte - p;
+                        const int w = static_cast<int>(weight);
+                        const int expected = p + ((d * w + (d > 128 ? w : 0)) >> 8);
+                        ASSERT_EQ(pixels[1u + static_cast<unsigned>(p)] >> (8 * byte) & 0xFF,
+                                  static_cast<unsigned>(expected))
+                            << p << " toward " << d + p << " by " << w << ", step " << step;
+                    }
+            }
+        }
+    }
 }
 
-TEST_F(Row, TranslucentWeightsAtTheEndsOfTheScale)
+TEST_F(SolidStrip, CoverageRoundsWrapsAndRampsFromTheSecondPixelOn)
 {
-    // 255.0 reaches the colour exactly; 0 and, because the weight is one byte, 256.0 change
-    // nothing.
+    // 254.5 is a weight of 255 and reaches the colour; 0 and, because the weight is one byte, 256
+    // change nothing.
     context.currentPaint.paintColour = 0x00FF00FF;
     span(0, 3 << 16);
-    context.spanCoverage = 255 << 16;
+    context.spanCoverage = 0xFE8000;
     context.spanCoverageNext = 0;
     context.spanCoverageStep = 256 << 16;
     context.drawSolidTStrip();
     EXPECT_EQ(pixels[1], 0x00FF00FFu);
-    EXPECT_EQ(pixels[2], 0xFF102030u);
-    EXPECT_EQ(pixels[3], 0xFF102030u);
-    EXPECT_EQ(context.spanCoverageNext, 512 << 16) << "advanced once per pixel from the second on";
+    EXPECT_EQ(pixels[2], kGround);
+    EXPECT_EQ(pixels[3], kGround);
+    EXPECT_EQ(context.spanCoverageNext, 512 << 16);
 }
 
-TEST_F(Row, TailPixelIsBlendedEvenAfterAnEmptySpan)
+TEST_F(SolidStrip, TailPixelIsBlendedEvenAfterAnEmptySpan)
 {
-    context.currentPaint.paintColour = 0xFF102030 + 0x40;
+    context.currentPaint.paintColour = kGround + 0x40;
     span(0x48000, 0x48000);
     context.spanTailCoverage = 128 << 16;
     context.drawSolidTStrip();
-    EXPECT_EQ(pixels[5], 0xFF102030u + 0x20);
+    EXPECT_EQ(pixels[5], kGround + 0x20);
     EXPECT_EQ(context.spanTailCoverage, 128 << 16) << "this filler leaves the tail as it is";
 }
 
-TEST_F(Row, PickingHitsAtBothEndsAndOnWholeRowsOnly)
+TEST_F(SolidStrip, PickingHitsAtBothEndsAndOnWholeRowsOnly)
 {
     span(0x20000, 0x48000);
     context.spanRow = 3;
@@ -115,7 +136,7 @@ TEST_F(Row, PickingHitsAtBothEndsAndOnWholeRowsOnly)
     }
 }
 
-TEST_F(Row, TransStripWeighsBiasedBytes)
+TEST_F(SolidStrip, TransStripWeighsBiasedBytes)
 {
     // Weight 255: the pixel drops out and each byte c becomes (c + (c >> 7)) * 255 >> 8.
     context.currentPaint.paintColour = 0xFF804020;
@@ -123,19 +144,6 @@ TEST_F(Row, TransStripWeighsBiasedBytes)
     span(0, 1 << 16);
     context.drawTransStrip();
     EXPECT_EQ(pixels[1], 0xFF803F1Fu);
-}
-
-TEST_F(Row, OpacityBelow255ChoosesTheTranslucentFiller)
-{
-    context.currentPaint.paintColour = 0xFFFFFFFF;
-    span(0, 1 << 16);
-    for (int opacity : {254, 255}) {
-        pixels[1] = 0;
-        context.currentPaint.paintOpacity = static_cast<uint8_t>(opacity);
-        drawSpan(context, chooseSpanFiller(context));
-        // (255 * w + w) >> 8 = w
-        EXPECT_EQ(pixels[1], opacity == 255 ? 0xFFFFFFFFu : 0xFEFEFEFEu);
-    }
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <initializer_list>
 #include <random>
 #include <string>
 #include <utility>
@@ -29,6 +30,14 @@ inline double toDouble(Fixed v)
 inline void add(Polygon& polygon, double x, double y)
 {
     polygon.push_back({toFixed(x), toFixed(y)});
+}
+
+inline Polygon points(std::initializer_list<std::pair<double, double>> list)
+{
+    Polygon polygon;
+    for (const auto& [x, y] : list)
+        add(polygon, x, y);
+    return polygon;
 }
 
 inline bool inside(int winding, bool evenOdd)
@@ -159,42 +168,31 @@ inline double distanceToOutline(const Polygon& polygon, double x, double y)
 
 inline Polygon rectangle(double x0, double y0, double x1, double y1)
 {
+    return points({{x0, y0}, {x1, y0}, {x1, y1}, {x0, y1}});
+}
+
+// A self-crossing star that joins every step-th of the points on a circle.
+inline Polygon star(double cx, double cy, double radius, int count, int step)
+{
     Polygon p;
-    add(p, x0, y0);
-    add(p, x1, y0);
-    add(p, x1, y1);
-    add(p, x0, y1);
+    for (int i = 0; i < count; ++i)
+        add(p, cx + radius * std::cos(2 * M_PI * i * step / count),
+            cy + radius * std::sin(2 * M_PI * i * step / count));
     return p;
 }
 
-inline Polygon circle(double cx, double cy, double radius, int points)
+inline Polygon circle(double cx, double cy, double radius, int count)
 {
-    Polygon p;
-    for (int i = 0; i < points; ++i)
-        add(p, cx + radius * std::cos(2 * M_PI * i / points),
-            cy + radius * std::sin(2 * M_PI * i / points));
-    return p;
-}
-
-// A self-crossing star that joins every step-th of the points.
-inline Polygon star(double cx, double cy, double radius, int points, int step)
-{
-    Polygon p;
-    for (int i = 0; i < points; ++i)
-        add(p, cx + radius * std::cos(2 * M_PI * i * step / points),
-            cy + radius * std::sin(2 * M_PI * i * step / points));
-    return p;
+    return star(cx, cy, radius, count, 1);
 }
 
 // Points in turn on an outer and an inner circle.
-inline Polygon burst(double cx, double cy, double outer, double inner, int points)
+inline Polygon burst(double cx, double cy, double outer, double inner, int count)
 {
-    Polygon p;
-    for (int i = 0; i < 2 * points; ++i) {
-        const double radius = i % 2 == 0 ? outer : inner;
-        add(p, cx + radius * std::cos(M_PI * i / points),
-            cy + radius * std::sin(M_PI * i / points));
-    }
+    Polygon p = circle(cx, cy, outer, 2 * count);
+    const Polygon within = circle(cx, cy, inner, 2 * count);
+    for (std::size_t i = 1; i < p.size(); i += 2)
+        p[i] = within[i];
     return p;
 }
 
