@@ -197,10 +197,11 @@ private:
 // Walks a subpath's edges, gathers the points of the current piece and strokes the dashes.
 class DashPen {
 public:
-    DashPen(MMContext2D& context, const DevicePen& pen, MMPoint2D* buffer, const DashPhase& phase,
-            const MMPoint2D& start)
+    DashPen(MMContext2D& context, const DevicePen& pen, uint64_t pieces, MMPoint2D* buffer,
+            const DashPhase& phase, const MMPoint2D& start)
         : context_(context), pen_(pen), phase_(phase), at_(start), points_(buffer)
     {
+        pen_.step = pen.stepFor(pieces);
         restartAt(start);
     }
 
@@ -288,8 +289,9 @@ void dashSubpath(MMContext2D& context, const DevicePen& pen, const MMLinkPath* r
         return;
     }
     const DashPhase start(pattern, context.dashOffset);
-    if (start.piecesWithin(lengthBoundOf(subpath)) > kMaxPieces &&
-        start.piecesWithin(lengthOf(subpath)) > kMaxPieces) {
+    uint64_t pieces = start.piecesWithin(lengthBoundOf(subpath));
+    if (pieces > kMaxPieces) pieces = start.piecesWithin(lengthOf(subpath));
+    if (pieces > kMaxPieces) {
         strokeSubpath(context, pen, records, recordCount, closed);
         return;
     }
@@ -302,7 +304,7 @@ void dashSubpath(MMContext2D& context, const DevicePen& pen, const MMLinkPath* r
         return;
     }
     PointWalk walk(subpath);
-    DashPen dashPen(context, pen, buffer.data(), start, walk.at());
+    DashPen dashPen(context, pen, pieces, buffer.data(), start, walk.at());
     while (walk.advance())
         dashPen.walkTo(walk.at());
     dashPen.finish();

@@ -23,8 +23,9 @@ constexpr Fixed kSagitta = kFixedOne / 256;
 constexpr Fixed kWidePenSagitta = kFixedOne / 64;
 constexpr int64_t kWidePen = 64 * kFixedOne; // half width
 
-// Round joins of a line with very many points make no more than about this many points in all.
-constexpr int64_t kMaxRoundPoints = 1 << 23;
+// The round joins and caps of one subpath, dashed or not, make no more than about this many points
+// in all: from some 4,700 vertices or dashes on, the widest pens get coarser.
+constexpr uint64_t kMaxRoundPoints = 1 << 23;
 
 // A line whose outline no scratch stack could hold.
 constexpr uint64_t kTooManyPoints = 1 << 28;
@@ -38,17 +39,6 @@ int64_t stretched(Fixed v, int64_t factor)
 Degrees stepOf(int64_t deviceHalfWidth)
 {
     return stepWithin(deviceHalfWidth <= kWidePen ? kSagitta : kWidePenSagitta, deviceHalfWidth);
-}
-
-// The pen of the context's style; halfWidth in the units of the outline.
-StrokePen penOf(const MMContext2D& context, Fixed halfWidth, Degrees step, uint32_t vertexCount,
-                const UnitVector& direction)
-{
-    const int64_t leastStep = int64_t{kDegrees180} * vertexCount / kMaxRoundPoints;
-    const Degrees greatestStep =
-        static_cast<Degrees>(std::clamp<int64_t>(leastStep, step, 45 * kFixedOne));
-    return {halfWidth,        context.miterLimit, context.joinStyle,
-            context.capStyle, greatestStep,       direction};
 }
 
 // As Matrix2D::transform, but points beyond the range stop at its end instead of wrapping.
@@ -91,17 +81,17 @@ public:
 private:
     StrokePen pen() const
     {
-        return penOf(context_, context_.strokeHalfWidth, devicePen_.step, count_,
-                     devicePen_.direction);
+        return {context_.strokeHalfWidth, context_.miterLimit,        context_.joinStyle,
+                context_.capStyle,        devicePen_.stepFor(count_), devicePen_.direction};
     }
 
     // One device pixel wide. A disc could miss the pixels' centres; a square along the axes lights
     // one pixel wherever it lies.
     StrokePen hairline() const
     {
-        StrokePen pen = penOf(context_, kFixedHalf, stepOf(kFixedHalf), count_, {kOne30, 0});
-        if (pen.capStyle == kCapRound) pen.capStyle = kCapSquare;
-        return pen;
+        const MMCapStyle cap = context_.capStyle == kCapButt ? kCapButt : kCapSquare;
+        return {kFixedHalf, context_.miterLimit, context_.joinStyle,
+                cap,        stepOf(kFixedHalf),  {kOne30, 0}};
     }
 
     bool buildWithPen(StrokeOutline& outline)
@@ -133,7 +123,7 @@ private:
         return true;
     }
 
-    bool drawHairline()
+    [[gnu::cold]] bool drawHairline()
     {
         StrokeOutline outline(context_.scratchStack, hairline(), count_);
         if (!buildWithHairline(outline)) return false;
@@ -141,7 +131,7 @@ private:
         return true;
     }
 
-    bool drawPenAndHairline()
+    [[gnu::cold]] bool drawPenAndHairline()
     {
         StrokeOutline wide(context_.scratchStack, pen(), count_);
         if (!buildWithPen(wide)) return false;
@@ -187,6 +177,13 @@ DevicePen::DevicePen(const MMContext2D& context)
     greatest = stretched(context.strokeHalfWidth, stretch.greatest);
     smallest = stretched(context.strokeHalfWidth, stretch.smallest);
     step = stepOf(greatest);
+}
+
+Degrees DevicePen::stepFor(uint64_t count) const
+{
+    const uint64_t least = uint64_t{kDegrees180} * count / kMaxRoundPoints;
+    return static_cast<Degrees>(
+        std::clamp<uint64_t>(least, static_cast<uint32_t>(step), kDegrees90 / 2));
 }
 
 void strokeSubpath(MMContext2D& context, const DevicePen& pen, const MMLinkPath* records,

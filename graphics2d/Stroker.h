@@ -17,6 +17,9 @@ struct DevicePen {
     UnitVector direction = {kOne30, 0};
 
     explicit DevicePen(const MMContext2D& context);
+
+    // The step, or a coarser one where that many half turns would make too many points.
+    Degrees stepFor(uint64_t count) const;
 };
 
 // As MMContext2D::drawPolyline: strokes one subpath of consecutive records in user space.

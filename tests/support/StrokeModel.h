@@ -57,18 +57,27 @@ public:
     // Lines at fine steps in y, exact in x.
     std::vector<double> areas(int width, int height, int lines = 128) const
     {
-        std::vector<double> area(std::size_t(width * height));
+        std::vector<double> area;
         for (int row = 0; row < height; ++row) {
+            std::vector<double> partial(std::size_t(width) + 1), whole(std::size_t(width) + 2);
             for (int line = 0; line < lines; ++line) {
                 double done = 0;
                 for (auto [left, right] : spans(row - 0.5 + (line + 0.5) / lines)) {
                     left = std::clamp(left + 0.5, done, double(width));
                     right = std::clamp(right + 0.5, left, double(width));
                     done = right;
-                    for (int c = int(left); c < width && c < right; ++c)
-                        area[std::size_t(row * width + c)] +=
-                            (std::min(right, c + 1.0) - std::max(left, double(c))) / lines;
+                    // All from the left column on, less what lies left of the ends.
+                    const std::size_t first = std::size_t(left), last = std::size_t(right);
+                    whole[first] += 1;
+                    whole[last] -= 1;
+                    partial[first] -= left - double(first);
+                    partial[last] += right - double(last);
                 }
+            }
+            double inside = 0;
+            for (std::size_t c = 0; c < std::size_t(width); ++c) {
+                inside += whole[c];
+                area.push_back((inside + partial[c]) / lines);
             }
         }
         return area;
