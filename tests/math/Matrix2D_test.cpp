@@ -210,6 +210,8 @@ TEST(Matrix2D, ComposeChecksItsArguments)
         {Matrix2D::Rotate, 2, {degrees(90), 1}, 8192, same},
         {Matrix2D::Rotate, 3, {kDegrees360, 1, 1}, 0, same},
         {Matrix2D::Rotate, 4, {degrees(90), 1, 1, 1}, 8192, same},
+        {Matrix2D::SkewX, 1, {degrees(45)}, 0, {kFixedOne, 0, kFixedOne, kFixedOne, 0, 0}},
+        {Matrix2D::SkewY, 1, {degrees(45)}, 0, {kFixedOne, kFixedOne, 0, kFixedOne, 0, 0}},
         {Matrix2D::SkewX, 2, {degrees(45), 0}, 8192, same},
         {Matrix2D::SkewY, 2, {degrees(45), 0}, 8192, same},
         {Matrix2D::Matrix, 5, {1, 2, 3, 4, 5, 6}, 8192, same},

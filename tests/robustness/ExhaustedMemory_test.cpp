@@ -108,7 +108,10 @@ const Operation kOperations[] = {
          s.context.drawText(lines, 2, fx(1), fx(9));
      }},
     {"drawWrappedText", kTextPicture,
-     [](SmallScene& s) { s.context.drawWrappedText(Text(u"Ag ij kl").data(), 0, 0); }},
+     [](SmallScene& s) {
+         s.dash(); // for the underline
+         s.context.drawWrappedText(Text(u"Ag ij kl").data(), 0, 0);
+     }},
     {"createTextLayout", kTextNumbers,
      [](SmallScene& s) {
          s.context.destroyTextLayout(s.context.createTextLayout(Text(u"Ag ij kl").data(), 12));
