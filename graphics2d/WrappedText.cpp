@@ -10,9 +10,9 @@ namespace {
 
 constexpr uint32_t kDecorationUnderline = 1;
 
-// Strokes a line below the text that starts at (x, y), in the text's colour. The stroke settings
-// stay behind.
-void strokeUnderline(MMContext2D& context, Fixed x, Fixed y, Fixed width)
+// Strokes a line of the width below the text that starts at (x, y), in the text's colour, and adds
+// its bounds to the text's. The stroke settings stay behind.
+void drawUnderline(MMContext2D& context, Fixed x, Fixed y, Fixed width)
 {
     context.currentPaint =
         context.fillPaint.paintType != kPaintNone ? context.fillPaint : context.strokePaint;
@@ -20,7 +20,10 @@ void strokeUnderline(MMContext2D& context, Fixed x, Fixed y, Fixed width)
     context.strokePaint.paintType = kPaintSolid;
     context.strokeHalfWidth = context.lineHeight >> 4;
     if (context.strokeHalfWidth == 0) context.strokeHalfWidth = context.fontSize / 24;
+    if (width == 0) return; // no dots from round or square caps under empty lines
 
+    BoundsUnion bounds;
+    bounds.addBoundsOf(context);
     const Fixed below = wrapAdd(y, context.lineHeight >> 3);
     MMPoint2D ends[2] = {{x, below}, {wrapAdd(x, width), below}};
     MMLinkPath path = {ends, 2};
@@ -28,15 +31,6 @@ void strokeUnderline(MMContext2D& context, Fixed x, Fixed y, Fixed width)
         context.drawDashArray(&path, 1, 0);
     else
         context.drawPolyline(&path, 1, 0);
-}
-
-void drawUnderline(MMContext2D& context, const uint16_t* line, uint16_t length, Fixed x, Fixed y)
-{
-    const Fixed width = context.getTextWidth(line, length);
-    if (width == 0) return; // no dots from round or square caps under empty lines
-    BoundsUnion bounds;
-    bounds.addBoundsOf(context);
-    strokeUnderline(context, x, y, width);
     if (context.accumulateBounds == 0) return;
     bounds.addBoundsOf(context);
     bounds.storeTo(context);
@@ -61,7 +55,7 @@ void MMContext2D::drawWrappedText(uint16_t* text, uint8_t, uint8_t)
         const uint16_t length = static_cast<uint16_t>(MMwsstrlen(line));
         renderText(line, length, draw, 0);
         if (textDecoration == kDecorationUnderline)
-            drawUnderline(*this, line, length, start.x, start.y);
+            drawUnderline(*this, start.x, start.y, getTextWidth(line, length));
         penX = wrapSub(penX, wrapOffsetX);
         penY = wrapSub(penY, wrapOffsetY);
         newLine();

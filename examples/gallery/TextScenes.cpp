@@ -61,7 +61,9 @@ void drawLine(Canvas& canvas, const char* utf8, double x, double y)
     canvas.context().drawText(text.units(), fixed(x), fixed(y));
 }
 
-std::string drawParagraph(Canvas& canvas, const char* fontFile, const char* utf8, double size)
+// lineHeight: in font sizes.
+std::string drawParagraph(Canvas& canvas, const char* fontFile, const char* utf8, double size,
+                          double lineHeight = 1.35)
 {
     const std::string problem = canvas.useFont(fontFile);
     if (!problem.empty()) return problem;
@@ -71,7 +73,7 @@ std::string drawParagraph(Canvas& canvas, const char* fontFile, const char* utf8
     canvas.fill(kInk);
     canvas.placeUnshifted();
     setFont(context, size);
-    context.lineHeight = fixed(size * 1.35);
+    context.lineHeight = fixed(size * lineHeight);
     context.wrapWidth = fixed(kPanelWidth - 30);
     context.wrapOffsetX = fixed(15);
     context.penX = 0;
@@ -94,7 +96,7 @@ std::string drawSizeScene(Canvas& canvas)
     canvas.placeUnshifted();
     double y = 6;
     for (const double size : {8, 10, 12, 14, 18, 24, 36, 48}) {
-        y += size * 0.98;
+        y += size * 1.05;
         setFont(context, size);
         drawLine(canvas, size < 24 ? "Quick vexing jumps" : "Quick jumps", 10, y);
     }
@@ -113,7 +115,7 @@ std::string drawSizeScene(Canvas& canvas)
         canvas.fill(kInk);
         canvas.placeUnshifted();
         setFont(canvas.context(), 11);
-        drawLine(canvas, hinted ? "lightly hinted at 11" : "as designed at 11", 236,
+        drawLine(canvas, hinted ? "hinted: fine print" : "plain: fine print", 236,
                  hinted ? 108 : 92);
     }
     FS_set_light_hinting(0);
@@ -206,5 +208,5 @@ std::string drawThaiScene(Canvas& canvas)
         "\u0e33 \u0e08\u0e36\u0e07\u0e15\u0e49\u0e2d\u0e07\u0e43\u0e0a\u0e49\u0e1e\u0e08\u0e19"
         "\u0e32\u0e19\u0e38\u0e01\u0e23\u0e21\u0e2b\u0e32\u0e17\u0e35\u0e48\u0e15\u0e31\u0e14"
         "\u0e1a\u0e23\u0e23\u0e17\u0e31\u0e14",
-        20);
+        20, 1.8); // two marks may stand on a letter
 }

@@ -113,6 +113,17 @@ bool measureAll(const TsText& text, TextPosition* positions)
     return true;
 }
 
+// Whether the heap has the room that ICU's dictionaries may need. When it runs out while one of
+// them starts, ICU tries again and again without end.
+bool heapHasRoom()
+{
+    constexpr size_t kRoom = 128 * 1024;
+    void* volatile room = std::malloc(kRoom); // volatile: or the compiler leaves both calls out
+    const bool has = room != nullptr;
+    std::free(room);
+    return has;
+}
+
 // Writes into one field of all positions the boundary that follows each.
 bool findBoundaries(UBreakIterator* iterator, const TsText& text, TextPosition* positions,
                     uint32_t TextPosition::*nextBoundary)
@@ -267,7 +278,7 @@ int32_t TsLayout_compose(TsLayout* layout, int32_t width, uint32_t* lineCount)
     if (text.style == nullptr) return 1;
     if (text.count == 0) return 0;
     HeapArray<TextPosition> positions(size_t{text.count} + 1);
-    if (!positions || !measureAll(text, positions.data())) return 1;
+    if (!positions || !measureAll(text, positions.data()) || !heapHasRoom()) return 1;
     if (!findBoundaries(layout->control->lines, text, positions.data(), &TextPosition::nextBreak) ||
         !findBoundaries(layout->control->clusters, text, positions.data(),
                         &TextPosition::nextCluster))

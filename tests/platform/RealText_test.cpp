@@ -1,39 +1,27 @@
 // The real engines: glyphs of installed fonts, and lines of several languages.
+#include "examples/common/FontFolder.h"
 #include "graphics2d/MMContext2D.h"
+#include "platform/freetype/LightHinting.h"
 
-#include <cmath>
-#include <cstdlib>
-#include <filesystem>
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 using namespace KAVO::Graphics2D;
 
 namespace {
 
-// A folder with AMCSL.TTF as a link to a font, for the engine that the next context starts.
-class FontFolder {
-public:
-    explicit FontFolder(const char* font)
-        : path_(std::filesystem::temp_directory_path() / ("mm2d-font-" + std::to_string(getpid())))
-    {
-        std::filesystem::create_directory(path_);
-        if (font != nullptr) std::filesystem::create_symlink(font, path_ / "AMCSL.TTF");
-        setenv("YBN_RES_FONT_PATH", path_.c_str(), 1);
-    }
-    ~FontFolder()
-    {
-        unsetenv("YBN_RES_FONT_PATH");
-        std::filesystem::remove_all(path_);
-    }
+using Lines = std::vector<std::u16string>;
 
-private:
-    std::filesystem::path path_;
-};
+std::vector<uint16_t> unitsOf(const std::u16string& text)
+{
+    std::vector<uint16_t> units(text.begin(), text.end());
+    units.push_back(0);
+    return units;
+}
 
 // A context with a picture, drawing in one font.
 struct Page {
@@ -49,12 +37,10 @@ struct Page {
         context->clipBottom = kHeight;
     }
 
-    std::vector<std::u16string> lines(const std::u16string& text, int32_t width)
+    Lines lines(const std::u16string& text, int32_t width)
     {
-        std::vector<uint16_t> units(text.begin(), text.end());
-        units.push_back(0);
-        MMTextLayout* layout = context->createTextLayout(units.data(), width);
-        std::vector<std::u16string> result;
+        MMTextLayout* layout = context->createTextLayout(unitsOf(text).data(), width);
+        Lines result;
         for (uint32_t i = 0; layout != nullptr && i < layout->lineCount; ++i) {
             result.emplace_back();
             for (const uint16_t* unit = layout->lines[i]; *unit != 0; ++unit)
@@ -65,28 +51,24 @@ struct Page {
     }
 
     // The width that holds count characters of a font in which all are equally wide.
-    int32_t columns(int32_t count)
+    int32_t columns(int32_t count) { return count * width(u"m") / kFixedOne + 1; }
+
+    Fixed width(const std::u16string& text)
     {
-        const uint16_t m[] = {'m', 0};
-        return count * context->getTextWidth(m, 1) / kFixedOne + 1;
+        return context->getTextWidth(unitsOf(text).data(), 65535);
     }
 
-    Fixed width(const char16_t* text)
+    void draw(const std::u16string& text, int32_t x, int32_t y)
     {
-        std::vector<uint16_t> units;
-        while (*text != 0)
-            units.push_back(*text++);
-        units.push_back(0);
-        return context->getTextWidth(units.data(), 65535);
+        context->drawText(unitsOf(text).data(), x * kFixedOne, y * kFixedOne);
     }
 
-    void draw(const char16_t* text, int32_t x, int32_t y)
+    // The picture of a text on an empty page.
+    std::vector<Pixel> picture(const std::u16string& text)
     {
-        std::vector<uint16_t> units;
-        while (*text != 0)
-            units.push_back(*text++);
-        units.push_back(0);
-        context->drawText(units.data(), x * kFixedOne, y * kFixedOne);
+        std::fill(pixels.begin(), pixels.end(), 0xFFFFFFFF);
+        draw(text, 10, 60);
+        return pixels;
     }
 
     FontFolder folder;
@@ -94,7 +76,12 @@ struct Page {
     std::unique_ptr<MMContext2D> context;
 };
 
-using Lines = std::vector<std::u16string>;
+// Pixels that a test accepts.
+template <class Accepts>
+int32_t count(const std::vector<Pixel>& pixels, Accepts accepts)
+{
+    return static_cast<int32_t>(std::count_if(pixels.begin(), pixels.end(), accepts));
+}
 
 } // namespace
 
@@ -112,24 +99,36 @@ TEST(RealGlyphs, areAsHighAndWideAsTheFontSays)
 
 TEST(RealGlyphs, boldOnesAreDarkerAndWider)
 {
-    const auto ink = [](const Page& page) {
-        uint64_t sum = 0;
-        for (Pixel pixel : page.pixels)
-            sum += 255 - (pixel & 255);
-        return sum;
-    };
+    const auto isDark = [](Pixel pixel) { return (pixel & 255) < 128; };
     Page page(LATIN_FONT);
     page.context->fontSize = 24 * kFixedOne;
-    page.draw(u"emHo", 10, 60);
-    const uint64_t upright = ink(page);
+    const int32_t upright = count(page.picture(u"emHo"), isDark);
     const Fixed uprightWidth = page.width(u"emHo");
-    std::fill(page.pixels.begin(), page.pixels.end(), 0xFFFFFFFF);
     page.context->fontWeight = 7;
     page.context->updateFont();
-    page.draw(u"emHo", 10, 60);
-    EXPECT_GT(ink(page), upright * 5 / 4);
+    EXPECT_GT(count(page.picture(u"emHo"), isDark), upright * 5 / 4);
     // Three quarters of a tenth of the em for each character.
     EXPECT_NEAR(page.width(u"emHo") - uprightWidth, 4 * 24 * 0.075 * 65536, 3000);
+}
+
+TEST(RealGlyphs, lightHintingSharpensHorizontalStrokesOfUprightTextOnly)
+{
+    const auto isGrey = [](Pixel pixel) { return pixel != 0xFFFFFFFF && pixel != 0xFF000000; };
+    std::vector<Pixel> upright[2], turned[2];
+    Fixed widths[2];
+    for (const int hinted : {0, 1}) {
+        FS_set_light_hinting(hinted);
+        Page page(LATIN_FONT); // and a cache of its own
+        page.context->fontSize = 13 * kFixedOne;
+        upright[hinted] = page.picture(u"EEEHHzzTT");
+        widths[hinted] = page.width(u"EEEHHzzTT");
+        page.context->transform = {60000, 20000, -20000, 60000, 0, 0};
+        turned[hinted] = page.picture(u"EzT");
+    }
+    FS_set_light_hinting(0);
+    EXPECT_LT(count(upright[1], isGrey), count(upright[0], isGrey) * 4 / 5);
+    EXPECT_EQ(widths[0], widths[1]);
+    EXPECT_EQ(turned[0], turned[1]);
 }
 
 TEST(RealGlyphs, turnWithTheTransform)
@@ -151,13 +150,12 @@ TEST(RealGlyphs, turnWithTheTransform)
 
 TEST(RealGlyphs, aMissingFontDrawsNothing)
 {
-    Page page(nullptr);
+    Page page("no such file");
     EXPECT_EQ(page.context->fontMetrics[0], 1000);
     EXPECT_EQ(static_cast<int16_t>(page.context->fontMetrics[10]), -200);
     EXPECT_EQ(page.context->fontMetrics[12], 800);
-    page.draw(u"abc", 10, 50);
-    for (Pixel pixel : page.pixels)
-        ASSERT_EQ(pixel, 0xFFFFFFFFu);
+    const auto isInk = [](Pixel pixel) { return pixel != 0xFFFFFFFF; };
+    EXPECT_EQ(count(page.picture(u"abc"), isInk), 0);
     EXPECT_EQ(page.lines(u"ab cd", 10), (Lines{u"ab cd"})); // nothing is wide
 }
 
@@ -231,7 +229,7 @@ TEST(RealLayout, breaksThaiAtTheWordsOfItsDictionary)
     // "Thai language", two words without a space.
     const std::u16string language = u"\u0E20\u0E32\u0E29\u0E32";
     const std::u16string thai = u"\u0E44\u0E17\u0E22";
-    const int32_t longest = page.width(language.c_str()) / kFixedOne + 1;
+    const int32_t longest = page.width(language) / kFixedOne + 1;
     EXPECT_EQ(page.lines(language + thai, longest), (Lines{language, thai}));
 }
 
