@@ -4,18 +4,15 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
 FakeLayoutEngine fakeLayoutEngine;
 
 struct TsLayoutControl {
     char unused;
 };
-struct TsLayoutOptions {
-    char unused;
-};
-struct TsFont {
-    char unused;
-};
+struct TsLayoutOptions : TsLayoutControl {};
+struct TsFont : TsLayoutControl {};
 struct TsFontStyle {
     const TsFontStyleCalls* calls;
     void* user;
@@ -44,12 +41,12 @@ bool refused()
 }
 
 template <class T>
-T* make()
+T* make(T value = {})
 {
-    if (refused()) return nullptr;
-    T* object = static_cast<T*>(std::calloc(1, sizeof(T)));
-    if (object != nullptr) ++fakeLayoutEngine.objectsAlive;
-    return object;
+    T* object = refused() ? nullptr : static_cast<T*>(std::malloc(sizeof(T)));
+    if (object == nullptr) return nullptr;
+    ++fakeLayoutEngine.objectsAlive;
+    return new (object) T(value);
 }
 
 void drop(void* object)
@@ -93,15 +90,12 @@ extern "C" {
 
 TsLayoutControl* TsLayoutControl_new(void*)
 {
-    if (refused()) return nullptr;
-    ++fakeLayoutEngine.controlsAlive;
-    return static_cast<TsLayoutControl*>(std::calloc(1, sizeof(TsLayoutControl)));
+    return make<TsLayoutControl>();
 }
 
 void TsLayoutControl_delete(TsLayoutControl* control)
 {
-    --fakeLayoutEngine.controlsAlive;
-    std::free(control);
+    drop(control);
 }
 
 TsLayoutOptions* TsLayoutOptions_new(void)
@@ -138,9 +132,7 @@ void TsFontParam_defaults(TsFontParam* param)
 
 TsFontStyle* TsFontStyle_new(TsFont*, const TsFontParam*, const TsFontStyleCalls* calls, void* user)
 {
-    TsFontStyle* style = make<TsFontStyle>();
-    if (style != nullptr) *style = {calls, user};
-    return style;
+    return make<TsFontStyle>({calls, user});
 }
 
 void TsFontStyle_delete(TsFontStyle* style)
@@ -177,9 +169,7 @@ void TsText_delete(TsText* text)
 
 TsLayout* TsLayout_new(TsText* text, TsLayoutControl*, const TsLayoutOptions*)
 {
-    TsLayout* layout = make<TsLayout>();
-    if (layout != nullptr) layout->text = text;
-    return layout;
+    return make<TsLayout>({text, 0, nullptr});
 }
 
 int32_t TsLayout_compose(TsLayout* layout, int32_t width, uint32_t* lineCount)
@@ -219,9 +209,7 @@ void TsLayout_delete(TsLayout* layout)
 
 TsGlyph* TsGlyph_new(const TsGlyphCalls* calls, void* user)
 {
-    TsGlyph* glyph = make<TsGlyph>();
-    if (glyph != nullptr) *glyph = {calls, user};
-    return glyph;
+    return make<TsGlyph>({calls, user});
 }
 
 void TsPoint_setCoords(TsPoint* point, int32_t x, int32_t y)
