@@ -90,12 +90,13 @@ extern "C" {
 
 TsLayoutControl* TsLayoutControl_new(void*)
 {
-    return make<TsLayoutControl>();
+    return refused() ? nullptr
+                     : static_cast<TsLayoutControl*>(std::calloc(1, sizeof(TsLayoutControl)));
 }
 
 void TsLayoutControl_delete(TsLayoutControl* control)
 {
-    drop(control);
+    std::free(control);
 }
 
 TsLayoutOptions* TsLayoutOptions_new(void)

@@ -7,8 +7,8 @@
 struct FakeLayoutEngine {
     // The n-th fallible call from now on fails; 0: none does. Counts down.
     int32_t failAt = 0;
-    int32_t calls = 0; // fallible calls made
-    int32_t objectsAlive = 0;
+    int32_t calls = 0;        // fallible calls made
+    int32_t objectsAlive = 0; // not counting controls
 };
 
 extern FakeLayoutEngine fakeLayoutEngine;
