@@ -4,8 +4,8 @@
 #
 #   scripts/coverage.sh
 #
-# Installs what is missing. build/coverage/lines.txt names the missing lines of every file, and
-# build/coverage/index.html shows them.
+# Installs what is missing. build/coverage/library.txt names the missing lines of every file, and
+# build/coverage/library.html shows them; the same for the platform's engines in platform.*.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-packages.sh build test examples coverage
