@@ -50,7 +50,7 @@ public:
     const MMPoint2D& at() const { return at_; }
 
     // False at the end.
-    [[gnu::noinline]] bool advance()
+    bool advance()
     {
         while (record_ != end_ && index_ == record_->count) {
             ++record_;
@@ -86,7 +86,7 @@ uint64_t lengthBoundOf(const Subpath& subpath)
     return length;
 }
 
-[[gnu::cold]] uint64_t lengthOf(const Subpath& subpath)
+uint64_t lengthOf(const Subpath& subpath)
 {
     PointWalk walk(subpath);
     uint64_t length = 0;
@@ -248,7 +248,7 @@ private:
         count_ = 1;
     }
 
-    [[gnu::noinline]] void strokePiece()
+    void strokePiece()
     {
         const MMLinkPath piece = {points_, count_};
         // A dash without length is a dot in the direction of its edge.

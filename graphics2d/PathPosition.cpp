@@ -88,7 +88,7 @@ private:
         pos_.edgeWalked = length_;
     }
 
-    [[gnu::noinline]] bool visitCurve(const MMPoint2D* points)
+    bool visitCurve(const MMPoint2D* points)
     {
         CurveBuffers buffers(context_, 1);
         if (!buffers) return false;
@@ -98,7 +98,7 @@ private:
         return curve.count > 0;
     }
 
-    [[gnu::noinline]] void visit(const MMPoint2D& point)
+    void visit(const MMPoint2D& point)
     {
         if (insideSubpath_) {
             walkEdges(at_, point);
@@ -110,7 +110,7 @@ private:
         at_ = point;
     }
 
-    [[gnu::noinline]] void walkEdges(MMPoint2D from, const MMPoint2D& to)
+    void walkEdges(MMPoint2D from, const MMPoint2D& to)
     {
         while (from != to && !arrived_) {
             edge_ = PathEdge::toward(from, to);

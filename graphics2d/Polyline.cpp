@@ -56,10 +56,13 @@ void transformSaturated(const Matrix2D& m, MMPoint2D* points, uint32_t count)
 // the first. Returns how many are left.
 uint32_t dropRepeated(MMPoint2D* points, uint32_t count, bool closed)
 {
-    count = static_cast<uint32_t>(std::unique(points, points + count) - points);
-    while (closed && count > 1 && points[count - 1] == points[0])
-        --count;
-    return count;
+    uint32_t kept = 1;
+    for (uint32_t i = 1; i < count; ++i) {
+        if (points[i] != points[kept - 1]) points[kept++] = points[i];
+    }
+    while (closed && kept > 1 && points[kept - 1] == points[0])
+        --kept;
+    return kept;
 }
 
 // One line to be stroked, in scratch memory.
@@ -123,7 +126,7 @@ private:
         return true;
     }
 
-    [[gnu::cold]] bool drawHairline()
+    bool drawHairline()
     {
         StrokeOutline outline(context_.scratchStack, hairline(), count_);
         if (!buildWithHairline(outline)) return false;
@@ -131,7 +134,7 @@ private:
         return true;
     }
 
-    [[gnu::cold]] bool drawPenAndHairline()
+    bool drawPenAndHairline()
     {
         StrokeOutline wide(context_.scratchStack, pen(), count_);
         if (!buildWithPen(wide)) return false;

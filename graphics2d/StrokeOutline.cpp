@@ -61,7 +61,7 @@ StrokeOutline::StrokeOutline(MMStackContext& stack, const StrokePen& pen, uint32
 }
 
 // Makes room between the two sides when fewer than room_ points fit.
-[[gnu::cold]] bool StrokeOutline::grow()
+bool StrokeOutline::grow()
 {
     const uint32_t used = capacity_ - back_;
     const uint32_t grown = fitted(uint64_t{capacity_} * 2);
@@ -72,14 +72,14 @@ StrokeOutline::StrokeOutline(MMStackContext& stack, const StrokePen& pen, uint32
     return back_ - front_ >= room_;
 }
 
-[[gnu::noinline]] void StrokeOutline::put(Side side, const MMPoint2D& vertex, const Offset& offset)
+void StrokeOutline::put(Side side, const MMPoint2D& vertex, const Offset& offset)
 {
     const MMPoint2D point = {saturated(vertex.x + offset.x), saturated(vertex.y + offset.y)};
     points_[side == kLeft ? front_++ : --back_] = point;
 }
 
 // The point half a width away in the given direction.
-[[gnu::noinline]] void StrokeOutline::putAlong(Side side, const MMPoint2D& vertex,
+void StrokeOutline::putAlong(Side side, const MMPoint2D& vertex,
                                                const UnitVector& direction)
 {
     put(side, vertex,

@@ -91,6 +91,7 @@ private:
     Picture drawTiles(const Tiling& tiling, const TileRange& range, State state, uint32_t ground);
     Tiling readTiling(pugi::xml_node pattern, const State& state, const Box& userBounds) const;
     void setPen(const State& state, const PathSpace& space);
+    void setDashes(const Style& style, const PathSpace& space);
     void setTransform(const PathSpace& space);
     void clipTo(const Box& deviceBox);
     void noteUnsupported(pugi::xml_node node, const Properties& properties);

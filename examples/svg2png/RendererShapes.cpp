@@ -102,12 +102,26 @@ void Renderer::setPen(const State& state, const PathSpace& space)
     context_.miterLimit = toFixed(style.miterLimit);
     context_.joinStyle = style.join;
     context_.capStyle = style.cap;
+    setDashes(style, space);
+}
+
+void Renderer::setDashes(const Style& style, const PathSpace& space)
+{
     dashes_.clear();
-    for (const double dash : style.dashes)
-        dashes_.push_back(space.length(dash));
-    context_.dashArray = dashes_.empty() || dashes_.size() > 0xFFFF ? nullptr : dashes_.data();
+    double period = 0;
+    for (size_t rounds = style.dashes.size() % 2 == 0 ? 1 : 2; rounds > 0; --rounds) {
+        for (const double dash : style.dashes) {
+            dashes_.push_back(space.length(dash));
+            period += dash;
+        }
+    }
+    context_.dashArray = nullptr;
+    if (dashes_.empty() || dashes_.size() > 0xFFFF) return;
+    context_.dashArray = dashes_.data();
     context_.dashCount = static_cast<uint16_t>(dashes_.size());
-    context_.dashOffset = toFixed(style.dashOffset * space.scale);
+    context_.dashOffset = toFixed(std::fmod(style.dashOffset, period) * space.scale);
+    // For the library a first dash without length is over before the line begins; SVG draws it.
+    if (dashes_[0] == 0 && context_.dashOffset == 0) context_.dashOffset = -1;
 }
 
 bool Renderer::setFill(const State& state, const Box& userBounds)
