@@ -170,12 +170,14 @@ public:
         left_ = pattern_[index_];
     }
 
-    // Entries that a walk of the given length from here touches.
+    // Entries that a walk of the given length from here touches; any number above kMaxPieces when
+    // they are more than that.
     uint64_t piecesWithin(uint64_t length) const
     {
         if (length < static_cast<uint32_t>(left_)) return 1;
         const uint64_t rest = length - static_cast<uint32_t>(left_);
         const uint64_t periods = rest / pattern_.period();
+        if (periods > kMaxPieces) return periods; // too many; their product may not fit
         DashPhase last = *this;
         last.advance();
         uint64_t pieces = 2 + periods * pattern_.count();

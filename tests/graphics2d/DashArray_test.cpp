@@ -1,5 +1,4 @@
 // Where dashes begin and end, and what becomes of patterns that are none.
-#include "tests/support/FailingHeap.h"
 #include "tests/support/StrokeRecorder.h"
 #include "tests/support/UserUnits.h"
 
@@ -85,34 +84,27 @@ TEST(DashArray, PhasesOnAStraightLine)
 TEST(DashArray, BendsWithItsVerticesAcrossRecords)
 {
     Dashed dashed({15, 5}, 0);
-    Points all = {{0, 0}, {fx(10), 0}, {fx(10), 0}, {fx(10), fx(10)}, {0, fx(10)}};
+    Points all = {at(0, 0), at(10, 0), at(10, 0), at(10, 10), at(0, 10)};
     MMLinkPath records[] = {{&all[0], 1}, {&all[1], 0}, {&all[1], 2}, {&all[3], 2}};
     StrokeRecorder recorder;
     dashed.context.drawDashArray(records, 4, 1);
     ASSERT_EQ(recorder.strokes.size(), 3u);
-    EXPECT_EQ(recorder.strokes[0].points, (Points{{0, 0}, {fx(10), 0}, {fx(10), fx(5)}}));
+    EXPECT_EQ(recorder.strokes[0].points, (Points{at(0, 0), at(10, 0), at(10, 5)}));
     // The gap ends exactly on a vertex; closed, the walk goes back to the first point.
-    EXPECT_EQ(recorder.strokes[1].points, (Points{{fx(10), fx(10)}, {0, fx(10)}, {0, fx(5)}}));
+    EXPECT_EQ(recorder.strokes[1].points, (Points{at(10, 10), at(0, 10), at(0, 5)}));
     EXPECT_EQ(recorder.strokes[2].points, (Points{{0, 0}}));
 }
 
 TEST(DashArray, WhatCannotBeCutIsStrokedWhole)
 {
-    const auto expectWhole = [](Dashed& dashed, const char* what) {
-        const auto strokes = dash(dashed.context, {{0, 0}, {fx(20), 0}, {fx(20), fx(5)}}, true);
-        ASSERT_EQ(strokes.size(), 1u) << what;
-        EXPECT_TRUE(strokes[0].closed) << what;
-        EXPECT_EQ(strokes[0].points.size(), 3u) << what;
-    };
-    Dashed empty({}), negative({3, -1, 2}), zero({0, 0}), fine({0, 1.0 / 65536 * 30});
-    expectWhole(empty, "empty");
-    expectWhole(negative, "negative");
-    expectWhole(zero, "zero");
-    expectWhole(fine, "more than 65,535 pieces");
-    empty.context.dashArray = nullptr;
-    empty.context.dashCount = 4;
-    expectWhole(empty, "null");
-
+    Dashed empty({}), null({3, 2}), negative({3, -1, 2}), zero({0, 0}), fine({0, 30 / 65536.0});
+    null.context.dashArray = nullptr;
+    for (Dashed* dashed : {&empty, &null, &negative, &zero, &fine}) { // fine: over 65,535 pieces
+        const auto strokes = dash(dashed->context, {at(0, 0), at(20, 0), at(20, 5)}, true);
+        ASSERT_EQ(strokes.size(), 1u);
+        EXPECT_TRUE(strokes[0].closed);
+        EXPECT_EQ(strokes[0].points.size(), 3u);
+    }
     // Pieces of one unit, on and off, along 65,534 and 65,535 units: the last one is the end.
     Dashed units({1.0 / 65536});
     EXPECT_EQ(dash(units.context, {{0, 0}, {65534, 0}}).size(), 32768u);
@@ -160,19 +152,6 @@ TEST(DashArray, SquareDotsLieAlongTheirLine)
     expectBounds(Dashed({0, 25}), {at(50, 50), at(80, 90)}, at(80, 90), fx(14)); // at the end
     expectBounds(Dashed({0, 25}, 20), {at(50, 50), at(56, 58)}, at(53, 54), fx(14));
     expectBounds(Dashed({5, 5}), {at(50, 50), at(50, 50)}, at(50, 50), fx(10)); // no direction
-}
-
-TEST(DashArray, ExhaustedScratchDrawsNothing)
-{
-    Dashed dashed({3, 2});
-    Points points(2000);
-    for (int i = 0; i < 2000; ++i)
-        points[size_t(i)] = {i * 65536 / 100, 0};
-    FailingHeap heap;
-    heap.failFrom(1);
-    EXPECT_TRUE(dash(dashed.context, points).empty());
-    EXPECT_EQ(dashed.context.outOfMemory, kScratchExhausted);
-    EXPECT_EQ(dashed.context.scratchStack.usedWords, 0u);
 }
 
 // Lengths of random polylines in double precision: each dash is as long as its entry, and they lie

@@ -1,12 +1,9 @@
 // Decoding and filling of encoded paths, well-formed and hostile.
 #include "graphics2d/Rasteriser.h"
 #include "tests/support/EncodedPath.h"
-#include "tests/support/FailingHeap.h"
 #include "tests/support/Picture.h"
 #include "tests/support/StrokeRecorder.h"
 #include "tests/support/UserUnits.h"
-
-#include <climits>
 
 namespace {
 
@@ -112,8 +109,9 @@ TEST(PathFill, NothingToFill)
     two.points({at(5, 5), at(30, 30)}, EncodedPath::kClosed);
     noFill.points(kOuter, EncodedPath::kClosed);
     curveOnly.curves({at(20, 0), at(40, 10), at(35, 30)}, EncodedPath::kClosed);
-    for (const uint32_t* path : {none.data(), two.data(), curveOnly.data(), noFill.data(),
-                                 static_cast<uint32_t*>(nullptr)}) {
+    const uint32_t* const paths[] = {none.data(), two.data(), curveOnly.data(), noFill.data(),
+                                     nullptr};
+    for (const uint32_t* path : paths) {
         Picture picture;
         if (path == noFill.data()) picture.context.fillPaint.paintType = kPaintNone;
         picture.context.drawPath(path);
@@ -153,54 +151,6 @@ TEST(PathFill, BoundsOnlyMeasuresUntransformedPointsAndDrawsNothing)
     path.header() = 0;
     picture.context.drawPath(path.data());
     EXPECT_TRUE(picture.emptyBounds());
-}
-
-TEST(PathFill, EveryFailingAllocationIsReportedAndLeaksNothing)
-{
-    Points points(3000, at(10, 10));
-    EncodedPath path;
-    path.points(points).curves(Points(3 * 40, at(40, 30)));
-    path.curves({at(9000, 90), at(-9000, 8000), at(0, 9)}, EncodedPath::kClosed);
-    const uint32_t calls = failEachAllocation([&] {
-        Picture picture;
-        picture.context.transform = {fx(200), 0, 0, fx(200), 0, 0};
-        picture.context.drawPath(path.data());
-    });
-    EXPECT_GE(calls, 5u);
-
-    FailingHeap heap;
-    Picture picture;
-    heap.failFrom(1);
-    picture.context.drawPath(path.data());
-    EXPECT_EQ(picture.context.outOfMemory, kScratchExhausted);
-    EXPECT_TRUE(picture.blank());
-}
-
-TEST(PathFill, HostileCommandsAndCoordinatesEndInTime)
-{
-    uint32_t state = 1;
-    const auto next = [&state] { return state = state * 1664525u + 1013904223u, state >> 4; };
-    const Fixed extremes[] = {INT_MIN, INT_MIN + 1, INT_MAX, 0, 1, -1, fx(20), fx(40)};
-    for (int round = 0; round < 400; ++round) {
-        EncodedPath path;
-        const uint32_t commands = next() % 8;
-        for (uint32_t i = 0; i < commands; ++i) {
-            const uint32_t kind = next() % 4;
-            Points points(kind < 2 ? next() % 9 : 0);
-            for (MMPoint2D& p : points)
-                p = {extremes[next() % 8], extremes[next() % 8]};
-            const auto ending = static_cast<EncodedPath::Ending>((next() & 3) << 30);
-            if (kind == 0)
-                path.points(points, ending);
-            else if (kind == 1)
-                path.curves(Points(points.begin(), points.begin() + points.size() / 3 * 3), ending);
-            else
-                path.bare(kind << 28 | ending | (next() & 0xFFFFFF));
-        }
-        Picture picture;
-        picture.context.transform = {fx(1.5), 0, 0, fx(1.5), 0, 0};
-        picture.context.drawPath(path.data());
-    }
 }
 
 TEST(PathStroke, HandsOnEachSubpathInUserSpace)

@@ -136,12 +136,11 @@ TEST(PathPosition, ExhaustedScratchLeavesTheRecord)
     Walker walker(path);
     walker.to(fx(4));
     void* filler = walker.context.scratchStack.Alloc(1000);
-    {
-        FailingHeap heap;
-        heap.failFrom(1);
-        EXPECT_EQ(walker.to(fx(9)), at(4, 0));
-    }
+    FailingHeap heap;
+    heap.failFrom(1);
+    EXPECT_EQ(walker.to(fx(9)), at(4, 0));
     EXPECT_EQ(walker.context.outOfMemory, kScratchExhausted);
+    heap.failAt(0);
     EXPECT_NE(walker.to(fx(9)), at(4, 0));
     walker.context.scratchStack.DeAlloc(filler);
     EXPECT_EQ(walker.context.scratchStack.usedWords, 0u);

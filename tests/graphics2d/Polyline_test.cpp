@@ -119,9 +119,7 @@ TEST(Polyline, WithoutAntiAliasingIsNeverBroken)
                         int across = 0;
                         for (int j = 0; j < kSize; ++j)
                             across +=
-                                (steep ? picture.at(j, i) : picture.at(i, j)) != Picture::kBlank
-                                    ? 1
-                                    : 0;
+                                (steep ? picture.coverage(j, i) : picture.coverage(i, j)) / 255;
                         ASSERT_TRUE(across == 1 || across == 2)
                             << scale[0] << " " << slope << " " << steep << " " << i;
                     }
