@@ -119,7 +119,7 @@ public:
     // outline's, empty when nothing was drawn.
     void drawPolyline(MMLinkPath* records, int16_t segmentCount, uint8_t closed);
 
-    // The same cut into dashes by dashArray, dashCount and dashOffset.
+    // The same cut into dashes; one without length is a dot, a square one turned with its edge.
     void drawDashArray(MMLinkPath* records, uint16_t segmentCount, uint8_t closed);
 
     // Fills and strokes a rectangle with elliptical corners, or an ellipse (radii equal to the half

@@ -79,8 +79,7 @@ void StrokeOutline::put(Side side, const MMPoint2D& vertex, const Offset& offset
 }
 
 // The point half a width away in the given direction.
-void StrokeOutline::putAlong(Side side, const MMPoint2D& vertex,
-                                               const UnitVector& direction)
+void StrokeOutline::putAlong(Side side, const MMPoint2D& vertex, const UnitVector& direction)
 {
     put(side, vertex,
         {scaledAway(direction.x, pen_.halfWidth), scaledAway(direction.y, pen_.halfWidth)});
