@@ -252,7 +252,16 @@ void sampleBicubic(const PatternWalk& walk, bool inside, Pixel* colours, uint32_
 // By the sum of alphas, rounded to nearest before the weight is raised.
 void weighBySums(PaintPiece& piece, CoverageSequence& coverage, int32_t count)
 {
-    for (int32_t i = 0; i < count; ++i) {
+    int32_t i = 0;
+    if (coverage.isFlatAndWhole()) { // the product then fits 32 bits
+        const uint32_t opacity = static_cast<uint32_t>(fixFloor(coverage.current()));
+        for (; i < count; ++i) {
+            const uint32_t weight = (((piece.weights[i] * opacity) >> 8) + 0x8000) >> 16;
+            piece.weights[i] = weight + (weight >> 7);
+        }
+        coverage.advance(count);
+    }
+    for (; i < count; ++i) {
         const int32_t product =
             fixMulSHRInline(static_cast<Fixed>(piece.weights[i]), coverage.current(), 8);
         const int32_t weight = wrapAdd(product, 0x8000) >> 16;

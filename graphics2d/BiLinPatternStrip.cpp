@@ -102,16 +102,16 @@ struct TexelsInside {
 // From two rows that steps were prepared of.
 struct PreparedTexels {
     const RowStep* steps;
-    Fixed u;
-    Fixed uStep;
+    uint32_t u; // from the first step on
+    uint32_t uStep;
 
     const RowStep& next()
     {
-        const RowStep& step = steps[fixFloor(u)];
-        u = wrapAdd(u, uStep);
+        const RowStep& step = steps[u >> 16];
+        u += uStep;
         return step;
     }
-    void goBack(int32_t pixels) { u = wrapSub(u, uStep * pixels); }
+    void goBack(int32_t pixels) { u -= uStep * static_cast<uint32_t>(pixels); }
 };
 
 // Texels from two rows, and no more of them than pixels: each is prepared once.
@@ -130,7 +130,8 @@ void magnifyRows(PatternWalk walk, Pixel* out, int32_t count)
             steps[i] = RowStep::between(left, right);
             left = right;
         }
-        const PreparedTexels texels = {steps, range.start, walk.u.step()};
+        const PreparedTexels texels = {steps, static_cast<uint32_t>(range.start),
+                                       static_cast<uint32_t>(walk.u.step())};
         mixPixels(walk.u, texels, all8(walk.v.fraction()), U16x8{}, out, length);
         walk.advance(length);
         out += length;

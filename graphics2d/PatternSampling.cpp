@@ -51,18 +51,38 @@ void sample(PatternWalk& walk, const PatternFilter& filter, Pixel* colours, uint
     }
 }
 
+// At least one colour.
+bool areOpaque(const Pixel* colours, int32_t count)
+{
+    if (colours[0] >> 24 != 0xFF) return false;
+    U32x4 common = all4(colours[0]);
+    int32_t i = 0;
+    for (; i + 4 <= count; i += 4)
+        common &= load4(colours + i);
+    Pixel all = common[0] & common[1] & common[2] & common[3];
+    for (; i < count; ++i)
+        all &= colours[i];
+    return all >> 24 == 0xFF;
+}
+
 void drawByAlpha(TranslucentRun& run, PaintPiece& piece, int32_t count)
 {
+    const Pixel* colours = piece.colours;
     if (run.coverage.isFlatAndWhole()) {
         const U16x8 opacity = all8(static_cast<uint32_t>(fixFloor(run.coverage.current())));
-        run.blend(
-            piece.colours,
-            [&](int32_t i) { return patternWeights(load4(piece.colours + i), opacity); }, count);
+        const U32x4 opaqueWeights = patternWeights(all4(0xFF000000u), opacity);
+        if (areOpaque(colours, count))
+            run.blend(
+                colours, [=](int32_t) { return opaqueWeights; }, count);
+        else
+            run.blend(
+                colours, [=](int32_t i) { return patternWeights(load4(colours + i), opacity); },
+                count);
         run.coverage.advance(count);
         return;
     }
     for (int32_t i = 0; i < count; ++i) {
-        piece.weights[i] = patternWeight(run.coverage.current(), piece.colours[i] >> 24);
+        piece.weights[i] = patternWeight(run.coverage.current(), colours[i] >> 24);
         run.coverage.advance(1);
     }
     run.drawPiece(piece, count);

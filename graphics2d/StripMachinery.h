@@ -203,16 +203,16 @@ public:
     void blend(const Pixel* colours, WeightsAt weightsAt, int32_t count)
     {
         const int32_t pairs = pixelsWithNeighbour(count);
+        Pixel* to = pixels_; // a copy: a store of pixels may alias the member
         int32_t i = 0;
         for (; i + 4 <= pairs; i += 4)
-            store4(pixels_ + i, blend4(load4(pixels_ + i + 1), load4(colours + i), weightsAt(i)));
+            store4(to + i, blend4(load4(to + i + 1), load4(colours + i), weightsAt(i)));
         for (; i < count; i += 4) {
             Pixel backgrounds[4] = {};
             const int32_t rest = count - i < 4 ? count - i : 4;
             for (int32_t k = 0; k < rest; ++k)
-                backgrounds[k] = pixels_[i + k < pairs ? i + k + 1 : i + k];
-            storeFew(pixels_ + i, blend4(load4(backgrounds), load4(colours + i), weightsAt(i)),
-                     rest);
+                backgrounds[k] = to[i + k < pairs ? i + k + 1 : i + k];
+            storeFew(to + i, blend4(load4(backgrounds), load4(colours + i), weightsAt(i)), rest);
         }
         pixels_ += count;
     }

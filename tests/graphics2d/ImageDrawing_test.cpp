@@ -13,7 +13,7 @@ using namespace KAVO::Graphics2D;
 constexpr Pixel kBackground = 0xFF00AA00;
 constexpr int kSize = 32;
 
-// A 4 by 3 image, texel (i, j) of colour 0xFF0i0j80, and a canvas.
+// A 4 by 3 image, texel (i, j) of colour 0xFFi0j080, and a canvas.
 struct ImageDrawing : testing::Test {
     std::vector<Pixel> texels;
     std::vector<Pixel> pixels = std::vector<Pixel>(kSize * kSize, kBackground);

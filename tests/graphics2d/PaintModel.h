@@ -290,7 +290,6 @@ struct Axis {
 struct Sampler {
     const Pixel* pixels;
     Axis u, v;
-    int w = 0; // of the sampled pixel
 
     Sampler(const MMContext2D& c, Fixed x, Fixed y, MMPoint2D p = {})
         : pixels(c.currentPaint.patternImage.pixels),

@@ -96,13 +96,11 @@ TEST(PaintSetup, LinearRampsStayCloseToTheExactOnes)
 
 TEST(PaintSetup, RadialRampsStayCloseToTheExactOnes)
 {
-    struct Shape {
+    const struct {
         double a, b, c, d;
-    };
-    const Shape shapes[] = {
-        {1, 0, 0, 1}, {0.02, 0, 0, 0.02}, {1, 0.2, -0.2, 1}, {1, 0.3, 0.5, 0.8}};
+    } shapes[] = {{1, 0, 0, 1}, {0.02, 0, 0, 0.02}, {1, 0.2, -0.2, 1}, {1, 0.3, 0.5, 0.8}};
     for (int radius : {20, 33, 64, 150, 333, 500}) {
-        for (const Shape& s : shapes) {
+        for (const auto& s : shapes) {
             const double r = radius / std::hypot(s.a, s.b);
             Canvas canvas(1100, 1100);
             const Matrix2D m = {fixed(s.a), fixed(s.b),   fixed(s.c),
@@ -182,17 +180,13 @@ TEST(PaintSetup, ExtremeFieldsAreHarmless)
         const Matrix2D m = {next(), next(), next(), next(), next(), next()};
         const Fixed offsets[] = {next(), next(), next()};
         const GradientStops stops = {kStopColours, offsets, 3};
-        switch (round % 3) {
-        case 0:
-            setLinearGradient(canvas.paint, {next(), next()}, {next(), next()}, m, stops,
-                              canvas.ramp);
-            break;
-        case 1:
-            setRadialGradient(canvas.paint, {next(), next()}, next(), m, stops, canvas.ramp);
-            break;
-        default:
+        const MMPoint2D point = {next(), next()};
+        if (round % 3 == 0)
+            setLinearGradient(canvas.paint, point, {next(), next()}, m, stops, canvas.ramp);
+        else if (round % 3 == 1)
+            setRadialGradient(canvas.paint, point, next(), m, stops, canvas.ramp);
+        else
             setPattern(canvas.paint, {2, 2, 8, 0, texels, 1}, m, MMPatternFilter(round / 3 % 3));
-        }
         canvas.drawRow(0);
     }
 }
@@ -200,27 +194,27 @@ TEST(PaintSetup, ExtremeFieldsAreHarmless)
 TEST(PaintSetup, PatternsLieAtTheSamePlaceUnderAllFilters)
 {
     // A 2 x 2 image magnified four times at (8, 4): its middle is the line between pixels 11 and
-    // 12, where the linear filters are half way.
+    // 12, where the linear filter is half way. From half a texel on there is only the outermost.
     Pixel texels[4] = {0xFF000000, 0xFFFFFFFF, 0xFF000000, 0xFFFFFFFF};
+    const MMPixmap image = {2, 2, 8, 0, texels, 0};
     const Matrix2D m = {0x40000, 0, 0, 0x40000, fixed(8), fixed(4)};
-    for (int filter = 0; filter < 3; ++filter) {
+    const struct {
+        MMPatternFilter filter;
+        double at9, at11, at12;
+    } cases[] = {{kFilterNearest, 0, 0, 255}, {kFilterBilinear, 0, 255 * 0.375, 255 * 0.625}};
+    for (const auto& c : cases) {
         Canvas canvas(24, 12);
-        canvas.context.patternFilter = static_cast<uint8_t>(filter);
-        setPattern(canvas.paint, {2, 2, 8, 0, texels, 0}, m, MMPatternFilter(filter));
+        canvas.context.patternFilter = c.filter;
+        setPattern(canvas.paint, image, m, c.filter);
         canvas.drawRow(8);
         const Pixel* row = canvas.pixels.data() + 8 * 24;
-        if (filter == 0) {
-            EXPECT_EQ(row[11] & 0xFF, 0u);
-            EXPECT_EQ(row[12] & 0xFF, 255u);
-        } else if (filter == 1) {
-            EXPECT_NEAR(row[11] & 0xFF, 255 * 0.375, 2);
-            EXPECT_NEAR(row[12] & 0xFF, 255 * 0.625, 2);
-            EXPECT_EQ(row[9] & 0xFF, 0u) << "from half a texel on there is only the outermost";
-        }
+        EXPECT_EQ(row[9] & 0xFF, c.at9);
+        EXPECT_NEAR(row[11] & 0xFF, c.at11, 2);
+        EXPECT_NEAR(row[12] & 0xFF, c.at12, 2);
     }
-    Canvas singular(4, 1);
-    setPattern(singular.paint, {2, 2, 8, 0, texels, 0}, {1, 1, 1, 1, 0, 0}, kFilterNearest);
-    EXPECT_EQ(singular.paint.paintType, kPaintNone);
+    MMPaint singular;
+    setPattern(singular, image, {1, 1, 1, 1, 0, 0}, kFilterNearest);
+    EXPECT_EQ(singular.paintType, kPaintNone);
 }
 
 } // namespace
