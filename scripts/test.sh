@@ -3,16 +3,16 @@
 #
 #   scripts/test.sh                as users build the library, under sanitizers, and for 32-bit x86
 #   scripts/test.sh --all-targets  also for other machines (emulated), with Clang, at -O0 and -O3
-#   scripts/test.sh TARGET...      these alone: native sanitized x86-32 x86-32-no-sse2 arm-32 arm-64
-#                                  clang O0 O3
+#   scripts/test.sh TARGET...      these alone: native sanitized x86-32-core x86-32 x86-32-no-sse2
+#                                  arm-32 arm-64 clang O0 O3
 #
 # Installs what is missing. Build folders are build/test-*; the summary at the end names a log for
 # whatever failed.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-plain=(native sanitized x86-32)
-others=(x86-32-no-sse2 arm-32 arm-64 clang O0 O3)
+plain=(native sanitized x86-32-core)
+others=(x86-32 x86-32-no-sse2 arm-32 arm-64 clang O0 O3)
 groups=(build test examples targets)
 case "${1:-}" in
     '') wanted=("${plain[@]}") groups=(build test examples) ;;
@@ -36,10 +36,6 @@ for_machine() {
 # Tests left out, as a pattern. Emulated machines are slow, and what compares with slow models there
 # would prove nothing about the machine that the picture hashes do not.
 slow_models='Polyline\.MatchesUnion|PaintStrip|LongLife\.MemoryStays'
-# Without SSE2 the compiler keeps doubles in registers of 80 bits, which the floating-point models of
-# these tests do not expect. The library itself has no floating point.
-double_models='none yet'
-
 summary=()
 failed=false
 
@@ -71,9 +67,13 @@ for target in "${wanted[@]}"; do
     case $target in
         native) run native '' $with_examples "$(at_level -O2)" ;;
         sanitized) run sanitized '' $with_examples "$(at_level '-O1 -g1')" "-DCMAKE_CXX_FLAGS=$sanitize" ;;
+        # Arithmetic, memory, robustness and whole pictures, so that the plain run stays short.
+        x86-32-core)
+            run x86-32-core "$slow_models" $(for_machine i686) "$(at_level -O2)" \
+                -DMM2D_CORE_TESTS=ON ;;
         x86-32) run x86-32 "$slow_models" $(for_machine i686) "$(at_level -O2)" ;;
         x86-32-no-sse2)
-            run x86-32-no-sse2 "$slow_models|$double_models" $(for_machine i686) \
+            run x86-32-no-sse2 "$slow_models" $(for_machine i686) \
                 "$(at_level -O2)" -DCMAKE_CXX_FLAGS= ;;
         arm-32) run arm-32 "$slow_models" $(for_machine arm) "$(at_level -O2)" ;;
         arm-64) run arm-64 "$slow_models" $(for_machine aarch64) "$(at_level -O2)" ;;

@@ -20,7 +20,9 @@ extern "C" {
 void __real__ZN4KAVO10Graphics2D11MMContext2D21drawBiLinPatternStripEv(MMContext2D*);
 void __wrap__ZN4KAVO10Graphics2D11MMContext2D21drawBiLinPatternStripEv(MMContext2D*);
 
-void __wrap__ZN4KAVO10Graphics2D11MMContext2D21drawBiLinPatternStripEv(MMContext2D* context)
+// At an even address, as pointers to members need: an odd one stands for a virtual function.
+[[gnu::aligned(16)]] void
+__wrap__ZN4KAVO10Graphics2D11MMContext2D21drawBiLinPatternStripEv(MMContext2D* context)
 {
     ++spans;
     spanPixels += (context->spanEnd >> 16) - (context->spanStart >> 16);

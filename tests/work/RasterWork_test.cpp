@@ -107,7 +107,7 @@ TEST(RasterWork, GrowsNoFasterThanSorting)
                 work[size] = workOf(polygon, rule);
             }
             EXPECT_GT(work[0], uint64_t{kFew}) << family.name;
-            EXPECT_LT(work[1], work[0] * 13 / 2) << family.name << ", fill rule " << int(rule);
+            EXPECT_LT(work[1], work[0] * 8) << family.name << ", fill rule " << int(rule);
         }
     }
 }
