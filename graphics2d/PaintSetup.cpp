@@ -22,7 +22,7 @@ constexpr int64_t kGreatestOffset = 0x40000000;
 // by up to 1/256 of its length in pixels, in units of a channel, over its whole width. Cutting it
 // into n pieces divides that by n * n.
 constexpr int64_t kLongestPiece = 256; // pixels along the row
-constexpr int64_t kMostPieces = 8;     // gradientRampRoom has room for these
+constexpr int64_t kMostPieces = 8;     // of all that lies between two stops
 
 // The radial parameter counts quarters of a device pixel where the circle is widest, or eighths
 // where it is narrowest if that is coarser, as long as its square's slope, 2 * radius * unit *
@@ -127,6 +127,26 @@ Pixel mixed(Pixel from, Pixel to, int64_t part, int64_t whole)
     return result;
 }
 
+constexpr uint32_t kNoAlpha = 256; // more than any
+
+// The least alpha whose weight under the opacity is 128 or more, so that the fillers raise it by
+// one. A linear segment's weights are extrapolated from its first three pixels: if the weight were
+// raised just between these, every further pixel would be one too high.
+uint32_t leastRaisedAlpha(uint32_t opacity)
+{
+    return opacity > 128 ? 0x8000 / opacity + 1 : kNoAlpha;
+}
+
+uint32_t alphaByte(Pixel colour)
+{
+    return colour >> 24;
+}
+
+Pixel withAlpha(Pixel colour, uint32_t alpha)
+{
+    return (colour & 0x00FFFFFF) | alpha << 24;
+}
+
 // The scaled stops as they are collected in the caller's arrays.
 class RampWriter {
 public:
@@ -144,30 +164,60 @@ public:
         ramp_.offsets[paint_.gradientStopCount] =
             static_cast<Fixed>(clampTo(offset, -kGreatestOffset, kGreatestOffset));
         ++paint_.gradientStopCount;
-        if (colour >> 24 != 0xFF) paint_.paintHasAlpha = 1;
+        if (alphaByte(colour) != 0xFF) paint_.paintHasAlpha = 1;
     }
 
-    // All stops, offset 0 at start and 1.0 at start + length, segments cut so that they are no
-    // longer than piece.
-    void addAll(const GradientStops& stops, int64_t start, int64_t length, int64_t piece)
+    // All stops, offset 0 at start and 1.0 at start + length. What lies between two stops is cut
+    // into segments no longer than piece, and where the alpha reaches raisedAlpha.
+    void addAll(const GradientStops& stops, int64_t start, int64_t length, int64_t piece,
+                uint32_t raisedAlpha)
     {
-        int64_t previous = 0;
-        int64_t previousOffset = start;
+        Stop previous = {};
+        int64_t least = 0;
         for (uint32_t i = 0; i < stops.count; ++i) {
-            previous = clampTo(stops.offsets[i], previous, kFixedOne);
-            const int64_t offset = start + shiftDown(length * previous, 16);
-            if (i > 0) cut(stops.colours[i - 1], stops.colours[i], previousOffset, offset, piece);
-            add(stops.colours[i], offset);
-            previousOffset = offset;
+            least = clampTo(stops.offsets[i], least, kFixedOne);
+            const Stop stop = {stops.colours[i], start + shiftDown(length * least, 16)};
+            if (i > 0) {
+                const int64_t shortest = (stop.offset - previous.offset) / kMostPieces + 1;
+                addBetween(previous, stop, larger(piece, shortest), raisedAlpha);
+            }
+            add(stop.colour, stop.offset);
+            previous = stop;
         }
     }
 
 private:
-    void cut(Pixel fromColour, Pixel toColour, int64_t from, int64_t to, int64_t piece)
+    struct Stop {
+        Pixel colour;
+        int64_t offset;
+    };
+
+    void addBetween(Stop from, Stop to, int64_t piece, uint32_t raisedAlpha)
     {
-        const int64_t pieces = clampTo((to - from) / piece + 1, 1, kMostPieces);
+        const int64_t first = alphaByte(from.colour);
+        const int64_t last = alphaByte(to.colour);
+        const bool rises = first < raisedAlpha;
+        if (rises == (last < raisedAlpha)) return cut(from, to, piece);
+
+        // Halfway between the two alphas that are neighbours there.
+        const int64_t part = magnitude(2 * int64_t{raisedAlpha} - 1 - 2 * first);
+        const int64_t whole = magnitude(2 * (last - first));
+        const Pixel colour = mixed(from.colour, to.colour, part, whole);
+        const int64_t offset = from.offset + (to.offset - from.offset) * part / whole;
+        const Stop before = {withAlpha(colour, rises ? raisedAlpha - 1 : raisedAlpha), offset};
+        const Stop after = {withAlpha(colour, rises ? raisedAlpha : raisedAlpha - 1), offset};
+        cut(from, before, piece);
+        add(before.colour, offset);
+        add(after.colour, offset);
+        cut(after, to, piece);
+    }
+
+    void cut(Stop from, Stop to, int64_t piece)
+    {
+        const int64_t distance = to.offset - from.offset;
+        const int64_t pieces = distance / piece + 1;
         for (int64_t i = 1; i < pieces; ++i)
-            add(mixed(fromColour, toColour, i, pieces), from + (to - from) * i / pieces);
+            add(mixed(from.colour, to.colour, i, pieces), from.offset + distance * i / pieces);
     }
 
     MMPaint& paint_;
@@ -261,7 +311,8 @@ bool invert(const Matrix2D& m, Matrix2D& inverse)
     paint.gradientStepY = static_cast<Fixed>(step.y);
     const int64_t offset = dot(step, {origin.x - near.x, origin.y - near.y});
     const int64_t piece = step.x != 0 ? magnitude(step.x) * kLongestPiece : INT64_MAX;
-    writer.addAll(stops, offset, clampTo(length, 0, kGreatestOffset), piece);
+    writer.addAll(stops, offset, clampTo(length, 0, kGreatestOffset), piece,
+                  leastRaisedAlpha(paint.paintOpacity));
 }
 
 [[gnu::cold]] void setRadialGradient(MMPaint& paint, MMPoint2D centre, Fixed radius,
@@ -309,7 +360,7 @@ bool invert(const Matrix2D& m, Matrix2D& inverse)
     paint.radialXToV = static_cast<Fixed>(divideRounded(-b * units, widest));
     paint.radialYToU = static_cast<Fixed>(divideRounded(-c * units, widest));
     paint.radialYToV = static_cast<Fixed>(divideRounded(a * units, widest));
-    writer.addAll(stops, 0, clampTo(outer, 0, kGreatestOffset), INT64_MAX);
+    writer.addAll(stops, 0, clampTo(outer, 0, kGreatestOffset), INT64_MAX, kNoAlpha);
 }
 
 [[gnu::cold]] void setPattern(MMPaint& paint, const MMPixmap& image, const Matrix2D& transform,

@@ -6,8 +6,9 @@
 // shift that goes with it (see MMContext2D.h) the shift belongs into the transform of a gradient
 // and must be left out of that of a pattern.
 //
-// paintOpacity is left alone; everything else that the paint type reads is set. The paint then
-// points into the caller's arrays, which must live as long as the paint is drawn with.
+// paintOpacity is left alone, and is best set before: a translucent linear ramp is laid out for it.
+// Everything else that the paint type reads is set. The paint then points into the caller's arrays,
+// which must live as long as the paint is drawn with.
 #pragma once
 
 #include "graphics2d/MMContext2D.h"
@@ -32,10 +33,11 @@ struct GradientRamp {
     Fixed* offsets;
 };
 
-// The room that a ramp of this many stops needs. Wide linear segments are cut into up to eight.
+// The room that a ramp of this many stops needs: between two stops a linear ramp is cut up to eight
+// times, once with a stop on either side of the cut.
 constexpr uint32_t gradientRampRoom(uint32_t stopCount)
 {
-    return 8 * stopCount;
+    return 10 * stopCount;
 }
 
 #pragma GCC visibility push(default)

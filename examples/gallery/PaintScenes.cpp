@@ -72,6 +72,7 @@ void drawPaintScene(Canvas& canvas)
         MMPaint& paint = context.fillPaint;
         canvas.fill(0xFF2A7F78);
         canvas.place(x, y);
+        paint.paintOpacity = i % 2 ? 140 : 255;
         if (kind == 1)
             paint.paintType = kPaintXOR;
         else if (kind == 2 || kind == 3)
@@ -87,7 +88,6 @@ void drawPaintScene(Canvas& canvas)
             setPattern(paint, pixmap, context.transform, filter);
             canvas.place(x, y);
         }
-        paint.paintOpacity = i % 2 ? 140 : 255;
         // A disc with a star cut out: curved and straight edges, outside and in.
         context.fillRule = kFillEvenOdd;
         canvas.draw(PathBuilder().circle(0, 0, kRadius).star(0, 0, 15, 8, 1).circle(0, 0, 5));
