@@ -119,7 +119,7 @@ TEST(PaintSetup, TranslucentLinearRampsFollowTheirAlpha)
             worst = std::max(worst, std::abs(red - alpha * opacity / 255));
         }
         EXPECT_LT(worst, 2.5) << alphas[0] << " to " << alphas[1] << " over " << way * extent
-                            << " from " << start << " under " << opacity;
+                              << " from " << start << " under " << opacity;
     }
 }
 

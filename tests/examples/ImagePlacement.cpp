@@ -1,0 +1,88 @@
+// Images that need no scaling arrive in the picture as they are.
+#include "svg2png/Renderer.h"
+
+#include <cstdio>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <random>
+#include <string>
+
+namespace {
+
+constexpr int kSide = 40;
+constexpr uint32_t kWhite = 0xFFFFFFFF;
+
+int channel(uint32_t pixel, int k)
+{
+    return static_cast<int>((pixel >> (8 * k)) & 0xFF);
+}
+
+// A picture of noise in a file, drawn by a document that places it by x and y or by a transform.
+class ImagePlacement : public testing::TestWithParam<const char*> {
+protected:
+    ImagePlacement()
+    {
+        std::mt19937 random(7);
+        for (uint32_t& pixel : image.pixels)
+            pixel = static_cast<uint32_t>(random()) | 0xFF000000;
+    }
+
+    Picture drawn(const char* filter, double opacity)
+    {
+        const std::string name = testing::TempDir() + "svg2png-image";
+        EXPECT_EQ(writePng(name + ".png", image), "");
+        std::ofstream(name + ".svg") << "<svg width='40' height='40'><image "
+                                     << "href='svg2png-image.png' " << GetParam() << " opacity='"
+                                     << opacity << "' image-rendering='" << filter << "'/></svg>";
+        SvgDocument document;
+        EXPECT_EQ(document.load(name + ".svg"), "");
+        Picture picture(kSide, kSide, kWhite);
+        Renderer(document, picture, RenderOptions{}).draw({kSide, kSide});
+        std::remove((name + ".png").c_str());
+        std::remove((name + ".svg").c_str());
+        return picture;
+    }
+
+    // The greatest difference of a channel from the image mixed into white; alpha is not compared.
+    int worstDifference(const Picture& picture, double opacity) const
+    {
+        int worst = 0;
+        for (int y = 0; y < kSide; ++y)
+            for (int x = 0; x < kSide; ++x) {
+                const bool inside = x >= 5 && y >= 9 && x < 5 + image.width && y < 9 + image.height;
+                const uint32_t texel = inside ? image.at(x - 5, y - 9) : kWhite;
+                for (int k = 0; k < 3; ++k) {
+                    const double expected = 255 + opacity * (channel(texel, k) - 255);
+                    worst = std::max(
+                        worst, static_cast<int>(std::abs(channel(picture.at(x, y), k) - expected)));
+                }
+            }
+        return worst;
+    }
+
+    Picture image = Picture(23, 17, 0);
+};
+
+TEST_P(ImagePlacement, NearestCopiesExactly)
+{
+    EXPECT_EQ(worstDifference(drawn("optimizeSpeed", 1), 1), 0);
+}
+
+// The inverse of the identity is 1.0 less 1/65536, which moves the sample by at most 22/65536 of a
+// texel here; a weight of 1/256 is the least that shows.
+TEST_P(ImagePlacement, BilinearCopiesWithinItsWeights)
+{
+    EXPECT_LE(worstDifference(drawn("auto", 1), 1), 2);
+}
+
+TEST_P(ImagePlacement, OpacityMixesWithTheBackground)
+{
+    EXPECT_LE(worstDifference(drawn("optimizeSpeed", 0.5), 0.5), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Places, ImagePlacement,
+                         testing::Values("x='5' y='9'", "transform='translate(5 9)'",
+                                         "x='10' y='18' width='46' height='34' "
+                                         "transform='scale(.5)'"));
+
+} // namespace
