@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <random>
 #include <string>
+#include <unistd.h>
 
 namespace {
 
@@ -23,16 +24,17 @@ protected:
     ImagePlacement()
     {
         std::mt19937 random(7);
-        for (uint32_t& pixel : image.pixels)
+        for (uint32_t& pixel : noise.pixels)
             pixel = static_cast<uint32_t>(random()) | 0xFF000000;
     }
 
     Picture drawn(const char* filter, double opacity)
     {
-        const std::string name = testing::TempDir() + "svg2png-image";
-        EXPECT_EQ(writePng(name + ".png", image), "");
+        const std::string image = "svg2png-image-" + std::to_string(getpid());
+        const std::string name = testing::TempDir() + image;
+        EXPECT_EQ(writePng(name + ".png", noise), "");
         std::ofstream(name + ".svg") << "<svg width='40' height='40'><image "
-                                     << "href='svg2png-image.png' " << GetParam() << " opacity='"
+                                     << "href='" << image << ".png' " << GetParam() << " opacity='"
                                      << opacity << "' image-rendering='" << filter << "'/></svg>";
         SvgDocument document;
         EXPECT_EQ(document.load(name + ".svg"), "");
@@ -49,8 +51,8 @@ protected:
         int worst = 0;
         for (int y = 0; y < kSide; ++y)
             for (int x = 0; x < kSide; ++x) {
-                const bool inside = x >= 5 && y >= 9 && x < 5 + image.width && y < 9 + image.height;
-                const uint32_t texel = inside ? image.at(x - 5, y - 9) : kWhite;
+                const bool inside = x >= 5 && y >= 9 && x < 5 + noise.width && y < 9 + noise.height;
+                const uint32_t texel = inside ? noise.at(x - 5, y - 9) : kWhite;
                 for (int k = 0; k < 3; ++k) {
                     const double expected = 255 + opacity * (channel(texel, k) - 255);
                     worst = std::max(
@@ -60,7 +62,7 @@ protected:
         return worst;
     }
 
-    Picture image = Picture(23, 17, 0);
+    Picture noise = Picture(23, 17, 0);
 };
 
 TEST_P(ImagePlacement, NearestCopiesExactly)
