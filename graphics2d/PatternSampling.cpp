@@ -8,9 +8,8 @@ namespace {
 
 MMPoint2D mapped(const Matrix2D& m, Fixed x, Fixed y)
 {
-    // Images at their own size are frequent: products with 1.0 and 0 are exact.
-    if (m.a == kFixedOne && m.d == kFixedOne && (m.b | m.c) == 0)
-        return {wrapAdd(x, m.e), wrapAdd(y, m.f)};
+    // Upright images are frequent, and this runs for every row: products with 0 are 0.
+    if ((m.b | m.c) == 0) return {wrapAdd(fixMul(m.a, x), m.e), wrapAdd(fixMul(m.d, y), m.f)};
     MMPoint2D point = {x, y};
     m.transform(&point, &point, 1);
     return point;

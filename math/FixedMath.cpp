@@ -42,6 +42,16 @@ Degrees reducedAngle(Degrees angle)
     return rest < 0 ? rest + kDegrees360 : rest;
 }
 
+// One step of a long division: subtracts the divisor from a remainder that has reached it; 1 if so,
+// otherwise 0. The bits of a quotient follow no pattern that a processor could guess, so none of
+// them decides a jump.
+uint32_t subtractIfReached(uint32_t& remainder, uint32_t divisor)
+{
+    const uint32_t reached = remainder >= divisor;
+    remainder -= divisor & (0u - reached);
+    return reached;
+}
+
 } // namespace
 
 Fixed fixMul(Fixed a, Fixed b)
@@ -71,20 +81,11 @@ int32_t fixMulDiv(int32_t a, int32_t b, int32_t c)
     uint32_t sum = 0;
     uint32_t sumRemainder = 0;
     while (big != 0) {
-        if ((big & 1u) != 0) {
-            sumRemainder += remainder;
-            sum += quotient;
-            if (sumRemainder >= divisor) {
-                ++sum;
-                sumRemainder -= divisor;
-            }
-        }
+        const uint32_t mask = 0u - (big & 1u);
+        sumRemainder += remainder & mask;
+        sum += (quotient & mask) + subtractIfReached(sumRemainder, divisor);
         remainder *= 2;
-        quotient *= 2;
-        if (remainder >= divisor) {
-            ++quotient;
-            remainder -= divisor;
-        }
+        quotient = 2 * quotient + subtractIfReached(remainder, divisor);
         big >>= 1;
     }
     if (sumRemainder >= divisor >> 1) ++sum;
@@ -97,17 +98,11 @@ Fixed fixDiv(Fixed a, Fixed b)
     const uint32_t magB = magnitudeOf(b);
     uint32_t quotient = magB != 0 ? magA / magB : 0;
     uint32_t remainder = magA - quotient * magB;
-    if (remainder >= magB) { // only for a divisor of 0
-        ++quotient;
-        remainder -= magB;
-    }
-    for (int bit = 0; bit < 16; ++bit) {
+    quotient += subtractIfReached(remainder, magB); // only for a divisor of 0
+#pragma GCC unroll 16
+    for (int i = 0; i < 16; ++i) {
         remainder *= 2;
-        quotient *= 2;
-        if (remainder >= magB) {
-            remainder -= magB;
-            ++quotient;
-        }
+        quotient = 2 * quotient + subtractIfReached(remainder, magB);
     }
     return applySign(quotient, signMaskOf(a) ^ signMaskOf(b));
 }
@@ -118,20 +113,13 @@ Fixed fixSqrt(Fixed x)
     uint32_t root = 0;
     for (uint32_t k = 16; k-- > 0;) {
         const uint32_t trial = (root << (k + 1)) + (1u << (2 * k));
-        if (remainder >= trial) {
-            remainder -= trial;
-            root |= 1u << k;
-        }
+        root |= subtractIfReached(remainder, trial) << k;
     }
     // The trial values of the fraction leave out the square of the new bit: it may come out high.
     root <<= 8;
     remainder <<= 8;
     for (uint32_t k = 1; k <= 7; ++k) {
-        const uint32_t trial = root >> (k - 1);
-        if (remainder >= trial) {
-            remainder -= trial;
-            root |= 0x100u >> k;
-        }
+        root |= subtractIfReached(remainder, root >> (k - 1)) << (8 - k);
     }
     if (root >> 7 <= remainder) root |= 1u;
     return static_cast<Fixed>(root);
