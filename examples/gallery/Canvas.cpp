@@ -116,13 +116,13 @@ void Canvas::makeContext()
     place();
 }
 
-std::string Canvas::useFont(const std::string& fontFile)
+void Canvas::useFont(const std::string& fontFile)
 {
     outOfMemory_ = outOfMemory();
     context_.reset(); // the font is looked for when the first context is made
     font_ = std::make_unique<FontFolder>(fontFile);
     makeContext();
-    return font_->problem();
+    if (problem.empty()) problem = font_->problem();
 }
 
 void Canvas::fill(Pixel colour, uint8_t opacity)

@@ -48,12 +48,13 @@ public:
     Canvas(int width, int height, Pixel paper);
 
     Picture picture;
+    std::string problem; // why the picture is not what it should be; empty when it is
 
     // Made anew by useFont, so keep no reference to it across that call.
     KAVO::Graphics2D::MMContext2D& context() { return *context_; }
 
-    // Begins with a new context that finds the given font; empty, or why it cannot.
-    std::string useFont(const std::string& fontFile);
+    // Begins with a new context that finds the given font.
+    void useFont(const std::string& fontFile);
 
     // Some context ran out of memory.
     bool outOfMemory() const { return outOfMemory_ || context_->outOfMemory; }
@@ -99,9 +100,8 @@ void drawPositionScene(Canvas& canvas);
 void drawPaintScene(Canvas& canvas);
 void drawImageScene(Canvas& canvas);
 
-// Text scenes; each returns an empty string, or what it could not draw. They choose their fonts.
-std::string drawSizeScene(Canvas& canvas);
-std::string drawLetterScene(Canvas& canvas);
-std::string drawEnglishScene(Canvas& canvas);
-std::string drawChineseScene(Canvas& canvas);
-std::string drawThaiScene(Canvas& canvas);
+void drawSizeScene(Canvas& canvas);
+void drawLetterScene(Canvas& canvas);
+void drawEnglishScene(Canvas& canvas);
+void drawChineseScene(Canvas& canvas);
+void drawThaiScene(Canvas& canvas);

@@ -7,18 +7,15 @@
 namespace {
 
 using Scene = void (*)(Canvas&);
-using TextScene = std::string (*)(Canvas&);
 
 constexpr Scene kScenes[] = {
-    drawFillScene,     drawRoundedScene,  drawArcScene,      drawJoinScene,  drawDashScene,
-    drawHairlineScene, drawCrossingScene, drawPositionScene, drawPaintScene, drawImageScene};
-
-constexpr TextScene kTextScenes[] = {drawSizeScene, drawLetterScene, drawEnglishScene,
-                                     drawChineseScene, drawThaiScene};
+    drawFillScene,     drawRoundedScene,  drawArcScene,      drawJoinScene,    drawDashScene,
+    drawHairlineScene, drawCrossingScene, drawPositionScene, drawPaintScene,   drawImageScene,
+    drawSizeScene,     drawLetterScene,   drawEnglishScene,  drawChineseScene, drawThaiScene};
 
 constexpr int kColumns = 3;
 constexpr int kGap = 10;
-constexpr int kCount = static_cast<int>(std::size(kScenes) + std::size(kTextScenes));
+constexpr int kCount = static_cast<int>(std::size(kScenes));
 constexpr int kRows = (kCount + kColumns - 1) / kColumns;
 
 int fail(const std::string& message)
@@ -47,11 +44,7 @@ int main(int argc, char** argv)
         beginPanel(canvas, index++);
         scene(canvas);
     }
-    for (const TextScene scene : kTextScenes) {
-        beginPanel(canvas, index++);
-        const std::string problem = scene(canvas);
-        if (!problem.empty()) return fail(problem);
-    }
+    if (!canvas.problem.empty()) return fail(canvas.problem);
     if (canvas.outOfMemory()) return fail("out of memory");
     makeOpaque(canvas.picture);
     const std::string problem = writePng(argv[1], canvas.picture);

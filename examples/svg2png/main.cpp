@@ -1,5 +1,6 @@
 // svg2png: renders an SVG file to a PNG file.
 #include "common/FontFolder.h"
+#include "common/Glyphs.h"
 #include "svg2png/Colour.h"
 #include "svg2png/Renderer.h"
 
@@ -73,6 +74,7 @@ std::string parseArguments(int argc, char** argv, Arguments& arguments)
             arguments.background = *colour;
         } else if (option == "--font") {
             arguments.font = argv[++i];
+            if (arguments.font.empty()) return "the name of the font file is empty";
         } else if (option == "--no-antialias") {
             arguments.render.antiAlias = false;
         } else if (option == "--stats") {
@@ -130,6 +132,8 @@ int run(const Arguments& arguments)
     if (!arguments.font.empty()) {
         font.emplace(arguments.font);
         if (!font->problem().empty()) return fail(font->problem());
+        KAVO::Graphics2D::MMContext2D context;
+        if (!hasAnyGlyph(context)) return fail(arguments.font + ": not a usable font");
     }
     const uint32_t ground = arguments.background != 0 ? arguments.background : 0xFF000000;
     Picture picture(static_cast<int>(width), static_cast<int>(height), ground);
@@ -164,9 +168,6 @@ int main(int argc, char** argv)
     }
     Arguments arguments;
     const std::string problem = parseArguments(argc, argv, arguments);
-    if (!problem.empty()) {
-        std::fputs(kUsage, stderr);
-        return fail(problem);
-    }
+    if (!problem.empty()) return fail(problem + "; --help lists the options");
     return run(arguments);
 }

@@ -6,12 +6,13 @@ folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 failures=0
 
-# refused NAME ARGUMENTS...: must fail with 1, the last line of its message being the reason.
+# refused NAME ARGUMENTS...: must fail with 1 and a line that says why.
 refused() {
     local name=$1 status=0
     shift
     timeout 20 "$svg2png" "$@" "$folder/out.png" 2> "$folder/message" > /dev/null || status=$?
-    if [ $status != 1 ] || ! tail -n 1 "$folder/message" | grep -q '^svg2png: ..*'; then
+    if [ $status != 1 ] || [ "$(wc -l < "$folder/message")" != 1 ] ||
+        ! grep -q '^svg2png: ..*' "$folder/message"; then
         echo "$name: exit code $status, message: $(cat "$folder/message")"
         failures=$((failures + 1))
     fi
@@ -36,6 +37,9 @@ refused "size too large" --size 100000 "$folder/good.svg"
 refused "size no number" --size ten "$folder/good.svg"
 refused "scale" --scale -1 "$folder/good.svg"
 refused "background" --background nothing "$folder/good.svg"
+refused "font without a name" --font "" "$folder/good.svg"
+refused "missing font" --font "$folder/missing.ttf" "$folder/good.svg"
+refused "font that is none" --font "$folder/good.svg" "$folder/good.svg"
 refused "option" --frobnicate "$folder/good.svg"
 
 "$svg2png" --size 20x10 --background white "$folder/good.svg" "$folder/out.png" || failures=1
