@@ -3,6 +3,7 @@
 #include "util/Base64.h"
 
 #include <algorithm>
+#include <charconv>
 
 namespace {
 
@@ -11,13 +12,28 @@ bool isRelativeFile(const std::string& href)
     return !href.empty() && href[0] != '/' && href.find(':') == href.npos;
 }
 
+// References are URIs: a byte may be written as % and two hexadecimal digits.
+std::string withoutEscapes(const std::string& uri)
+{
+    std::string result;
+    for (size_t i = 0; i < uri.size(); ++i) {
+        uint8_t byte = 0;
+        const char* digits = uri.c_str() + i + 1;
+        const bool escaped = uri[i] == '%' && i + 2 < uri.size() &&
+                             std::from_chars(digits, digits + 2, byte, 16).ptr == digits + 2;
+        result += escaped ? static_cast<char>(byte) : uri[i];
+        if (escaped) i += 2;
+    }
+    return result;
+}
+
 // The bytes of a data URI in base64; none for any other reference.
 std::vector<uint8_t> bytesOfDataUri(const std::string& href)
 {
     const size_t comma = href.find(',');
     if (href.compare(0, 5, "data:") != 0 || comma == href.npos) return {};
     if (href.rfind(";base64", comma) == href.npos) return {};
-    std::string digits = href.substr(comma + 1);
+    std::string digits = withoutEscapes(href.substr(comma + 1));
     while (!digits.empty() && (digits.back() == '=' || digits.back() == '\n'))
         digits.pop_back(); // the decoder does not know padding
     std::vector<uint8_t> bytes(digits.size() / 4 * 3 + 6);
@@ -36,7 +52,7 @@ Picture loadPicture(const std::string& directory, const std::string& href)
     if (!bytes.empty())
         problem = readPng(bytes.data(), bytes.size(), picture);
     else if (isRelativeFile(href))
-        problem = readPng(directory + href, picture);
+        problem = readPng(directory + withoutEscapes(href), picture);
     if (!problem.empty()) return {};
     spreadColours(picture);
     return picture;

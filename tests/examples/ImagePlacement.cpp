@@ -33,9 +33,10 @@ protected:
         const std::string image = "svg2png-image-" + std::to_string(getpid());
         const std::string name = testing::TempDir() + image;
         EXPECT_EQ(writePng(name + ".png", noise), "");
-        std::ofstream(name + ".svg") << "<svg width='40' height='40'><image "
-                                     << "href='" << image << ".png' " << GetParam() << " opacity='"
-                                     << opacity << "' image-rendering='" << filter << "'/></svg>";
+        std::ofstream(name + ".svg")
+            << "<svg width='40' height='40'><image "
+            << "href='svg2png%2D" << image.substr(8) << ".png' " << GetParam() << " opacity='"
+            << opacity << "' image-rendering='" << filter << "'/></svg>";
         SvgDocument document;
         EXPECT_EQ(document.load(name + ".svg"), "");
         Picture picture(kSide, kSide, kWhite);
