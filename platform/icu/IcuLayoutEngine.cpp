@@ -114,7 +114,9 @@ bool measureAll(const TsText& text, TextPosition* positions)
 }
 
 // Whether the heap has the room that ICU's dictionaries may need. When it runs out while one of
-// them starts, ICU tries again and again without end.
+// them starts, a single ubrk_next tries again and again without end, so nothing outside can stop
+// it. Memory functions of our own would not do either: ICU takes them for the whole process, and
+// only before its first use.
 bool heapHasRoom()
 {
     constexpr size_t kRoom = 128 * 1024;
