@@ -106,3 +106,9 @@ inline Affine translation(double x, double y)
 {
     return {1, 0, 0, 1, x, y};
 }
+
+inline Affine rotation(double degrees)
+{
+    const double angle = degrees * std::acos(-1.0) / 180;
+    return {std::cos(angle), std::sin(angle), -std::sin(angle), std::cos(angle), 0, 0};
+}

@@ -231,3 +231,12 @@ std::optional<uint32_t> parseColour(std::string_view text, uint32_t current)
     if (word == "rgb" && scanner.character('(')) return parseComponents(scanner);
     return findName(word);
 }
+
+uint32_t forGlyphs(uint32_t argb)
+{
+    const double root = std::sqrt((argb >> 24) / 255.0);
+    uint32_t result = static_cast<uint32_t>(std::lround(255 * root)) << 24;
+    for (int shift = 0; shift < 24; shift += 8)
+        result |= static_cast<uint32_t>(std::lround((argb >> shift & 0xFF) * root)) << shift;
+    return result;
+}

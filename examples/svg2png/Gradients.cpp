@@ -28,6 +28,15 @@ void readStops(pugi::xml_node node, uint32_t currentColour, Gradient& gradient)
 
 } // namespace
 
+void Gradient::adaptToGlyphs()
+{
+    if (colours.empty()) return;
+    colours.insert(colours.begin(), forGlyphs(colours.front()));
+    offsets.insert(offsets.begin(), offsets.front());
+    colours.push_back(forGlyphs(colours.back()));
+    offsets.push_back(offsets.back());
+}
+
 std::optional<Gradient> readGradient(const SvgDocument& document, pugi::xml_node node,
                                      const ViewportSize& viewport, uint32_t currentColour,
                                      std::set<std::string>& shortcomings)

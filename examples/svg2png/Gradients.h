@@ -18,6 +18,10 @@ struct Gradient {
     double radius = 0;
     std::vector<Pixel> colours;
     std::vector<Fixed> offsets; // 0 to 1.0
+
+    // Lets it look the same through glyphs as in a shape: before its first stop and after its last
+    // one, where the library treats the alpha as forGlyphs says.
+    void adaptToGlyphs();
 };
 
 // Nothing when the node is no gradient. Adds to shortcomings what the library's gradients lack.

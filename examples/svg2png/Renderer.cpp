@@ -223,10 +223,11 @@ void Renderer::clearBounds()
     context_.boundsMaxX = context_.boundsMaxY = kEmptyBoundsMax;
 }
 
-void Renderer::uniteBounds()
+// shifted: through a transform of setTransform.
+void Renderer::uniteBounds(bool shifted)
 {
     if (context_.boundsMinX > context_.boundsMaxX) return;
-    const double shift = options_.antiAlias ? 0.5 : 0;
+    const double shift = shifted && options_.antiAlias ? 0.5 : 0;
     bounds_.include({toDouble(context_.boundsMinX) + shift, toDouble(context_.boundsMinY) + shift});
     bounds_.include({toDouble(context_.boundsMaxX) + shift, toDouble(context_.boundsMaxY) + shift});
 }

@@ -40,6 +40,8 @@ private:
         Style style;
         Affine toDevice;
         ViewportSize viewport;
+        double glyphOverhang = 0; // above 0: what is painted are glyphs, which reach this far
+                                  // beyond the bounds, user units
         int depth = 0;
     };
 
@@ -73,10 +75,12 @@ private:
 
     void drawText(pugi::xml_node node, const State& state);
     void drawTextArea(pugi::xml_node node, const State& state);
-    void drawRun(TextRun& run, const PathSpace& space, const State& state, const Box& bounds);
+    void drawRun(const TextRun& run, const State& state);
+    void drawUnderline(const TextRun& run, const State& state);
     void anchorChunk(std::vector<TextRun>& runs, size_t first);
-    void setFont(const Style& style, std::optional<double> rotate, const PathSpace& space);
-    bool setTextPaint(const Style& style, const State& state, const Box& bounds);
+    void setFont(const Style& style, const PathSpace& space);
+    bool setTextPaint(const Style& style, State state, const Box& bounds, double overhang);
+    void noteMissingGlyphs(const TextContent& content);
 
     // Set up the context's paints for something with these bounds in user space; false when they
     // paint nothing.
@@ -96,7 +100,7 @@ private:
     void clipTo(const Box& deviceBox);
     void noteUnsupported(pugi::xml_node node, const Properties& properties);
     void clearBounds();
-    void uniteBounds();
+    void uniteBounds(bool shifted);
     Point pictureCentre() const { return {picture_.width / 2.0, picture_.height / 2.0}; }
     bool isOutside(const Box& deviceBox) const;
 
@@ -109,8 +113,8 @@ private:
     PaintStore fillStore_;
     PaintStore strokeStore_;
     std::vector<Fixed> dashes_;
-    Degrees characterTurn_ = 0;
-    Picture shadow_; // for ShiftedTarget
+    std::set<uint16_t> charactersMet_; // by noteMissingGlyphs
+    Picture shadow_;                   // for ShiftedTarget
     Box bounds_;
     size_t elementsLeft_;
 };

@@ -88,6 +88,7 @@ void Renderer::drawImage(pugi::xml_node node, const State& state)
         context_.drawImage(&pixmap, toFixed(-dx / toDevice.a), toFixed(-dy / toDevice.d),
                            fixFromInt(pictureWidth), fixFromInt(pictureHeight), 0);
         context_.antiAlias = options_.antiAlias;
+        uniteBounds(false);
     } else {
         const std::optional<PathSpace> space = PathSpace::make(frame, pictureCentre());
         if (!space) return;
@@ -104,6 +105,6 @@ void Renderer::drawImage(pugi::xml_node node, const State& state)
         context_.strokePaint.paintType = kPaintNone;
         setTransform(*space);
         context_.drawPath(encodePath(outline, *space).data());
+        uniteBounds(true);
     }
-    uniteBounds();
 }

@@ -2,6 +2,7 @@
 // lies pixel on pixel.
 #include "graphics2d/PaintSetup.h"
 #include "svg2png/ClipGuard.h"
+#include "svg2png/Colour.h"
 #include "svg2png/Renderer.h"
 #include "svg2png/TransformParser.h"
 
@@ -98,7 +99,7 @@ bool Renderer::setTiles(MMPaint& paint, Picture& tiles, pugi::xml_node pattern, 
 
     // The tiles that the visible part of the shape needs.
     Box visible = state.toDevice.mapBox(userBounds);
-    const double reach = state.style.strokeWidth * state.toDevice.norm();
+    const double reach = (state.style.strokeWidth + state.glyphOverhang) * state.toDevice.norm();
     visible = {std::max(visible.left - reach, 0.0), std::max(visible.top - reach, 0.0),
                std::min<double>(visible.right + reach, picture_.width),
                std::min<double>(visible.bottom + reach, picture_.height)};
@@ -123,6 +124,8 @@ bool Renderer::setTiles(MMPaint& paint, Picture& tiles, pugi::xml_node pattern, 
     tileState.depth = state.depth + kPatternDepth;
     tiles = separateFromGround(drawTiles(tiling, range, tileState, 0xFF000000),
                                drawTiles(tiling, range, tileState, 0xFFFFFFFF));
+    if (state.glyphOverhang > 0)
+        std::transform(tiles.pixels.begin(), tiles.pixels.end(), tiles.pixels.begin(), forGlyphs);
     const auto pixmapWidth = static_cast<uint16_t>(tiles.width);
     const auto pixmapHeight = static_cast<uint16_t>(tiles.height);
     const MMPixmap pixmap = {pixmapWidth, pixmapHeight,        pixmapWidth * 4u,

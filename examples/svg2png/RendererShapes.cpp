@@ -70,7 +70,7 @@ void Renderer::drawGeometry(const Shape& shape, const PathSpace& space, bool str
     const bool dashed = stroked && context_.dashArray;
     if (!(shape.box && !dashed && drawRoundedBox(*shape.box, space)))
         context_.drawPath(encodePath(shape.outline, space).data());
-    uniteBounds();
+    uniteBounds(true);
 }
 
 // By the library's own operation, unless the box reaches too far out.
@@ -159,6 +159,10 @@ bool Renderer::setPaint(MMPaint& paint, PaintStore& store, const PaintValue& val
 bool Renderer::setServer(MMPaint& paint, PaintStore& store, pugi::xml_node server,
                          const State& state, const Box& userBounds)
 {
+    // Seen through glyphs, these paints take their opacity twice.
+    if (state.glyphOverhang > 0)
+        paint.paintOpacity =
+            static_cast<uint8_t>(std::lround(std::sqrt(255.0 * paint.paintOpacity)));
     const std::string_view name = localName(server.name());
     if (name == "pattern") return setTiles(paint, store.tiles, server, state, userBounds);
     std::optional<Gradient> gradient =
@@ -167,6 +171,7 @@ bool Renderer::setServer(MMPaint& paint, PaintStore& store, pugi::xml_node serve
         shortcomings_.insert("paint from <" + std::string(name) + ">");
         return false;
     }
+    if (state.glyphOverhang > 0) gradient->adaptToGlyphs();
     const double shift = options_.antiAlias ? -0.5 : 0;
     const Affine toDevice = translation(shift, shift) * state.toDevice;
     return store.gradient.set(paint, std::move(*gradient), toDevice, userBounds);

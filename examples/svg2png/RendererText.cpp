@@ -1,4 +1,5 @@
 // Text: positioned runs of characters, and paragraphs.
+#include "common/Glyphs.h"
 #include "svg2png/ClipGuard.h"
 #include "svg2png/Renderer.h"
 #include "svg2png/ShiftedTarget.h"
@@ -15,6 +16,8 @@ constexpr double kUnderlineOffset = 0.11;
 constexpr double kUnderlineWidth = 1.0 / 16;
 constexpr double kLineSpacing = 1.2;
 
+constexpr size_t kMostPerRun = 0xFFFF; // renderText counts in 16 bits
+
 // A new chunk begins where an absolute position is given; text-anchor places chunks.
 bool beginsChunk(const TextCharacter& character)
 {
@@ -23,27 +26,31 @@ bool beginsChunk(const TextCharacter& character)
 
 bool beginsRun(const TextCharacter& character, const TextCharacter& before)
 {
-    return beginsChunk(character) || character.style != before.style || character.dx != 0 ||
-           character.dy != 0 || character.rotate || before.rotate;
+    return beginsChunk(character) || character.style != before.style || character.dx ||
+           character.dy || character.rotate || before.rotate;
 }
 
 } // namespace
 
-// Characters that are drawn in one go: one style, no jump inside.
+// Characters that are drawn in one go: one style, no jump or turn inside. They lie along the x axis
+// of a space of their own, from its origin on.
 struct Renderer::TextRun {
     std::vector<uint16_t> text;
     const Style* style = nullptr;
-    std::optional<double> rotate;
-    Point start; // user space
+    Point start;     // user space
+    double turn = 0; // degrees
     double width = 0;
+
+    Affine toUser() const { return translation(start.x, start.y) * rotation(turn); }
 };
 
 void Renderer::drawText(pugi::xml_node node, const State& state)
 {
-    const TextContent content = readText(node, state.style, state.viewport.width);
+    const TextContent content = readText(node, state.style, state.viewport);
     const std::optional<PathSpace> space = PathSpace::make(state.toDevice, pictureCentre());
     if (!space || content.characters.empty()) return;
     context_.transform = space->transform; // text takes no part in the half-pixel shift
+    noteMissingGlyphs(content);
 
     std::vector<TextRun> runs;
     size_t chunk = 0; // first run of the chunk
@@ -55,19 +62,21 @@ void Renderer::drawText(pugi::xml_node node, const State& state)
             anchorChunk(runs, chunk);
             chunk = runs.size();
         }
-        pen = {first.x.value_or(pen.x) + first.dx, first.y.value_or(pen.y) + first.dy};
+        pen = {first.x.value_or(pen.x) + first.dx.value_or(0),
+               first.y.value_or(pen.y) + first.dy.value_or(0)};
         TextRun run;
         run.style = &content.styles[first.style];
-        run.rotate = first.rotate;
         run.start = pen;
+        run.turn = first.rotate.value_or(0);
         do {
             run.text.push_back(characters[i].code);
             ++i;
-        } while (i < characters.size() && !beginsRun(characters[i], characters[i - 1]));
-        setFont(*run.style, run.rotate, *space);
-        const auto length = static_cast<uint16_t>(std::min<size_t>(run.text.size(), 0xFFFF));
+        } while (i < characters.size() && run.text.size() < kMostPerRun &&
+                 !beginsRun(characters[i], characters[i - 1]));
+        setFont(*run.style, *space);
+        const auto length = static_cast<uint16_t>(run.text.size());
         run.width = toDouble(context_.getTextWidth(run.text.data(), length)) / space->scale;
-        pen.x += run.width;
+        pen.x += run.width; // a turn changes nothing about where the next character stands
         runs.push_back(std::move(run));
     }
     anchorChunk(runs, chunk);
@@ -75,11 +84,31 @@ void Renderer::drawText(pugi::xml_node node, const State& state)
     Box bounds;
     for (const TextRun& run : runs) {
         const double size = run.style->fontSize;
-        bounds.include({run.start.x, run.start.y - kAscent * size});
-        bounds.include({run.start.x + run.width, run.start.y + kDescent * size});
+        const Box cells = run.toUser().mapBox({0, -kAscent * size, run.width, kDescent * size});
+        bounds.include({cells.left, cells.top});
+        bounds.include({cells.right, cells.bottom});
     }
-    for (TextRun& run : runs)
-        drawRun(run, *space, state, bounds);
+    for (const TextRun& run : runs) {
+        if (run.style->underline && setTextPaint(*run.style, state, bounds, 0))
+            drawUnderline(run, state);
+    }
+    const Style* style = nullptr; // that the paint is set for
+    bool painted = false;
+    for (const TextRun& run : runs) {
+        if (run.style != style)
+            painted = setTextPaint(*run.style, state, bounds, run.style->fontSize);
+        style = run.style;
+        if (painted) drawRun(run, state);
+    }
+}
+
+void Renderer::noteMissingGlyphs(const TextContent& content)
+{
+    for (const TextCharacter& character : content.characters) {
+        if (character.code != '\n' && charactersMet_.insert(character.code).second &&
+            !hasGlyph(context_, character.code))
+            shortcomings_.insert("characters that the font lacks");
+    }
 }
 
 // Moves the runs from first on, laid out from where the chunk begins, to where its anchor wants
@@ -93,99 +122,106 @@ void Renderer::anchorChunk(std::vector<TextRun>& runs, size_t first)
         runs[i].start.x -= width * anchor / 2;
 }
 
-void Renderer::setFont(const Style& style, std::optional<double> rotate, const PathSpace& space)
+void Renderer::setFont(const Style& style, const PathSpace& space)
 {
     context_.fontSize = space.length(style.fontSize);
     context_.fontWeight = static_cast<uint8_t>(style.fontWeight / 100);
     context_.fontStyle = style.slanted;
-    context_.textAnchor = 0;
     context_.updateFont();
-    characterTurn_ = toFixed(std::fmod(rotate.value_or(0), 360));
-    context_.charRotate = rotate ? &characterTurn_ : nullptr;
-    context_.charRotateCount = rotate ? 1 : 0;
 }
 
-// Sets the paints for text; false when there is nothing to draw it with.
-bool Renderer::setTextPaint(const Style& style, const State& state, const Box& bounds)
+// Sets the fill paint for text; false when there is nothing to draw it with. overhang: of glyphs,
+// or 0 when the paint is not for glyphs.
+bool Renderer::setTextPaint(const Style& style, State state, const Box& bounds, double overhang)
 {
-    State runState = state;
-    runState.style = style;
-    const bool filled = setFill(runState, bounds);
-    const bool stroked = setStroke(runState, bounds);
+    state.style = style;
+    state.glyphOverhang = overhang;
+    const bool filled = setFill(state, bounds);
+    const bool stroked = setStroke(state, bounds);
     if (stroked) shortcomings_.insert("outline of text");
+    if (stroked && !filled) context_.fillPaint = context_.strokePaint;
+    context_.strokePaint.paintType = kPaintNone;
     return style.visible && (filled || stroked);
 }
 
-void Renderer::drawRun(TextRun& run, const PathSpace& space, const State& state, const Box& bounds)
+void Renderer::drawRun(const TextRun& run, const State& state)
 {
-    const Style& style = *run.style;
-    if (!setTextPaint(style, state, bounds)) return;
-    context_.transform = space.transform;
-    setFont(style, run.rotate, space);
-    const MMPoint2D pen = space.point(run.start);
+    const Affine toDevice = state.toDevice * run.toUser();
+    const std::optional<PathSpace> space = PathSpace::make(toDevice, pictureCentre());
+    if (!space) return;
+    const double reach = 2 * run.style->fontSize; // of glyphs around the pen's way
+    const Box box = toDevice.mapBox({-reach, -reach, run.width + reach, reach});
+    const ShiftedTarget shifted(context_, picture_, shadow_, box);
+    context_.transform = space->transform;
+    setFont(*run.style, *space);
+    const MMPoint2D pen = space->point({0, 0});
     context_.penX = pen.x;
     context_.penY = pen.y;
     clearBounds();
-    {
-        const double size = style.fontSize;
-        const Box box{run.start.x - 2 * size, run.start.y - 2 * size,
-                      run.start.x + run.width + 2 * size, run.start.y + 2 * size};
-        const ShiftedTarget shifted(context_, picture_, shadow_, state.toDevice.mapBox(box));
-        context_.renderText(run.text.data(),
-                            static_cast<uint16_t>(std::min<size_t>(run.text.size(), 0xFFFF)), 1, 0);
-    }
-    uniteBounds();
+    context_.renderText(run.text.data(), static_cast<uint16_t>(run.text.size()), 1, 0);
+    uniteBounds(false);
+}
 
-    if (style.underline) {
-        const double top = run.start.y + kUnderlineOffset * style.fontSize;
-        Outline line;
-        line.moveTo({run.start.x, top});
-        line.lineTo({run.start.x + run.width, top});
-        line.lineTo({run.start.x + run.width, top + kUnderlineWidth * style.fontSize});
-        line.lineTo({run.start.x, top + kUnderlineWidth * style.fontSize});
-        line.close();
-        context_.strokePaint.paintType = kPaintNone;
-        setTransform(space);
-        context_.drawPath(encodePath(line, space).data());
-    }
+void Renderer::drawUnderline(const TextRun& run, const State& state)
+{
+    const Affine toDevice = state.toDevice * run.toUser();
+    const std::optional<PathSpace> space = PathSpace::make(toDevice, pictureCentre());
+    if (!space) return;
+    const double size = run.style->fontSize;
+    const Box line{0, kUnderlineOffset * size, run.width,
+                   (kUnderlineOffset + kUnderlineWidth) * size};
+    Shape shape;
+    shape.outline.moveTo({line.left, line.top});
+    shape.outline.lineTo({line.right, line.top});
+    shape.outline.lineTo({line.right, line.bottom});
+    shape.outline.lineTo({line.left, line.bottom});
+    shape.outline.close();
+    setTransform(*space);
+    drawOnePaint(shape, *space, toDevice.mapBox(line), false);
 }
 
 // A paragraph, broken into lines of the element's width by the library.
 void Renderer::drawTextArea(pugi::xml_node node, const State& state)
 {
-    TextContent content = readText(node, state.style, state.viewport.width);
+    const TextContent content = readText(node, state.style, state.viewport);
     const std::optional<PathSpace> space = PathSpace::make(state.toDevice, pictureCentre());
     if (!space || content.characters.empty()) return;
-    const LengthContext horizontal{state.viewport.width, state.style.fontSize};
-    const LengthContext vertical{state.viewport.height, state.style.fontSize};
+    noteMissingGlyphs(content);
+    if (content.styles.size() > 1) shortcomings_.insert("style of a span in a text area");
+    const Style& style = state.style;
+    const LengthContext horizontal{state.viewport.width, style.fontSize};
+    const LengthContext vertical{state.viewport.height, style.fontSize};
     const double x = parseLength(node.attribute("x").value(), horizontal, 0);
     const double y = parseLength(node.attribute("y").value(), vertical, 0);
     const double width = parseLength(node.attribute("width").value(), horizontal, 1e6);
     const double height = parseLength(node.attribute("height").value(), vertical, 1e6);
     const double spacing = parseLength(node.attribute("line-increment").value(), vertical,
-                                       kLineSpacing * state.style.fontSize);
+                                       kLineSpacing * style.fontSize);
+    if (!(width > 0 && height > 0 && spacing > 0)) return;
 
     std::vector<uint16_t> text;
     for (const TextCharacter& character : content.characters)
         text.push_back(character.code);
     text.push_back(0);
 
-    const Box area{x, y, x + width, y + height};
-    if (!setTextPaint(state.style, state, area)) return;
+    // Lines that do not fit are left out.
+    const Box area{x, y, x + width, y + std::floor(height / spacing) * spacing};
+    if (!setTextPaint(style, state, area, style.fontSize)) return;
     const ClipGuard guard(context_);
     clipTo(state.toDevice.mapBox(area));
     context_.transform = space->transform;
-    setFont(state.style, std::nullopt, *space);
+    setFont(style, *space);
     const MMPoint2D origin = space->point({x, y});
     context_.wrapWidth = space->length(width);
     context_.wrapOffsetX = origin.x;
     context_.wrapOffsetY = origin.y;
     context_.penX = 0;
-    context_.penY = space->length((spacing + (kAscent - kDescent) * state.style.fontSize) / 2);
+    context_.penY = space->length((spacing + (kAscent - kDescent) * style.fontSize) / 2);
     context_.lineHeight = space->length(spacing);
-    context_.textDecoration = state.style.underline;
-    context_.preserveSpace = state.style.preserveSpace;
+    context_.textDecoration = style.underline;
+    context_.strokePaint.paintOpacity = context_.fillPaint.paintOpacity; // for the underline
+    context_.preserveSpace = style.preserveSpace;
     const ShiftedTarget shifted(context_, picture_, shadow_, state.toDevice.mapBox(area));
     context_.drawWrappedText(text.data(), 0, 0);
-    uniteBounds();
+    uniteBounds(false);
 }

@@ -87,8 +87,12 @@ void setFontWeight(int& weight, std::string_view text)
     const int inherited = weight;
     const Keyword<int> keywords[] = {{"normal", 400},
                                      {"bold", 700},
-                                     {"bolder", std::min(inherited + 300, 900)},
-                                     {"lighter", std::max(inherited - 300, 100)}};
+                                     {"bolder", inherited < 400   ? 400
+                                                : inherited < 600 ? 700
+                                                                  : 900},
+                                     {"lighter", inherited < 600   ? 100
+                                                 : inherited < 800 ? 400
+                                                                   : 700}};
     setKeyword(weight, text, keywords);
     const std::vector<double> numbers = parseNumbers(text);
     if (!numbers.empty()) weight = static_cast<int>(std::clamp(numbers[0], 100.0, 900.0));
@@ -103,7 +107,15 @@ void setFontSize(double& size, std::string_view text)
     setKeyword(size, text, kSizes);
     const Keyword<double> relative[] = {{"larger", inherited * 1.2}, {"smaller", inherited / 1.2}};
     setKeyword(size, text, relative);
-    size = parseLength(text, {inherited, inherited}, size);
+    const double length = parseLength(text, {inherited, inherited}, size);
+    if (length >= 0) size = length;
+}
+
+// A list of kinds of lines; the underline is the one that is drawn.
+void setDecoration(bool& underline, std::string_view text)
+{
+    if (text == "none") underline = false;
+    if (text.find("underline") != text.npos) underline = true;
 }
 
 } // namespace
@@ -162,7 +174,6 @@ void Style::apply(const Properties& properties, double percentBase)
         {"normal", false}, {"italic", true}, {"oblique", true}};
     static constexpr Keyword<int> kAnchors[] = {{"start", 0}, {"middle", 1}, {"end", 2}};
     static constexpr Keyword<bool> kSpaces[] = {{"default", false}, {"preserve", true}};
-    static constexpr Keyword<bool> kDecorations[] = {{"none", false}, {"underline", true}};
     static constexpr Keyword<ImageFilter> kFilters[] = {
         {"auto", ImageFilter::Bilinear},           {"optimizeSpeed", ImageFilter::Nearest},
         {"pixelated", ImageFilter::Nearest},       {"crisp-edges", ImageFilter::Nearest},
@@ -194,6 +205,6 @@ void Style::apply(const Properties& properties, double percentBase)
     setKeyword(slanted, properties["font-style"], kSlants);
     setKeyword(textAnchor, properties["text-anchor"], kAnchors);
     setKeyword(preserveSpace, properties["xml:space"], kSpaces);
-    setKeyword(underline, properties["text-decoration"], kDecorations);
+    setDecoration(underline, properties["text-decoration"]);
     setKeyword(imageFilter, properties["image-rendering"], kFilters);
 }

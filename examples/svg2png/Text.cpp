@@ -8,10 +8,22 @@ namespace {
 constexpr int kMostNesting = 64;
 constexpr uint32_t kReplacement = 0xFFFD;
 
+std::vector<double> parseLengths(std::string_view text, const LengthContext& context)
+{
+    std::vector<double> values;
+    text = trimmed(text);
+    while (!text.empty()) {
+        const size_t end = text.find_first_of(", \t\r\n");
+        if (end != 0) values.push_back(parseLength(text.substr(0, end), context, 0));
+        text = end == text.npos ? std::string_view() : text.substr(end + 1);
+    }
+    return values;
+}
+
 class TextReader {
 public:
-    TextReader(TextContent& content, double percentBase)
-        : content_(content), percentBase_(percentBase)
+    TextReader(TextContent& content, const ViewportSize& viewport)
+        : content_(content), viewport_(viewport)
     {
     }
     void read(pugi::xml_node node, const Style& style, int depth);
@@ -20,10 +32,9 @@ public:
 private:
     void append(std::string_view utf8, const Style& style);
     void applyLists(pugi::xml_node node, size_t first, const Style& style);
-    std::vector<double> lengths(pugi::xml_node node, const char* name, const Style& style) const;
 
     TextContent& content_;
-    double percentBase_;
+    ViewportSize viewport_;
     bool afterSpace_ = true; // a space would collapse into the one before, or into the beginning
 };
 
@@ -44,39 +55,33 @@ void TextReader::append(std::string_view utf8, const Style& style)
     }
 }
 
-std::vector<double> TextReader::lengths(pugi::xml_node node, const char* name,
-                                        const Style& style) const
-{
-    std::vector<double> values;
-    std::string_view text = trimmed(node.attribute(name).value());
-    while (!text.empty()) {
-        const size_t end = text.find_first_of(", \t\r\n");
-        if (end != 0)
-            values.push_back(parseLength(text.substr(0, end), {percentBase_, style.fontSize}, 0));
-        text = end == text.npos ? std::string_view() : text.substr(end + 1);
-    }
-    return values;
-}
-
 // The element's lists speak of its characters from the first on; what an inner element said already
 // stays.
 void TextReader::applyLists(pugi::xml_node node, size_t first, const Style& style)
 {
+    struct PositionList {
+        const char* attribute;
+        std::optional<double> TextCharacter::*position;
+        double percentBase;
+    };
+    const PositionList lists[] = {{"x", &TextCharacter::x, viewport_.width},
+                                  {"y", &TextCharacter::y, viewport_.height},
+                                  {"dx", &TextCharacter::dx, viewport_.width},
+                                  {"dy", &TextCharacter::dy, viewport_.height}};
     std::vector<TextCharacter>& characters = content_.characters;
     const size_t count = characters.size() - first;
-    const std::vector<double> x = lengths(node, "x", style);
-    const std::vector<double> y = lengths(node, "y", style);
-    const std::vector<double> dx = lengths(node, "dx", style);
-    const std::vector<double> dy = lengths(node, "dy", style);
-    const std::vector<double> rotate = parseNumbers(node.attribute("rotate").value());
-    for (size_t i = 0; i < count; ++i) {
-        TextCharacter& character = characters[first + i];
-        if (i < x.size() && !character.x) character.x = x[i];
-        if (i < y.size() && !character.y) character.y = y[i];
-        if (i < dx.size()) character.dx += dx[i];
-        if (i < dy.size()) character.dy += dy[i];
-        if (!rotate.empty() && !character.rotate)
-            character.rotate = rotate[std::min(i, rotate.size() - 1)];
+    for (const PositionList& list : lists) {
+        const std::vector<double> values = parseLengths(node.attribute(list.attribute).value(),
+                                                        {list.percentBase, style.fontSize});
+        for (size_t i = 0; i < std::min(count, values.size()); ++i) {
+            std::optional<double>& position = characters[first + i].*list.position;
+            if (!position) position = values[i];
+        }
+    }
+    const std::vector<double> turns = parseNumbers(node.attribute("rotate").value());
+    for (size_t i = 0; i < count && !turns.empty(); ++i) {
+        std::optional<double>& rotate = characters[first + i].rotate;
+        if (!rotate) rotate = turns[std::min(i, turns.size() - 1)]; // the last one goes on
     }
 }
 
@@ -93,6 +98,7 @@ void TextReader::read(pugi::xml_node node, const Style& style, int depth)
         const bool spans = name == "tspan" || name == "a" || name == "textPath" || name == "tref";
         const Properties properties(child);
         if (name == "tbreak") {
+            dropTrailingSpace();
             TextCharacter lineBreak;
             lineBreak.code = '\n';
             lineBreak.style = content_.styles.size() - 1;
@@ -100,7 +106,7 @@ void TextReader::read(pugi::xml_node node, const Style& style, int depth)
             afterSpace_ = true;
         } else if (spans && depth < kMostNesting && properties["display"] != "none") {
             Style childStyle = style;
-            childStyle.apply(properties, percentBase_);
+            childStyle.apply(properties, viewport_.diagonal());
             read(child, childStyle, depth + 1);
             content_.styles.push_back(style); // for what follows the child
         }
@@ -151,10 +157,10 @@ std::vector<uint16_t> toUtf16(std::string_view utf8)
     return units;
 }
 
-TextContent readText(pugi::xml_node node, const Style& style, double percentBase)
+TextContent readText(pugi::xml_node node, const Style& style, const ViewportSize& viewport)
 {
     TextContent content;
-    TextReader reader(content, percentBase);
+    TextReader reader(content, viewport);
     reader.read(node, style, 0);
     reader.dropTrailingSpace();
     return content;

@@ -1,6 +1,7 @@
 // Text elements: their characters, positions and white space.
 #pragma once
 
+#include "svg2png/Shapes.h"
 #include "svg2png/Style.h"
 
 #include <cstdint>
@@ -14,8 +15,8 @@ struct TextCharacter {
     size_t style = 0;        // index into TextContent::styles
     std::optional<double> x; // where it goes, absolute
     std::optional<double> y;
-    double dx = 0; // a shift on top of that
-    double dy = 0;
+    std::optional<double> dx; // a shift on top of that
+    std::optional<double> dy;
     std::optional<double> rotate; // degrees
 };
 
@@ -25,8 +26,8 @@ struct TextContent {
 };
 
 // The characters of a text element with white space collapsed as xml:space says. style is that of
-// the element itself; the lengths' percentages refer to percentBase.
-TextContent readText(pugi::xml_node node, const Style& style, double percentBase);
+// the element itself.
+TextContent readText(pugi::xml_node node, const Style& style, const ViewportSize& viewport);
 
 // UTF-8 to UTF-16; malformed bytes become U+FFFD.
 std::vector<uint16_t> toUtf16(std::string_view utf8);
