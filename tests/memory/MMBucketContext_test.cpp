@@ -2,18 +2,18 @@
 
 #include "tests/support/FailingHeap.h"
 
+#include <algorithm>
 #include <cstring>
 #include <random>
-#include <set>
 #include <vector>
 
 namespace {
 
-uint32_t slotOf(const MMBucketContext& pool, const void* item)
+std::ptrdiff_t slotOf(const MMBucketContext& pool, const void* item)
 {
     const auto distance = static_cast<const uint32_t*>(item) - pool.slots;
     EXPECT_EQ(distance % (pool.itemWords + 1), 1);
-    return static_cast<uint32_t>(distance) / (pool.itemWords + 1);
+    return distance / (pool.itemWords + 1);
 }
 
 TEST(MMBucketContext, HandsOutTheLowestFreeSlot)
@@ -23,27 +23,19 @@ TEST(MMBucketContext, HandsOutTheLowestFreeSlot)
         MMBucketContext pool(11);
         ASSERT_EQ(pool.Resize(count), 0u);
         std::mt19937 random(count);
-        std::set<uint32_t> freeSlots;
-        for (uint32_t i = 0; i < count; ++i)
-            freeSlots.insert(i);
-        std::vector<void*> held;
+        std::vector<void*> held(count); // by slot; null: free
         for (int step = 0; step < 2000; ++step) {
-            if (held.empty() || random() % 5 < 3) {
+            const auto lowest = std::find(held.begin(), held.end(), nullptr);
+            if (random() % 5 < 3) {
                 void* item = pool.Alloc();
-                if (freeSlots.empty()) {
-                    ASSERT_EQ(item, nullptr);
-                    continue;
-                }
-                ASSERT_NE(item, nullptr);
-                ASSERT_EQ(slotOf(pool, item), *freeSlots.begin());
-                freeSlots.erase(freeSlots.begin());
+                ASSERT_EQ(item == nullptr, lowest == held.end());
+                if (item == nullptr) continue;
+                ASSERT_EQ(slotOf(pool, item), lowest - held.begin());
                 std::memset(item, 0xEE, 11 * sizeof(uint32_t));
-                held.push_back(item);
-            } else {
-                const size_t which = random() % held.size();
-                freeSlots.insert(slotOf(pool, held[which]));
-                pool.DeAlloc(held[which]);
-                held.erase(held.begin() + static_cast<std::ptrdiff_t>(which));
+                *lowest = item;
+            } else if (void*& any = held[random() % count]; any != nullptr) {
+                pool.DeAlloc(any);
+                any = nullptr;
             }
         }
     }
@@ -54,10 +46,8 @@ TEST(MMBucketContext, SearchStartOnlyChangesTheOrder)
     MMBucketContext pool(1);
     ASSERT_EQ(pool.Resize(70), 0u);
     pool.searchStart = 1;
-    std::set<uint32_t> seen;
-    EXPECT_EQ(slotOf(pool, pool.Alloc()), 32u);
-    for (int i = 1; i < 70; ++i)
-        EXPECT_TRUE(seen.insert(slotOf(pool, pool.Alloc())).second);
+    for (uint32_t i = 0; i < 70; ++i)
+        EXPECT_EQ(slotOf(pool, pool.Alloc()), (i + 32) % 70);
     EXPECT_EQ(pool.Alloc(), nullptr);
 }
 
@@ -78,7 +68,7 @@ TEST(MMBucketContext, EmptyAndFailedPoolsHandOutNothing)
         EXPECT_EQ(pool.buffer, nullptr);
         EXPECT_EQ(pool.Alloc(), nullptr);
         EXPECT_EQ(pool.Resize(2), 0u);
-        EXPECT_EQ(slotOf(pool, pool.Alloc()), 0u); // live items are lost
+        EXPECT_EQ(slotOf(pool, pool.Alloc()), 0); // live items are lost
     }
     EXPECT_EQ(heap.liveBlocks(), 0);
 

@@ -2,69 +2,45 @@
 
 #include "tests/support/FailingHeap.h"
 
-#include <cstring>
 #include <random>
 #include <vector>
 
 namespace {
-
-struct Element {
-    uint8_t bytes[3];
-};
-bool operator==(const Element& a, const Element& b)
-{
-    return std::memcmp(&a, &b, sizeof a) == 0;
-}
-
-std::vector<Element> contentsOf(const Vector& vector)
-{
-    std::vector<Element> contents(vector.count);
-    if (vector.count != 0)
-        std::memcpy(contents.data(), vector.items, contents.size() * sizeof(Element));
-    return contents;
-}
 
 TEST(Vector, FollowsAStandardVector)
 {
     std::mt19937 random(5);
     FailingHeap heap;
     Vector vector;
-    ASSERT_EQ(vector.initialize(sizeof(Element), 3, 2), 0u);
-    std::vector<Element> model;
+    ASSERT_EQ(vector.initialize(sizeof(uint16_t), 3, 2), 0u);
+    std::vector<uint16_t> model;
+    const auto items = [&] { return reinterpret_cast<uint16_t*>(vector.items); };
     for (int step = 0; step < 5000; ++step) {
         // Mostly elements from outside, now and then one of the vector's own.
-        Element fresh = {{static_cast<uint8_t>(random()), static_cast<uint8_t>(random()), 7}};
+        uint16_t element = static_cast<uint16_t>(random());
         const size_t at = model.empty() ? 0 : random() % model.size();
-        void* position = vector.items + at * sizeof(Element);
         const bool own = !model.empty() && random() % 4 == 0;
-        const void* source = own ? vector.items + random() % model.size() * sizeof(Element)
-                                 : static_cast<const void*>(&fresh);
-        std::memcpy(&fresh, source, sizeof fresh);
+        const uint16_t* source = own ? items() + random() % model.size() : &element;
+        element = *source;
         const auto modelPosition = model.begin() + static_cast<std::ptrdiff_t>(at);
-        switch (model.size() < 200 ? random() % 5 : 4 + random() % 4) {
-        case 0:
-        case 1:
+        const uint32_t choice = model.size() < 200 ? random() % 5 : 4 + random() % 4;
+        if (choice < 2) {
             ASSERT_EQ(vector.push(source), 0u);
-            model.push_back(fresh);
-            break;
-        case 2:
-        case 3:
-            ASSERT_EQ(vector.insertBefore(source, position), 0u);
-            model.insert(modelPosition, fresh);
-            break;
-        case 4: {
-            Element popped = {};
-            ASSERT_EQ(vector.pop(&popped), model.empty() ? 4096u : 0u);
-            if (model.empty()) break;
-            ASSERT_EQ(popped, model.back());
+            model.push_back(element);
+        } else if (choice < 4) {
+            ASSERT_EQ(vector.insertBefore(source, items() + at), 0u);
+            model.insert(modelPosition, element);
+        } else if (model.empty()) {
+            ASSERT_EQ(vector.pop(nullptr), 4096u);
+        } else if (choice == 4) {
+            ASSERT_EQ(vector.pop(&element), 0u);
+            ASSERT_EQ(element, model.back());
             model.pop_back();
-            break;
-        }
-        default:
-            vector.remove(position);
+        } else {
+            vector.remove(items() + at);
             model.erase(modelPosition);
         }
-        ASSERT_EQ(contentsOf(vector), model);
+        ASSERT_EQ(std::vector<uint16_t>(items(), items() + vector.count), model);
     }
     vector.deinitialize();
     EXPECT_EQ(heap.liveBlocks(), 0);
@@ -97,9 +73,8 @@ TEST(Vector, SurvivesARefusingHeap)
     failEachAllocation([] {
         const uint16_t element = 0x1234;
         Vector vector;
-        if (vector.initialize(2, 1, 1) != 0) {
-            EXPECT_EQ(vector.items, nullptr);
-        }
+        const bool empty = vector.initialize(2, 1, 1) != 0;
+        EXPECT_EQ(vector.items == nullptr, empty);
         for (int i = 0; i < 3; ++i) {
             const uint8_t before = vector.count;
             const uint32_t result = vector.push(&element);
@@ -113,7 +88,6 @@ TEST(Vector, OddUses)
 {
     Vector vector;
     ASSERT_EQ(vector.initialize(1, 1, 4), 0u);
-    EXPECT_EQ(vector.pop(nullptr), 4096u);
     vector.remove(vector.items);
     EXPECT_EQ(vector.count, 255); // wraps, and moves nothing
     vector.deinitialize();
