@@ -3,38 +3,20 @@
 #include <cstddef>
 #include <malloc.h>
 
-namespace {
-
-bool counting = false;
-uint32_t callCount = 0;
-int32_t liveCount = 0;
-int64_t liveSize = 0;      // bytes
-uint32_t firstFailure = 0; // call number; 0: none
-uint32_t lastFailure = 0;
-
-// Counts one call; true when it is to fail.
-bool nextCallFails()
+bool FailingHeap::nextCallFails()
 {
-    if (!counting) return false;
-    ++callCount;
-    return firstFailure != 0 && callCount >= firstFailure && callCount <= lastFailure;
+    if (!counting_) return false;
+    ++calls_;
+    return firstFailure_ != 0 && calls_ >= firstFailure_ && calls_ <= lastFailure_;
 }
 
-void blockTaken(void* block)
+void* FailingHeap::counted(void* block, int32_t sign)
 {
-    if (!counting || block == nullptr) return;
-    ++liveCount;
-    liveSize += static_cast<int64_t>(malloc_usable_size(block));
+    if (!counting_ || block == nullptr) return block;
+    liveBlocks_ += sign;
+    liveBytes_ += sign * static_cast<int64_t>(malloc_usable_size(block));
+    return block;
 }
-
-void blockGivenBack(void* block)
-{
-    if (!counting || block == nullptr) return;
-    --liveCount;
-    liveSize -= static_cast<int64_t>(malloc_usable_size(block));
-}
-
-} // namespace
 
 extern "C" {
 
@@ -50,74 +32,26 @@ void __wrap_free(void* block);
 
 void* __wrap_malloc(size_t size)
 {
-    if (nextCallFails()) return nullptr;
-    void* block = __real_malloc(size);
-    blockTaken(block);
-    return block;
+    return FailingHeap::nextCallFails() ? nullptr : FailingHeap::counted(__real_malloc(size), 1);
 }
 
 void* __wrap_calloc(size_t count, size_t size)
 {
-    if (nextCallFails()) return nullptr;
-    void* block = __real_calloc(count, size);
-    blockTaken(block);
-    return block;
+    if (FailingHeap::nextCallFails()) return nullptr;
+    return FailingHeap::counted(__real_calloc(count, size), 1);
 }
 
 void* __wrap_realloc(void* block, size_t size)
 {
-    if (nextCallFails()) return nullptr;
-    blockGivenBack(block);
-    void* resized = __real_realloc(block, size);
-    blockTaken(resized != nullptr ? resized : block);
+    if (FailingHeap::nextCallFails()) return nullptr;
+    void* resized = __real_realloc(FailingHeap::counted(block, -1), size);
+    FailingHeap::counted(resized != nullptr ? resized : block, 1);
     return resized;
 }
 
 void __wrap_free(void* block)
 {
-    blockGivenBack(block);
-    __real_free(block);
+    __real_free(FailingHeap::counted(block, -1));
 }
 
 } // extern "C"
-
-FailingHeap::FailingHeap()
-{
-    liveCount = 0;
-    liveSize = 0;
-    failAt(0);
-    counting = true;
-}
-
-FailingHeap::~FailingHeap()
-{
-    counting = false;
-}
-
-void FailingHeap::failAt(uint32_t n)
-{
-    callCount = 0;
-    firstFailure = n;
-    lastFailure = n;
-}
-
-void FailingHeap::failFrom(uint32_t n)
-{
-    failAt(n);
-    lastFailure = UINT32_MAX;
-}
-
-uint32_t FailingHeap::calls() const
-{
-    return callCount;
-}
-
-int32_t FailingHeap::liveBlocks() const
-{
-    return liveCount;
-}
-
-int64_t FailingHeap::liveBytes() const
-{
-    return liveSize;
-}

@@ -14,31 +14,21 @@ struct Scale {
     int32_t xx, xy, yx, yy;
 } scale;
 
-bool refused(FontCall call)
+// 1 when the call is to fail.
+int32_t refused(FontCall call)
 {
-    return (fakeFontEngine.refused >> call & 1) != 0;
+    return fakeFontEngine.refused >> call & 1;
 }
 
-bool hasGlyph(uint32_t character)
+// Pixels for the longer one of two 16.16 lengths along an axis.
+int64_t pixelsOf(int64_t a, int64_t b)
 {
-    return character >= ' ' && (character < 0xD800 || character > 0xDFFF);
+    return (std::max(std::abs(a), std::abs(b)) + 0x8000) >> 16;
 }
 
-// Pixels for a 16.16 length along either axis.
-int32_t pixelsOf(int32_t length)
+int levelAt(uint32_t character, int32_t x, int32_t y)
 {
-    const int64_t magnitude = length < 0 ? -int64_t{length} : length;
-    return static_cast<int32_t>((magnitude + 0x8000) >> 16);
-}
-
-void fillBitmap(FS_GrayMap& map, uint32_t character)
-{
-    for (int32_t y = 0; y < map.height; ++y)
-        for (int32_t x = 0; x < map.width; ++x) {
-            uint8_t& pair = map.bitmap[y * map.stride + x / 2];
-            const int level = character == 'g' ? (x + y) % 16 : 15;
-            pair = static_cast<uint8_t>(pair | (x % 2 == 0 ? level << 4 : level));
-        }
+    return character == 'g' ? (x + y) % 16 : 15;
 }
 
 } // namespace
@@ -49,7 +39,7 @@ int32_t FS_init(void* state, int32_t)
 {
     std::memset(state, 0, FS_STATE_BYTES);
     ++fakeFontEngine.inits;
-    return refused(kInit) ? 1 : 0;
+    return refused(kInit);
 }
 
 int32_t FS_exit(void*)
@@ -68,12 +58,12 @@ int32_t FS_add_font(void* state, const char*, const char* path, int32_t, int32_t
 
 int32_t FS_set_font(void*, const char*)
 {
-    return refused(kSetFont) ? 1 : 0;
+    return refused(kSetFont);
 }
 
 int32_t FS_set_cmap(void*, int32_t platform, int32_t encoding)
 {
-    return refused(kSetCharacterMap) || platform != 3 || encoding != 1 ? 1 : 0;
+    return platform == 3 && encoding == 1 ? refused(kSetCharacterMap) : 1;
 }
 
 int32_t FS_font_metrics(void*, void* metrics)
@@ -89,41 +79,40 @@ int32_t FS_font_metrics(void*, void* metrics)
 
 int32_t FS_set_bold_pct(void*, int32_t fraction)
 {
-    if (refused(kSetBold)) return 1;
-    fakeFontEngine.boldFraction = fraction;
-    return 0;
+    if (!refused(kSetBold)) fakeFontEngine.boldFraction = fraction;
+    return refused(kSetBold);
 }
 
 int32_t FS_set_scale(void*, int32_t xx, int32_t xy, int32_t yx, int32_t yy)
 {
-    if (refused(kSetScale)) return 1;
-    scale = {xx, xy, yx, yy};
-    return 0;
+    if (!refused(kSetScale)) scale = {xx, xy, yx, yy};
+    return refused(kSetScale);
 }
 
 void* FS_get_graymap(void*, uint32_t character)
 {
-    if (refused(kGetGlyph) || refused(kAddFont) || !hasGlyph(character)) return nullptr;
-    int32_t width = std::max(pixelsOf(scale.xx), pixelsOf(scale.xy));
-    int32_t height = std::max(pixelsOf(scale.yy), pixelsOf(scale.yx));
-    if (character == ' ') width = height = 0;
-    if (character == 'i') width /= 2;
+    const bool isSurrogate = character >= 0xD800 && character <= 0xDFFF;
+    if (refused(kGetGlyph) || refused(kAddFont) || character < ' ' || isSurrogate) return nullptr;
+    const int32_t parts = character == 'i' ? 2 : 1;
+    const int64_t width = character == ' ' ? 0 : pixelsOf(scale.xx, scale.xy) / parts;
+    const int64_t height = character == ' ' ? 0 : pixelsOf(scale.yy, scale.yx);
     if (width > 1000 || height > 1000) return nullptr;
 
-    const size_t stride = static_cast<size_t>((width + 1) / 2);
-    const size_t bytes = sizeof(FS_GrayMap) + stride * static_cast<size_t>(height);
+    const int64_t stride = (width + 1) / 2;
+    const size_t bytes = sizeof(FS_GrayMap) + static_cast<size_t>(stride * height);
     FS_GrayMap* map = static_cast<FS_GrayMap*>(std::calloc(1, bytes));
     if (map == nullptr) return nullptr;
-    const int32_t parts = character == 'i' ? 2 : 1;
     map->size = static_cast<uint32_t>(bytes);
     map->left = character == 'j' ? -1 : 0;
-    map->top = static_cast<int16_t>(height);
+    map->top = map->height = static_cast<int16_t>(height);
     map->advanceX = scale.xx / parts;
     map->advanceY = scale.yx / parts;
     map->width = static_cast<int16_t>(width);
-    map->height = static_cast<int16_t>(height);
     map->stride = static_cast<int16_t>(stride);
-    fillBitmap(*map, character);
+    for (int32_t y = 0; y < height; ++y)
+        for (int32_t x = 0; x < width; ++x) // of two pixels, the left one is in the high half
+            map->bitmap[y * stride + x / 2] |=
+                static_cast<uint8_t>(levelAt(character, x, y) << (x % 2 == 0 ? 4 : 0));
     ++fakeFontEngine.glyphsMade;
     ++fakeFontEngine.glyphsAlive;
     return map;

@@ -2,30 +2,25 @@
 
 #include "platform/LayoutEngine.h"
 
-#include <cstdlib>
-#include <cstring>
-#include <new>
+#include <utility>
+#include <vector>
 
 FakeLayoutEngine fakeLayoutEngine;
 
-struct TsLayoutControl {
-    char unused;
-};
-struct TsLayoutOptions : TsLayoutControl {};
-struct TsFont : TsLayoutControl {};
+struct TsLayoutControl {};
+struct TsLayoutOptions {};
+struct TsFont {};
 struct TsFontStyle {
     const TsFontStyleCalls* calls;
     void* user;
 };
 struct TsText {
-    uint16_t* units;
-    uint32_t count;
+    std::vector<uint16_t> units;
     TsFontStyle* style;
 };
 struct TsLayout {
     const TsText* text;
-    uint32_t lineCount;
-    uint32_t* starts; // of each line, and behind the last
+    std::vector<uint32_t> starts; // of each line, and behind the last
 };
 struct TsGlyph {
     const TsGlyphCalls* calls;
@@ -34,30 +29,31 @@ struct TsGlyph {
 
 namespace {
 
-bool refused()
+// 1 when the call is to fail.
+int32_t refused()
 {
     ++fakeLayoutEngine.calls;
-    return fakeLayoutEngine.failAt != 0 && --fakeLayoutEngine.failAt == 0;
+    return fakeLayoutEngine.failAt != 0 && --fakeLayoutEngine.failAt == 0 ? 1 : 0;
 }
 
 template <class T>
 T* make(T value = {})
 {
-    T* object = refused() ? nullptr : static_cast<T*>(std::malloc(sizeof(T)));
-    if (object == nullptr) return nullptr;
+    if (refused() != 0) return nullptr;
     ++fakeLayoutEngine.objectsAlive;
-    return new (object) T(value);
+    return new T(std::move(value));
 }
 
-void drop(void* object)
+template <class T>
+void drop(T* object)
 {
     --fakeLayoutEngine.objectsAlive;
-    std::free(object);
+    delete object;
 }
 
 bool advanceOf(const TsText& text, uint32_t i, int32_t& advance)
 {
-    TsGlyph* glyph = text.style->calls->createGlyph(text.style->user, text.units + i);
+    TsGlyph* glyph = text.style->calls->createGlyph(text.style->user, &text.units[i]);
     if (glyph == nullptr) return false;
     TsPoint point;
     glyph->calls->advance(glyph->user, &point);
@@ -72,7 +68,7 @@ uint32_t lineEnd(const TsText& text, uint32_t start, int64_t limit)
 {
     int64_t width = 0;
     uint32_t afterSpace = start;
-    for (uint32_t i = start; i < text.count; ++i) {
+    for (uint32_t i = start; i < text.units.size(); ++i) {
         int32_t advance;
         if (!advanceOf(text, i, advance)) return start;
         width += advance;
@@ -81,7 +77,7 @@ uint32_t lineEnd(const TsText& text, uint32_t start, int64_t limit)
         else if (width > limit && i > start)
             return afterSpace > start ? afterSpace : i;
     }
-    return text.count;
+    return static_cast<uint32_t>(text.units.size());
 }
 
 } // namespace
@@ -90,13 +86,12 @@ extern "C" {
 
 TsLayoutControl* TsLayoutControl_new(void*)
 {
-    return refused() ? nullptr
-                     : static_cast<TsLayoutControl*>(std::calloc(1, sizeof(TsLayoutControl)));
+    return refused() != 0 ? nullptr : new TsLayoutControl;
 }
 
 void TsLayoutControl_delete(TsLayoutControl* control)
 {
-    std::free(control);
+    delete control;
 }
 
 TsLayoutOptions* TsLayoutOptions_new(void)
@@ -108,7 +103,7 @@ void TsLayoutOptions_defaults(TsLayoutOptions*) {}
 
 int32_t TsLayoutOptions_set(TsLayoutOptions*, uint32_t option, uint32_t value)
 {
-    return refused() || option != 13 || value != 2 ? 1 : 0;
+    return option == TS_OPTION_BREAKING && value == TS_BREAK_BY_WORDS ? refused() : 1;
 }
 
 void TsLayoutOptions_delete(TsLayoutOptions* options)
@@ -128,7 +123,7 @@ void TsFont_delete(TsFont* font)
 
 void TsFontParam_defaults(TsFontParam* param)
 {
-    std::memset(param, 0, sizeof *param);
+    *param = {};
 }
 
 TsFontStyle* TsFontStyle_new(TsFont*, const TsFontParam*, const TsFontStyleCalls* calls, void* user)
@@ -149,44 +144,35 @@ TsText* TsText_new(void)
 int32_t TsText_setFontStyle(TsText* text, TsFontStyle* style, int32_t, int32_t)
 {
     text->style = style;
-    return refused() ? 1 : 0;
+    return refused();
 }
 
 int32_t TsText_insertRun(TsText* text, const uint16_t* units, uint32_t count, uint32_t, int32_t)
 {
-    if (refused()) return 1;
-    text->units = static_cast<uint16_t*>(std::malloc((count + 1) * sizeof(uint16_t)));
-    if (text->units == nullptr) return 1;
-    std::memcpy(text->units, units, count * sizeof(uint16_t));
-    text->count = count;
-    return 0;
+    text->units.assign(units, units + count);
+    return refused();
 }
 
 void TsText_delete(TsText* text)
 {
-    std::free(text->units);
     drop(text);
 }
 
 TsLayout* TsLayout_new(TsText* text, TsLayoutControl*, const TsLayoutOptions*)
 {
-    return make<TsLayout>({text, 0, nullptr});
+    return make<TsLayout>({text, {0}});
 }
 
 int32_t TsLayout_compose(TsLayout* layout, int32_t width, uint32_t* lineCount)
 {
-    if (refused()) return 1;
-    const TsText& text = *layout->text;
-    layout->starts = static_cast<uint32_t*>(std::calloc(text.count + 1, sizeof(uint32_t)));
-    if (layout->starts == nullptr) return 1;
-    while (layout->starts[layout->lineCount] < text.count) {
-        const uint32_t start = layout->starts[layout->lineCount];
-        const uint32_t end = lineEnd(text, start, int64_t{width} * 65536);
-        if (end == start) return 1;
-        layout->starts[++layout->lineCount] = end;
+    std::vector<uint32_t>& starts = layout->starts;
+    while (starts.back() < layout->text->units.size()) {
+        const uint32_t end = lineEnd(*layout->text, starts.back(), int64_t{width} * 65536);
+        if (end == starts.back()) return 1;
+        starts.push_back(end);
     }
-    *lineCount = layout->lineCount;
-    return 0;
+    *lineCount = static_cast<uint32_t>(starts.size()) - 1;
+    return refused();
 }
 
 int32_t TsLayout_getLineInfo(const TsLayout* layout, uint32_t line, TsLineInfo* info)
@@ -199,12 +185,11 @@ int32_t TsLayout_getGlyphInfo(const TsLayout* layout, uint32_t line, uint32_t gl
                               TsGlyphInfo* info)
 {
     info->character = layout->text->units[layout->starts[line] + glyph];
-    return refused() ? 1 : 0;
+    return refused();
 }
 
 void TsLayout_delete(TsLayout* layout)
 {
-    std::free(layout->starts);
     drop(layout);
 }
 
