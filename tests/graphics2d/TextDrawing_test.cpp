@@ -132,7 +132,7 @@ TEST(TextDrawing, longAndEmptyTexts)
 {
     TextScene scene(30, 20);
     scene.context.fontSize = kFixedOne;
-    Text longText(100000, 'B');
+    Text longText(std::u16string(100000, u'B'));
     scene.context.drawText(longText.data(), 0, 10 * kFixedOne);
     // 16 bits of the length: 34,464 characters of one pixel, and the pen wraps at 32,768.
     EXPECT_NEAR(scene.context.penX, (34464 - 65536) * kFixedOne, kFixedOne);

@@ -31,7 +31,7 @@ TEST(TextWhitespace, isNormalisedInPlaceAndIntoAnotherBuffer)
     FreshEngine fresh;
     MMContext2D context;
     for (const Case& c : kCases) {
-        Text collapsed(c.text), kept(c.text), single(c.text), copy(16, u'x');
+        Text collapsed(c.text), kept(c.text), single(c.text), copy(std::u16string(16, u'x'));
         context.preserveSpace = 0;
         context.ParseText(copy.data(), collapsed.data());
         context.ParseText(collapsed.data(), collapsed.data());

@@ -14,21 +14,12 @@ using namespace KAVO::Graphics2D;
 // A text with room to be normalised in place.
 class Text {
 public:
-    explicit Text(const char16_t* s)
-    {
-        while (*s != 0)
-            units_.push_back(*s++);
-        units_.push_back(0);
-    }
-    Text(size_t length, uint16_t unit) : units_(length, unit) { units_.push_back(0); }
+    explicit Text(const std::u16string& s) : units_(s.begin(), s.end()) { units_.push_back(0); }
 
     uint16_t* data() { return units_.data(); }
     std::u16string string() const
     {
-        std::u16string s;
-        for (size_t i = 0; units_[i] != 0; ++i)
-            s.push_back(units_[i]);
-        return s;
+        return {units_.begin(), std::find(units_.begin(), units_.end(), 0)};
     }
 
 private:
