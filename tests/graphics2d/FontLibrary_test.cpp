@@ -40,38 +40,32 @@ TEST(FontLibrary, isStartedOnceAndEndedWithTheLastContext)
     }
 }
 
-TEST(FontLibrary, findsTheFontInTheFolderOfTheEnvironment)
+TEST(FontLibrary, takesFolderAndCacheBudgetFromTheEnvironment)
 {
     const std::string deep(3000, 'd');
     const struct {
         const char* folder;
         std::string path;
-    } cases[] = {{nullptr, "/usr/lib/ybn/lib/fonts/AMCSL.TTF"},
-                 {"/x", "/x/AMCSL.TTF"},
-                 {"/x/", "/x//AMCSL.TTF"},
-                 {"", "/AMCSL.TTF"},
-                 {deep.c_str(), deep + "/AMCSL.TTF"}};
+        const char* kilobytes;
+        uint32_t budget;
+    } cases[] = {
+        {nullptr, "/usr/lib/ybn/lib/fonts/AMCSL.TTF", nullptr, 40960},
+        {"/x", "/x/AMCSL.TTF", "10", 10240},
+        {"/x/", "/x//AMCSL.TTF", "200", 204800},
+        {"", "/AMCSL.TTF", "64 and more", 65536},
+        {deep.c_str(), deep + "/AMCSL.TTF", "9", 40960},
+        {"", "/AMCSL.TTF", "201", 40960},
+        {"", "/AMCSL.TTF", "-5", 40960},
+        {"", "/AMCSL.TTF", "4294967306", 40960},
+        {"", "/AMCSL.TTF", "", 40960},
+    };
     for (const auto& c : cases) {
         FreshEngine fresh;
         const Variable folder("YBN_RES_FONT_PATH", c.folder);
+        const Variable kilobytes("SVG_FONT_CACHE_KB", c.kilobytes);
         MMContext2D context;
         EXPECT_EQ(fakeFontEngine.fontPath, c.path);
-    }
-}
-
-TEST(FontLibrary, takesTheCacheBudgetFromTheEnvironment)
-{
-    const struct {
-        const char* value;
-        uint32_t bytes;
-    } cases[] = {{nullptr, 40960},      {"10", 10240},  {"200", 204800}, {"64 and more", 65536},
-                 {"9", 40960},          {"201", 40960}, {"-5", 40960},   {"abc", 40960},
-                 {"4294967306", 40960}, {"", 40960}};
-    for (const auto& c : cases) {
-        FreshEngine fresh;
-        const Variable budget("SVG_FONT_CACHE_KB", c.value);
-        MMContext2D context;
-        EXPECT_EQ(context.fontCache.budget, c.bytes) << c.value;
+        EXPECT_EQ(context.fontCache.budget, c.budget) << c.kilobytes;
         EXPECT_EQ(context.fontCache.maxEntrySize, 2048u);
     }
 }
@@ -83,6 +77,10 @@ TEST(FontLibrary, setsDefaultsWeightAndLines)
     EXPECT_EQ(context.fontSize, 12 * kFixedOne);
     EXPECT_EQ(context.fontWeight, 4);
     EXPECT_EQ(context.lineHeight, 12 * kFixedOne);
+    context.releaseFontLib();
+    context.fontSize = 20 * kFixedOne;
+    EXPECT_EQ(context.initFontLib(), 0u);
+    EXPECT_EQ(context.lineHeight, 20 * kFixedOne); // (800 + 200) / 1000 of the size
     for (uint8_t weight : {0, 5, 6, 9}) {
         context.fontWeight = weight;
         context.fontSize = (10 + weight) * kFixedOne;
@@ -98,16 +96,6 @@ TEST(FontLibrary, setsDefaultsWeightAndLines)
     EXPECT_EQ(context.penY, 24 * kFixedOne);
     EXPECT_EQ(context.penX, 0);
     EXPECT_EQ(context.newLineFlag, 1);
-}
-
-TEST(FontLibrary, joinsWithTheFullExtentOfTheFont)
-{
-    FreshEngine fresh;
-    MMContext2D context;
-    context.releaseFontLib();
-    context.fontSize = 20 * kFixedOne;
-    EXPECT_EQ(context.initFontLib(), 0u);
-    EXPECT_EQ(context.lineHeight, 20 * kFixedOne); // (800 + 200) / 1000 of the size
 }
 
 TEST(FontLibrary, everyRefusedEngineCallIsSurvived)

@@ -1,16 +1,15 @@
-// Widths, anchors, placed and turned characters, boxes, wrapped text.
+// Widths, anchors, placed and turned characters, boxes, wrapped text. The fake engine's letters are
+// blocks of 12 pixels.
 #include "tests/support/FakeLayoutEngine.h"
 #include "tests/support/TextScene.h"
+#include "tests/support/UserUnits.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
 // Pixels and their way back to user units, which loses a little: the inverse of 1.0 is 0.99998.
-void expectNearly(Fixed value, Fixed expected)
-{
-    EXPECT_NEAR(value, expected, 64);
-}
+constexpr Fixed kLittle = 64;
 
 // The first column that is not the ground, or -1.
 int32_t firstColumn(const TextScene& scene)
@@ -27,26 +26,31 @@ TEST(TextDrawing, measuresWithoutMovingAnything)
 {
     TextScene scene(10, 10);
     MMContext2D& context = scene.context;
-    context.penX = 3 * kFixedOne;
+    context.penX = fx(3);
     context.penY = 77;
     context.accumulateBounds = 1;
     context.boundsMinX = 42;
-    Text text(u"ai b"); // 12 + 6 + 12 + 12 pixels
-    expectNearly(context.getTextWidth(text.data(), 65535), 42 * kFixedOne);
-    expectNearly(context.getTextWidth(text.data(), 2), 18 * kFixedOne);
+    const struct {
+        const char16_t* text;
+        uint16_t length;
+        int32_t width;
+    } cases[] = {
+        {u"ai b", 65535, 12 + 6 + 12 + 12},
+        {u"ai b", 2, 18},
+        {u"a\xD83D\xDE00\x0001z", 65535, 24}, // characters without glyphs take no room
+    };
+    for (const auto& c : cases)
+        EXPECT_NEAR(context.getTextWidth(Text(c.text).data(), c.length), fx(c.width), kLittle);
     EXPECT_EQ(context.getTextWidth(nullptr, 2), 0);
-    // Characters without glyphs take no room.
-    expectNearly(context.getTextWidth(Text(u"a\xD83D\xDE00\x0001z").data(), 65535), 24 * kFixedOne);
-    EXPECT_EQ(context.penX, 3 * kFixedOne);
+    EXPECT_EQ(context.penX, fx(3));
     EXPECT_EQ(context.penY, 77);
     EXPECT_EQ(context.boundsMinX, 42);
     EXPECT_EQ(context.accumulateBounds, 1);
 
     Fixed width = 0, height = 0;
-    Text blanks(u"  a \n i");
-    context.getTextSize(blanks.data(), 65535, width, height);
-    expectNearly(width, 30 * kFixedOne);
-    EXPECT_EQ(height, 12 * kFixedOne);
+    context.getTextSize(Text(u"  a \n i").data(), 65535, width, height);
+    EXPECT_NEAR(width, fx(12 + 12 + 6), kLittle);
+    EXPECT_EQ(height, fx(12));
 }
 
 TEST(TextDrawing, anchorsByTheWidthOfAllLines)
@@ -56,15 +60,15 @@ TEST(TextDrawing, anchorsByTheWidthOfAllLines)
         scene.context.textAnchor = anchor;
         Text first(u"ab"), second(u"i"); // 30 pixels
         uint16_t* lines[] = {first.data(), nullptr, second.data()};
-        scene.context.drawText(lines, 3, 40 * kFixedOne + kFixedHalf, 15 * kFixedOne);
+        scene.context.drawText(lines, 3, fx(40.5), fx(15));
         const int32_t expected[] = {40, 25, 10, 40};
         EXPECT_EQ(firstColumn(scene), expected[anchor]);
         // Placed characters are not anchored.
-        const Fixed places[] = {50 * kFixedOne, 62 * kFixedOne};
+        const Fixed places[] = {fx(50), fx(62)};
         scene.fill(0xFFFFFFFF);
         scene.context.charX = places;
         scene.context.charXCount = 2;
-        scene.context.drawText(lines, 1, 0, 15 * kFixedOne);
+        scene.context.drawText(lines, 1, 0, fx(15));
         EXPECT_EQ(firstColumn(scene), 50);
     }
 }
@@ -72,20 +76,19 @@ TEST(TextDrawing, anchorsByTheWidthOfAllLines)
 TEST(TextDrawing, placesCharactersByTheirIndexInAllLines)
 {
     TextScene scene(100, 60);
-    const Fixed xs[] = {5 * kFixedOne, 30 * kFixedOne, 55 * kFixedOne};
-    const Fixed ys[] = {15 * kFixedOne, 30 * kFixedOne, 45 * kFixedOne};
+    const Fixed xs[] = {fx(5), fx(30), fx(55)};
+    const Fixed ys[] = {fx(15), fx(30), fx(45)};
     scene.context.charX = xs;
-    scene.context.charXCount = 3;
     scene.context.charY = ys;
-    scene.context.charYCount = 3;
+    scene.context.charXCount = scene.context.charYCount = 3;
     Text first(u"a"), second(u"bcd"); // d runs on behind c
     uint16_t* lines[] = {first.data(), second.data()};
     scene.context.drawText(lines, 2, 0, 0);
-    for (const auto& block : {std::pair<int32_t, int32_t>{5, 15}, {30, 30}, {55, 45}, {67, 45}}) {
-        EXPECT_EQ(scene.at(block.first, block.second - 12), 0xFF000000u);
-        EXPECT_EQ(scene.at(block.first + 11, block.second - 1), 0xFF000000u);
-        EXPECT_EQ(scene.at(block.first, block.second), 0xFFFFFFFFu);
-        EXPECT_EQ(scene.at(block.first + 5, block.second - 13), 0xFFFFFFFFu);
+    for (const auto& [x, y] : {std::pair{5, 15}, {30, 30}, {55, 45}, {67, 45}}) {
+        EXPECT_EQ(scene.at(x, y - 12), 0xFF000000u);
+        EXPECT_EQ(scene.at(x + 11, y - 1), 0xFF000000u);
+        EXPECT_EQ(scene.at(x, y), 0xFFFFFFFFu);
+        EXPECT_EQ(scene.at(x + 5, y - 13), 0xFFFFFFFFu);
     }
 }
 
@@ -95,15 +98,15 @@ TEST(TextDrawing, turnsTheCharactersThatTheListNames)
     const Degrees turns[] = {kDegrees90, kDegrees90};
     const struct {
         uint32_t count;
-        int32_t x, y; // the pen after three characters of 12 pixels
+        int32_t x, y; // the pen after three characters
     } cases[] = {{0, 36, 0}, {1, 0, 36}, {2, 12, 24}};
     for (const auto& c : cases) {
         TextScene scene(10, 10);
         scene.context.charRotate = turns;
         scene.context.charRotateCount = c.count;
         scene.draw(u"aaa", 0, 0);
-        EXPECT_NEAR(scene.context.penX, c.x * kFixedOne, 2000) << c.count;
-        EXPECT_NEAR(scene.context.penY, c.y * kFixedOne, 2000) << c.count;
+        EXPECT_NEAR(scene.context.penX, fx(c.x), 2000) << c.count;
+        EXPECT_NEAR(scene.context.penY, fx(c.y), 2000) << c.count;
     }
 }
 
@@ -114,14 +117,13 @@ TEST(TextDrawing, boxesATextWithoutTransform)
     context.transform = {0x30000, 0, 0, 0x30000, 0, 0};
     for (uint32_t anchor : {0u, 1u, 2u}) {
         context.textAnchor = anchor;
-        MMFixedRegion box = {0, 0, 24 * kFixedOne, 0};
-        Text text(u" ji");
-        EXPECT_EQ(context.getTextBBox(text.data(), 50 * kFixedOne, 40 * kFixedOne, &box), 0u);
+        MMFixedRegion box = {0, 0, fx(24), 0};
+        EXPECT_EQ(context.getTextBBox(Text(u" ji").data(), fx(50), fx(40), &box), 0u);
         const int32_t left = 49 - static_cast<int32_t>(anchor) * 12; // j starts left of the pen
-        EXPECT_EQ(box.x0, left * kFixedOne);
-        EXPECT_EQ(box.x1, (left + 19) * kFixedOne); // 12 to i, which is 6 wide
-        EXPECT_EQ(box.y0, 28 * kFixedOne);
-        EXPECT_EQ(box.y1, 40 * kFixedOne);
+        EXPECT_EQ(box.x0, fx(left));
+        EXPECT_EQ(box.x1, fx(left + 19)); // 12 to i, which is 6 wide
+        EXPECT_EQ(box.y0, fx(28));
+        EXPECT_EQ(box.y1, fx(40));
     }
     EXPECT_EQ(context.transform.a, 0x30000);
     EXPECT_EQ(context.accumulateBounds, 0);
@@ -131,41 +133,36 @@ TEST(TextDrawing, boxesATextWithoutTransform)
 TEST(TextDrawing, longAndEmptyTexts)
 {
     TextScene scene(30, 20);
-    scene.context.fontSize = kFixedOne;
-    Text longText(std::u16string(100000, u'B'));
-    scene.context.drawText(longText.data(), 0, 10 * kFixedOne);
-    // 16 bits of the length: 34,464 characters of one pixel, and the pen wraps at 32,768.
-    EXPECT_NEAR(scene.context.penX, (34464 - 65536) * kFixedOne, kFixedOne);
-    scene.context.drawWrappedText(longText.data(), 0, 0);
-    EXPECT_TRUE(scene.guardsIntact());
+    const std::vector<Pixel> before = scene.picture();
+    scene.draw(u"", 3, 4);
+    scene.context.drawText(static_cast<uint16_t*>(nullptr), 0, 0);
+    scene.context.drawText(static_cast<uint16_t**>(nullptr), 3, 0, 0);
+    scene.context.drawWrappedText(nullptr, 0, 0);
+    scene.context.drawWrappedText(Text(u"").data(), 0, 0);
+    EXPECT_EQ(scene.picture(), before);
 
-    TextScene empty(10, 10);
-    const std::vector<Pixel> before = empty.picture();
-    empty.draw(u"", 3, 4);
-    empty.context.drawText(static_cast<uint16_t*>(nullptr), 0, 0);
-    empty.context.drawText(static_cast<uint16_t**>(nullptr), 3, 0, 0);
-    empty.context.drawWrappedText(nullptr, 0, 0);
-    Text none(u"");
-    empty.context.drawWrappedText(none.data(), 0, 0);
-    EXPECT_EQ(empty.picture(), before);
+    scene.context.fontSize = kFixedOne;
+    scene.context.drawText(Text(std::u16string(100000, u'B')).data(), 0, fx(10));
+    // 16 bits of the length: 34,464 characters of one pixel, and the pen wraps at 32,768.
+    EXPECT_NEAR(scene.context.penX, fx(34464 - 65536), kFixedOne);
 }
 
 TEST(WrappedText, drawsLineByLineAndLeavesThePenBelow)
 {
     TextScene scene(60, 60);
     MMContext2D& context = scene.context;
-    context.wrapWidth = 30 * kFixedOne; // two characters
-    context.wrapOffsetX = 4 * kFixedOne;
-    context.wrapOffsetY = 12 * kFixedOne + kFixedHalf; // away from where rows meet
+    context.wrapWidth = fx(30); // two characters
+    context.wrapOffsetX = fx(4);
+    context.wrapOffsetY = fx(12.5); // away from where rows meet
     context.accumulateBounds = 1;
     Text text(u"aa bb cc");
     context.drawWrappedText(text.data(), 0, 0);
-    EXPECT_EQ(context.boundsMinX, 4 * kFixedOne);
-    EXPECT_EQ(context.boundsMaxX, 28 * kFixedOne);
+    EXPECT_EQ(context.boundsMinX, fx(4));
+    EXPECT_EQ(context.boundsMaxX, fx(28));
     EXPECT_EQ(context.boundsMinY, 0);
-    EXPECT_EQ(context.boundsMaxY, 36 * kFixedOne);
+    EXPECT_EQ(context.boundsMaxY, fx(36));
     EXPECT_EQ(context.penX, 0);
-    EXPECT_NEAR(context.penY, 36 * kFixedOne, 100);
+    EXPECT_NEAR(context.penY, fx(36), 100);
     EXPECT_EQ(context.newLineFlag, 0);
 
     // The underline reaches below the text and leaves its stroke.
@@ -175,9 +172,9 @@ TEST(WrappedText, drawsLineByLineAndLeavesThePenBelow)
     context.drawWrappedText(text.data(), 0, 0);
     EXPECT_EQ(context.strokePaint.paintType, kPaintSolid);
     EXPECT_EQ(context.strokePaint.paintColour, 0xFF123456u);
-    EXPECT_EQ(context.strokeHalfWidth, 12 * kFixedOne / 16);
+    EXPECT_EQ(context.strokeHalfWidth, fx(12) / 16);
     EXPECT_EQ(context.boundsMinY, 0);
-    EXPECT_GT(context.boundsMaxY, 37 * kFixedOne);
+    EXPECT_GT(context.boundsMaxY, fx(37));
     context.lineHeight = 15;
     context.drawWrappedText(text.data(), 0, 0);
     EXPECT_EQ(context.strokeHalfWidth, kFixedHalf); // a 24th of the font size
@@ -187,11 +184,10 @@ TEST(WrappedText, measuresWithoutTheListsOfCharacters)
 {
     TextScene scene(10, 10);
     MMContext2D& context = scene.context;
-    const Fixed places[] = {kFixedOne, 2 * kFixedOne};
+    const Fixed places[] = {fx(1), fx(2)};
     context.charX = context.charY = context.charRotate = places;
     context.charXCount = context.charYCount = context.charRotateCount = 2;
-    Text text(u"aa bb");
-    MMTextLayout* layout = context.createTextLayout(text.data(), 30);
+    MMTextLayout* layout = context.createTextLayout(Text(u"aa bb").data(), 30);
     ASSERT_NE(layout, nullptr);
     ASSERT_EQ(layout->lineCount, 2);
     EXPECT_EQ(layout->lines[1][0], 'b');
@@ -210,7 +206,6 @@ TEST(WrappedText, everyFailingLayoutCallIsSurvived)
         MMTextLayout* layout = scene.context.createTextLayout(Text(u"ab cd").data(), 30);
         EXPECT_EQ(scene.context.scratchStack.usedWords, 0u) << "call " << n;
         scene.context.destroyTextLayout(layout);
-        scene.context.destroyLayoutManager();
         EXPECT_EQ(fakeLayoutEngine.objectsAlive, 0) << "call " << n;
     } while (fakeLayoutEngine.failAt == 0); // until no call came to fail
     EXPECT_GT(n, 15);
