@@ -3,11 +3,9 @@
 #pragma once
 
 #include "graphics2d/MMContext2D.h"
-#include "tests/support/EncodedPath.h"
 #include "tests/support/UserUnits.h"
 
 #include <array>
-#include <vector>
 
 namespace robust {
 
@@ -17,12 +15,22 @@ constexpr uint16_t kSide = 24;
 constexpr uint16_t kImageSide = 4;
 
 struct SmallScene {
-    SmallScene() { reset(); }
+    SmallScene()
+    {
+        for (uint32_t i = 0; i < texels.size(); ++i)
+            texels[i] = 0xFF000000 | i * 0x0F1B07;
+        reset();
+    }
 
-    // Sets every field that drawing reads to what this scene draws with.
     void reset()
     {
         pixels.fill(0xFFFFFFFF);
+        setState();
+    }
+
+    // Sets every field that drawing reads to what this scene draws with.
+    void setState()
+    {
         MMContext2D& c = context;
         c.target = {kSide, kSide, kSide * 4, 0xFFFFFFFF, pixels.data(), 0};
         c.clipLeft = c.clipTop = 0;
@@ -47,9 +55,6 @@ struct SmallScene {
         c.textDecoration = 1;
         c.charXCount = c.charYCount = c.charRotateCount = 0;
         c.drawSuppressed = 0;
-        for (uint32_t i = 0; i < texels.size(); ++i)
-            texels[i] = 0xFF000000 | i * 0x0F1B07;
-        image = {kImageSide, kImageSide, kImageSide * 4, 0, texels.data(), 0};
     }
 
     void dash()
@@ -59,18 +64,23 @@ struct SmallScene {
         context.dashOffset = 0;
     }
 
-    static MMPaint paint(Pixel colour)
+    // A solid paint; the image is there to make a pattern of it.
+    MMPaint paint(Pixel colour) const
     {
         MMPaint paint = {};
         paint.paintColour = colour;
         paint.paintOpacity = 255;
+        paint.patternTransform = kIdentityMatrix;
+        paint.patternImage = image;
         return paint;
     }
 
     std::array<Pixel, kSide * kSide> pixels;
     std::array<Pixel, kImageSide * kImageSide> texels;
     std::array<Fixed, 2> dashes = {3 * kFixedOne, 2 * kFixedOne};
-    MMPixmap image;
+    MMPoint2D star[5] = {at(4, 20), at(12, 3), at(20, 20), at(3, 9), at(21, 9)};
+    MMLinkPath starPath = {star, 5};
+    MMPixmap image = {kImageSide, kImageSide, kImageSide * 4, 0, texels.data(), 0};
     MMContext2D context;
 };
 
