@@ -63,27 +63,16 @@ TEST(FixedMath, ProductsAndQuotientsFollow64BitArithmetic)
     }
 }
 
-TEST(FixedMath, KnownProductsAndQuotients)
+TEST(FixedMath, OddProductsAndQuotients)
 {
-    EXPECT_EQ(fixMul(0x18000, 0x20000), 0x30000);
     EXPECT_EQ(fixMul(0xFFFF, 0xFFFF), 0xFFFD); // truncation alone would give 0xFFFE
-    EXPECT_EQ(fixMul(kFixedOne, 0x7FFFFFFF), 0x7FFFFFFF);
-    EXPECT_EQ(fixMul(0x5556, 3), 1); // 0x10002 / 0x10000
-    EXPECT_EQ(fixMul(3, 0x5556), 0); // 2 * 0x5556 has no carry
-
-    EXPECT_EQ(fixMulSHR(0xFFFF, 0xFFFF, 0), 0xFFFE);
-    EXPECT_EQ(fixMulSHR(-0x30000, 0x20000, 1), -0x30000);
+    EXPECT_EQ(fixMul(0x5556, 3), 1);           // 0x10002 / 0x10000
+    EXPECT_EQ(fixMul(3, 0x5556), 0);           // 2 * 0x5556 has no carry
     EXPECT_EQ(fixMulSHR(0x7FFFFFFF, 0x7FFFFFFF, 40), 0x3F);
     EXPECT_EQ(fixMulSHR(0x7FFFFFFF, 0x7FFFFFFF, 48), 0);
     EXPECT_EQ(fixMulSHR(0x7FFFFFFF, 0x7FFFFFFF, 255), 0);
-
     EXPECT_EQ(fixMulDiv(-3, 5, 1), -16);
-    EXPECT_EQ(fixMulDiv(0, 0, 1), 1);
-    EXPECT_EQ(fixMulDiv(1, 1, 3), 1);
-    EXPECT_EQ(fixMulDiv(1, 1, 4), 0);
     EXPECT_EQ(fixMulDiv(7, 9, 0), 0);
-
-    EXPECT_EQ(fixDiv(-0x10000, 0x30000), -0x5555);
     EXPECT_EQ(fixDiv(0x10000, 1), 0); // 2^32 wraps
     EXPECT_EQ(fixDiv(5, 0), 0x1FFFF);
     EXPECT_EQ(fixDiv(-5, 0), -0x1FFFF);

@@ -28,7 +28,7 @@ struct SmallScene {
         setState();
     }
 
-    // Sets every field that drawing reads to what this scene draws with.
+    // Sets all fields that operations and tests change to what this scene draws with.
     void setState()
     {
         MMContext2D& c = context;
@@ -50,11 +50,7 @@ struct SmallScene {
         c.penX = 2 * kFixedOne;
         c.penY = 8 * kFixedOne;
         c.wrapWidth = 20 * kFixedOne;
-        c.wrapOffsetX = c.wrapOffsetY = 0;
-        c.textAnchor = kAnchorStart;
         c.textDecoration = 1;
-        c.charXCount = c.charYCount = c.charRotateCount = 0;
-        c.drawSuppressed = 0;
     }
 
     void dash()

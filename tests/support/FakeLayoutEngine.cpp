@@ -2,30 +2,9 @@
 
 #include "platform/LayoutEngine.h"
 
-#include <utility>
 #include <vector>
 
 FakeLayoutEngine fakeLayoutEngine;
-
-struct TsLayoutControl {};
-struct TsLayoutOptions {};
-struct TsFont {};
-struct TsFontStyle {
-    const TsFontStyleCalls* calls;
-    void* user;
-};
-struct TsText {
-    std::vector<uint16_t> units;
-    TsFontStyle* style;
-};
-struct TsLayout {
-    const TsText* text;
-    std::vector<uint32_t> starts; // of each line, and behind the last
-};
-struct TsGlyph {
-    const TsGlyphCalls* calls;
-    void* user;
-};
 
 namespace {
 
@@ -36,20 +15,36 @@ int32_t refused()
     return fakeLayoutEngine.failAt != 0 && --fakeLayoutEngine.failAt == 0 ? 1 : 0;
 }
 
-template <class T>
-T* make(T value = {})
-{
-    if (refused() != 0) return nullptr;
-    ++fakeLayoutEngine.objectsAlive;
-    return new T(std::move(value));
-}
+struct Counted {
+    Counted() { ++fakeLayoutEngine.objectsAlive; }
+    ~Counted() { --fakeLayoutEngine.objectsAlive; }
+    Counted(const Counted&) = delete;
+    Counted& operator=(const Counted&) = delete;
+};
 
-template <class T>
-void drop(T* object)
-{
-    --fakeLayoutEngine.objectsAlive;
-    delete object;
-}
+} // namespace
+
+struct TsLayoutControl {};
+struct TsLayoutOptions : Counted {};
+struct TsFont : Counted {};
+struct TsFontStyle : Counted {
+    const TsFontStyleCalls* calls;
+    void* user;
+};
+struct TsText : Counted {
+    std::vector<uint16_t> units;
+    TsFontStyle* style;
+};
+struct TsLayout : Counted {
+    const TsText* text;
+    std::vector<uint32_t> starts; // of each line, and behind the last
+};
+struct TsGlyph : Counted {
+    const TsGlyphCalls* calls;
+    void* user;
+};
+
+namespace {
 
 bool advanceOf(const TsText& text, uint32_t i, int32_t& advance)
 {
@@ -58,7 +53,7 @@ bool advanceOf(const TsText& text, uint32_t i, int32_t& advance)
     TsPoint point;
     glyph->calls->advance(glyph->user, &point);
     glyph->calls->release(glyph->user);
-    drop(glyph);
+    delete glyph;
     advance = point.x;
     return true;
 }
@@ -96,7 +91,7 @@ void TsLayoutControl_delete(TsLayoutControl* control)
 
 TsLayoutOptions* TsLayoutOptions_new(void)
 {
-    return make<TsLayoutOptions>();
+    return refused() != 0 ? nullptr : new TsLayoutOptions;
 }
 
 void TsLayoutOptions_defaults(TsLayoutOptions*) {}
@@ -108,17 +103,17 @@ int32_t TsLayoutOptions_set(TsLayoutOptions*, uint32_t option, uint32_t value)
 
 void TsLayoutOptions_delete(TsLayoutOptions* options)
 {
-    drop(options);
+    delete options;
 }
 
 TsFont* TsFont_new(const TsFontCalls*, void*)
 {
-    return make<TsFont>();
+    return refused() != 0 ? nullptr : new TsFont;
 }
 
 void TsFont_delete(TsFont* font)
 {
-    drop(font);
+    delete font;
 }
 
 void TsFontParam_defaults(TsFontParam* param)
@@ -128,17 +123,17 @@ void TsFontParam_defaults(TsFontParam* param)
 
 TsFontStyle* TsFontStyle_new(TsFont*, const TsFontParam*, const TsFontStyleCalls* calls, void* user)
 {
-    return make<TsFontStyle>({calls, user});
+    return refused() != 0 ? nullptr : new TsFontStyle{{}, calls, user};
 }
 
 void TsFontStyle_delete(TsFontStyle* style)
 {
-    drop(style);
+    delete style;
 }
 
 TsText* TsText_new(void)
 {
-    return make<TsText>();
+    return refused() != 0 ? nullptr : new TsText{{}, {}, nullptr};
 }
 
 int32_t TsText_setFontStyle(TsText* text, TsFontStyle* style, int32_t, int32_t)
@@ -155,12 +150,12 @@ int32_t TsText_insertRun(TsText* text, const uint16_t* units, uint32_t count, ui
 
 void TsText_delete(TsText* text)
 {
-    drop(text);
+    delete text;
 }
 
 TsLayout* TsLayout_new(TsText* text, TsLayoutControl*, const TsLayoutOptions*)
 {
-    return make<TsLayout>({text, {0}});
+    return refused() != 0 ? nullptr : new TsLayout{{}, text, {0}};
 }
 
 int32_t TsLayout_compose(TsLayout* layout, int32_t width, uint32_t* lineCount)
@@ -190,12 +185,12 @@ int32_t TsLayout_getGlyphInfo(const TsLayout* layout, uint32_t line, uint32_t gl
 
 void TsLayout_delete(TsLayout* layout)
 {
-    drop(layout);
+    delete layout;
 }
 
 TsGlyph* TsGlyph_new(const TsGlyphCalls* calls, void* user)
 {
-    return make<TsGlyph>({calls, user});
+    return refused() != 0 ? nullptr : new TsGlyph{{}, calls, user};
 }
 
 void TsPoint_setCoords(TsPoint* point, int32_t x, int32_t y)
