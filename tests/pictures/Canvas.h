@@ -31,17 +31,28 @@ inline Pixel texelAt(int32_t x, int32_t y)
 // An anti-aliased context over a square of slanted stripes, filling in blue, and a small image.
 // Text comes from the fake engines.
 struct Canvas : FreshEngine {
-    Canvas()
+    Canvas() : pixels(kSide * kSide)
     {
-        for (int32_t i = 0; i < kSide * kSide; ++i)
-            pixels.push_back((i % kSide + i / kSide) / 8 % 2 != 0 ? 0xFFFFFFFF : 0xFFCFE0D0);
         for (int32_t i = 0; i < 12 * 10; ++i)
             texels.push_back(texelAt(i % 12, i / 12));
-        image = {12, 10, 48, 0, texels.data(), 1};
         context.target = {kSide, kSide, kSide * 4, kSand, pixels.data(), 0};
         context.clipRight = context.clipBottom = kSide;
         context.antiAlias = 1;
         solid(kBlue);
+        initialState.assign(state(), stateEnd());
+        reset();
+    }
+
+    // All as it was at first, but for the context's memory.
+    void reset()
+    {
+        for (int32_t i = 0; i < kSide * kSide; ++i)
+            pixels[static_cast<size_t>(i)] =
+                (i % kSide + i / kSide) / 8 % 2 != 0 ? 0xFFFFFFFF : 0xFFCFE0D0;
+        image = {12, 10, 48, 0, texels.data(), 1};
+        void* const layoutControl = context.layoutControl;
+        std::copy(initialState.begin(), initialState.end(), state());
+        context.layoutControl = layoutControl;
     }
 
     void hard() { context.antiAlias = 0; }
@@ -187,6 +198,11 @@ struct Canvas : FreshEngine {
         context.drawImage(&image, fx(x), fx(y), fx(w), fx(h), offsetByPosition);
     }
 
+    // The context's fields behind those that hold its memory.
+    char* state() { return reinterpret_cast<char*>(&context.strokePaint); }
+    char* stateEnd() { return reinterpret_cast<char*>(&context + 1); }
+
+    std::vector<char> initialState;
     std::vector<Pixel> pixels;
     std::vector<Pixel> texels;
     MMPixmap image; // 12 by 10 texels, rings that fade to the right

@@ -1,8 +1,7 @@
 // Work stays in proportion to what is seen of a drawing and to the length of a text, however far
 // images are magnified. It is counted, not timed.
-#include "tests/robustness/SmallScene.h"
+#include "tests/pictures/Canvas.h"
 #include "tests/support/FakeLayoutEngine.h"
-#include "tests/support/TextScene.h"
 
 #include <gtest/gtest.h>
 
@@ -31,22 +30,23 @@ __wrap__ZN4KAVO10Graphics2D11MMContext2D21drawBiLinPatternStripEv(MMContext2D* c
 
 } // extern "C"
 
-namespace robust {
+namespace pictures {
 namespace {
 
 TEST(BoundedWork, AnImageMagnifiedAMillionTimesTakesTheVisiblePixelsOnly)
 {
     for (const Degrees angle : {0, fx(30), fx(90), fx(181)})
         for (const bool throughTransform : {false, true}) {
-            SmallScene scene;
+            Canvas scene;
             MMContext2D& c = scene.context;
-            c.antiAlias = 0;
+            scene.hard();
+            scene.image.pixmapExtra = 0;
             spans = 0;
             spanPixels = 0;
             if (throughTransform) {
                 c.transform = {fx(32767), 0, 0, fx(32767), 0, 0}; // the most that a matrix holds
                 c.transform.rotate(angle);
-                c.drawImage(&scene.image, fx(-4), fx(-4), fx(8), fx(8), 0);
+                scene.drawImage(-4, -4, 8, 8);
             } else {
                 // A 32nd of a texel over 32,767 pixels.
                 const MMFixedRegion from = {0, 0, 0x800, 0x800};
@@ -87,4 +87,4 @@ TEST(BoundedWork, AHundredThousandCharactersTakeAGlyphForEachOnceAndAFewCallsEac
 }
 
 } // namespace
-} // namespace robust
+} // namespace pictures

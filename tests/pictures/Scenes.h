@@ -1,0 +1,273 @@
+// Small pictures with everything that the library can draw.
+#pragma once
+
+#include "graphics2d/RegionFlush.h"
+#include "math/FixedMath.h"
+#include "tests/pictures/Canvas.h"
+
+namespace pictures {
+
+// Pick points on a grid; those that are covered are marked.
+inline void picking(Canvas& c)
+{
+    c.solid(0, kPaintPicking);
+    for (int32_t i = 0; i < 24 * 24; ++i) {
+        const int32_t x = 2 + 4 * (i % 24), y = 2 + 4 * (i / 24);
+        c.context.pickX = x * kFixedOne, c.context.pickY = y * kFixedOne;
+        c.context.pickHit = 0;
+        c.star();
+        if (c.context.pickHit != 0) c.mark(x, y);
+    }
+}
+
+// What callers may use for rows of their own.
+inline void translucentStrips(Canvas& c)
+{
+    for (int32_t y = 8; y < 88; ++y) {
+        c.context.spanPixels = &c.pixels[static_cast<size_t>(y * kSide)];
+        c.context.spanStart = fx(y / 3.0), c.context.spanEnd = fx(96 - y / 4.0);
+        c.context.currentPaint.paintColour = y % 16 < 8 ? kRed : 0x40457B9D;
+        c.context.currentPaint.paintOpacity = static_cast<uint8_t>(3 * y);
+        c.context.drawTransStrip();
+    }
+}
+
+inline void pan(Canvas& c)
+{
+    c.star();
+    panPixmap(&c.context.target, 13, -7);
+    MMG_flushRegion(&c.context.target, 70, 60, 100, 20, 0x80E63946);
+    panPixmap(&c.context.target, -5, 10);
+}
+
+template <MMPatternFilter filter>
+void turnedImage(Canvas& c)
+{
+    c.context.patternFilter = filter;
+    c.place(5.4, 2.5, -2.1, 4.5, 25.5, 5.25), c.drawImage(0, 0, 12, 10);
+    c.context.imageOpacity = 110;
+    c.place(2, 0, 0, 2, 66, 70), c.drawImage(0, 0, 12, 10);
+}
+
+// At 1:1, cut out by the rectangle, shrunk, and mirrored.
+inline void placedImages(Canvas& c)
+{
+    c.drawImage(8, 8, 12, 10, 1), c.drawImage(0, 40, 48, 30);
+    c.place(0.55, 0, 0, 0.7, 60, 20), c.drawImage(0, 0, 12, 10);
+    c.place(-3, 0, 0, 3, 92, 50), c.drawImage(0, 0, 12, 10);
+}
+
+template <MMPatternFilter filter>
+void imageParts(Canvas& c)
+{
+    const auto draw = [&c](const MMFixedRegion& from, const MMFixedRegion& to, Degrees turn) {
+        const MMPixmap destination = c.context.target;
+        c.context.drawImage(&c.image, &from, &destination, &to, turn);
+    };
+    c.context.patternFilter = filter;
+    draw({0, 0, fx(12), fx(10)}, {fx(4), fx(4), fx(60), fx(40)}, 0);
+    c.context.imageOpacity = 150;
+    c.context.currentPaint.patternHasAlpha = 1;
+    draw({fx(3), fx(2), fx(9.5), fx(8)}, {fx(50), fx(88.5), fx(90), fx(60)}, fx(30));
+}
+
+inline void slivers(Canvas& c)
+{
+    const auto onCircle = [](double angle) -> MMPoint2D {
+        return {fx(48) + 46 * fixCos(fx(angle)), fx(48) + 46 * fixSin(fx(angle))};
+    };
+    for (int32_t i = 0; i < 24; ++i)
+        c.polygon({at(48, 48), onCircle(15 * i), onCircle(15 * i + 1)});
+    for (int32_t i = 0; i < 9; ++i)
+        c.polygon({at(3, 6 + 10 * i), at(93, 6 + 10.25 * i), at(93, 6.25 + 10.375 * i)});
+}
+
+inline void clipped(Canvas& c)
+{
+    c.context.clipLeft = 21, c.context.clipTop = 17;
+    c.context.clipRight = 77, c.context.clipBottom = 63;
+    c.linear(), c.blob(), c.solid(kRed), c.opacity(150), c.stroke(14), c.zigzag();
+    c.place(4, 0, 0, 4, 0, 0), c.drawImage(5, 5, 30, 30, 1);
+}
+
+// Points and directions every 8.5 units along a path.
+inline void positions(Canvas& c)
+{
+    EncodedPath path;
+    path.points({at(10, 90)})
+        .curves({at(0, 20), at(60, 0), at(50, 50)})
+        .points({at(80, 60)}, EncodedPath::kOpen)
+        .points({at(60, 10), at(90, 10), at(90, 40)}, EncodedPath::kClosed);
+    c.stroke(0.5), c.path(path);
+    const std::vector<uint32_t> stored = path.stored();
+    MMPathPos pos = {};
+    pos.path = stored.data();
+    for (int32_t i = 0; i < 28; ++i) {
+        Degrees direction = 0;
+        c.context.getPathPos(pos, fx(8.5 * i), &direction);
+        const MMPoint2D p = pos.current;
+        c.line({p, {p.x - 5 * fixSin(direction), p.y + 5 * fixCos(direction)}});
+        c.mark(fixFloor(p.x), fixFloor(p.y));
+    }
+}
+
+template <MMJoinStyle join, MMCapStyle cap>
+void dashed(Canvas& c)
+{
+    static const Fixed dashes[] = {fx(9), fx(6.5), fx(0), fx(6.5)};
+    c.context.dashArray = dashes;
+    c.context.dashCount = 4;
+    c.context.dashOffset = fx(3.25) * (cap + 1);
+    c.solid(kNight), c.stroke(4, join, cap), c.zigzag(cap == kCapButt);
+    MMPoint2D centre = at(30, 70);
+    c.context.drawCircularArc(&centre, fx(20), 0, fx(300), 0, 1);
+    c.context.drawEllipticalRect(fx(48), fx(48), fx(44), fx(44), fx(10), fx(16));
+}
+
+template <int tenths>
+void mitered(Canvas& c)
+{
+    c.context.miterLimit = fx(tenths / 10.0);
+    c.stroke(5);
+    for (int32_t i = 0; i < 6; ++i)
+        c.line({at(6, 10 + 14 * i), at(48 + 4 * i, 8 + 15 * i), at(6, 12 + 16 * i)});
+}
+
+// Lines without length, and short ones: nothing, dots and squares by the cap.
+inline void dots(Canvas& c)
+{
+    c.stroke(11);
+    for (uint8_t cap = 0; cap < 3; ++cap) {
+        c.context.capStyle = cap;
+        for (int32_t i = 0; i < 4; ++i)
+            c.line({at(14 + 22 * i, 16 + 30 * cap), at(14 + 24 * i, 16 + 30 * cap + i)}, i == 3);
+    }
+}
+
+// Characters placed and turned one by one; a slant, anchors, and a clip rectangle that cuts them.
+inline void placedText(Canvas& c)
+{
+    static const Fixed xs[] = {fx(6), fx(26.5), fx(50), fx(70)};
+    static const Fixed ys[] = {fx(20), fx(26), fx(32), fx(20.5)};
+    static const Degrees turns[] = {0, fx(30), fx(90), fx(200)};
+    MMContext2D& context = c.context;
+    context.charX = xs, context.charY = ys, context.charRotate = turns;
+    context.charXCount = context.charYCount = context.charRotateCount = 4;
+    c.text(u"gagi", 0, 0, 13);
+    context.charXCount = context.charYCount = context.charRotateCount = 0;
+    context.clipRight = 80, context.clipBottom = 84;
+    context.fontStyle = kFontItalic;
+    for (context.textAnchor = 0; context.textAnchor < 3; ++context.textAnchor)
+        c.text(u"ig", 48, 60 + 15 * static_cast<int32_t>(context.textAnchor), 13);
+}
+
+inline void wrappedText(Canvas& c)
+{
+    c.context.fontSize = fx(9);
+    c.context.updateFont();
+    c.context.penY = fx(14);
+    c.context.wrapWidth = fx(70);
+    c.context.wrapOffsetX = fx(8);
+    c.context.textDecoration = 1;
+    c.context.drawWrappedText(Text(u"gag aga iii gggg ai gagagagagaga ig").data(), 0, 0);
+}
+
+struct Scene {
+    const char* name;
+    void (*draw)(Canvas&);
+};
+
+const Scene kScenes[] = {
+    // Paints.
+    {"solid", [](Canvas& c) { c.star(); }},
+    {"solid-translucent", [](Canvas& c) { c.opacity(120), c.star(); }},
+    {"solid-alpha-colour", [](Canvas& c) { c.solid(0x60E63946), c.star(); }},
+    {"solid-hard-edges", [](Canvas& c) { c.hard(), c.opacity(200), c.star(); }},
+    {"solid-on-transparent",
+     [](Canvas& c) {
+         c.pixels.assign(c.pixels.size(), 0);
+         c.star(), c.solid(kRed), c.opacity(128), c.place(1, 0, 0, 1, 7.25, 4.5), c.star();
+     }},
+    {"exclusive-or",
+     [](Canvas& c) {
+         c.solid(0x00FF7F40, kPaintXOR), c.star(), c.hard(), c.place(1, 0, 0, 1, 6, 6), c.star();
+     }},
+    {"picking", picking},
+    {"translucent-strips", translucentStrips},
+    {"linear", [](Canvas& c) { c.linear(), c.star(); }},
+    {"linear-translucent", [](Canvas& c) { c.linear(), c.opacity(130), c.star(); }},
+    {"linear-alpha-stops", [](Canvas& c) { c.linear(true), c.star(); }},
+    {"linear-hard-edges", [](Canvas& c) { c.hard(), c.linear(true), c.opacity(200), c.star(); }},
+    {"linear-skewed", [](Canvas& c) { c.place(.8, 0, .3, 1.1, 0, 0), c.linear(), c.star(); }},
+    {"radial", [](Canvas& c) { c.radial(), c.star(); }},
+    {"radial-translucent", [](Canvas& c) { c.radial(), c.opacity(130), c.star(); }},
+    {"radial-alpha-stops", [](Canvas& c) { c.radial(true), c.star(); }},
+    {"radial-elliptical", [](Canvas& c) { c.place(1, .2, 0, .7, 0, 0), c.radial(), c.star(); }},
+    {"pattern-nearest", [](Canvas& c) { c.pattern(kFilterNearest), c.star(); }},
+    {"pattern-nearest-t",
+     [](Canvas& c) { c.pattern(kFilterNearest, true), c.opacity(150), c.star(); }},
+    {"pattern-bilinear", [](Canvas& c) { c.pattern(kFilterBilinear), c.star(); }},
+    {"pattern-bilinear-t",
+     [](Canvas& c) { c.pattern(kFilterBilinear, true), c.opacity(150), c.star(); }},
+    {"pattern-bicubic", [](Canvas& c) { c.pattern(kFilterBicubic), c.star(); }},
+    {"pattern-bicubic-t",
+     [](Canvas& c) { c.pattern(kFilterBicubic, true), c.opacity(150), c.star(); }},
+    // Images and regions.
+    {"image-nearest", turnedImage<kFilterNearest>},
+    {"image-bilinear", turnedImage<kFilterBilinear>},
+    {"image-bicubic", turnedImage<kFilterBicubic>},
+    {"image-placed", placedImages},
+    {"image-parts-nearest", imageParts<kFilterNearest>},
+    {"image-parts-bilinear", imageParts<kFilterBilinear>},
+    {"image-parts-bicubic", imageParts<kFilterBicubic>},
+    {"pan", pan},
+    // Shapes.
+    {"tangle-non-zero", [](Canvas& c) { c.tangle(40, 4, 88); }},
+    {"tangle-even-odd", [](Canvas& c) { c.evenOdd(), c.opacity(190), c.tangle(40, 4, 88); }},
+    {"tangle-hard-edges", [](Canvas& c) { c.evenOdd(), c.hard(), c.tangle(25, 4, 88); }},
+    {"tangle-squeezed", [](Canvas& c) { c.tangle(90, 46, 2); }},
+    {"slivers", slivers},
+    {"curves", [](Canvas& c) { c.stroke(3), c.solid(kSand), c.opacity(200), c.blob(); }},
+    {"curves-magnified", [](Canvas& c) { c.place(40, 0, 0, 37, -352, -1802), c.blob(); }},
+    {"clipped", clipped},
+    {"round-rectangles", [](Canvas& c) { c.roundRectangles(); }},
+    {"round-rectangles-stroked", [](Canvas& c) { c.stroke(3), c.roundRectangles(); }},
+    {"arcs-chord", [](Canvas& c) { c.arcs(0, 0); }},
+    {"arcs-pie", [](Canvas& c) { c.arcs(1, 0); }},
+    {"arcs-open", [](Canvas& c) { c.arcs(0, 1); }},
+    {"path-positions", positions},
+    // Strokes.
+    {"joins-miter", [](Canvas& c) { c.solid(kNight), c.opacity(170), c.stroke(9), c.zigzag(); }},
+    {"joins-round", [](Canvas& c) { c.stroke(9, kJoinRound, kCapRound), c.zigzag(); }},
+    {"joins-bevel", [](Canvas& c) { c.stroke(9, kJoinBevel, kCapSquare), c.zigzag(); }},
+    {"stroke-closed", [](Canvas& c) { c.stroke(6, kJoinMiter), c.zigzag(true); }},
+    {"stroke-wide", [](Canvas& c) { c.stroke(40, kJoinRound), c.zigzag(); }},
+    {"stroke-thin", [](Canvas& c) { c.stroke(0.2), c.zigzag(), c.hard(), c.zigzag(true); }},
+    {"stroke-hard-edges",
+     [](Canvas& c) { c.hard(), c.stroke(7, kJoinMiter, kCapRound), c.zigzag(); }},
+    {"stroke-skewed",
+     [](Canvas& c) {
+         c.place(1.3, .2, -.5, .4, 20, 20), c.stroke(12, kJoinRound, kCapRound), c.zigzag();
+     }},
+    {"stroke-curves", [](Canvas& c) { c.opacity(140), c.stroke(16), c.blob(); }},
+    {"stroke-linear", [](Canvas& c) { c.linear(), c.stroke(9, kJoinRound), c.zigzag(); }},
+    {"stroke-radial",
+     [](Canvas& c) { c.hard(), c.radial(), c.opacity(160), c.stroke(9, kJoinRound), c.zigzag(); }},
+    {"stroke-pattern", [](Canvas& c) { c.pattern(kFilterBilinear), c.stroke(9), c.zigzag(true); }},
+    {"miter-limit-3", mitered<30>},
+    {"miter-limit-20", mitered<200>},
+    {"dots", dots},
+    {"dashes-butt", dashed<kJoinMiter, kCapButt>},
+    {"dashes-round", dashed<kJoinRound, kCapRound>},
+    {"dashes-square", dashed<kJoinBevel, kCapSquare>},
+    // Text.
+    {"text", [](Canvas& c) { c.texts(); }},
+    {"text-translucent", [](Canvas& c) { c.solid(0xC0E63946), c.opacity(170), c.texts(); }},
+    {"text-linear", [](Canvas& c) { c.linear(), c.texts(); }},
+    {"text-radial", [](Canvas& c) { c.radial(true), c.texts(); }},
+    {"text-pattern", [](Canvas& c) { c.pattern(kFilterBilinear), c.texts(); }},
+    {"text-placed", placedText},
+    {"text-wrapped", wrappedText},
+};
+
+} // namespace pictures
