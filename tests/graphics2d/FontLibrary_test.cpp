@@ -6,21 +6,14 @@
 
 namespace {
 
-// An environment variable for one test.
-class Variable {
-public:
-    Variable(const char* name, const char* value) : name_(name)
-    {
-        if (value != nullptr)
-            setenv(name, value, 1);
-        else
-            unsetenv(name);
-    }
-    ~Variable() { unsetenv(name_); }
-
-private:
-    const char* name_;
-};
+// A null value takes the variable out of the environment.
+void setVariable(const char* name, const char* value)
+{
+    if (value != nullptr)
+        setenv(name, value, 1);
+    else
+        unsetenv(name);
+}
 
 } // namespace
 
@@ -61,13 +54,15 @@ TEST(FontLibrary, takesFolderAndCacheBudgetFromTheEnvironment)
     };
     for (const auto& c : cases) {
         FreshEngine fresh;
-        const Variable folder("YBN_RES_FONT_PATH", c.folder);
-        const Variable kilobytes("SVG_FONT_CACHE_KB", c.kilobytes);
+        setVariable("YBN_RES_FONT_PATH", c.folder);
+        setVariable("SVG_FONT_CACHE_KB", c.kilobytes);
         MMContext2D context;
         EXPECT_EQ(fakeFontEngine.fontPath, c.path);
         EXPECT_EQ(context.fontCache.budget, c.budget) << c.kilobytes;
         EXPECT_EQ(context.fontCache.maxEntrySize, 2048u);
     }
+    setVariable("YBN_RES_FONT_PATH", nullptr);
+    setVariable("SVG_FONT_CACHE_KB", nullptr);
 }
 
 TEST(FontLibrary, setsDefaultsWeightAndLines)

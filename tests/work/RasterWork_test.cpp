@@ -1,6 +1,7 @@
 // The work of filling hostile polygons, counted rather than timed: the rasteriser's sources are
 // compiled so that every basic block they run calls back here.
 #include "graphics2d/Rasteriser.h"
+#include "tests/support/UserUnits.h"
 
 #include <gtest/gtest.h>
 
@@ -44,17 +45,12 @@ public:
     }
     Fixed coordinate(double low, double high)
     {
-        return static_cast<Fixed>((low + (high - low) * (random_() / 4294967296.0)) * 65536);
+        return fx(low + (high - low) * (random_() / 4294967296.0));
     }
 
 private:
     std::mt19937 random_{1};
 };
-
-MMPoint2D at(double x, double y)
-{
-    return {static_cast<Fixed>(x * 65536), static_cast<Fixed>(y * 65536)};
-}
 
 // Polygons that once cost, or are likely to cost, the square of their vertices.
 struct Family {
