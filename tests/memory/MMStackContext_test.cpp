@@ -19,19 +19,16 @@ struct Stack : MMStackContext {
 
 // One allocation as the test remembers it, filled with a pattern of its own.
 struct Held {
-    void* words;
+    void** words;
     std::vector<void*> pattern; // with 8-byte pointers a word has room for one
 
     void fill(void* p, uint32_t count, std::mt19937& random)
     {
-        words = p;
+        words = static_cast<void**>(p);
         pattern.assign(count, reinterpret_cast<void*>(uintptr_t{random()} * 0x01000001u));
-        std::memcpy(words, pattern.data(), count * sizeof(void*));
+        std::copy(pattern.begin(), pattern.end(), words);
     }
-    bool isIntact(size_t count) const
-    {
-        return std::memcmp(words, pattern.data(), count * sizeof(void*)) == 0;
-    }
+    bool isIntact(size_t count) const { return std::equal(words, words + count, pattern.begin()); }
 };
 
 TEST(MMStackContext, KeepsWhatItHolds)
@@ -57,7 +54,7 @@ TEST(MMStackContext, KeepsWhatItHolds)
                 Held& last = held.back();
                 const uint32_t before = static_cast<uint32_t>(last.pattern.size());
                 used += n - before;
-                last.words = stack.ReAlloc(last.words, n);
+                last.words = static_cast<void**>(stack.ReAlloc(last.words, n));
                 ASSERT_NE(last.words, nullptr);
                 ASSERT_TRUE(last.isIntact(std::min(n, before)));
                 last.fill(last.words, n, random);
