@@ -81,6 +81,7 @@ private:
     void setFont(const Style& style, const PathSpace& space);
     bool setTextPaint(const Style& style, State state, const Box& bounds, double overhang);
     void noteMissingGlyphs(const TextContent& content);
+    bool affordsGlyphs(const TextContent& content, const PathSpace& space);
 
     // Set up the context's paints for something with these bounds in user space; false when they
     // paint nothing.
@@ -114,6 +115,7 @@ private:
     PaintStore strokeStore_;
     std::vector<Fixed> dashes_;
     std::set<uint16_t> charactersMet_; // by noteMissingGlyphs
+    double glyphPixels_ = 0;           // of large glyphs, by affordsGlyphs
     Picture shadow_;                   // for ShiftedTarget
     Box bounds_;
     size_t elementsLeft_;

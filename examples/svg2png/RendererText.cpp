@@ -18,6 +18,11 @@ constexpr double kLineSpacing = 1.2;
 
 constexpr size_t kMostPerRun = 0xFFFF; // renderText counts in 16 bits
 
+// Glyphs that do not fit the glyph cache are rendered whenever they are met, whole, however little
+// of them is seen: a drawing gets as many pixels of them as four of the largest pictures have.
+constexpr double kLargeGlyph = 256; // pixels an em
+constexpr double kMostGlyphPixels = 4.0 * kLargestSide * kLargestSide;
+
 // A new chunk begins where an absolute position is given; text-anchor places chunks.
 bool beginsChunk(const TextCharacter& character)
 {
@@ -48,7 +53,7 @@ void Renderer::drawText(pugi::xml_node node, const State& state)
 {
     const TextContent content = readText(node, state.style, state.viewport);
     const std::optional<PathSpace> space = PathSpace::make(state.toDevice, pictureCentre());
-    if (!space || content.characters.empty()) return;
+    if (!space || content.characters.empty() || !affordsGlyphs(content, *space)) return;
     context_.transform = space->transform; // text takes no part in the half-pixel shift
     noteMissingGlyphs(content);
 
@@ -100,6 +105,21 @@ void Renderer::drawText(pugi::xml_node node, const State& state)
         style = run.style;
         if (painted) drawRun(run, state);
     }
+}
+
+bool Renderer::affordsGlyphs(const TextContent& content, const PathSpace& space)
+{
+    double pixels = glyphPixels_;
+    for (const TextCharacter& character : content.characters) {
+        const double em = content.styles[character.style].fontSize * space.pixelSize;
+        if (!(em <= kLargeGlyph)) pixels += em * em;
+    }
+    if (!(pixels <= kMostGlyphPixels)) {
+        shortcomings_.insert("very large text");
+        return false;
+    }
+    glyphPixels_ = pixels;
+    return true;
 }
 
 void Renderer::noteMissingGlyphs(const TextContent& content)
@@ -185,7 +205,7 @@ void Renderer::drawTextArea(pugi::xml_node node, const State& state)
 {
     const TextContent content = readText(node, state.style, state.viewport);
     const std::optional<PathSpace> space = PathSpace::make(state.toDevice, pictureCentre());
-    if (!space || content.characters.empty()) return;
+    if (!space || content.characters.empty() || !affordsGlyphs(content, *space)) return;
     noteMissingGlyphs(content);
     if (content.styles.size() > 1) shortcomings_.insert("style of a span in a text area");
     const Style& style = state.style;

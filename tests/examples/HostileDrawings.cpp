@@ -104,6 +104,32 @@ TEST(HostileDrawings, UsesWithoutEnd)
     renderIfItParses(tower + "</defs><use xlink:href='#n20'/></svg>");
 }
 
+// A glyph is rendered whole, however little of it is seen.
+TEST(HostileDrawings, MoreHugeLettersThanThePictureIsWorth)
+{
+    const auto isLeftOut = [](int letters, const std::string& attributes) {
+        SvgDocument document;
+        const std::string word(static_cast<size_t>(letters), 'm');
+        for (const char* element : {"text", "textArea"}) {
+            const std::string name = element;
+            EXPECT_EQ(document.parse("<svg width='48' height='48'><" + name +
+                                     " width='9' height='9' " + attributes + ">" + word + "</" +
+                                     name + "></svg>"),
+                      "");
+            Picture picture(kSide, kSide, 0xFFFFFFFF);
+            Renderer renderer(document, picture, RenderOptions{});
+            renderer.draw({kSide, kSide});
+            if (renderer.shortcomings().count("very large text") == 0) return false;
+        }
+        return true;
+    };
+    EXPECT_TRUE(isLeftOut(300, "font-size='1000'"));
+    EXPECT_TRUE(isLeftOut(300, "font-size='1' transform='scale(1000)'"));
+    EXPECT_TRUE(isLeftOut(1, "font-size='1e30'"));
+    EXPECT_FALSE(isLeftOut(20, "font-size='1000'"));
+    EXPECT_FALSE(isLeftOut(10000, "font-size='200'"));
+}
+
 TEST(HostileDrawings, DeeplyNestedGroups)
 {
     std::string text = "<svg>";
