@@ -81,7 +81,7 @@ TEST(TextDrawing, placesCharactersByTheirIndexInAllLines)
     scene.context.charX = xs;
     scene.context.charY = ys;
     scene.context.charXCount = scene.context.charYCount = 3;
-    Text first(u"a"), second(u"bcd"); // d runs on behind c
+    Text first(u"ab"), second(u"cd"); // d runs on behind c
     uint16_t* lines[] = {first.data(), second.data()};
     scene.context.drawText(lines, 2, 0, 0);
     for (const auto& [x, y] : {std::pair{5, 15}, {30, 30}, {55, 45}, {67, 45}}) {
@@ -184,7 +184,7 @@ TEST(WrappedText, measuresWithoutTheListsOfCharacters)
 {
     TextScene scene(10, 10);
     MMContext2D& context = scene.context;
-    const Fixed places[] = {fx(1), fx(2)};
+    const Fixed places[] = {fx(-90), fx(-90)}; // which would leave characters without width
     context.charX = context.charY = context.charRotate = places;
     context.charXCount = context.charYCount = context.charRotateCount = 2;
     MMTextLayout* layout = context.createTextLayout(Text(u"aa bb").data(), 30);

@@ -214,6 +214,17 @@ TEST(TextRendering, everyPaintTypeDrawsOrKeepsAway)
     }
 }
 
+TEST(TextRendering, italicsLeanToTheRight)
+{
+    TextScene scene(20, 20);
+    scene.context.fontStyle = kFontItalic;
+    scene.draw(u"a", 0, 15);
+    EXPECT_EQ(fakeFontEngine.scale.xx, fx(12));
+    EXPECT_NEAR(fakeFontEngine.scale.xy, fx(12 * 0.36397), 12); // tan 20 degrees, y up
+    EXPECT_EQ(fakeFontEngine.scale.yx, 0);
+    EXPECT_EQ(fakeFontEngine.scale.yy, fx(12));
+}
+
 TEST(TextRendering, aGlyphIsMadeOnceForEachSizeMatrixCharacterAndWeight)
 {
     static const Degrees turns[] = {30 * kFixedOne, 390 * kFixedOne, -330 * kFixedOne};

@@ -78,7 +78,7 @@ TEST(Matrix2D, InvertComesBackWithinAUnitOrSo)
     expectNear(0, {}, invert, {});
     expectNear(0, {kFixedOne, 0x20000, 0x20000, 0x40000, 5, 6}, invert, {});
     // log2 of b and c add up to 40, so a' and d' cannot be formed; a d / b is 0 or 1.
-    expectNear(0, {1, 1 << 20, 1 << 20, 1, 0, 0}, invert, {0, 0xFFF, 0xFFF, 0, 0, 0});
+    expectNear(0, {1, 1 << 20, 0x100400, 1, 0, 0}, invert, {0, 0xFFC, 0xFFF, 0, 0, 0});
 }
 
 TEST(Matrix2D, EveryArgumentOfAProductMayBeItsTarget)

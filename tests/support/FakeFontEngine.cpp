@@ -10,10 +10,6 @@ FakeFontEngine fakeFontEngine;
 
 namespace {
 
-struct Scale {
-    int32_t xx, xy, yx, yy;
-} scale;
-
 // 1 when the call is to fail.
 int32_t refused(FontCall call)
 {
@@ -85,7 +81,7 @@ int32_t FS_set_bold_pct(void*, int32_t fraction)
 
 int32_t FS_set_scale(void*, int32_t xx, int32_t xy, int32_t yx, int32_t yy)
 {
-    if (!refused(kSetScale)) scale = {xx, xy, yx, yy};
+    if (!refused(kSetScale)) fakeFontEngine.scale = {xx, xy, yx, yy};
     return refused(kSetScale);
 }
 
@@ -93,6 +89,7 @@ void* FS_get_graymap(void*, uint32_t character)
 {
     const bool isSurrogate = character >= 0xD800 && character <= 0xDFFF;
     if (refused(kGetGlyph) || refused(kAddFont) || character < ' ' || isSurrogate) return nullptr;
+    const FakeFontEngine::Scale& scale = fakeFontEngine.scale;
     const int32_t parts = character == 'i' ? 2 : 1;
     const int64_t width = character == ' ' ? 0 : pixelsOf(scale.xx, scale.xy) / parts;
     const int64_t height = character == ' ' ? 0 : pixelsOf(scale.yy, scale.yx);

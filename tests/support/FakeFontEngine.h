@@ -27,6 +27,10 @@ enum FontCall : uint32_t {
 };
 
 struct FakeFontEngine {
+    struct Scale {
+        int32_t xx, xy, yx, yy;
+    };
+
     uint32_t refused = 0; // bit n: FontCall n fails
 
     // What has happened.
@@ -35,6 +39,7 @@ struct FakeFontEngine {
     int32_t glyphsMade = 0;
     int32_t glyphsAlive = 0;
     int32_t boldFraction = -1;
+    Scale scale = {};
     std::string fontPath;
 };
 
