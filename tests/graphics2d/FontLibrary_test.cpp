@@ -96,10 +96,9 @@ TEST(FontLibrary, setsDefaultsWeightAndLines)
 TEST(FontLibrary, withoutGlyphsNothingIsDrawn)
 {
     for (FontCall refused : {kAddFont, kGetGlyph}) {
-        TextScene scene(20, 20, 1u << refused);
-        const std::vector<Pixel> before = scene.picture();
+        TextScene scene(20, 1u << refused);
         scene.draw(u"agc", 0, 15);
-        EXPECT_EQ(scene.picture(), before) << refused;
+        EXPECT_TRUE(scene.blank()) << refused;
         EXPECT_NEAR(scene.context.penX, 0, 4) << refused;
     }
 }
@@ -107,7 +106,7 @@ TEST(FontLibrary, withoutGlyphsNothingIsDrawn)
 TEST(FontLibrary, aContextWithoutMemoryForItsMetricsEndsTheEngineUnderTheOthers)
 {
     FreshEngine fresh;
-    TextScene scene(20, 20);
+    TextScene scene(20);
     {
         MMContext2D poor;
         poor.releaseFontLib();
@@ -119,8 +118,7 @@ TEST(FontLibrary, aContextWithoutMemoryForItsMetricsEndsTheEngineUnderTheOthers)
     }
     EXPECT_EQ(fontEngineUsers, 0);
     EXPECT_EQ(fakeFontEngine.exits, 1);
-    const std::vector<Pixel> before = scene.picture();
     scene.draw(u"abc", 0, 15); // without an engine
     scene.context.updateFont();
-    EXPECT_EQ(scene.picture(), before);
+    EXPECT_TRUE(scene.blank());
 }

@@ -178,9 +178,8 @@ struct Canvas : FreshEngine {
 
     void text(const char16_t* units, int32_t x, int32_t y, double size)
     {
-        Text copy(units);
         context.fontSize = fx(size);
-        context.drawText(copy.data(), x * kFixedOne, y * kFixedOne);
+        context.drawText(Text(units).data(), x * kFixedOne, y * kFixedOne);
     }
 
     void texts()

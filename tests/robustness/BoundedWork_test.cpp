@@ -63,7 +63,7 @@ TEST(BoundedWork, AnImageMagnifiedAMillionTimesTakesTheVisiblePixelsOnly)
 TEST(BoundedWork, AHundredThousandCharactersTakeAGlyphForEachOnceAndAFewCallsEach)
 {
     constexpr uint32_t kCount = 100000;
-    TextScene scene(40, 40);
+    TextScene scene(40);
     MMContext2D& c = scene.context;
     c.fontSize = 2 * kFixedOne;
     c.wrapWidth = 30 * kFixedOne;

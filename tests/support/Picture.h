@@ -34,7 +34,9 @@ struct Picture {
         EXPECT_EQ(context.scratchStack.usedWords, wordsKept);
     }
 
-    Pixel at(int x, int y) const { return pixels[static_cast<size_t>((y + kGuard) * size + x)]; }
+    size_t indexOf(int x, int y) const { return static_cast<size_t>((y + kGuard) * size + x); }
+    Pixel at(int x, int y) const { return pixels[indexOf(x, y)]; }
+    void fill(Pixel colour) { std::fill_n(pixels.begin() + size * kGuard, size * size, colour); }
     int coverage(int x, int y) const { return 255 - static_cast<int>(at(x, y) & 0xFF); }
     bool blank() const
     {

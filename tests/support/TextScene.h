@@ -1,9 +1,10 @@
-// A context over a small picture with guard bands, for text drawn by the fake font engine.
+// Texts, and a picture of them as the fake font engine draws them.
 #pragma once
 
 #include "graphics2d/FontLibrary.h"
 #include "graphics2d/MMContext2D.h"
 #include "tests/support/FakeFontEngine.h"
+#include "tests/support/Picture.h"
 
 #include <algorithm>
 #include <string>
@@ -51,48 +52,11 @@ private:
 };
 
 // With an identity transform and a whole font size, glyphs are fontSize pixels square.
-struct TextScene : FreshEngine {
-    static constexpr int32_t kGuard = 100; // words before and after the picture
-    static constexpr Pixel kGuardPixel = 0xDEADBEEF;
-
-    TextScene(uint16_t width, uint16_t height, uint32_t refused = 0)
-        : FreshEngine(refused), words(static_cast<size_t>(width) * height + 2 * kGuard, kGuardPixel)
-    {
-        context.target = {width, height, width * 4u, 0xFFFFFFFF, words.data() + kGuard, 0};
-        context.clipRight = static_cast<int16_t>(width);
-        context.clipBottom = static_cast<int16_t>(height);
-        fill(0xFFFFFFFF);
-    }
-
-    void fill(Pixel ground) { storePicture(std::vector<Pixel>(pixelCount(), ground)); }
-
-    std::vector<Pixel> picture() const { return {words.begin() + kGuard, words.end() - kGuard}; }
-
-    void storePicture(const std::vector<Pixel>& pixels)
-    {
-        std::copy(pixels.begin(), pixels.end(), words.begin() + kGuard);
-    }
-
-    Pixel at(int32_t x, int32_t y) const
-    {
-        return words[static_cast<size_t>(kGuard + y * context.target.width + x)];
-    }
-
-    bool guardsIntact() const
-    {
-        for (size_t i = 0; i < static_cast<size_t>(kGuard); ++i)
-            if (words[i] != kGuardPixel || words[words.size() - 1 - i] != kGuardPixel) return false;
-        return true;
-    }
+struct TextScene : FreshEngine, Picture {
+    explicit TextScene(int side, uint32_t refused = 0) : FreshEngine(refused), Picture(side) {}
 
     void draw(const char16_t* s, int32_t x, int32_t y)
     {
-        Text text(s);
-        context.drawText(text.data(), x * kFixedOne, y * kFixedOne);
+        context.drawText(Text(s).data(), x * kFixedOne, y * kFixedOne);
     }
-
-    size_t pixelCount() const { return words.size() - 2 * kGuard; }
-
-    std::vector<Pixel> words;
-    MMContext2D context;
 };
