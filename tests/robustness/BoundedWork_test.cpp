@@ -54,6 +54,7 @@ TEST(BoundedWork, AnImageMagnifiedAMillionTimesTakesTheVisiblePixelsOnly)
                 const MMPixmap target = c.target;
                 c.drawImage(&scene.image, &from, &target, &to, angle);
             }
+            EXPECT_GT(spans, 0u) << angle;
             EXPECT_LE(spans, uint32_t{kSide}) << angle;
             EXPECT_LE(spanPixels, int64_t{kSide} * kSide) << angle;
             EXPECT_LE(c.scratchStack.peakWords, 1024u);
