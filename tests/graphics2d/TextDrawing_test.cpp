@@ -175,6 +175,16 @@ TEST(WrappedText, drawsLineByLineAndLeavesThePenBelow)
     EXPECT_EQ(context.strokeHalfWidth, fx(12) / 16);
     EXPECT_EQ(context.boundsMinY, 0);
     EXPECT_GT(context.boundsMaxY, fx(37));
+    EXPECT_NE(scene.at(20, 38), TextScene::kBlank);
+    // It may be dashed.
+    const Fixed dashes[] = {fx(5), fx(100)};
+    context.dashArray = dashes;
+    context.dashCount = 2;
+    context.penY = 0;
+    scene.fill(TextScene::kBlank);
+    context.drawWrappedText(text.data(), 0, 0);
+    EXPECT_NE(scene.at(6, 38), TextScene::kBlank);
+    EXPECT_EQ(scene.at(20, 38), TextScene::kBlank);
     context.lineHeight = 15;
     context.drawWrappedText(text.data(), 0, 0);
     EXPECT_EQ(context.strokeHalfWidth, kFixedHalf); // a 24th of the font size
