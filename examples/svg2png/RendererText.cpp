@@ -56,6 +56,8 @@ void Renderer::drawText(pugi::xml_node node, const State& state)
     if (!space || content.characters.empty() || !affordsGlyphs(content, *space)) return;
     context_.transform = space->transform; // text takes no part in the half-pixel shift
     noteMissingGlyphs(content);
+    const auto isOnPath = [](pugi::xml_node n) { return localName(n.name()) == "textPath"; };
+    if (node.find_node(isOnPath)) shortcomings_.insert("path under a text");
 
     std::vector<TextRun> runs;
     size_t chunk = 0; // first run of the chunk
@@ -77,10 +79,11 @@ void Renderer::drawText(pugi::xml_node node, const State& state)
             run.text.push_back(characters[i].code);
             ++i;
         } while (i < characters.size() && run.text.size() < kMostPerRun &&
-                 !beginsRun(characters[i], characters[i - 1]));
+                 run.style->letterSpacing == 0 && !beginsRun(characters[i], characters[i - 1]));
         setFont(*run.style, *space);
         const auto length = static_cast<uint16_t>(run.text.size());
-        run.width = toDouble(context_.getTextWidth(run.text.data(), length)) / space->scale;
+        run.width = toDouble(context_.getTextWidth(run.text.data(), length)) / space->scale +
+                    run.style->letterSpacing;
         pen.x += run.width; // a turn changes nothing about where the next character stands
         runs.push_back(std::move(run));
     }

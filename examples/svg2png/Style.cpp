@@ -173,6 +173,7 @@ void Style::apply(const Properties& properties, double percentBase)
     static constexpr Keyword<bool> kSlants[] = {
         {"normal", false}, {"italic", true}, {"oblique", true}};
     static constexpr Keyword<int> kAnchors[] = {{"start", 0}, {"middle", 1}, {"end", 2}};
+    static constexpr Keyword<double> kSpacings[] = {{"normal", 0}};
     static constexpr Keyword<bool> kSpaces[] = {{"default", false}, {"preserve", true}};
     static constexpr Keyword<ImageFilter> kFilters[] = {
         {"auto", ImageFilter::Bilinear},           {"optimizeSpeed", ImageFilter::Nearest},
@@ -204,6 +205,8 @@ void Style::apply(const Properties& properties, double percentBase)
     setFontWeight(fontWeight, properties["font-weight"]);
     setKeyword(slanted, properties["font-style"], kSlants);
     setKeyword(textAnchor, properties["text-anchor"], kAnchors);
+    setKeyword(letterSpacing, properties["letter-spacing"], kSpacings);
+    letterSpacing = parseLength(properties["letter-spacing"], lengths, letterSpacing);
     setKeyword(preserveSpace, properties["xml:space"], kSpaces);
     setDecoration(underline, properties["text-decoration"]);
     setKeyword(imageFilter, properties["image-rendering"], kFilters);

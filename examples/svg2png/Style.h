@@ -60,6 +60,7 @@ struct Style {
     int fontWeight = 400;
     bool slanted = false;
     int textAnchor = 0; // 0 start, 1 middle, 2 end
+    double letterSpacing = 0;
     bool preserveSpace = false;
     bool underline = false;
     ImageFilter imageFilter = ImageFilter::Bilinear;

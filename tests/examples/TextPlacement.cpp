@@ -138,6 +138,17 @@ int worstDifference(const Picture& a, const Picture& b)
     return worst;
 }
 
+TEST_F(SvgTextDrawing, LettersStandApartBySpacing)
+{
+    const auto text = [](const char* spacing) {
+        return "<text x='5' y='30'><tspan letter-spacing='" + std::string(spacing) +
+               "'>iii</tspan>i</text>";
+    };
+    const double normal = boundsOf(text("normal")).right;
+    EXPECT_NEAR(boundsOf(text("5")).right, normal + 15, 1);
+    EXPECT_NEAR(boundsOf(text("-1px")).right, normal - 3, 1);
+}
+
 // A gradient or pattern of one colour looks like that colour.
 TEST_F(SvgTextDrawing, EveryPaintReachesAllGlyphsWithItsOpacity)
 {
