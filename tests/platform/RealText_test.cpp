@@ -2,9 +2,9 @@
 #include "examples/common/FontFolder.h"
 #include "graphics2d/MMContext2D.h"
 #include "platform/freetype/LightHinting.h"
+#include "tests/support/Picture.h"
 
 #include <algorithm>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -23,30 +23,20 @@ std::vector<uint16_t> unitsOf(const std::u16string& text)
     return units;
 }
 
-// A context with a picture, drawing in one font.
-struct Page {
-    static constexpr int32_t kWidth = 400;
-    static constexpr int32_t kHeight = 120;
-
-    explicit Page(const char* font)
-        : folder(font), pixels(static_cast<size_t>(kWidth) * kHeight, 0xFFFFFFFF),
-          context(new MMContext2D)
-    {
-        context->target = {kWidth, kHeight, kWidth * 4u, 0xFFFFFFFF, pixels.data(), 0};
-        context->clipRight = kWidth;
-        context->clipBottom = kHeight;
-    }
+// A picture on which one font draws.
+struct Page : FontFolder, Picture {
+    explicit Page(const char* font) : FontFolder(font), Picture(400) {}
 
     Lines lines(const std::u16string& text, int32_t width)
     {
-        MMTextLayout* layout = context->createTextLayout(unitsOf(text).data(), width);
+        MMTextLayout* layout = context.createTextLayout(unitsOf(text).data(), width);
         Lines result;
         for (uint32_t i = 0; layout != nullptr && i < layout->lineCount; ++i) {
             result.emplace_back();
             for (const uint16_t* unit = layout->lines[i]; *unit != 0; ++unit)
                 result.back().push_back(static_cast<char16_t>(*unit));
         }
-        context->destroyTextLayout(layout);
+        context.destroyTextLayout(layout);
         return result;
     }
 
@@ -55,25 +45,21 @@ struct Page {
 
     Fixed width(const std::u16string& text)
     {
-        return context->getTextWidth(unitsOf(text).data(), 65535);
+        return context.getTextWidth(unitsOf(text).data(), 65535);
     }
 
     void draw(const std::u16string& text, int32_t x, int32_t y)
     {
-        context->drawText(unitsOf(text).data(), x * kFixedOne, y * kFixedOne);
+        context.drawText(unitsOf(text).data(), x * kFixedOne, y * kFixedOne);
     }
 
     // The picture of a text on an empty page.
     std::vector<Pixel> picture(const std::u16string& text)
     {
-        std::fill(pixels.begin(), pixels.end(), 0xFFFFFFFF);
+        fill(kBlank);
         draw(text, 10, 60);
         return pixels;
     }
-
-    FontFolder folder;
-    std::vector<Pixel> pixels;
-    std::unique_ptr<MMContext2D> context;
 };
 
 int32_t greyPixels(const std::vector<Pixel>& pixels)
@@ -97,7 +83,7 @@ int64_t ink(const std::vector<Pixel>& pixels)
 TEST(RealGlyphs, areAsHighAndWideAsTheFontSaysAndTurnWithTheTransform)
 {
     Page page(LATIN_FONT);
-    MMContext2D& context = *page.context;
+    MMContext2D& context = page.context;
     context.fontSize = 40 * kFixedOne;
     context.accumulateBounds = 1;
     // 1233 of 2048 units; the inverse of the transform takes 1/65536 off.
@@ -119,11 +105,11 @@ TEST(RealGlyphs, areAsHighAndWideAsTheFontSaysAndTurnWithTheTransform)
 TEST(RealGlyphs, boldOnesAreDarkerAndWider)
 {
     Page page(LATIN_FONT);
-    page.context->fontSize = 24 * kFixedOne;
+    page.context.fontSize = 24 * kFixedOne;
     const int64_t upright = ink(page.picture(u"emHo"));
     const Fixed uprightWidth = page.width(u"emHo");
-    page.context->fontWeight = 7;
-    page.context->updateFont();
+    page.context.fontWeight = 7;
+    page.context.updateFont();
     EXPECT_GT(ink(page.picture(u"emHo")), upright * 5 / 4);
     // Three quarters of a tenth of the em for each character.
     EXPECT_NEAR(page.width(u"emHo") - uprightWidth, 4 * 24 * 0.075 * 65536, 3000);
@@ -136,10 +122,10 @@ TEST(RealGlyphs, lightHintingSharpensHorizontalStrokesOfUprightTextOnly)
     for (const int hinted : {0, 1}) {
         FS_set_light_hinting(hinted);
         Page page(LATIN_FONT); // and a cache of its own
-        page.context->fontSize = 13 * kFixedOne;
+        page.context.fontSize = 13 * kFixedOne;
         upright[hinted] = page.picture(u"EEEHHzzTT");
         widths[hinted] = page.width(u"EEEHHzzTT");
-        page.context->transform = {60000, 20000, -20000, 60000, 0, 0};
+        page.context.transform = {60000, 20000, -20000, 60000, 0, 0};
         turned[hinted] = page.picture(u"EzT");
     }
     FS_set_light_hinting(0);
@@ -151,9 +137,9 @@ TEST(RealGlyphs, lightHintingSharpensHorizontalStrokesOfUprightTextOnly)
 TEST(RealGlyphs, aMissingFontDrawsNothing)
 {
     Page page("no such file");
-    EXPECT_EQ(page.context->fontMetrics[0], 1000);
-    EXPECT_EQ(static_cast<int16_t>(page.context->fontMetrics[10]), -200);
-    EXPECT_EQ(page.context->fontMetrics[12], 800);
+    EXPECT_EQ(page.context.fontMetrics[0], 1000);
+    EXPECT_EQ(static_cast<int16_t>(page.context.fontMetrics[10]), -200);
+    EXPECT_EQ(page.context.fontMetrics[12], 800);
     EXPECT_EQ(page.picture(u"abc"), page.picture(u""));
     EXPECT_EQ(page.lines(u"ab cd", 10), (Lines{u"ab cd"})); // nothing is wide
 }
