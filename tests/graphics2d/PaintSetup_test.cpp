@@ -101,7 +101,8 @@ TEST(PaintSetup, TranslucentLinearRampsFollowTheirAlpha)
 {
     std::mt19937 random(4);
     for (int i = 0; i < 2000; ++i) {
-        const uint32_t alphas[] = {random() % 256, random() % 256};
+        const uint32_t alphas[] = {static_cast<uint32_t>(random() % 256),
+                                   static_cast<uint32_t>(random() % 256)};
         const Pixel colours[] = {0xFFFFFF | alphas[0] << 24, 0xFFFFFF | alphas[1] << 24};
         const int opacity = i % 4 == 0 ? 128 + i % 127 : 255;
         Canvas canvas(600, 1);

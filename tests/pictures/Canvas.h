@@ -49,6 +49,12 @@ struct Canvas : FreshEngine {
         for (int32_t i = 0; i < kSide * kSide; ++i)
             pixels[static_cast<size_t>(i)] =
                 (i % kSide + i / kSide) / 8 % 2 != 0 ? 0xFFFFFFFF : 0xFFCFE0D0;
+        resetState();
+    }
+
+    // The same without the pixels.
+    void resetState()
+    {
         image = {12, 10, 48, 0, texels.data(), 1};
         void* const layoutControl = context.layoutControl;
         std::copy(initialState.begin(), initialState.end(), state());
