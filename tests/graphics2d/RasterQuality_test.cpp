@@ -1,39 +1,45 @@
-// Edges of filled polygons against exact areas and exact winding numbers.
-#include "tests/graphics2d/RasterCanvas.h"
+// Filled polygons against exact areas and exact winding numbers, and the limits of the rasterisers:
+// clips, thin shapes, vast coordinates.
+#include "tests/graphics2d/RasterShapes.h"
+#include "tests/support/Picture.h"
 
-#include <gtest/gtest.h>
+#include <climits>
 
 namespace {
 
+using namespace KAVO::Graphics2D;
 using namespace rastertest;
 
-struct RuledCanvas : Canvas {
-    explicit RuledCanvas(bool evenOdd, bool antiAlias)
+constexpr int kSize = 140;
+
+struct RasterPicture : Picture {
+    explicit RasterPicture(bool antiAlias = true, bool evenOdd = false) : Picture(kSize)
     {
-        context.fillRule = evenOdd ? kFillEvenOdd : kFillNonZero;
         context.antiAlias = antiAlias;
+        context.fillRule = evenOdd ? kFillEvenOdd : kFillNonZero;
+    }
+    void fill(Polygon polygon, void (MMContext2D::*raster)(MMPoint2D*, uint16_t) = nullptr)
+    {
+        if (raster == nullptr) raster = &MMContext2D::rasterPolygon;
+        (context.*raster)(polygon.data(), static_cast<uint16_t>(polygon.size()));
     }
 };
 
-// Whether a centre lies in one of a row's spans; those on a right edge do.
-bool isIn(const std::vector<std::pair<double, double>>& spans, double c)
-{
-    return std::any_of(spans.begin(), spans.end(),
-                       [c](auto& span) { return span.first < c && c <= span.second; });
-}
+constexpr decltype(&MMContext2D::rasterPolygon) kRasterisers[] = {
+    &MMContext2D::rasterMonotonePolygon, &MMContext2D::rasterComplexPolygon};
 
 TEST(RasterQuality, CoverageIsTheArea)
 {
     for (const Shape& shape : shapes()) {
         for (bool evenOdd : {false, true}) {
-            RuledCanvas canvas(evenOdd, true);
-            canvas.fill(shape.polygon);
-            const std::vector<double> areas = model::areas(shape.polygon, kWidth, kHeight, evenOdd);
+            RasterPicture picture(true, evenOdd);
+            picture.fill(shape.polygon);
+            const auto ideal = areas(edgesOf(shape.polygon), kSize, kSize, evenOdd, 512);
             double sum = 0, worst = 0;
             int edgePixels = 0, worstAt = 0;
-            for (int i = 0; i < kWidth * kHeight; ++i) {
-                const double area = areas[std::size_t(i)];
-                const double error = std::abs(area * 255 - canvas.at(i % kWidth, i / kWidth));
+            for (int i = 0; i < kSize * kSize; ++i) {
+                const double area = ideal[std::size_t(i)];
+                const double error = std::abs(area * 255 - picture.coverage(i % kSize, i / kSize));
                 if (error > worst) {
                     worst = error;
                     worstAt = i;
@@ -42,26 +48,37 @@ TEST(RasterQuality, CoverageIsTheArea)
                 sum += error;
                 ++edgePixels;
             }
-            EXPECT_LE(sum / edgePixels, shape.mean) << shape.name << " even-odd " << evenOdd;
-            EXPECT_LE(worst, shape.worst) << shape.name << " even-odd " << evenOdd << " at "
-                                          << worstAt % kWidth << ", " << worstAt / kWidth;
+            EXPECT_LE(sum / edgePixels, shape.error.mean) << shape.name << " even-odd " << evenOdd;
+            EXPECT_LE(worst, shape.error.worst) << shape.name << " even-odd " << evenOdd << " at "
+                                                << worstAt % kSize << ", " << worstAt / kSize;
         }
     }
 }
 
+// Whether a point lies in one of a row's spans; right edges do.
+bool isIn(const Spans& spans, double x)
+{
+    return std::any_of(spans.begin(), spans.end(),
+                       [x](auto& span) { return span.first < x && x <= span.second; });
+}
+
 TEST(RasterQuality, SharpPixelsAreTheWindingAtTheirCentres)
 {
+    constexpr double kNear = (kSize + 2) / 65536.0; // x may be off by a unit a row
     for (const Shape& shape : shapes()) {
+        const Edges edges = edgesOf(shape.polygon);
         for (bool evenOdd : {false, true}) {
-            RuledCanvas canvas(evenOdd, false);
-            canvas.fill(shape.polygon);
-            for (int y = 0; y < kHeight; ++y) {
-                const auto spans = model::spans(shape.polygon, y + 0.5, evenOdd);
-                for (int x = 0; x < kWidth; ++x) {
-                    const double c = x + 0.5;
-                    if (isIn(spans, c) == (canvas.at(x, y) != 0)) continue;
-                    EXPECT_LE(model::distanceToOutline(shape.polygon, c, y + 0.5),
-                              (kHeight + 2) / 65536.0)
+            RasterPicture picture(false, evenOdd);
+            picture.fill(shape.polygon);
+            for (int y = 0; y < kSize; ++y) {
+                const Spans above = spans(edges, y + 0.5 - kNear, evenOdd);
+                const Spans below = spans(edges, y + 0.5 + kNear, evenOdd);
+                for (int x = 0; x < kSize; ++x) {
+                    const double left = x + 0.5 - kNear, right = x + 0.5 + kNear;
+                    const int corners = isIn(above, left) + isIn(above, right) + isIn(below, left) +
+                                        isIn(below, right);
+                    if (corners % 4 != 0) continue; // an outline is near
+                    ASSERT_EQ(picture.coverage(x, y), corners == 0 ? 0 : 255)
                         << shape.name << " even-odd " << evenOdd << " at " << x << ", " << y;
                 }
             }
@@ -77,19 +94,18 @@ TEST(RasterQuality, CentresOnEdgesBelongToTheRightAndUpperNeighbour)
         Polygon polygon;
         double x = 20, y = 20;
         for (int i = 0; i < 12; ++i) {
-            model::add(polygon, x, y);
+            add(polygon, x, y);
             (i % 2 == 0 ? x : y) = 1 + (random() % 60) * 0.5;
         }
-        model::add(polygon, x, 20); // and back along the grid
+        add(polygon, x, 20); // and back along the grid
         const bool evenOdd = n % 2 != 0;
-        RuledCanvas canvas(evenOdd, false);
-        canvas.fill(polygon);
+        RasterPicture picture(false, evenOdd);
+        picture.fill(polygon);
         for (int row = 0; row < 40; ++row) {
-            const auto spans = model::spans(polygon, row + 0.5, evenOdd);
-            for (int c = 0; c < 40; ++c) {
-                ASSERT_EQ(canvas.at(c, row) != 0, isIn(spans, c + 0.5))
+            const Spans inside = spans(edgesOf(polygon), row + 0.5, evenOdd);
+            for (int c = 0; c < 40; ++c)
+                ASSERT_EQ(picture.coverage(c, row) != 0, isIn(inside, c + 0.5))
                     << "polygon " << n << " at " << c << ", " << row;
-            }
         }
     }
 }
@@ -100,12 +116,12 @@ Polygon randomMonotone(std::mt19937& random)
     const auto chain = [&](double x) {
         Polygon p;
         for (double y = 5; y < 100; y += (random() % 40) * 0.25)
-            model::add(p, x + (random() % 100) * 0.3, y);
+            add(p, x + (random() % 100) * 0.3, y);
         return p;
     };
     Polygon left = chain(5);
-    const Polygon right = model::reversed(chain(40));
-    model::add(left, 40, 110.5);
+    const Polygon right = reversed(chain(40));
+    add(left, 40, 110.5);
     left.insert(left.end(), right.begin(), right.end());
     return left;
 }
@@ -114,18 +130,15 @@ TEST(RasterQuality, BothRasterisersAgreeOnMonotonePolygons)
 {
     std::mt19937 random(5);
     for (int n = 0; n < 200; ++n) {
-        Polygon polygon = randomMonotone(random);
-        const uint16_t count = static_cast<uint16_t>(polygon.size());
-        for (uint8_t antiAlias : {0, 1}) {
-            Canvas one, other;
-            one.context.antiAlias = other.context.antiAlias = antiAlias;
-            one.context.rasterMonotonePolygon(polygon.data(), count);
-            other.context.rasterComplexPolygon(polygon.data(), count);
-            for (int i = 0; i < kWidth * kHeight; ++i)
-                ASSERT_LE(
-                    std::abs(one.at(i % kWidth, i / kWidth) - other.at(i % kWidth, i / kWidth)),
-                    antiAlias)
-                    << "polygon " << n << " at " << i % kWidth << ", " << i / kWidth;
+        const Polygon polygon = randomMonotone(random);
+        for (bool antiAlias : {false, true}) {
+            RasterPicture one(antiAlias), other(antiAlias);
+            one.fill(polygon, kRasterisers[0]);
+            other.fill(polygon, kRasterisers[1]);
+            for (int i = 0; i < kSize * kSize; ++i)
+                ASSERT_NEAR(one.coverage(i % kSize, i / kSize),
+                            other.coverage(i % kSize, i / kSize), antiAlias)
+                    << "polygon " << n << " at " << i % kSize << ", " << i / kSize;
         }
     }
 }
@@ -133,23 +146,20 @@ TEST(RasterQuality, BothRasterisersAgreeOnMonotonePolygons)
 TEST(RasterQuality, NoPixelIsDrawnTwice)
 {
     for (const Shape& shape : shapes()) {
-        const auto areas = model::areas(shape.polygon, kWidth, kHeight, false, 8);
-        Canvas once;
-        once.context.currentPaint.paintType = kPaintXOR;
-        once.fill(shape.polygon);
-        Canvas half;
+        RasterPicture half, inverted;
         half.context.currentPaint.paintOpacity = 128;
         half.fill(shape.polygon);
-        for (int i = 0; i < kWidth * kHeight; ++i) {
-            const int x = i % kWidth, y = i / kWidth;
-            if (areas[std::size_t(i)] > 0.1) {
-                ASSERT_EQ(once.at(x, y), 0xFF) << shape.name << " at " << x << ", " << y;
-            }
-            ASSERT_LE(half.at(x, y), 128) << shape.name << " at " << x << ", " << y;
+        inverted.context.currentPaint.paintType = kPaintXOR;
+        inverted.context.currentPaint.paintColour = 0xFFFFFFFF;
+        inverted.fill(shape.polygon);
+        for (int i = 0; i < kSize * kSize; ++i) {
+            const int x = i % kSize, y = i / kSize, covered = half.coverage(x, y);
+            ASSERT_LE(covered, 128) << shape.name << " at " << x << ", " << y;
+            ASSERT_TRUE(covered < 12 || inverted.coverage(x, y) == 255)
+                << shape.name << " at " << x << ", " << y;
         }
-        once.fill(shape.polygon);
-        for (int i = 0; i < kWidth * kHeight; ++i)
-            ASSERT_EQ(once.at(i % kWidth, i / kWidth), 0) << shape.name;
+        inverted.fill(shape.polygon);
+        EXPECT_TRUE(inverted.blank()) << shape.name;
     }
 }
 
@@ -157,25 +167,148 @@ TEST(RasterQuality, ShapesThatShareAnOutlineLeaveNoGap)
 {
     for (unsigned seed = 0; seed < 20; ++seed) {
         std::mt19937 random(seed);
-        Polygon left, right;
-        model::add(left, 5, 5);
-        model::add(right, 120, 5);
+        Polygon left = points({{5, 5}}), right = points({{120, 5}});
         for (int i = 0; i <= 12; ++i) {
             const double x = 40 + (random() % 4000) * 0.01;
             const double y = i == 0 ? 5 : i == 12 ? 110 : i * 9 + (random() % 3000) * 0.01 - 15;
-            model::add(left, x, std::clamp(y, 5.0, 110.0));
+            add(left, x, std::clamp(y, 5.0, 110.0));
         }
         right.insert(right.end(), left.begin() + 1, left.end());
-        model::add(left, 5, 110);
-        model::add(right, 120, 110);
+        add(left, 5, 110);
+        add(right, 120, 110);
         // Folds of the shared outline would count twice; nesting by winding needs simple shapes.
-        RuledCanvas a(true, true), b(true, true);
+        RasterPicture a(true, true), b(true, true);
         a.fill(left);
-        b.fill(model::reversed(right));
+        b.fill(reversed(right));
         for (int y = 7; y < 108; ++y)
             for (int x = 7; x < 118; ++x)
-                ASSERT_NEAR(a.at(x, y) + b.at(x, y), 255, 2)
+                ASSERT_NEAR(a.coverage(x, y) + b.coverage(x, y), 255, 2)
                     << "seed " << seed << " at " << x << ", " << y;
+    }
+}
+
+// The opacity is 255 * height >> 8, and one more from 128 to 254.
+TEST(RasterLimits, AThinShapeIsOneSpanWithTheOpacityOfItsHeight)
+{
+    const struct {
+        double left, top, bottom;
+        int value;
+    } cases[] = {
+        {10, 20, 20.25, 63}, {10, 19.5, 20.5, 255}, {10, 19.75, 20.25, 127}, {9.5, 20, 20.5, 127}};
+    for (const auto& c : cases) {
+        RasterPicture picture;
+        picture.fill(rectangle(c.left, c.top, c.left + 20, c.bottom));
+        for (int y = 18; y < 23; ++y)
+            for (int x = 8; x < 33; ++x)
+                ASSERT_EQ(picture.coverage(x, y), y == 20 && 10 <= x && x < 30 ? c.value : 0)
+                    << c.left << ", " << c.top << " at " << x << ", " << y;
+        EXPECT_EQ(picture.context.currentPaint.paintOpacity, 255);
+    }
+}
+
+TEST(RasterLimits, ClipsKeepThePixelsInsideAndDrawNothingOutside)
+{
+    constexpr int kInset = 8; // the target lies this far inside the picture
+    constexpr int kTarget = kSize - 2 * kInset;
+    const struct {
+        int16_t left, top, right, bottom;
+    } clips[] = {{40, 30, 90, 80},
+                 {61, 20, 62, 100},
+                 {0, 59, 140, 60},
+                 {-300, -300, 3000, 3000},
+                 {50, 50, 40, 40}};
+    std::vector<Shape> list = shapes();
+    list.push_back({"thin", rectangle(-3, 20.1, 200, 20.4), {}});
+    for (const Shape& shape : list)
+        for (bool antiAlias : {false, true}) {
+            RasterPicture whole(antiAlias);
+            whole.fill(shape.polygon);
+            for (const auto& clip : clips) {
+                RasterPicture picture(antiAlias);
+                MMContext2D& context = picture.context;
+                context.target.pixels += kInset * kSize + kInset;
+                context.target.width = context.target.height = kTarget;
+                context.clipLeft = clip.left;
+                context.clipTop = clip.top;
+                context.clipRight = clip.right;
+                context.clipBottom = clip.bottom;
+                picture.fill(shape.polygon);
+                for (int y = -kInset; y < kSize - kInset; ++y)
+                    for (int x = -kInset; x < kSize - kInset; ++x) {
+                        const bool visible = std::min(x, y) >= 0 && std::max(x, y) < kTarget &&
+                                             x >= clip.left && x < clip.right && y >= clip.top &&
+                                             y < clip.bottom;
+                        const int expected = visible ? whole.coverage(x, y) : 0;
+                        // A run that starts at the clip may round its step elsewhere.
+                        const int error = expected % 255 != 0 ? antiAlias : 0;
+                        ASSERT_NEAR(picture.coverage(x + kInset, y + kInset), expected, error)
+                            << shape.name << " at " << x << ", " << y;
+                    }
+            }
+        }
+}
+
+TEST(RasterLimits, EmptyTargetsAndSuppressedDrawingOnlySetTheBounds)
+{
+    for (int way = 0; way < 3; ++way)
+        for (const auto raster : kRasterisers) {
+            RasterPicture picture;
+            if (way == 0) picture.context.target.pixels = nullptr;
+            if (way == 1) picture.context.target.width = picture.context.target.height = 0;
+            if (way == 2) picture.context.drawSuppressed = 1;
+            picture.fill(rectangle(10, 10, 20, 30), raster);
+            EXPECT_EQ(picture.context.boundsMaxY, 30 * kFixedOne);
+            EXPECT_TRUE(picture.blank());
+        }
+}
+
+TEST(RasterLimits, LongEdgesDoNotWrap)
+{
+    constexpr Fixed kFar = INT_MAX;
+    for (bool antiAlias : {false, true})
+        for (const auto raster : kRasterisers) {
+            RasterPicture picture(antiAlias);
+            picture.fill({{-kFar, -kFar}, {kFar, -kFar}, {kFar, kFar}, {-kFar, kFar}}, raster);
+            for (int i = 0; i < kSize * kSize; ++i)
+                ASSERT_EQ(picture.coverage(i % kSize, i / kSize), 255);
+        }
+}
+
+// Edges as they pass a row: x at its top and at its bottom.
+TEST(SmoothEdges, DrawsTheTrapezoidBetweenTheEdges)
+{
+    const struct {
+        double leftTop, leftBottom, rightTop, rightBottom;
+        uint8_t alpha;
+        int expected[8];
+    } cases[] = {
+        {2, 2, 5, 5, 255, {0, 0, 255, 255, 255, 0, 0, 0}},
+        {1.25, 1.75, 4.5, 4.5, 255, {0, 128, 255, 255, 128, 0, 0, 0}},
+        // A ramp over two columns: 1/8 and 7/8 of them lie right of it.
+        {1.5, 2.5, 6, 6, 255, {0, 32, 223, 255, 255, 255, 0, 0}},
+        {6, 6, 2.5, 1.5, 255, {0, 0, 0, 0, 0, 0, 0, 0}}, // right of left: nothing
+        {1, 4, 4, 7, 255, {0, 43, 128, 213, 213, 128, 43, 0}},
+        {1, 3, 2, 4, 255, {0, 64, 128, 64, 0, 0, 0, 0}}, // both ramps in one column
+        {2, 2, 5, 5, 64, {0, 0, 64, 64, 64, 0, 0, 0}},
+    };
+    const auto slope = [](double a, double b) { return a == b ? 0 : toFixed(1 / std::abs(a - b)); };
+    for (const auto& c : cases) {
+        RasterPicture picture;
+        MMContext2D& context = picture.context;
+        context.spanRow = 0;
+        context.spanPixels = context.target.pixels;
+        context.leftPreviousX = toFixed(c.leftTop);
+        context.spanStart = toFixed(c.leftBottom);
+        context.rightPreviousX = toFixed(c.rightTop);
+        context.spanEnd = toFixed(c.rightBottom);
+        context.leftEdgeAlpha = context.rightEdgeAlpha = c.alpha;
+        context.leftCoverageSlope = slope(c.leftTop, c.leftBottom);
+        context.rightCoverageSlope = slope(c.rightTop, c.rightBottom);
+        context.smoothEdges();
+        for (int x = 0; x < 8; ++x)
+            EXPECT_NEAR(picture.coverage(x, 0), c.expected[x], 1) << c.leftTop << " at " << x;
+        EXPECT_EQ(context.spanStart, toFixed(c.leftBottom));
+        EXPECT_EQ(context.spanEnd, toFixed(c.rightBottom));
     }
 }
 
