@@ -104,18 +104,4 @@ TEST(CircularArc, EveryCombinationFillsAndStrokesWhatItCloses)
                 }
 }
 
-TEST(CircularArc, BadInputDrawsNothingAndHarmsNothing)
-{
-    ArcPicture picture;
-    MMContext2D& context = picture.context;
-    context.drawCircularArc(nullptr, fx(10), 0, kDegrees90, 1, 0);
-    for (Fixed radius : {0, -kFixedOne, INT32_MIN})
-        context.drawCircularArc(&picture.centre, radius, 0, kDegrees90, 1, 0);
-    EXPECT_TRUE(picture.emptyBounds());
-    EXPECT_TRUE(picture.blank());
-    for (Degrees angle : {INT32_MIN, INT32_MAX, 0, 1, -1})
-        for (Degrees sweep : {INT32_MIN, INT32_MAX, 0, 1, -1})
-            context.drawCircularArc(&picture.centre, INT32_MAX, angle, sweep, 1, 0);
-}
-
 } // namespace

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cmath>
 #include <initializer_list>
 #include <random>
@@ -111,29 +112,39 @@ TEST(DashArray, WhatCannotBeCutIsStrokedWhole)
     EXPECT_EQ(dash(units.context, {{0, 0}, {65535, 0}}).size(), 1u);
 }
 
-TEST(DashArray, ALonePointKeepsItsBlockAndHarmsNoLaterRelease)
+// Dashes and their points, both in proportion to the pattern's pieces whatever the pattern says.
+TEST(DashArray, WorkIsBounded)
 {
-    Dashed dashed({3, 2});
-    MMContext2D& context = dashed.context;
-    void* outer = context.scratchStack.Alloc(1020); // the lone point's block spills behind it
-    EXPECT_TRUE(dash(context, {{5, 5}}).empty());
-    EXPECT_EQ(context.scratchStack.usedWords, 1021u + 3);
-    context.scratchStack.DeAlloc(outer);
-    EXPECT_EQ(context.scratchStack.usedWords, 3u);
-    EXPECT_EQ(dash(context, kLine20).size(), 5u);
-    EXPECT_EQ(context.scratchStack.usedWords, 3u);
-}
-
-TEST(DashArray, BoundsAreThoseOfAllDashes)
-{
-    Dashed dashed({4, 2}, 4);
-    dashed.context.accumulateBounds = 1;
-    dash(dashed.context, {{0, 0}, {fx(19), 0}});
-    EXPECT_EQ(dashed.context.boundsMinX, fx(2));
-    EXPECT_EQ(dashed.context.boundsMaxX, fx(18));
-    dash(dashed.context, {{0, 0}, {fx(1), 0}}); // all of it is gap
-    EXPECT_EQ(dashed.context.boundsMinX, kEmptyBoundsMin);
-    EXPECT_EQ(dashed.context.boundsMaxX, kEmptyBoundsMax);
+    Points zigzag(300); // 299 times across the number range: 19 million units
+    for (size_t i = 0; i < zigzag.size(); ++i)
+        zigzag[i] = {i % 2 == 0 ? INT_MIN : INT_MAX, static_cast<Fixed>(i)};
+    std::vector<Fixed> zeros(65535, 0);
+    zeros.back() = fx(1000);
+    const struct {
+        std::vector<Fixed> pattern;
+        Points line;
+        size_t least, greatest; // strokes
+    } cases[] = {
+        {{1, 1}, zigzag, 1, 1},
+        // 65,536 units there and back again, more steeply by a few parts of 65,536: 65,317 pieces.
+        {{fx(300), fx(300)}, zigzag, 32658, 32660},
+        {zeros, {at(0, 0), at(2500, 0)}, 1, 1},
+        {{1, 0, 0}, {at(0, 0), at(0.33, 0)}, 32000, 32768},
+    };
+    for (const auto& c : cases)
+        for (Fixed offset : {0, INT_MIN, INT_MAX}) {
+            Dashed dashed({});
+            dashed.context.dashArray = c.pattern.data();
+            dashed.context.dashCount = static_cast<uint16_t>(c.pattern.size());
+            dashed.context.dashOffset = offset;
+            const auto strokes = dash(dashed.context, c.line);
+            size_t total = 0;
+            for (const auto& stroke : strokes)
+                total += stroke.points.size();
+            EXPECT_GE(strokes.size(), c.least) << "case " << &c - cases;
+            EXPECT_LE(strokes.size(), c.greatest) << "case " << &c - cases;
+            EXPECT_LE(total, c.line.size() + 65536) << "case " << &c - cases;
+        }
 }
 
 // A square of 20 by 20 units is 28 wide when it is turned with a line of slope 4/3.

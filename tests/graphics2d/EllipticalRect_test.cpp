@@ -1,5 +1,4 @@
 // Rounded rectangles: which points the outline has, and what the call leaves behind.
-#include "tests/support/FailingHeap.h"
 #include "tests/support/Picture.h"
 #include "tests/support/StrokeRecorder.h"
 #include "tests/support/UserUnits.h"
@@ -90,35 +89,6 @@ TEST_F(EllipticalRect, BoundsUniteTheFillWithDashesOnly)
     EXPECT_EQ(boundsMinX(dashes, kPaintNone), fx(46));
     EXPECT_EQ(boundsMinX(dashes, kPaintSolid), fx(10));
     EXPECT_EQ(boundsMinX(nullptr, kPaintSolid), fx(10)); // the stroke's own
-}
-
-TEST_F(EllipticalRect, FailingAllocations)
-{
-    // The outline's block does not fit beside the filler: reported, nothing drawn.
-    StrokeRecorder recorder;
-    void* filler = context.scratchStack.Alloc(1000);
-    {
-        FailingHeap heap;
-        heap.failFrom(1);
-        context.drawEllipticalRect(fx(30), fx(30), fx(20), fx(10), fx(5), fx(5));
-    }
-    EXPECT_EQ(context.outOfMemory, kScratchExhausted);
-    // The outline fits, its copy for the fill does not: no stroke either, and no report.
-    context.outOfMemory = 0;
-    context.scratchStack.DeAlloc(filler);
-    context.transform = {fx(2), 0, 0, fx(2), 0, 0};
-    filler = context.scratchStack.Alloc(1020);
-    {
-        FailingHeap heap;
-        heap.failFrom(2); // the first spill holds the outline, more than half full
-        context.drawEllipticalRect(fx(30), fx(30), fx(1800), fx(1800), fx(900), fx(900));
-    }
-    EXPECT_EQ(context.outOfMemory, 0);
-    EXPECT_TRUE(recorder.strokes.empty());
-    EXPECT_TRUE(blank());
-    context.scratchStack.DeAlloc(filler);
-    context.strokePaint.paintType = kPaintNone;
-    context.strokeHalfWidth = 0;
 }
 
 } // namespace

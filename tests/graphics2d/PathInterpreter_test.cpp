@@ -1,5 +1,6 @@
 // Decoding and filling of encoded paths, well-formed and hostile.
 #include "graphics2d/Rasteriser.h"
+#include "tests/graphics2d/RasterShapes.h"
 #include "tests/support/EncodedPath.h"
 #include "tests/support/Picture.h"
 #include "tests/support/StrokeRecorder.h"
@@ -10,25 +11,14 @@ namespace {
 using namespace KAVO::Graphics2D;
 
 using Points = std::vector<MMPoint2D>;
-
-// One polygon through all subpaths, put together by hand: each with its first point at its end,
-// then the first points in reverse order.
-Points polygonOf(const std::vector<Points>& subpaths)
-{
-    Points polygon;
-    for (const Points& subpath : subpaths) {
-        polygon.insert(polygon.end(), subpath.begin(), subpath.end());
-        polygon.push_back(subpath.front());
-    }
-    for (size_t i = subpaths.size(); i-- > 0;)
-        polygon.push_back(subpaths[i].front());
-    return polygon;
-}
+using rastertest::bridged;
 
 const Matrix2D kSlanted = {fx(1.25), fx(0.25), fx(-0.5), fx(1.5), fx(7), fx(-2)};
 
-// Draws the path in one picture and the polygon in another and compares pixels and bounds.
-void expectFillsAs(const EncodedPath& path, Points polygon, MMFillRule rule = kFillNonZero)
+// Draws the path in one picture and, in another, its subpaths as one polygon: each with its first
+// point at its end, then the first points in reverse order. Compares pixels and bounds.
+void expectFillsAs(const EncodedPath& path, const std::vector<Points>& subpaths,
+                   MMFillRule rule = kFillNonZero)
 {
     Picture drawn, expected;
     for (Picture* picture : {&drawn, &expected}) {
@@ -36,6 +26,7 @@ void expectFillsAs(const EncodedPath& path, Points polygon, MMFillRule rule = kF
         picture->context.fillRule = rule;
     }
     drawn.context.drawPath(path.data());
+    Points polygon = bridged(subpaths);
     for (MMPoint2D& p : polygon)
         expected.context.transform.transform(&p, &p, 1);
     expected.context.currentPaint = expected.context.fillPaint;
@@ -58,8 +49,8 @@ TEST(PathFill, RunsThroughAllSubpathsAndBackThroughTheirStarts)
         .points({kInner[0]})
         .points({kInner[1], kInner[2], kInner[3]}, EncodedPath::kOpen)
         .points(third, EncodedPath::kClosed);
-    expectFillsAs(path, polygonOf({kOuter, kInner, third}), kFillNonZero);
-    expectFillsAs(path, polygonOf({kOuter, kInner, third}), kFillEvenOdd);
+    expectFillsAs(path, {kOuter, kInner, third}, kFillNonZero);
+    expectFillsAs(path, {kOuter, kInner, third}, kFillEvenOdd);
 }
 
 TEST(PathFill, CurvesStartAtTheEndOfTheSegmentBefore)
@@ -79,7 +70,7 @@ TEST(PathFill, CurvesStartAtTheEndOfTheSegmentBefore)
         outline.insert(outline.end(), run.begin(), run.end());
     }
     EXPECT_GT(outline.size(), 8u);
-    expectFillsAs(path, polygonOf({outline}));
+    expectFillsAs(path, {outline});
 }
 
 TEST(PathFill, MalformedCommandsDrawWhatIsSoundInThem)
@@ -88,33 +79,31 @@ TEST(PathFill, MalformedCommandsDrawWhatIsSoundInThem)
     EncodedPath ignoredKinds;
     ignoredKinds.bare(2u << 28 | 7).points({kOuter[0], kOuter[1]}).bare(3u << 28 | 0xFFFFFFF);
     ignoredKinds.points({kOuter[2], kOuter[3]}).bare(3u << 28 | 1u << 30 | 9);
-    expectFillsAs(ignoredKinds, polygonOf({kOuter}));
+    expectFillsAs(ignoredKinds, {kOuter});
 
     EncodedPath curveFirst;
     curveFirst.curves(curve).points(kOuter, EncodedPath::kClosed);
-    expectFillsAs(curveFirst, polygonOf({kOuter}));
+    expectFillsAs(curveFirst, {kOuter});
 
     EncodedPath emptySubpaths;
     emptySubpaths.bare(EncodedPath::kClosed).points(kOuter, EncodedPath::kClosed);
     emptySubpaths.points({}, EncodedPath::kOpen).bare(3u << 28 | 3u << 30);
     emptySubpaths.points(kInner, EncodedPath::kOpen).curves({}, EncodedPath::kOpen);
     emptySubpaths.header() |= 0xFFFF0000; // more segments than there are; all others say 0
-    expectFillsAs(emptySubpaths, polygonOf({kOuter, kInner}));
+    expectFillsAs(emptySubpaths, {kOuter, kInner});
 }
 
 TEST(PathFill, NothingToFill)
 {
-    EncodedPath none, two, noFill, curveOnly;
-    none.points(kOuter, EncodedPath::kClosed).header() = 0x50000; // S = 0
+    EncodedPath none, two, curveOnly, unpainted;
+    none.points(kOuter, EncodedPath::kClosed).header() = 0x50000; // no subpath
     two.points({at(5, 5), at(30, 30)}, EncodedPath::kClosed);
-    noFill.points(kOuter, EncodedPath::kClosed);
     curveOnly.curves({at(20, 0), at(40, 10), at(35, 30)}, EncodedPath::kClosed);
-    const uint32_t* const paths[] = {none.data(), two.data(), curveOnly.data(), noFill.data(),
-                                     nullptr};
-    for (const uint32_t* path : paths) {
+    unpainted.points(kOuter, EncodedPath::kClosed);
+    for (const EncodedPath* path : {&none, &two, &curveOnly, &unpainted}) {
         Picture picture;
-        if (path == noFill.data()) picture.context.fillPaint.paintType = kPaintNone;
-        picture.context.drawPath(path);
+        if (path == &unpainted) picture.context.fillPaint.paintType = kPaintNone;
+        picture.context.drawPath(path->data());
         EXPECT_TRUE(picture.blank());
     }
 }
@@ -129,7 +118,7 @@ TEST(PathFill, CountsBeyond16BitsDoNotWrap)
     }
     EncodedPath path;
     path.points(jagged, EncodedPath::kClosed);
-    expectFillsAs(path, polygonOf({jagged}));
+    expectFillsAs(path, {jagged});
 }
 
 TEST(PathFill, BoundsOnlyMeasuresUntransformedPointsAndDrawsNothing)
@@ -158,7 +147,7 @@ TEST(PathStroke, HandsOnEachSubpathInUserSpace)
     EncodedPath path;
     path.points({at(1, 1)}).points({at(20, 1), at(20, 20)}, EncodedPath::kClosed);
     path.bare(EncodedPath::kOpen).points({at(4, 50)}, EncodedPath::kOpen);
-    path.points({at(30, 30)}).curves({at(30, 40), at(50, 40), at(50, 30)}, EncodedPath::kOpen);
+    path.points({at(30, 30), at(50, 30)}, EncodedPath::kOpen);
     Picture picture;
     MMContext2D& context = picture.context;
     context.strokePaint.paintType = kPaintSolid;
@@ -168,28 +157,31 @@ TEST(PathStroke, HandsOnEachSubpathInUserSpace)
     context.transform = {fx(0.5), 0, 0, fx(0.5), 0, 0};
     StrokeRecorder recorder;
     context.drawPath(path.data());
-    ASSERT_EQ(recorder.strokes.size(), 3u);
-    EXPECT_EQ(recorder.strokes[0].points, (Points{at(1, 1), at(20, 1), at(20, 20)}));
-    EXPECT_EQ(recorder.strokes[0].records, 2u);
-    EXPECT_TRUE(recorder.strokes[0].closed);
-    EXPECT_EQ(recorder.strokes[1].points, (Points{at(4, 50)}));
-    EXPECT_EQ(recorder.strokes[2].points.back(), at(50, 30));
-    EXPECT_FALSE(recorder.strokes[2].closed);
-    EXPECT_EQ(recorder.strokes[2].paintColour, 0xFF00FF00u);
+    const struct {
+        Points points;
+        uint32_t records;
+        bool closed;
+    } strokes[] = {{{at(1, 1), at(20, 1), at(20, 20)}, 2, true},
+                   {{at(4, 50)}, 1, false},
+                   {{at(30, 30), at(50, 30)}, 1, false}};
+    ASSERT_EQ(recorder.strokes.size(), std::size(strokes));
+    for (size_t i = 0; i < std::size(strokes); ++i) {
+        EXPECT_EQ(recorder.strokes[i].points, strokes[i].points);
+        EXPECT_EQ(recorder.strokes[i].records, strokes[i].records);
+        EXPECT_EQ(recorder.strokes[i].closed, strokes[i].closed);
+        EXPECT_EQ(recorder.strokes[i].paintColour, 0xFF00FF00u);
+    }
     EXPECT_EQ(context.boundsMinX, fx(1));
-    EXPECT_EQ(context.boundsMaxX, fx(50));
     EXPECT_EQ(context.boundsMaxY, fx(50));
 
     const Fixed dashes[] = {fx(19), fx(1000)};
     context.dashArray = dashes;
     context.dashCount = 2;
-    context.fillPaint.paintType = kPaintSolid;
     recorder.strokes.clear();
     context.drawPath(path.data());
     ASSERT_EQ(recorder.strokes.size(), 2u); // the lone point has no dash
     EXPECT_EQ(recorder.strokes[0].points, (Points{at(1, 1), at(20, 1)}));
-    EXPECT_FALSE(picture.blank());
-    EXPECT_EQ(context.boundsMaxX, recorder.strokes[1].points.back().x);
+    EXPECT_EQ(context.boundsMaxX, fx(49));
     picture.wordsKept = 3; // the lone point's block
 }
 

@@ -1,7 +1,11 @@
-// Strokes against the exact union of their pieces.
+// Strokes against the exact union of their pieces, and how much work they may make.
+#include "graphics2d/StrokeOutline.h"
+#include "graphics2d/Stroker.h"
 #include "tests/support/Picture.h"
 #include "tests/support/StrokeModel.h"
 #include "tests/support/UserUnits.h"
+
+#include <climits>
 
 namespace {
 
@@ -79,19 +83,6 @@ TEST(Polyline, MatchesUnionOfSegmentsJoinsAndCaps)
                 EXPECT_LE(sum, 1.4 * edges)
                     << l.name << " transform " << t << " width " << widths[w] << " style " << style;
             }
-}
-
-TEST(Polyline, CrossingItselfTurnsNoDarker)
-{
-    Picture picture(kSize);
-    picture.context.currentPaint.paintOpacity = 128;
-    picture.context.strokeHalfWidth = fx(5);
-    picture.context.joinStyle = kJoinRound;
-    stroke(picture.context, Line{{10, 60}, {115, 60}, {60, 110}, {60, 10}, {66, 112}});
-    const int once = picture.coverage(20, 60);
-    EXPECT_NEAR(once, 128, 1);
-    for (int i = 0; i < kSize * kSize; ++i)
-        ASSERT_LE(picture.coverage(i % kSize, i / kSize), once) << i;
 }
 
 TEST(Polyline, WithoutAntiAliasingIsNeverBroken)
@@ -175,6 +166,59 @@ TEST(Polyline, MiterLimitIsTheRatioOfLengthToWidth)
         picture.context.miterLimit = fx(c.limit);
         stroke(picture.context, c.line);
         EXPECT_NEAR(model::toDouble(picture.context.boundsMinY), c.top, 0.01) << c.limit;
+    }
+}
+
+// However wide the pen and whatever the transform: a round join or cap makes no more vertices than
+// half a turn of the finest step, a smooth turn a twelfth of that, and each seven more.
+TEST(Polyline, JoinsAndCapsHaveABoundedNumberOfVertices)
+{
+    const Fixed far = INT_MAX;
+    const std::vector<MMPoint2D> lines[] = {{{-far, -far}, {far, far}, {-far, -far + 1}, {far, 0}},
+                                            {{0, 0}, {1, 0}, {0, 0}, {0, 1}},
+                                            {{far, 0}, {-far, 1}, {far, 2}, {-far, 3}},
+                                            {at(0, 0), at(100, 0), at(200, 20), at(300, 66)}};
+    for (Fixed halfWidth : {1, fx(1), fx(3000), far})
+        for (Fixed scale : {1, fx(1), fx(100), far})
+            for (uint8_t style : {kJoinMiter, kJoinRound, kJoinBevel})
+                for (const auto& line : lines) {
+                    MMContext2D context;
+                    context.transform = {scale, 0, 0, scale, 0, 0};
+                    context.strokeHalfWidth = halfWidth;
+                    const Degrees step = DevicePen(context).stepFor(4);
+                    const StrokePen pen = {halfWidth, fx(32767), style, style, step, {kOne30, 0}};
+                    StrokeOutline outline(context.scratchStack, pen, 4);
+                    EXPECT_TRUE(outline.build(line.data(), 4, false));
+                    EXPECT_LE(outline.count(), 4 * (style == kJoinRound ? 1800u + 7 : 150u + 7));
+                }
+}
+
+// 45 degrees at most, so that the vertices of all joins share a budget.
+TEST(Polyline, ManyJoinsAreLessRound)
+{
+    MMContext2D context;
+    for (Fixed halfWidth : {fx(1), fx(64), fx(30000)}) {
+        context.strokeHalfWidth = halfWidth;
+        const DevicePen pen(context);
+        EXPECT_EQ(pen.stepFor(4000), pen.step);
+        for (uint64_t count : {10000u, 65535u, 1u << 20, 1u << 28})
+            EXPECT_LE(count * (kDegrees180 / pen.stepFor(count)), (1u << 23) + 4 * count);
+    }
+}
+
+TEST(Polyline, LongLinesTakeMemoryInProportion)
+{
+    std::vector<MMPoint2D> points(60000); // to and fro, a little lower each time
+    for (int i = 0; i < 60000; ++i)
+        points[static_cast<size_t>(i)] = {fx(i % 200 < 100 ? i % 100 : 99 - i % 100), i * 140};
+    for (double width : {0.5, 3000.0}) {
+        Picture picture(kSize);
+        picture.context.joinStyle = kJoinRound;
+        picture.context.strokeHalfWidth = fx(width);
+        stroke(picture.context, points);
+        EXPECT_EQ(picture.context.outOfMemory, 0);
+        EXPECT_EQ(picture.coverage(64, 63), 255);
+        EXPECT_LE(picture.context.scratchStack.peakWords, 60000u * 50) << width;
     }
 }
 

@@ -1,5 +1,5 @@
 // The basic strip fillers: what they write, where they stop, and which coverage they use.
-#include "graphics2d/MMContext2D.h"
+#include "PaintModel.h"
 
 #include <gtest/gtest.h>
 
@@ -11,18 +11,19 @@ using namespace KAVO::Graphics2D;
 
 constexpr Pixel kGuard = 0xCAFEBABE;
 constexpr Pixel kGround = 0xFF102030;
+constexpr int kLength = 256;
 
 // A context over one row of pixels with a guard pixel on either side.
-template <size_t kLength>
-struct RowOf : testing::Test {
-    std::array<Pixel, kLength + 2> pixels;
+struct SolidStrip : testing::Test {
+    std::array<Pixel, kLength + 2> guarded;
+    Pixel* const pixels = guarded.data() + 1;
     MMContext2D context;
 
-    RowOf()
+    SolidStrip()
     {
-        pixels.fill(kGround);
-        pixels.front() = pixels.back() = kGuard;
-        context.spanPixels = pixels.data() + 1;
+        guarded.fill(kGround);
+        guarded.front() = guarded.back() = kGuard;
+        context.spanPixels = pixels;
         context.currentPaint = context.fillPaint;
     }
     void span(Fixed start, Fixed end)
@@ -30,14 +31,12 @@ struct RowOf : testing::Test {
         context.spanStart = start;
         context.spanEnd = end;
     }
-    ~RowOf() override
+    ~SolidStrip() override
     {
-        EXPECT_EQ(pixels.front(), kGuard);
-        EXPECT_EQ(pixels.back(), kGuard);
+        EXPECT_EQ(guarded.front(), kGuard);
+        EXPECT_EQ(guarded.back(), kGuard);
     }
 };
-using SolidStrip = RowOf<8>;
-using SolidBlend = RowOf<256>;
 
 TEST_F(SolidStrip, WritesWholePixelsOfTheSpanOnly)
 {
@@ -46,48 +45,38 @@ TEST_F(SolidStrip, WritesWholePixelsOfTheSpanOnly)
         const bool empty = end < 0x40000;
         span(0x38000, end);
         context.drawSolidStrip();
-        EXPECT_EQ(pixels[1 + 3], empty ? kGround : 0x12345678u);
+        EXPECT_EQ(pixels[3], empty ? kGround : 0x12345678u);
         context.drawSolidXORStrip();
-        EXPECT_EQ(pixels[1 + 4], empty ? kGround : 0u);
+        EXPECT_EQ(pixels[4], empty ? kGround : 0u);
         context.drawSolidXORStrip(); // twice restores
         if (!empty) continue;
         context.drawTransStrip();
         context.drawSolidTStrip();
     }
-    for (unsigned x = 0; x < 8; ++x)
-        EXPECT_EQ(pixels[1 + x], x == 3 || x == 4 ? 0x12345678u : kGround) << x;
+    for (int x = 0; x < kLength; ++x)
+        EXPECT_EQ(pixels[x], x == 3 || x == 4 ? 0x12345678u : kGround) << x;
 }
 
 // Every weight against every pair of a pixel's and a colour's byte, in flat spans, which are
 // blended several pixels at a time, and in ramps, which are not.
-TEST_F(SolidBlend, MovesEachByteByTheWeight)
+TEST_F(SolidStrip, MovesEachByteByTheWeight)
 {
-    for (uint32_t weight = 0; weight < 256; ++weight) {
-        for (uint32_t s = 0; s < 64; s += weight % 8 == 0 ? 1 : 9) {
+    for (int weight = 0; weight < 256; ++weight)
+        for (Pixel s = 0; s < 64; s += weight % 8 == 0 ? 1 : 9)
             for (Coverage step : {0, 1}) {
-                context.currentPaint.paintColour =
-                    s | (s + 64) << 8 | (s + 128) << 16 | (s + 192) << 24;
-                for (uint32_t p = 0; p < 256; ++p)
-                    pixels[1 + p] = p * 0x01010101u;
-                span(0, 256 << 16);
-                context.spanCoverage = context.spanCoverageNext = static_cast<Coverage>(weight)
-                                                                  << 16;
+                const Pixel colour = s * 0x01010101 + 0xC0804000;
+                context.currentPaint.paintColour = colour;
+                for (Pixel p = 0; p < kLength; ++p)
+                    pixels[p] = p * 0x01010101;
+                span(0, kLength << 16);
+                context.spanCoverage = context.spanCoverageNext = weight << 16;
                 context.spanCoverageStep = step;
                 context.drawSolidTStrip();
-                ASSERT_EQ(context.spanCoverageNext,
-                          (static_cast<Coverage>(weight) << 16) + 255 * step);
-                for (int p = 0; p < 256; ++p)
-                    for (int byte = 0; byte < 4; ++byte) {
-                        const int d = static_cast<int>(s) + 64 * byte - p;
-                        const int w = static_cast<int>(weight);
-                        const int expected = p + ((d * w + (d > 128 ? w : 0)) >> 8);
-                        ASSERT_EQ(pixels[1u + static_cast<unsigned>(p)] >> (8 * byte) & 0xFF,
-                                  static_cast<unsigned>(expected))
-                            << p << " toward " << d + p << " by " << w << ", step " << step;
-                    }
+                ASSERT_EQ(context.spanCoverageNext, (weight << 16) + 255 * step);
+                for (Pixel p = 0; p < kLength; ++p)
+                    ASSERT_EQ(pixels[p], PaintModel::moved(p * 0x01010101, colour, weight))
+                        << p << " toward " << colour << " by " << weight << ", step " << step;
             }
-        }
-    }
 }
 
 TEST_F(SolidStrip, CoverageRoundsWrapsAndRampsFromTheSecondPixelOn)
@@ -100,9 +89,9 @@ TEST_F(SolidStrip, CoverageRoundsWrapsAndRampsFromTheSecondPixelOn)
     context.spanCoverageNext = 0;
     context.spanCoverageStep = 256 << 16;
     context.drawSolidTStrip();
-    EXPECT_EQ(pixels[1], 0x00FF00FFu);
+    EXPECT_EQ(pixels[0], 0x00FF00FFu);
+    EXPECT_EQ(pixels[1], kGround);
     EXPECT_EQ(pixels[2], kGround);
-    EXPECT_EQ(pixels[3], kGround);
     EXPECT_EQ(context.spanCoverageNext, 512 << 16);
 }
 
@@ -112,7 +101,7 @@ TEST_F(SolidStrip, TailPixelIsBlendedEvenAfterAnEmptySpan)
     span(0x48000, 0x48000);
     context.spanTailCoverage = 128 << 16;
     context.drawSolidTStrip();
-    EXPECT_EQ(pixels[5], kGround + 0x20);
+    EXPECT_EQ(pixels[4], kGround + 0x20);
     EXPECT_EQ(context.spanTailCoverage, 128 << 16) << "this filler leaves the tail as it is";
 }
 
@@ -120,19 +109,17 @@ TEST_F(SolidStrip, PickingHitsAtBothEndsAndOnWholeRowsOnly)
 {
     span(0x20000, 0x48000);
     context.spanRow = 3;
-    struct {
-        Fixed x, y;
-        bool hit;
-    } cases[] = {
-        {0x20000, 0x30000, true},  {0x48000, 0x30000, true},  {0x1FFFF, 0x30000, false},
-        {0x48001, 0x30000, false}, {0x30000, 0x38000, false}, {0x30000, 0x20000, false},
-    };
-    for (const auto& c : cases) {
+    for (const auto& [x, y, hit] : {std::array{0x20000, 0x30000, 1},
+                                    {0x48000, 0x30000, 1},
+                                    {0x1FFFF, 0x30000, 0},
+                                    {0x48001, 0x30000, 0},
+                                    {0x30000, 0x38000, 0},
+                                    {0x30000, 0x20000, 0}}) {
         context.pickHit = 0;
-        context.pickX = c.x;
-        context.pickY = c.y;
+        context.pickX = x;
+        context.pickY = y;
         context.drawPickingStrip();
-        EXPECT_EQ(context.pickHit, c.hit ? 1 : 0) << c.x << "," << c.y;
+        EXPECT_EQ(context.pickHit, hit) << x << "," << y;
     }
 }
 
@@ -143,7 +130,7 @@ TEST_F(SolidStrip, TransStripWeighsBiasedBytes)
     context.currentPaint.paintOpacity = 255;
     span(0, 1 << 16);
     context.drawTransStrip();
-    EXPECT_EQ(pixels[1], 0xFF803F1Fu);
+    EXPECT_EQ(pixels[0], 0xFF803F1Fu);
 }
 
 } // namespace

@@ -21,36 +21,27 @@ StrokeRecorder::~StrokeRecorder()
 }
 
 // The linker leads calls of strokeSubpath here. Its name is the same with 4-byte pointers.
-extern "C" {
+#define STROKE_SUBPATH                                                                             \
+    "_ZN4KAVO10Graphics2D13strokeSubpathERNS0_11MMContext2DERKNS0_9DevicePenEPK10MMLinkPathjb"
 
-void __real__ZN4KAVO10Graphics2D13strokeSubpathERNS0_11MMContext2DERKNS0_9DevicePenEPK10MMLinkPathjb(
-    MMContext2D& context, const DevicePen& pen, const MMLinkPath* records, uint32_t recordCount,
-    bool closed);
+void strokeReally(MMContext2D& context, const DevicePen& pen, const MMLinkPath* records,
+                  uint32_t recordCount, bool closed) __asm__("__real_" STROKE_SUBPATH);
 
-void __wrap__ZN4KAVO10Graphics2D13strokeSubpathERNS0_11MMContext2DERKNS0_9DevicePenEPK10MMLinkPathjb(
-    MMContext2D& context, const DevicePen& pen, const MMLinkPath* records, uint32_t recordCount,
-    bool closed);
+void record(MMContext2D& context, const DevicePen& pen, const MMLinkPath* records,
+            uint32_t recordCount, bool closed) __asm__("__wrap_" STROKE_SUBPATH);
 
-void __wrap__ZN4KAVO10Graphics2D13strokeSubpathERNS0_11MMContext2DERKNS0_9DevicePenEPK10MMLinkPathjb(
-    MMContext2D& context, const DevicePen& pen, const MMLinkPath* records, uint32_t recordCount,
-    bool closed)
+void record(MMContext2D& context, const DevicePen& pen, const MMLinkPath* records,
+            uint32_t recordCount, bool closed)
 {
-    if (recorder == nullptr) {
-        __real__ZN4KAVO10Graphics2D13strokeSubpathERNS0_11MMContext2DERKNS0_9DevicePenEPK10MMLinkPathjb(
-            context, pen, records, recordCount, closed);
-        return;
-    }
+    if (recorder == nullptr) return strokeReally(context, pen, records, recordCount, closed);
     StrokeRecorder::Stroke stroke = {
         {}, recordCount, closed, context.joinStyle, context.currentPaint.paintColour};
+    for (uint32_t i = 0; i < recordCount; ++i)
+        stroke.points.insert(stroke.points.end(), records[i].points,
+                             records[i].points + records[i].count);
     BoundsUnion bounds;
-    for (uint32_t i = 0; i < recordCount; ++i) {
-        for (uint32_t j = 0; j < records[i].count; ++j) {
-            stroke.points.push_back(records[i].points[j]);
-            bounds.addPoint(records[i].points[j]);
-        }
-    }
+    for (const MMPoint2D& p : stroke.points)
+        bounds.addPoint(p);
     bounds.storeTo(context);
     recorder->strokes.push_back(std::move(stroke));
 }
-
-} // extern "C"
