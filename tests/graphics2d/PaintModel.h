@@ -161,16 +161,18 @@ inline void radial(MMContext2D& context, bool translucent)
     const uint32_t last = p.gradientStopCount - 1;
     const Fixed dy = wrapSub(wrapShl(context.spanRow, 16), p.radialCenterY);
     Fixed dx = wrapSub(wrapShl(context.spanStart >> 16, 16), p.radialCenterX);
-    const Fixed A = wrapAdd(fixMul(p.radialXToU, p.radialXToU), fixMul(p.radialXToV, p.radialXToV));
+    const auto dot = [](Fixed ax, Fixed ay, Fixed bx, Fixed by) {
+        return wrapAdd(fixMul(ax, bx), fixMul(ay, by));
+    };
+    const Fixed A = dot(p.radialXToU, p.radialXToV, p.radialXToU, p.radialXToV);
     const Fixed B =
-        fixMul(wrapAdd(fixMul(p.radialXToU, p.radialYToU), fixMul(p.radialXToV, p.radialYToV)),
-               wrapMul(2, dy));
+        fixMul(dot(p.radialXToU, p.radialXToV, p.radialYToU, p.radialYToV), wrapMul(2, dy));
+    const Fixed Q = dot(p.radialYToU, p.radialYToV, p.radialYToU, p.radialYToV);
     const Fixed xv = fixDiv(wrapNeg(B), wrapMul(2, A));
-    const Fixed Q = wrapAdd(fixMul(p.radialYToU, p.radialYToU), fixMul(p.radialYToV, p.radialYToV));
     Fixed r = 0;
     const auto exact = [&] {
-        MMPoint2D uv = {wrapAdd(fixMul(dx, p.radialXToU), fixMul(dy, p.radialYToU)),
-                        wrapAdd(fixMul(dx, p.radialXToV), fixMul(dy, p.radialYToV))};
+        MMPoint2D uv = {dot(dx, dy, p.radialXToU, p.radialYToU),
+                        dot(dx, dy, p.radialXToV, p.radialYToV)};
         r = v2dNorm(&uv);
     };
     bool grows = false; // r is not computed any more
@@ -227,33 +229,32 @@ inline void radial(MMContext2D& context, bool translucent)
                     m = -1;
                     s = one;
                 }
+                int32_t t = 0;
+                // One step of r, or half a one, when it leads nearer to the true radius.
+                const auto nearer = [&](int halves) {
+                    const int32_t K = wrapAdd(m ^ wrapMul(halves, r), t);
+                    const int32_t length = halves == 2 ? one : one / 4;
+                    const bool closer = E > 0 || (wrapSub(length, K) >= E && s < 0);
+                    if (wrapAdd(r, s) <= 0 || !closer) return false;
+                    E = wrapAdd(E, wrapSub(K, length));
+                    r = wrapAdd(r, s / 2 * halves);
+                    at.step(q, halves == 2 ? 0 : 1);
+                    return true;
+                };
                 bool crossed = false;
                 while (!crossed && o[i] <= r && r < o[i + 1] && run.n > 0) {
                     run.put(opaque(at.v), run.gradientWeight(at.v[3]));
                     E = wrapAdd(E, wrapAdd(fixMul(wrapAdd(wrapMul(2, dx), one), A), B));
                     dx = wrapAdd(dx, one);
-                    int32_t t = m & 1;
-                    bool F = s < 0;
-                    if (dx >= xv && m == 0) {
+                    crossed = dx >= xv && m == 0;
+                    if (crossed) {
                         s = one;
                         m = -1;
-                        t = 1;
-                        F = false;
-                        crossed = true;
                     }
-                    int32_t K = wrapAdd(m ^ wrapMul(2, r), t);
-                    while (wrapAdd(r, s) > 0 && (E > 0 || (wrapSub(one, K) >= E && F))) {
-                        r = wrapAdd(r, s);
-                        E = wrapAdd(E, wrapSub(K, one));
-                        at.step(q);
-                        K = wrapAdd(m ^ wrapMul(2, r), t);
+                    t = m & 1;
+                    while (nearer(2)) {
                     }
-                    K = wrapAdd(r ^ m, t);
-                    if (wrapAdd(r, s) > 0 && (E > 0 || (wrapSub(0x4000, K) >= E && F))) {
-                        E = wrapAdd(E, wrapSub(K, 0x4000));
-                        r = wrapAdd(r, s / 2);
-                        at.step(q, 1);
-                    }
+                    nearer(1);
                 }
             }
         }
