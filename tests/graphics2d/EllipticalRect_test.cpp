@@ -1,4 +1,5 @@
 // Rounded rectangles: which points the outline has, and what the call leaves behind.
+#include "tests/support/FailingHeap.h"
 #include "tests/support/Picture.h"
 #include "tests/support/StrokeRecorder.h"
 #include "tests/support/UserUnits.h"
@@ -89,6 +90,23 @@ TEST_F(EllipticalRect, BoundsUniteTheFillWithDashesOnly)
     EXPECT_EQ(boundsMinX(dashes, kPaintNone), fx(46));
     EXPECT_EQ(boundsMinX(dashes, kPaintSolid), fx(10));
     EXPECT_EQ(boundsMinX(nullptr, kPaintSolid), fx(10)); // the stroke's own
+}
+
+// The outline fits, its copy for the fill does not: no stroke either, and no report.
+TEST_F(EllipticalRect, AFillWithoutMemoryIsDeliberatelyNotReported)
+{
+    StrokeRecorder recorder;
+    context.transform = {fx(2), 0, 0, fx(2), 0, 0};
+    void* filler = context.scratchStack.Alloc(1020);
+    {
+        FailingHeap heap;
+        heap.failFrom(2); // the first spill holds the outline, more than half full
+        context.drawEllipticalRect(fx(30), fx(30), fx(1800), fx(1800), fx(900), fx(900));
+    }
+    EXPECT_EQ(context.outOfMemory, 0);
+    EXPECT_TRUE(recorder.strokes.empty());
+    EXPECT_TRUE(blank());
+    context.scratchStack.DeAlloc(filler);
 }
 
 } // namespace
