@@ -16,27 +16,27 @@ namespace {
 using namespace KAVO::Graphics2D;
 using Points = std::vector<MMPoint2D>;
 
-struct Wide {
-    int64_t x, y;
-};
-
 // Recursive halving, with the second halves that wait counted instead of kept.
-void modelHalve(Wide p0, Wide c1, Wide c2, Wide p3, int64_t tolerance, int waiting, Points& out)
+void modelHalve(const BezierCurve& c, int64_t tolerance, int waiting, Points& out)
 {
-    const auto half = [](Wide a, Wide b) { return Wide{(a.x + b.x) / 2, (a.y + b.y) / 2}; };
-    const auto cross = [](Wide a, Wide b, Wide c) {
-        return ((b.x - a.x) >> 8) * ((c.y - b.y) >> 8) - ((b.y - a.y) >> 8) * ((c.x - b.x) >> 8);
+    const auto half = [](MMPoint2D a, MMPoint2D b) {
+        return MMPoint2D{(a.x + b.x) / 2, (a.y + b.y) / 2};
     };
-    const Wide l1 = half(p0, c1), h = half(c1, c2), r2 = half(c2, p3);
-    const Wide l2 = half(l1, h), r1 = half(h, r2), m = half(l2, r1);
-    const int64_t k1 = cross(p0, m, p3), k2 = cross(p0, m, c1);
+    const auto cross = [](MMPoint2D a, MMPoint2D b, MMPoint2D c) {
+        return int64_t{(b.x - a.x) >> 8} * ((c.y - b.y) >> 8) -
+               int64_t{(b.y - a.y) >> 8} * ((c.x - b.x) >> 8);
+    };
+    const MMPoint2D l1 = half(c.start, c.control1), h = half(c.control1, c.control2);
+    const MMPoint2D r2 = half(c.control2, c.end), l2 = half(l1, h), r1 = half(h, r2);
+    const MMPoint2D m = half(l2, r1);
+    const int64_t k1 = cross(c.start, m, c.end), k2 = cross(c.start, m, c.control1);
     const int64_t v = k2 + ((k1 < 0) == (k2 < 0) ? k1 : -k1);
     if (waiting == 10 || (-tolerance <= v && v <= tolerance)) {
-        out.push_back({static_cast<Fixed>(p3.x), static_cast<Fixed>(p3.y)});
+        out.push_back(c.end);
         return;
     }
-    modelHalve(p0, l1, l2, m, tolerance, waiting + 1, out);
-    modelHalve(m, r1, r2, p3, tolerance, waiting, out);
+    modelHalve({c.start, l1, l2, m}, tolerance, waiting + 1, out);
+    modelHalve({m, r1, r2, c.end}, tolerance, waiting, out);
 }
 
 Points flatten(const Matrix2D& transform, const BezierCurve& c)
@@ -81,10 +81,8 @@ TEST(BezierFlattening, EqualsThePlainModelAtEveryScale)
     size_t most = 0;
     for (const BezierCurve& c : curves)
         for (const auto& s : scales) {
-            const auto wide = [](MMPoint2D p) { return Wide{p.x, p.y}; };
             Points expected;
-            modelHalve(wide(c.start), wide(c.control1), wide(c.control2), wide(c.end), s.tolerance,
-                       0, expected);
+            modelHalve(c, s.tolerance, 0, expected);
             if (expected.size() > kMaxCurvePoints) continue;
             most = std::max(most, expected.size());
             EXPECT_EQ(flatten(s.transform, c), expected) << "curve " << &c - curves.data();

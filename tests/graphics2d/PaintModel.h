@@ -1,10 +1,9 @@
-// Plain models of the gradient and pattern strip fillers: one pixel at a time, every quantity
-// stepped or computed as it is defined, nothing shared with the library but the 16.16 functions.
+// Plain models of strip fillers: one pixel at a time, every quantity stepped or computed as it is
+// defined, nothing shared with the library but the 16.16 functions.
 #pragma once
 
 #include "graphics2d/MMContext2D.h"
 #include "math/FixedMath.h"
-#include "math/Vector2D.h"
 
 #include <algorithm>
 
@@ -62,12 +61,6 @@ struct Run {
         ++pixel;
         --n;
     }
-    int gradientWeight(int32_t alpha) const
-    {
-        const int w = fixMulSHR(o, alpha, 24) & 0xFF;
-        return (w >= 128 ? w + 1 : w) & 0xFF;
-    }
-    void putStop(Pixel c) { put(c, gradientWeight(byteOf(c, 3) << 16)); }
 };
 
 // Channels 0 to 3 are blue, green, red, alpha in 8.16.
@@ -79,184 +72,15 @@ inline Pixel opaque(const int32_t (&v)[4])
     return p;
 }
 
-// The colour between two stops and its change over all of the segment.
-struct Segment {
-    Fixed span;
-    int32_t v[4], d[4];
-
-    Segment(const MMPaint& p, uint32_t i, Fixed at)
-    {
-        const Fixed* o = p.gradientStopOffsets + i;
-        const Pixel* c = p.gradientStopColors + i;
-        span = wrapSub(o[1], o[0]);
-        const Fixed f = fixDiv(wrapSub(at, o[0]), span);
-        for (int k = 0; k < 4; ++k) {
-            d[k] = (byteOf(c[1], k) - byteOf(c[0], k)) * 65536;
-            v[k] = wrapAdd(fixMul(f, d[k]), byteOf(c[0], k) << 16);
-        }
-    }
-    void step(const int32_t (&change)[4], int shift = 0)
-    {
-        for (int k = 0; k < 4; ++k)
-            v[k] = wrapAdd(v[k], change[k] >> shift);
-    }
-};
-
-inline int32_t raised(int32_t x)
-{
-    return x >= 0x00800000 ? wrapAdd(x, 0x10000) : x;
-}
-
-inline void linear(MMContext2D& context, bool translucent)
+// A gradient of one stop.
+inline void flat(MMContext2D& context, bool translucent)
 {
     Run run(context, translucent);
-    const MMPaint& p = run.paint;
-    const Fixed* o = p.gradientStopOffsets;
-    const Pixel* c = p.gradientStopColors;
-    const uint32_t last = p.gradientStopCount - 1;
-    Fixed t = wrapAdd(
-        fixMul(p.gradientStepY, wrapSub(wrapShl(context.spanRow, 16), p.gradientOriginY)),
-        fixMul(p.gradientStepX, wrapSub(wrapShl(context.spanStart >> 16, 16), p.gradientOriginX)));
-    uint32_t i = 0;
-    const auto step = [&] { t = wrapAdd(t, p.gradientStepX); };
+    const Pixel colour = run.paint.gradientStopColors[0];
     do {
         while (run.n > 0) {
-            for (; run.n > 0 && t <= o[0]; step())
-                run.putStop(c[0]);
-            for (; run.n > 0 && t >= o[last]; step())
-                run.putStop(c[last]);
-            while (run.n > 0 && o[0] < t && t < o[last]) {
-                while (i + 1 < p.gradientStopCount && o[i + 1] <= t)
-                    ++i;
-                while (i != 0 && o[i] >= t)
-                    --i;
-                Segment at(p, i, t);
-                auto& v = at.v;
-                int32_t e[4];
-                for (int k = 0; k < 4; ++k)
-                    e[k] = fixMul(fixDiv(p.gradientStepX, at.span), at.d[k]);
-                const Coverage R = context.spanCoverageNext;
-                const Coverage S = context.spanCoverageStep;
-                const int32_t w1 = raised(fixMulSHR(R, wrapAdd(v[3], e[3]), 8));
-                const int32_t w2 =
-                    raised(fixMulSHR(wrapAdd(R, S), wrapAdd(v[3], wrapMul(2, e[3])), 8));
-                int32_t w = raised(fixMulSHR(run.o, v[3], 8));
-                for (int k = 0; run.n > 0 && o[i] < t && t <= o[i + 1]; ++k, step()) {
-                    run.put(opaque(v), (wrapAdd(w, 0x8000) >> 16) & 0xFF);
-                    w = wrapAdd(w1, wrapMul(k, wrapSub(w2, w1)));
-                    at.step(e);
-                }
-            }
-        }
-    } while (run.startTail());
-}
-
-inline void radial(MMContext2D& context, bool translucent)
-{
-    constexpr Fixed one = 0x10000;
-    Run run(context, translucent);
-    const MMPaint& p = run.paint;
-    const Fixed* o = p.gradientStopOffsets;
-    const Pixel* c = p.gradientStopColors;
-    const uint32_t last = p.gradientStopCount - 1;
-    const Fixed dy = wrapSub(wrapShl(context.spanRow, 16), p.radialCenterY);
-    Fixed dx = wrapSub(wrapShl(context.spanStart >> 16, 16), p.radialCenterX);
-    const auto dot = [](Fixed ax, Fixed ay, Fixed bx, Fixed by) {
-        return wrapAdd(fixMul(ax, bx), fixMul(ay, by));
-    };
-    const Fixed A = dot(p.radialXToU, p.radialXToV, p.radialXToU, p.radialXToV);
-    const Fixed B =
-        fixMul(dot(p.radialXToU, p.radialXToV, p.radialYToU, p.radialYToV), wrapMul(2, dy));
-    const Fixed Q = dot(p.radialYToU, p.radialYToV, p.radialYToU, p.radialYToV);
-    const Fixed xv = fixDiv(wrapNeg(B), wrapMul(2, A));
-    Fixed r = 0;
-    const auto exact = [&] {
-        MMPoint2D uv = {dot(dx, dy, p.radialXToU, p.radialYToU),
-                        dot(dx, dy, p.radialXToV, p.radialYToV)};
-        r = v2dNorm(&uv);
-    };
-    bool grows = false; // r is not computed any more
-    const auto padTo = [&](Pixel colour, Fixed end) {
-        for (; dx <= end && run.n > 0; dx = wrapAdd(dx, one))
-            run.putStop(colour);
-        if (!grows) exact();
-    };
-    const auto padOne = [&](bool needed, Pixel colour) {
-        if (needed && run.n > 0) padTo(colour, dx);
-    };
-    Fixed disc = 0;
-    const auto root = [&](Fixed k, int side) {
-        const Fixed g = fixDiv(dy, k);
-        const Fixed h = fixDiv(xv, k);
-        disc = wrapSub(fixMul(h, h), fixDiv(wrapSub(fixMul(fixMul(g, g), Q), one), A));
-        const Fixed x = wrapAdd(xv, wrapMul(side, fixMul(k, fixSqrt(disc))));
-        return wrapAdd(x, 0xFFFF) & ~0xFFFF;
-    };
-    exact();
-    Fixed s = -one, E = 0;
-    int32_t m = 0;
-    uint32_t i = last > 0 ? last - 1 : 0;
-    do {
-        while (run.n > 0) {
-            if (r >= o[last]) {
-                grows = s > 0;
-                const Fixed entry = root(o[last], -1);
-                padTo(c[last], grows || disc < 0 ? 0x7FFFFFFF : entry);
-                grows = false;
-                padOne(r >= o[last], c[last]);
-                if (dx >= xv) s = one;
-            }
-            if (r < o[0] && run.n > 0) {
-                const int before = run.n;
-                padTo(c[0], root(o[0], 1));
-                padOne(r >= o[last], c[last]);
-                padOne(run.n == before && r < o[0], c[0]);
-                s = one;
-            }
-            while (o[0] <= r && r < o[last] && run.n > 0) {
-                while (i != 0 && o[i] >= r)
-                    --i;
-                while (o[i + 1] <= r)
-                    ++i;
-                Segment at(p, i, r);
-                const bool before = dx < xv;
-                const Fixed divisor = wrapAdd(at.span, 0x8000);
-                int32_t q[4];
-                for (int k = 0; k < 4; ++k)
-                    q[k] =
-                        before ? wrapAdd(fixDiv(at.d[k], ~divisor), 1) : fixDiv(at.d[k], divisor);
-                if (!before) {
-                    m = -1;
-                    s = one;
-                }
-                int32_t t = 0;
-                // One step of r, or half a one, when it leads nearer to the true radius.
-                const auto nearer = [&](int halves) {
-                    const int32_t K = wrapAdd(m ^ wrapMul(halves, r), t);
-                    const int32_t length = halves == 2 ? one : one / 4;
-                    const bool closer = E > 0 || (wrapSub(length, K) >= E && s < 0);
-                    if (wrapAdd(r, s) <= 0 || !closer) return false;
-                    E = wrapAdd(E, wrapSub(K, length));
-                    r = wrapAdd(r, s / 2 * halves);
-                    at.step(q, halves == 2 ? 0 : 1);
-                    return true;
-                };
-                bool crossed = false;
-                while (!crossed && o[i] <= r && r < o[i + 1] && run.n > 0) {
-                    run.put(opaque(at.v), run.gradientWeight(at.v[3]));
-                    E = wrapAdd(E, wrapAdd(fixMul(wrapAdd(wrapMul(2, dx), one), A), B));
-                    dx = wrapAdd(dx, one);
-                    crossed = dx >= xv && m == 0;
-                    if (crossed) {
-                        s = one;
-                        m = -1;
-                    }
-                    t = m & 1;
-                    while (nearer(2)) {
-                    }
-                    nearer(1);
-                }
-            }
+            const int w = fixMulSHR(run.o, byteOf(colour, 3) << 16, 24) & 0xFF;
+            run.put(colour, (w >= 128 ? w + 1 : w) & 0xFF);
         }
     } while (run.startTail());
 }
@@ -352,7 +176,8 @@ inline int roundedWeight(int32_t q)
     return (q >= 0x007F8000 ? w + 1 : w) & 0xFF;
 }
 
-inline void pattern(MMContext2D& context, bool translucent, int filter)
+template <int filter>
+void pattern(MMContext2D& context, bool translucent)
 {
     Run run(context, translucent);
     const Fixed x = filter == 0 ? (context.spanStart & ~0xFFFF) | 0x8000 : context.spanStart;

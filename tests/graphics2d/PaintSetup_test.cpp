@@ -35,11 +35,11 @@ struct Canvas {
         context.target = {uint16_t(w), uint16_t(h), uint32_t(w) * 4, 0, pixels.data(), 0};
         paint.paintOpacity = 255;
     }
-    void drawRow(int y)
+    void drawRow(int y, int start = 0)
     {
         context.spanRow = y;
         context.spanPixels = pixels.data() + static_cast<ptrdiff_t>(y) * width;
-        context.spanStart = 0;
+        context.spanStart = start << 16;
         context.spanEnd = width << 16;
         drawSpan(context, chooseSpanFiller(context));
     }
@@ -87,31 +87,52 @@ TEST(PaintSetup, LinearRampsStayCloseToTheExactOnes)
     }
 }
 
-// White over black shows the weight of each pixel, which must follow the alpha all along the row:
-// the linear filler extrapolates it, so where its rounding changes at 128 it could run away.
-TEST(PaintSetup, TranslucentLinearRampsFollowTheirAlpha)
+// Random gradients of three stops over black, whose pixels must follow colour and alpha all along
+// the row: the linear filler extrapolates the weight, and the radial one steps its radius.
+TEST(PaintSetup, RandomRampsFollowTheirColoursAndAlphas)
 {
     std::mt19937 random(4);
-    for (int i = 0; i < 2000; ++i) {
-        const Pixel alphas[] = {Pixel(random() % 256), Pixel(random() % 256)};
-        const Pixel colours[] = {0xFFFFFF | alphas[0] << 24, 0xFFFFFF | alphas[1] << 24};
-        const int opacity = i % 4 == 0 ? 128 + i % 127 : 255;
+    const auto between = [&](double low, double high) {
+        return low + random() / 4294967296.0 * (high - low);
+    };
+    for (int i = 0; i < 4000; ++i) {
+        const bool radial = i % 2 != 0, opaque = i % 4 < 2;
+        const double opacity = opaque || i % 3 == 0 ? 255 : 100 + i % 155;
+        const double extent = between(100, 1000), way = i % 3 != 0 ? 1 : -1;
+        const double x0 = between(0, 600), y0 = between(-200, 200);
+        const double offsets[] = {between(0, 0.2), between(0.4, 0.6), between(0.8, 1)};
+        const Fixed stopOffsets[] = {fx(offsets[0]), fx(offsets[1]), fx(offsets[2])};
+        Pixel colours[3];
+        for (Pixel& c : colours)
+            c = static_cast<Pixel>(random()) | (opaque ? 0xFF000000 : 0);
+        const GradientStops stops = {colours, stopOffsets, 3};
         Canvas canvas(600, 1);
-        std::fill(canvas.pixels.begin(), canvas.pixels.end(), 0xFF000000);
+        canvas.pixels.assign(600, 0xFF000000);
         canvas.paint.paintOpacity = static_cast<uint8_t>(opacity);
-        const double start = random() % 600, extent = 20 + random() % 1200, way = i % 2 ? 1 : -1;
-        setLinearGradient(canvas.paint, {fx(start), 0}, {fx(start + way * extent), 0},
-                          kIdentityMatrix, {colours, kStopOffsets, 2}, canvas.ramp);
-        canvas.drawRow(0);
-        double worst = 0;
+        if (radial)
+            setRadialGradient(canvas.paint, at(x0, y0), fx(extent), kIdentityMatrix, stops,
+                              canvas.ramp);
+        else
+            setLinearGradient(canvas.paint, at(x0, y0), at(x0 + way * extent, y0), kIdentityMatrix,
+                              stops, canvas.ramp);
+        const int start = static_cast<int>(between(0, 500));
+        canvas.drawRow(0, start);
         for (int x = 0; x < 600; ++x) {
-            const double t = std::min(std::max((x - start) * way / extent, 0.0), 1.0);
-            const double alpha = alphas[0] + t * (double(alphas[1]) - alphas[0]);
-            const double red = (canvas.pixels[static_cast<size_t>(x)] >> 16) & 0xFF;
-            worst = std::max(worst, std::abs(red - alpha * opacity / 255));
+            const double distance = radial ? std::hypot(x - x0, y0) : (x - x0) * way;
+            const double t = std::clamp(distance / extent, offsets[0], offsets[2]);
+            const int s = t < offsets[1] ? 0 : 1;
+            const double share = (t - offsets[s]) / (offsets[s + 1] - offsets[s]);
+            const auto channel = [&](int k) {
+                const int from = colours[s] >> (8 * k) & 0xFF,
+                          to = colours[s + 1] >> (8 * k) & 0xFF;
+                return from + share * (to - from);
+            };
+            for (int k = 0; k < 3; ++k) {
+                const double ideal = channel(k) * channel(3) * opacity / (255 * 255);
+                const int drawn = canvas.pixels[static_cast<size_t>(x)] >> (8 * k) & 0xFF;
+                ASSERT_NEAR(drawn, x < start ? 0 : ideal, 4) << "gradient " << i << " at " << x;
+            }
         }
-        EXPECT_LT(worst, 2.5) << alphas[0] << " to " << alphas[1] << " over " << way * extent
-                              << " from " << start << " under " << opacity;
     }
 }
 

@@ -1,6 +1,7 @@
 // Positions along a path by distance.
 #include "graphics2d/MMContext2D.h"
 #include "tests/support/EncodedPath.h"
+#include "tests/support/FailingHeap.h"
 #include "tests/support/UserUnits.h"
 
 #include <gtest/gtest.h>
@@ -124,6 +125,22 @@ TEST(PathPosition, PathsWithoutLength)
     const MMPoint2D p = walker.to(INT32_MAX);
     EXPECT_NEAR(p.x, 2147483648.0 * (std::sqrt(0.5) - 1), 100000);
     EXPECT_EQ(p.x, p.y);
+}
+
+TEST(PathPosition, WithoutScratchMemoryTheRecordStays)
+{
+    EncodedPath path;
+    path.points({at(0, 0), at(5, 0)}).curves({at(5, 9), at(9, 9), at(9, 0)}, EncodedPath::kOpen);
+    Walker walker(path);
+    walker.to(fx(4));
+    void* filler = walker.context.scratchStack.Alloc(1000);
+    {
+        FailingHeap heap;
+        heap.failFrom(1);
+        EXPECT_EQ(walker.to(fx(9)), at(4, 0));
+    }
+    walker.context.scratchStack.DeAlloc(filler);
+    EXPECT_NE(walker.to(fx(9)), at(4, 0));
 }
 
 } // namespace
