@@ -1,5 +1,7 @@
 // Work stays in proportion to what is seen of a drawing and to the length of a text, however far
-// images are magnified. It is counted, not timed.
+// images are magnified and however wide a pen is. It is counted, not timed.
+#include "graphics2d/StrokeOutline.h"
+#include "graphics2d/Stroker.h"
 #include "tests/pictures/Canvas.h"
 #include "tests/support/FakeLayoutEngine.h"
 
@@ -85,6 +87,51 @@ TEST(BoundedWork, AHundredThousandCharactersTakeAGlyphForEachOnceAndAFewCallsEac
     // A glyph to measure each character by, those behind a line's end a second time; its code.
     EXPECT_LE(fakeLayoutEngine.calls, int32_t{3 * kCount});
     EXPECT_LE(c.scratchStack.peakWords, 1024u);
+}
+
+// Vertices of the outline that the stroker builds for a line.
+uint32_t outlineVertices(MMContext2D& context, const std::vector<MMPoint2D>& line,
+                         const StrokePen& pen)
+{
+    StrokeOutline outline(context.scratchStack, pen, static_cast<uint32_t>(line.size()));
+    EXPECT_TRUE(outline.build(line.data(), static_cast<uint32_t>(line.size()), false));
+    return outline.count();
+}
+
+// However wide the pen and whatever the transform: a round join or cap makes no more vertices than
+// half a turn of the finest step, a smooth turn a twelfth of that, and each seven more.
+TEST(BoundedWork, JoinsAndCapsHaveABoundedNumberOfVertices)
+{
+    const Fixed far = INT32_MAX;
+    const std::vector<MMPoint2D> lines[] = {{{-far, -far}, {far, far}, {-far, -far + 1}, {far, 0}},
+                                            {{0, 0}, {1, 0}, {0, 0}, {0, 1}},
+                                            {{far, 0}, {-far, 1}, {far, 2}, {-far, 3}},
+                                            {at(0, 0), at(100, 0), at(200, 20), at(300, 66)}};
+    for (Fixed halfWidth : {1, fx(1), fx(3000), far})
+        for (Fixed scale : {1, fx(1), fx(100), far})
+            for (Fixed limit : {0, fx(32767)})
+                for (uint8_t style : {0, 1, 2}) {
+                    MMContext2D context;
+                    context.transform = {scale, 0, 0, scale, 0, 0};
+                    context.strokeHalfWidth = halfWidth;
+                    const Degrees step = DevicePen(context).stepFor(4);
+                    const StrokePen pen = {halfWidth, limit, style, style, step, {kOne30, 0}};
+                    for (const std::vector<MMPoint2D>& line : lines)
+                        EXPECT_LE(outlineVertices(context, line, pen),
+                                  4 * (style == kJoinRound ? 1800u + 7 : 150u + 7));
+                }
+}
+
+TEST(BoundedWork, ManyJoinsOrDashesShareABoundedNumberOfVertices)
+{
+    MMContext2D context;
+    for (Fixed halfWidth : {fx(1), fx(64), fx(30000)}) {
+        context.strokeHalfWidth = halfWidth;
+        const DevicePen pen(context);
+        EXPECT_EQ(pen.stepFor(4000), pen.step);
+        for (uint64_t count : {10000u, 65535u, 1u << 20, 1u << 28}) // 45 degrees at most
+            EXPECT_LE(count * (kDegrees180 / pen.stepFor(count)), (1u << 23) + 4 * count);
+    }
 }
 
 } // namespace
