@@ -16,6 +16,11 @@ namespace model {
 using Polygon = std::vector<MMPoint2D>;
 using Vector = std::complex<double>;
 
+inline double cross(Vector a, Vector b)
+{
+    return (std::conj(a) * b).imag();
+}
+
 inline Fixed toFixed(double v)
 {
     return static_cast<Fixed>(std::lround(v * 65536));

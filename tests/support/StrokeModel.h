@@ -7,11 +7,6 @@
 
 namespace model {
 
-inline double cross(Vector a, Vector b)
-{
-    return (std::conj(a) * b).imag();
-}
-
 // The pieces' edges, to be filled by the non-zero rule.
 class StrokeModel {
 public:
