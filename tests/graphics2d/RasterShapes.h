@@ -117,6 +117,7 @@ inline std::vector<Shape> shapes()
         {"turned sliver", points({{10, 10}, {110, 90}, {110.3, 89.5}}), kFine},
         {"flat sliver", points({{5, 40.2}, {130, 43.9}, {130, 44.6}}), kFine},
         {"steep sliver", points({{50, 5}, {52.3, 120}, {51.9, 121}}), kFine},
+        {"roof", points({{70, 10}, {135, 30.5}, {5, 28}}), kFine},
         {"stairs", points({{40, 5}, {30, 5.5}, {30, 20.25}, {15, 20.25}, {22, 50.5}, {18, 50.5}}),
          kFine},
         {"near-horizontal", points({{2, 20}, {135, 20.4}, {134, 60.1}, {1, 59.7}}), kUsual},
