@@ -5,9 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <cmath>
 #include <initializer_list>
-#include <random>
 #include <utility>
 
 namespace {
@@ -148,30 +146,6 @@ TEST(DashArray, SquareDotsLieAlongTheirLine)
     expectBounds(Dashed({0, 25}), {at(50, 50), at(80, 90)}, at(80, 90), fx(14)); // at the end
     expectBounds(Dashed({0, 25}, 20), {at(50, 50), at(56, 58)}, at(53, 54), fx(14));
     expectBounds(Dashed({5, 5}), {at(50, 50), at(50, 50)}, at(50, 50), fx(10)); // no direction
-}
-
-// Lengths of random polylines in double precision: each dash is as long as its entry, and they lie
-// where the pattern puts them, to within the truncation of the unit directions.
-TEST(DashArray, DashesOfRandomPolylinesHaveTheirLengths)
-{
-    std::mt19937 random(7);
-    for (int round = 0; round < 50; ++round) {
-        Points points(2 + random() % 20);
-        for (MMPoint2D& p : points)
-            p = {static_cast<Fixed>(random() % fx(200)), static_cast<Fixed>(random() % fx(200))};
-        const auto length = [](const Points& run) {
-            double sum = 0;
-            for (size_t i = 1; i < run.size(); ++i)
-                sum += std::hypot(double(run[i].x) - run[i - 1].x, double(run[i].y) - run[i - 1].y);
-            return sum / 65536;
-        };
-        Dashed dashed({7, 3});
-        const auto strokes = dash(dashed.context, points);
-        const double total = length(points);
-        ASSERT_EQ(strokes.size(), static_cast<size_t>(total / 10) + 1) << "round " << round;
-        for (size_t i = 0; i + 1 < strokes.size(); ++i)
-            EXPECT_NEAR(length(strokes[i].points), 7, 0.02) << "round " << round << " dash " << i;
-    }
 }
 
 } // namespace

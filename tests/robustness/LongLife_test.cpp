@@ -107,20 +107,6 @@ TEST(LongLife, MemoryStaysAndTheLastFrameIsThatOfANewContext)
     EXPECT_EQ(heap.liveBlocks(), 0);
 }
 
-TEST(LongLife, ScenesAreTheSameAfterAllOthers)
-{
-    Canvas old;
-    for (int round = 0; round < 2; ++round) {
-        for (const Scene& scene : kScenes) {
-            Canvas fresh;
-            scene.draw(fresh);
-            old.reset();
-            scene.draw(old);
-            EXPECT_EQ(old.pixels, fresh.pixels) << scene.name;
-        }
-    }
-}
-
 TEST(LongLife, ADashedPointLeavesTheBlockOfAPointBehindAndNoMore)
 {
     FailingHeap heap;
