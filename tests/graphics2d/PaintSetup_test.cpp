@@ -59,7 +59,7 @@ TEST(PaintSetup, RandomRampsFollowTheirColoursAndAlphas)
     for (int i = 0; i < 4000; ++i) {
         const bool radial = i % 2 != 0, opaque = i % 4 < 2;
         const double opacity = opaque || i % 3 == 0 ? 255 : 100 + i % 155;
-        const double extent = radial ? between(200, 2000) : 10 * std::pow(800, between(0, 1));
+        const double extent = radial ? between(200, 2000) : 10 * std::pow(1400, between(0, 1));
         const double offsets[] = {between(0, 0.2), between(0.4, 0.6), between(0.8, 1)};
         const Fixed stopOffsets[] = {fx(offsets[0]), fx(offsets[1]), fx(offsets[2])};
         Pixel colours[3];
