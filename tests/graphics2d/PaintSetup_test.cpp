@@ -55,6 +55,7 @@ TEST(PaintSetup, RandomRampsFollowTheirColoursAndAlphas)
     const auto between = [&](double low, double high) {
         return low + random() / 4294967296.0 * (high - low);
     };
+    const auto direction = [&] { return std::polar(1.0, between(-M_PI, M_PI)); };
     Canvas canvas(2000, 20);
     for (int i = 0; i < 4000; ++i) {
         const bool radial = i % 2 != 0, opaque = i % 4 < 2;
@@ -68,11 +69,13 @@ TEST(PaintSetup, RandomRampsFollowTheirColoursAndAlphas)
         const GradientStops stops = {colours, stopOffsets, 3};
 
         // Where the transform takes the unit vectors; some point of the ramp lies on the canvas.
-        const Vector u = std::polar(between(0.5, 2), between(-M_PI, M_PI));
-        const Vector v = u * Vector(between(-0.5, 0.5), between(0.5, 2));
-        const Vector end = std::polar(extent, between(-M_PI, M_PI));
-        const Vector origin = Vector(between(0, 2000), between(-200, 200)) -
-                              between(0, 1) * (end.real() * u + end.imag() * v);
+        const double stretch = between(0.5, 2);
+        const Vector u = stretch * direction();
+        const Vector v = u * Vector{between(-0.5, 0.5), between(0.5, 2)};
+        const Vector end = extent * direction();
+        const Vector seen{between(0, 2000), between(-200, 200)};
+        const Vector origin = seen - between(0, 1) * (end.real() * u + end.imag() * v);
+        if (std::abs(origin) > 32767) continue;
         const Matrix2D m = {fx(u.real()), fx(u.imag()),      fx(v.real()),
                             fx(v.imag()), fx(origin.real()), fx(origin.imag())};
         canvas.paint = {};
