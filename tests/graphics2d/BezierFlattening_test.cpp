@@ -91,8 +91,8 @@ TEST(BezierFlattening, EqualsThePlainModelAtEveryScale)
             modelHalve(c, s.tolerance, 0, expected);
             if (expected.size() > kMaxCurvePoints) continue;
             most = std::max(most, expected.size());
-            const int32_t step = static_cast<int32_t>(expected.size() % 3) - 1;
-            EXPECT_EQ(flatten(s.transform, c, step == 0 ? 2 : step), expected)
+            const int32_t steps[] = {1, 2, -1};
+            EXPECT_EQ(flatten(s.transform, c, steps[expected.size() % 3]), expected)
                 << "curve " << &c - curves.data();
         }
     EXPECT_GT(most, 250u);

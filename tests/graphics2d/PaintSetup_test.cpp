@@ -75,7 +75,7 @@ TEST(PaintSetup, RandomRampsFollowTheirColoursAndAlphas)
         const Vector end = extent * direction();
         const Vector seen{between(0, 2000), between(-200, 200)};
         const Vector origin = seen - between(0, 1) * (end.real() * u + end.imag() * v);
-        if (std::abs(origin) > 32767) continue;
+        if (std::abs(origin) > 32767) continue; // no 16.16 number holds it
         const Matrix2D m = {fx(u.real()), fx(u.imag()),      fx(v.real()),
                             fx(v.imag()), fx(origin.real()), fx(origin.imag())};
         canvas.paint = {};
