@@ -35,7 +35,7 @@ for_machine() {
 
 # Tests left out, as a pattern. Emulated machines are slow, and what compares with slow models there
 # would prove nothing about the machine that the picture hashes do not.
-slow_models='Polyline\.MatchesUnion|PaintStrip|LongLife\.MemoryStays'
+slow_models='Polyline\.MatchesUnion|PaintStrip.*/[nb]|LongLife\.MemoryStays'
 summary=()
 failed=false
 

@@ -72,6 +72,44 @@ inline Pixel opaque(const int32_t (&v)[4])
     return p;
 }
 
+// One colour. Its weight is the coverage, rounded; the tail's coverage stays as it is.
+inline void solid(MMContext2D& context, bool translucent)
+{
+    Run run(context, translucent);
+    const Pixel colour = run.paint.paintColour;
+    const auto draw = [&](Pixel& pixel, Coverage coverage) {
+        pixel = translucent ? moved(pixel, colour, (coverage + 0x8000) >> 16 & 0xFF) : colour;
+    };
+    for (; run.n > 0; --run.n) {
+        draw(*run.pixel++, run.o);
+        run.o = context.spanCoverageNext;
+        if (translucent && run.n > 1) context.spanCoverageNext += context.spanCoverageStep;
+    }
+    if (translucent && context.spanTailCoverage > 0)
+        draw(context.spanPixels[context.spanEnd >> 16], context.spanTailCoverage);
+}
+
+inline void exclusiveOr(MMContext2D& context, bool)
+{
+    for (Run run(context, false); run.n > 0; --run.n)
+        *run.pixel++ ^= run.paint.paintColour;
+}
+
+// Colour and ground, each byte with its highest bit added, by the opacity.
+inline void faded(MMContext2D& context, bool)
+{
+    for (Run run(context, false); run.n > 0; --run.n, ++run.pixel) {
+        Pixel sum = 0;
+        for (int k = 0; k < 4; ++k) {
+            const int to = byteOf(run.paint.paintColour, k), from = byteOf(*run.pixel, k);
+            const int w = run.paint.paintOpacity;
+            const int byte = ((to + (to >> 7)) * w >> 8) + ((from + (from >> 7)) * (255 - w) >> 8);
+            sum |= static_cast<Pixel>(byte) << 8 * k;
+        }
+        *run.pixel = sum;
+    }
+}
+
 // A gradient of one stop.
 inline void flat(MMContext2D& context, bool translucent)
 {

@@ -1,8 +1,9 @@
-// The gradient and pattern strip fillers against plain models, over random and hostile fields.
+// The strip fillers against plain models, over random and hostile fields.
 #include "PaintModel.h"
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <random>
 #include <vector>
 
@@ -21,6 +22,10 @@ struct Paint {
     void (*model)(MMContext2D&, bool translucent);
 };
 constexpr Paint kPaints[] = {
+    {"solid", &MMContext2D::drawSolidStrip, &MMContext2D::drawSolidTStrip, PaintModel::solid},
+    {"xor", &MMContext2D::drawSolidXORStrip, &MMContext2D::drawSolidXORStrip,
+     PaintModel::exclusiveOr},
+    {"faded", &MMContext2D::drawTransStrip, &MMContext2D::drawTransStrip, PaintModel::faded},
     {"linear", &MMContext2D::drawLinearGradientStrip, &MMContext2D::drawLinearGradientTStrip,
      PaintModel::flat},
     {"radial", &MMContext2D::drawRadialGradientStrip, &MMContext2D::drawRadialGradientTStrip,
@@ -76,6 +81,7 @@ protected:
         const Coverage first = oneIn(2) ? within(0, 255) << 16 : within(0, 255 << 16);
         const bool flat = oneIn(2) || count < 2;
         const Coverage step = flat ? 0 : within(-first, (255 << 16) - first) / count;
+        const Coverage second = flat && oneIn(3) ? within(0, 255 << 16) : first + step;
         pixels[0].resize(kWidth * kRows + 2 * kGuard);
         for (Pixel& p : pixels[0])
             p = colour();
@@ -90,11 +96,17 @@ protected:
             c.spanStart = (start << 16) | fraction;
             c.spanEnd = (start + count) * 65536 + endFraction;
             c.spanCoverage = first;
-            c.spanCoverageNext = first + step;
+            c.spanCoverageNext = second;
             c.spanCoverageStep = step;
             c.spanTailCoverage = tail ? std::max(1, first / 2) : -1;
         }
         paint = {};
+    }
+
+    void makeColour()
+    {
+        paint.paintColour = colour();
+        paint.paintOpacity = static_cast<uint8_t>(within(0, 255));
     }
 
     // Its ramps are held against exact ones where they are set up.
@@ -143,7 +155,9 @@ TEST_P(PaintStrip, MatchesThePlainModel)
         hostile = oneIn(4);
         const bool translucent = oneIn(2);
         makeSpan();
-        if (GetParam() < 2)
+        if (GetParam() < 3)
+            makeColour();
+        else if (GetParam() < 5)
             makeGradientOfOneStop();
         else
             makePattern();
@@ -158,7 +172,27 @@ TEST_P(PaintStrip, MatchesThePlainModel)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, PaintStrip, testing::Range(0, 5),
+TEST(PickingStrip, HitsAtBothEndsAndOnWholeRowsOnly)
+{
+    MMContext2D context;
+    context.spanStart = 0x20000;
+    context.spanEnd = 0x48000;
+    context.spanRow = 3;
+    for (const auto& [x, y, hit] : {std::array{0x20000, 0x30000, 1},
+                                    {0x48000, 0x30000, 1},
+                                    {0x1FFFF, 0x30000, 0},
+                                    {0x48001, 0x30000, 0},
+                                    {0x30000, 0x38000, 0},
+                                    {0x30000, 0x20000, 0}}) {
+        context.pickHit = 0;
+        context.pickX = x;
+        context.pickY = y;
+        context.drawPickingStrip();
+        EXPECT_EQ(context.pickHit, hit) << x << "," << y;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, PaintStrip, testing::Range<int>(0, std::size(kPaints)),
                          [](const auto& info) { return kPaints[info.param].name; });
 
 } // namespace
