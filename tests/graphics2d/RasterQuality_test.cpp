@@ -148,6 +148,28 @@ TEST(RasterQuality, NoPixelIsDrawnTwice)
     }
 }
 
+// A span is hit from its first pixel to the one behind its last.
+TEST(RasterQuality, PickingHitsWhatWouldBeCovered)
+{
+    const Polygon polygon = star(30, 30, 25, 5, 2);
+    for (bool antiAlias : {false, true}) {
+        RasterPicture filled(antiAlias);
+        filled.fill(polygon);
+        for (int i = 61; i < 60 * 60; ++i) {
+            const int x = i % 60, y = i / 60;
+            RasterPicture picture(antiAlias);
+            MMContext2D& context = picture.context;
+            context.pickX = x * kFixedOne;
+            context.pickY = y * kFixedOne;
+            context.currentPaint.paintType = kPaintPicking;
+            context.currentPaint.paintOpacity = i % 2 == 0 ? 255 : 100;
+            picture.fill(polygon);
+            const bool covered = filled.coverage(x, y) + filled.coverage(x - 1, y) > 0;
+            ASSERT_EQ(context.pickHit != 0, covered) << x << ", " << y << " smooth " << antiAlias;
+        }
+    }
+}
+
 TEST(RasterQuality, ShapesThatShareAnOutlineLeaveNoGap)
 {
     for (unsigned seed = 0; seed < 20; ++seed) {

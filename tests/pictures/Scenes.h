@@ -7,31 +7,6 @@
 
 namespace pictures {
 
-// Pick points on a grid; those that are covered are marked.
-inline void picking(Canvas& c)
-{
-    c.solid(0, kPaintPicking);
-    for (int32_t i = 0; i < 24 * 24; ++i) {
-        const int32_t x = 2 + 4 * (i % 24), y = 2 + 4 * (i / 24);
-        c.context.pickX = x * kFixedOne, c.context.pickY = y * kFixedOne;
-        c.context.pickHit = 0;
-        c.star();
-        if (c.context.pickHit != 0) c.mark(x, y);
-    }
-}
-
-// What callers may use for rows of their own.
-inline void translucentStrips(Canvas& c)
-{
-    for (int32_t y = 8; y < 88; ++y) {
-        c.context.spanPixels = &c.pixels[static_cast<size_t>(y * kSide)];
-        c.context.spanStart = fx(y / 3.0), c.context.spanEnd = fx(96 - y / 4.0);
-        c.context.currentPaint.paintColour = y % 16 < 8 ? kRed : 0x40457B9D;
-        c.context.currentPaint.paintOpacity = static_cast<uint8_t>(3 * y);
-        c.context.drawTransStrip();
-    }
-}
-
 inline void pan(Canvas& c)
 {
     c.star();
@@ -69,17 +44,6 @@ void imageParts(Canvas& c)
     c.context.imageOpacity = 150;
     c.context.currentPaint.patternHasAlpha = 1;
     draw({fx(3), fx(2), fx(9.5), fx(8)}, {fx(50), fx(88.5), fx(90), fx(60)}, fx(30));
-}
-
-inline void slivers(Canvas& c)
-{
-    const auto onCircle = [](double angle) -> MMPoint2D {
-        return {fx(48) + 46 * fixCos(fx(angle)), fx(48) + 46 * fixSin(fx(angle))};
-    };
-    for (int32_t i = 0; i < 24; ++i)
-        c.polygon({at(48, 48), onCircle(15 * i), onCircle(15 * i + 1)});
-    for (int32_t i = 0; i < 9; ++i)
-        c.polygon({at(3, 6 + 10 * i), at(93, 6 + 10.25 * i), at(93, 6.25 + 10.375 * i)});
 }
 
 inline void clipped(Canvas& c)
@@ -175,14 +139,15 @@ inline void wrappedText(Canvas& c)
 struct Scene {
     const char* name;
     void (*draw)(Canvas&);
+    bool ofItsOwnMemory = false; // one of each set of scenes that take the same
 };
 
 const Scene kScenes[] = {
     // Paints.
-    {"solid", [](Canvas& c) { c.star(); }},
+    {"solid", [](Canvas& c) { c.star(); }, true},
     {"solid-translucent", [](Canvas& c) { c.opacity(120), c.star(); }},
     {"solid-alpha-colour", [](Canvas& c) { c.solid(0x60E63946), c.star(); }},
-    {"solid-hard-edges", [](Canvas& c) { c.hard(), c.opacity(200), c.star(); }},
+    {"solid-hard-edges", [](Canvas& c) { c.hard(), c.opacity(200), c.star(); }, true},
     {"solid-on-transparent",
      [](Canvas& c) {
          c.pixels.assign(c.pixels.size(), 0);
@@ -192,8 +157,6 @@ const Scene kScenes[] = {
      [](Canvas& c) {
          c.solid(0x00FF7F40, kPaintXOR), c.star(), c.hard(), c.place(1, 0, 0, 1, 6, 6), c.star();
      }},
-    {"picking", picking},
-    {"translucent-strips", translucentStrips},
     {"linear", [](Canvas& c) { c.linear(), c.star(); }},
     {"linear-translucent", [](Canvas& c) { c.linear(), c.opacity(130), c.star(); }},
     {"linear-alpha-stops", [](Canvas& c) { c.linear(true), c.star(); }},
@@ -214,37 +177,36 @@ const Scene kScenes[] = {
      [](Canvas& c) { c.pattern(kFilterBicubic, true), c.opacity(150), c.star(); }},
     // Images and regions.
     {"image-nearest", turnedImage<kFilterNearest>},
-    {"image-bilinear", turnedImage<kFilterBilinear>},
+    {"image-bilinear", turnedImage<kFilterBilinear>, true},
     {"image-bicubic", turnedImage<kFilterBicubic>},
     {"image-placed", placedImages},
     {"image-parts-nearest", imageParts<kFilterNearest>},
-    {"image-parts-bilinear", imageParts<kFilterBilinear>},
+    {"image-parts-bilinear", imageParts<kFilterBilinear>, true},
     {"image-parts-bicubic", imageParts<kFilterBicubic>},
     {"pan", pan},
     // Shapes.
     {"tangle-non-zero", [](Canvas& c) { c.tangle(40, 4, 88); }},
-    {"tangle-even-odd", [](Canvas& c) { c.evenOdd(), c.opacity(190), c.tangle(40, 4, 88); }},
-    {"tangle-hard-edges", [](Canvas& c) { c.evenOdd(), c.hard(), c.tangle(25, 4, 88); }},
+    {"tangle-even-odd", [](Canvas& c) { c.evenOdd(), c.opacity(190), c.tangle(40, 4, 88); }, true},
+    {"tangle-hard-edges", [](Canvas& c) { c.evenOdd(), c.hard(), c.tangle(25, 4, 88); }, true},
     {"tangle-squeezed", [](Canvas& c) { c.tangle(90, 46, 2); }},
-    {"slivers", slivers},
-    {"curves", [](Canvas& c) { c.stroke(3), c.solid(kSand), c.opacity(200), c.blob(); }},
+    {"curves", [](Canvas& c) { c.stroke(3), c.solid(kSand), c.opacity(200), c.blob(); }, true},
     {"curves-magnified", [](Canvas& c) { c.place(40, 0, 0, 37, -352, -1802), c.blob(); }},
     {"clipped", clipped},
     {"round-rectangles", [](Canvas& c) { c.roundRectangles(); }},
-    {"round-rectangles-stroked", [](Canvas& c) { c.stroke(3), c.roundRectangles(); }},
+    {"round-rectangles-stroked", [](Canvas& c) { c.stroke(3), c.roundRectangles(); }, true},
     {"arcs-chord", [](Canvas& c) { c.arcs(0, 0); }},
-    {"arcs-pie", [](Canvas& c) { c.arcs(1, 0); }},
+    {"arcs-pie", [](Canvas& c) { c.arcs(1, 0); }, true},
     {"arcs-open", [](Canvas& c) { c.arcs(0, 1); }},
-    {"path-positions", positions},
+    {"path-positions", positions, true},
     // Strokes.
     {"joins-miter", [](Canvas& c) { c.solid(kNight), c.opacity(170), c.stroke(9), c.zigzag(); }},
-    {"joins-round", [](Canvas& c) { c.stroke(9, kJoinRound, kCapRound), c.zigzag(); }},
+    {"joins-round", [](Canvas& c) { c.stroke(9, kJoinRound, kCapRound), c.zigzag(); }, true},
     {"joins-bevel", [](Canvas& c) { c.stroke(9, kJoinBevel, kCapSquare), c.zigzag(); }},
     {"stroke-closed", [](Canvas& c) { c.stroke(6, kJoinMiter), c.zigzag(true); }},
     {"stroke-wide", [](Canvas& c) { c.stroke(40, kJoinRound), c.zigzag(); }},
     {"stroke-thin", [](Canvas& c) { c.stroke(0.2), c.zigzag(), c.hard(), c.zigzag(true); }},
     {"stroke-hard-edges",
-     [](Canvas& c) { c.hard(), c.stroke(7, kJoinMiter, kCapRound), c.zigzag(); }},
+     [](Canvas& c) { c.hard(), c.stroke(7, kJoinMiter, kCapRound), c.zigzag(); }, true},
     {"stroke-skewed",
      [](Canvas& c) {
          c.place(1.3, .2, -.5, .4, 20, 20), c.stroke(12, kJoinRound, kCapRound), c.zigzag();
@@ -259,15 +221,15 @@ const Scene kScenes[] = {
     {"dots", dots},
     {"dashes-butt", dashed<kJoinMiter, kCapButt>},
     {"dashes-round", dashed<kJoinRound, kCapRound>},
-    {"dashes-square", dashed<kJoinBevel, kCapSquare>},
+    {"dashes-square", dashed<kJoinBevel, kCapSquare>, true},
     // Text.
-    {"text", [](Canvas& c) { c.texts(); }},
+    {"text", [](Canvas& c) { c.texts(); }, true},
     {"text-translucent", [](Canvas& c) { c.solid(0xC0E63946), c.opacity(170), c.texts(); }},
     {"text-linear", [](Canvas& c) { c.linear(), c.texts(); }},
     {"text-radial", [](Canvas& c) { c.radial(true), c.texts(); }},
-    {"text-pattern", [](Canvas& c) { c.pattern(kFilterBilinear), c.texts(); }},
+    {"text-pattern", [](Canvas& c) { c.pattern(kFilterBilinear), c.texts(); }, true},
     {"text-placed", placedText},
-    {"text-wrapped", wrappedText},
+    {"text-wrapped", wrappedText, true},
 };
 
 } // namespace pictures
