@@ -2,29 +2,9 @@
 #include "fuzz/HostileScene.h"
 #include "graphics2d/PaintSetup.h"
 #include "graphics2d/RegionFlush.h"
+#include "graphics2d/StripDispatch.h"
 
 namespace {
-
-constexpr void (MMContext2D::*kFillers[])() = {
-    &MMContext2D::drawSolidStrip,           &MMContext2D::drawSolidXORStrip,
-    &MMContext2D::drawPickingStrip,         &MMContext2D::drawSolidTStrip,
-    &MMContext2D::drawTransStrip,           &MMContext2D::drawLinearGradientStrip,
-    &MMContext2D::drawLinearGradientTStrip, &MMContext2D::drawRadialGradientStrip,
-    &MMContext2D::drawRadialGradientTStrip, &MMContext2D::drawPatternStrip,
-    &MMContext2D::drawPatternTStrip,        &MMContext2D::drawBiLinPatternStrip,
-    &MMContext2D::drawBiLinPatternTStrip,   &MMContext2D::drawBiCubPatternStrip,
-    &MMContext2D::drawBiCubPatternTStrip,
-};
-constexpr uint32_t kFillerCount = sizeof kFillers / sizeof *kFillers;
-constexpr uint32_t kFirstLinear = 5, kFirstRadial = 7, kFirstPattern = 9;
-
-uint32_t paintTypeOf(uint32_t filler)
-{
-    return filler < kFirstLinear    ? kPaintSolid
-           : filler < kFirstRadial  ? kPaintLinearGradient
-           : filler < kFirstPattern ? kPaintRadialGradient
-                                    : kPaintPattern;
-}
 
 // A span as the rasterisers make them: within the clip, the tail too.
 void fillSpan(ByteReader& in, MMContext2D& context)
@@ -34,8 +14,7 @@ void fillSpan(ByteReader& in, MMContext2D& context)
     context.clipRight = static_cast<int16_t>(target.width);
     context.clipBottom = static_cast<int16_t>(target.height);
     if (target.width == 0 || target.height == 0) return;
-    const uint32_t filler = in.below(kFillerCount);
-    if (context.fillPaint.paintType != paintTypeOf(filler)) return;
+    const uint32_t kind = in.below(8);
     const int32_t start = static_cast<int32_t>(in.below(target.width));
     const int32_t end = start + static_cast<int32_t>(in.below(target.width - start + 1u));
     context.spanRow = static_cast<int32_t>(in.below(target.height));
@@ -46,7 +25,11 @@ void fillSpan(ByteReader& in, MMContext2D& context)
     context.spanCoverageNext = in.fixed();
     context.spanCoverageStep = in.fixed();
     context.spanTailCoverage = end < target.width ? in.fixed() : 0;
-    (context.*kFillers[filler])();
+    const StripFiller edge = kind == 0 ? &MMContext2D::drawTransStrip : chooseEdgeFiller(context);
+    if (kind >= 4)
+        drawSpan(context, chooseSpanFiller(context));
+    else if (edge != nullptr)
+        (context.*edge)();
 }
 
 // Every kind of paint that the set-up makes, over the whole picture.
