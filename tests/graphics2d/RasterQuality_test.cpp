@@ -170,30 +170,6 @@ TEST(RasterQuality, PickingHitsWhatWouldBeCovered)
     }
 }
 
-TEST(RasterQuality, ShapesThatShareAnOutlineLeaveNoGap)
-{
-    for (unsigned seed = 0; seed < 20; ++seed) {
-        std::mt19937 random(seed);
-        Polygon left = points({{5, 5}}), right = points({{120, 5}});
-        for (int i = 0; i <= 12; ++i) {
-            const double x = 40 + (random() % 4000) * 0.01;
-            const double y = i == 0 ? 5 : i == 12 ? 110 : i * 9 + (random() % 3000) * 0.01 - 15;
-            add(left, x, std::clamp(y, 5.0, 110.0));
-        }
-        right.insert(right.end(), left.begin() + 1, left.end());
-        add(left, 5, 110);
-        add(right, 120, 110);
-        // Folds of the shared outline would count twice; nesting by winding needs simple shapes.
-        RasterPicture a(true, true), b(true, true);
-        a.fill(left);
-        b.fill(reversed(right));
-        for (int y = 7; y < 108; ++y)
-            for (int x = 7; x < 118; ++x)
-                ASSERT_NEAR(a.coverage(x, y) + b.coverage(x, y), 255, 2)
-                    << "seed " << seed << " at " << x << ", " << y;
-    }
-}
-
 // The opacity is 255 * height >> 8, and one more from 128 to 254.
 TEST(RasterLimits, AThinShapeIsOneSpanWithTheOpacityOfItsHeight)
 {

@@ -1,19 +1,10 @@
 // Small pictures with everything that the library can draw.
 #pragma once
 
-#include "graphics2d/RegionFlush.h"
 #include "math/FixedMath.h"
 #include "tests/pictures/Canvas.h"
 
 namespace pictures {
-
-inline void pan(Canvas& c)
-{
-    c.star();
-    panPixmap(&c.context.target, 13, -7);
-    MMG_flushRegion(&c.context.target, 70, 60, 100, 20, 0x80E63946);
-    panPixmap(&c.context.target, -5, 10);
-}
 
 template <MMPatternFilter filter>
 void turnedImage(Canvas& c)
@@ -88,26 +79,6 @@ void dashed(Canvas& c)
     c.context.drawEllipticalRect(fx(48), fx(48), fx(44), fx(44), fx(10), fx(16));
 }
 
-template <int tenths>
-void mitered(Canvas& c)
-{
-    c.context.miterLimit = fx(tenths / 10.0);
-    c.stroke(5);
-    for (int32_t i = 0; i < 6; ++i)
-        c.line({at(6, 10 + 14 * i), at(48 + 4 * i, 8 + 15 * i), at(6, 12 + 16 * i)});
-}
-
-// Lines without length, and short ones: nothing, dots and squares by the cap.
-inline void dots(Canvas& c)
-{
-    c.stroke(11);
-    for (uint8_t cap = 0; cap < 3; ++cap) {
-        c.context.capStyle = cap;
-        for (int32_t i = 0; i < 4; ++i)
-            c.line({at(14 + 22 * i, 16 + 30 * cap), at(14 + 24 * i, 16 + 30 * cap + i)}, i == 3);
-    }
-}
-
 // Characters placed and turned one by one; a slant, anchors, and a clip rectangle that cuts them.
 inline void placedText(Canvas& c)
 {
@@ -175,7 +146,7 @@ const Scene kScenes[] = {
     {"pattern-bicubic", [](Canvas& c) { c.pattern(kFilterBicubic), c.star(); }},
     {"pattern-bicubic-t",
      [](Canvas& c) { c.pattern(kFilterBicubic, true), c.opacity(150), c.star(); }},
-    // Images and regions.
+    // Images.
     {"image-nearest", turnedImage<kFilterNearest>},
     {"image-bilinear", turnedImage<kFilterBilinear>, true},
     {"image-bicubic", turnedImage<kFilterBicubic>},
@@ -183,7 +154,6 @@ const Scene kScenes[] = {
     {"image-parts-nearest", imageParts<kFilterNearest>},
     {"image-parts-bilinear", imageParts<kFilterBilinear>, true},
     {"image-parts-bicubic", imageParts<kFilterBicubic>},
-    {"pan", pan},
     // Shapes.
     {"tangle-non-zero", [](Canvas& c) { c.tangle(40, 4, 88); }},
     {"tangle-even-odd", [](Canvas& c) { c.evenOdd(), c.opacity(190), c.tangle(40, 4, 88); }, true},
@@ -216,9 +186,6 @@ const Scene kScenes[] = {
     {"stroke-radial",
      [](Canvas& c) { c.hard(), c.radial(), c.opacity(160), c.stroke(9, kJoinRound), c.zigzag(); }},
     {"stroke-pattern", [](Canvas& c) { c.pattern(kFilterBilinear), c.stroke(9), c.zigzag(true); }},
-    {"miter-limit-3", mitered<30>},
-    {"miter-limit-20", mitered<200>},
-    {"dots", dots},
     {"dashes-butt", dashed<kJoinMiter, kCapButt>},
     {"dashes-round", dashed<kJoinRound, kCapRound>},
     {"dashes-square", dashed<kJoinBevel, kCapSquare>, true},

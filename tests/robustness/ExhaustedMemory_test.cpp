@@ -11,7 +11,7 @@ void drawReference(Canvas& canvas)
     canvas.reset();
     canvas.blob();
     canvas.text(u"gAj", 30, 80, 20);
-    dots(canvas);
+    canvas.stroke(11), canvas.zigzag();
 }
 
 struct Outcome {
