@@ -2,7 +2,6 @@
 #include "common/FontFolder.h"
 #include "svg2png/Renderer.h"
 
-#include <cstring>
 #include <gtest/gtest.h>
 #include <sstream>
 
@@ -177,23 +176,6 @@ TEST_F(SvgTextDrawing, EveryPaintReachesAllGlyphsWithItsOpacity)
         for (const char* paint : {"url(#half-l)", "url(#half-p)"})
             EXPECT_LE(worstDifference(drawn(text(paint, 2 * opacity)), solid), 6)
                 << paint << opacity;
-    }
-}
-
-TEST_F(SvgTextDrawing, FadingGradientsLookAsInShapes)
-{
-    for (const char* kind :
-         {"linearGradient gradientUnits='userSpaceOnUse' x1='20' x2='60'",
-          "radialGradient gradientUnits='userSpaceOnUse' cx='40' cy='40' r='25'"}) {
-        const std::string name(kind, std::strchr(kind, ' '));
-        const std::string gradient = "<" + std::string(kind) +
-                                     " id='g'><stop stop-color='red' stop-opacity='.7'/>"
-                                     "<stop offset='1' stop-color='blue' stop-opacity='.2'/></" +
-                                     name + ">";
-        const Picture shape = drawn(gradient + "<path d='M0 0H80V80H0z' fill='url(#g)'/>");
-        const Picture text = drawn(gradient + "<text x='-40' y='200' font-size='400' "
-                                              "fill='url(#g)'>\u2588</text>"); // a block
-        EXPECT_LE(worstDifference(shape, text), 4) << kind;
     }
 }
 

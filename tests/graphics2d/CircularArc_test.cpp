@@ -81,19 +81,20 @@ TEST(CircularArc, EveryCombinationFillsAndStrokesWhatItCloses)
                   {10, 15, kBlank, kStroked, kBlank, kFilled},
                   {110, 15, kBlank, kStroked, kBlank, kFilled},
                   {240, 30, kBlank, kBlank, kBlank, kStroked}};
-    for (bool backward : {false, true})
+    for (int turn : {0, 50}) // of it all
         for (bool whole : {false, true})
             for (uint8_t outline : {0, 1})
                 for (uint8_t pie : {0, 1}) {
                     ArcPicture picture;
                     const int sweep = whole ? 400 : 100;
+                    const bool backward = turn != 0;
                     picture.context.drawCircularArc(
-                        &picture.centre, fx(30), (backward ? 110 : 10) * kFixedOne,
+                        &picture.centre, fx(30), (turn + (backward ? 110 : 10)) * kFixedOne,
                         (backward ? -sweep : sweep) * kFixedOne, pie, outline);
                     for (const auto& p : probes) {
                         Colour want = whole ? p.whole : outline ? p.open : pie ? p.pie : p.chord;
                         if (outline && want == kFilled) want = kBlank;
-                        const Vector v = std::polar(p.distance, p.angle / kRadian);
+                        const Vector v = std::polar(p.distance, (turn + p.angle) / kRadian);
                         EXPECT_EQ(picture.at(int(50 + v.real()), int(50 + v.imag())), pixel[want])
                             << "angle " << p.angle << " distance " << p.distance << " outline "
                             << int(outline) << " pie " << int(pie) << " whole " << whole;

@@ -161,20 +161,4 @@ TEST(Polyline, MiterLimitIsTheRatioOfLengthToWidth)
     }
 }
 
-TEST(Polyline, LongLinesTakeMemoryInProportion)
-{
-    std::vector<MMPoint2D> points; // to and fro, a little lower each time
-    for (int i = 0; i < 60000; ++i)
-        points.push_back({fx(i % 200 < 100 ? i % 100 : 99 - i % 100), i * 140});
-    for (double width : {0.5, 3000.0}) {
-        Picture picture(kSize);
-        picture.context.joinStyle = kJoinRound;
-        picture.context.strokeHalfWidth = fx(width);
-        stroke(picture.context, points);
-        EXPECT_EQ(picture.context.outOfMemory, 0);
-        EXPECT_EQ(picture.coverage(64, 63), 255);
-        EXPECT_LE(picture.context.scratchStack.peakWords, 60000u * 50) << width;
-    }
-}
-
 } // namespace
