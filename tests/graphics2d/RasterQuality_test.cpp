@@ -1,7 +1,6 @@
 // Filled polygons against exact areas and exact winding numbers, and the limits of the rasterisers:
 // clips, thin shapes, vast coordinates.
 #include "tests/graphics2d/RasterShapes.h"
-#include "tests/support/FailingHeap.h"
 #include "tests/support/Picture.h"
 
 #include <climits>
@@ -255,21 +254,6 @@ TEST(RasterLimits, LongEdgesDoNotWrap)
             for (int i = 0; i < kSize * kSize; ++i)
                 ASSERT_EQ(picture.coverage(i % kSize, i / kSize), 255);
         }
-}
-
-// A tangle in one row takes scratch memory at more places than other shapes.
-TEST(RasterLimits, FailingAllocationsAreReported)
-{
-    const Polygon tangled = bridged({tangle(9, 110, 19.6, 0.8), burst(60, 59, 300)});
-    for (bool antiAlias : {false, true}) {
-        RasterPicture whole(antiAlias);
-        whole.fill(tangled);
-        failEachAllocation([&] {
-            RasterPicture picture(antiAlias);
-            picture.fill(tangled);
-            EXPECT_TRUE(picture.context.outOfMemory != 0 || picture.pixels == whole.pixels);
-        });
-    }
 }
 
 // Edges as they pass a row: x at its top and at its bottom.
