@@ -16,66 +16,27 @@ constexpr uint32_t kFrame = 500;      // operations
 constexpr uint32_t kDifferent = 2000; // random operations
 constexpr uint32_t kWarmFrame = 50;   // by then each of them has come up
 
-// One small random operation in a random state. The same number draws the same.
+// A random scene in a random state, small. The same number draws the same.
 void drawAtRandom(Canvas& c, uint32_t number)
 {
     std::minstd_rand random(number);
     const auto below = [&random](uint32_t limit) { return static_cast<uint8_t>(random() % limit); };
-    const auto length = [&below](double unit) { return unit * below(100); };
     static const Fixed dashes[] = {fx(20), fx(6)};
-    MMContext2D& context = c.context;
+    const Scene& scene = kScenes[below(std::size(kScenes))];
+    const bool isText = std::string(scene.name).find("text") == 0;
 
     c.resetState();
-    c.place(0.05 + length(0.002), 0, length(0.001), 0.05 + length(0.002), length(.9), length(.9));
-    context.antiAlias = below(2);
-    context.fillRule = below(2);
-    context.clipLeft = below(40);
-    c.opacity(below(2) != 0 ? 255 : below(256));
-    switch (below(5)) {
-    case 0:
-        c.linear(below(2) != 0);
-        break;
-    case 1:
-        c.radial(below(2) != 0);
-        break;
-    case 2:
-        c.pattern(static_cast<MMPatternFilter>(below(3)), below(2) != 0);
-        break;
-    case 3:
-        c.solid(kRed, kPaintXOR);
-        break;
-    default:
-        break;
-    }
-    if (below(2) != 0)
-        c.stroke(length(0.3), static_cast<MMJoinStyle>(below(3)),
-                 static_cast<MMCapStyle>(below(3)));
-    if (below(4) == 0) context.dashArray = dashes, context.dashCount = 2;
-
-    MMPoint2D centre = at(below(96), below(96));
-    const uint32_t shape = below(9);
     // Few enough glyphs that the glyph cache fills once and keeps them.
-    if (shape >= 7) c.place(0.3, 0, 0.1 * below(2), 0.3, length(.5), length(.5));
-    switch (shape) {
-    case 0:
-        return c.star();
-    case 1:
-        return c.zigzag(below(2) != 0);
-    case 2:
-        return c.blob();
-    case 3:
-        return c.tangle(3 + below(5), below(90), 5);
-    case 4:
-        return context.drawEllipticalRect(centre.x, centre.y, fx(40), fx(30), fx(9), fx(9));
-    case 5:
-        return context.drawCircularArc(&centre, fx(40), 0, fx(length(6)), below(2), below(2));
-    case 6:
-        return c.drawImage(below(50), below(50), 90, 60, below(2));
-    case 7:
-        return c.text(u"gA i", below(50), below(90), 20 + 4 * below(3));
-    default:
-        return wrappedText(c);
-    }
+    const double scale = isText ? 0.3 : 0.05 + 0.002 * below(100);
+    const double skew = isText ? 0 : 0.001 * below(100);
+    const uint8_t x = below(80), y = below(80);
+    c.place(scale, 0, skew, scale, x, y);
+    c.context.antiAlias = below(2);
+    c.context.fillRule = below(2);
+    c.context.clipLeft = below(40);
+    c.opacity(below(2) != 0 ? 255 : below(256));
+    if (below(4) == 0) c.context.dashArray = dashes, c.context.dashCount = 2;
+    scene.draw(c);
 }
 
 void drawFrame(Canvas& canvas, uint32_t frame)
