@@ -11,14 +11,21 @@ namespace {
 // Pixels and their way back to user units, which loses a little: the inverse of 1.0 is 0.99998.
 constexpr Fixed kLittle = 64;
 
-// The first column that is not blank, or the last one.
-int32_t firstColumn(const TextScene& scene)
+struct Block {
+    int32_t left, baseline, width;
+};
+
+// The whole picture: blocks of the letters' height, black on white.
+void expectBlocks(const TextScene& scene, const std::vector<Block>& blocks)
 {
-    const int32_t area = scene.size * scene.size;
-    int32_t i = 0; // by columns
-    while (i < area - 1 && scene.at(i / scene.size, i % scene.size) == TextScene::kBlank)
-        ++i;
-    return i / scene.size;
+    Picture expected(scene.size);
+    for (const Block& b : blocks)
+        for (int32_t y = b.baseline - 12; y < b.baseline; ++y)
+            std::fill_n(&expected.pixels[expected.indexOf(b.left, y)], b.width, 0xFF000000);
+    for (int32_t i = 0; i < scene.size * scene.size; ++i) {
+        const int32_t x = i % scene.size, y = i / scene.size;
+        ASSERT_EQ(scene.at(x, y), expected.at(x, y)) << x << ", " << y;
+    }
 }
 
 } // namespace
@@ -54,21 +61,13 @@ TEST(TextDrawing, measuresWithoutMovingAnything)
 
 TEST(TextDrawing, anchorsByTheWidthOfAllLines)
 {
-    for (uint32_t anchor : {0u, 1u, 2u, 3u}) {
+    for (const auto& [anchor, left] : {std::pair{0u, 40}, {1u, 25}, {2u, 10}, {3u, 40}}) {
         TextScene scene(80);
         scene.context.textAnchor = anchor;
-        Text first(u"ab"), second(u"i"); // 30 pixels
+        Text first(u"ab"), second(u"i");
         uint16_t* lines[] = {first.data(), nullptr, second.data()};
-        scene.context.drawText(lines, 3, fx(40.5), fx(15));
-        const int32_t expected[] = {40, 25, 10, 40};
-        EXPECT_EQ(firstColumn(scene), expected[anchor]);
-        // Placed characters are not anchored.
-        const Fixed places[] = {fx(50), fx(62)};
-        scene.fill(TextScene::kBlank);
-        scene.context.charX = places;
-        scene.context.charXCount = 2;
-        scene.context.drawText(lines, 1, 0, fx(15));
-        EXPECT_EQ(firstColumn(scene), 50);
+        scene.context.drawText(lines, 3, fx(40.5), fx(15.5)); // away from where pixels meet
+        expectBlocks(scene, {{left, 15, 12 + 12 + 6}});
     }
 }
 
@@ -80,15 +79,11 @@ TEST(TextDrawing, placesCharactersByTheirIndexInAllLines)
     scene.context.charX = xs;
     scene.context.charY = ys;
     scene.context.charXCount = scene.context.charYCount = 3;
+    scene.context.textAnchor = 2;     // which placed characters ignore
     Text first(u"ab"), second(u"cd"); // d runs on behind c
     uint16_t* lines[] = {first.data(), second.data()};
     scene.context.drawText(lines, 2, 0, 0);
-    for (const auto& [x, y] : {std::pair{5, 15}, {30, 30}, {55, 45}, {67, 45}}) {
-        EXPECT_EQ(scene.at(x, y - 12), 0xFF000000u);
-        EXPECT_EQ(scene.at(x + 11, y - 1), 0xFF000000u);
-        EXPECT_EQ(scene.at(x, y), 0xFFFFFFFFu);
-        EXPECT_EQ(scene.at(x + 5, y - 13), 0xFFFFFFFFu);
-    }
+    expectBlocks(scene, {{5, 15, 12}, {30, 30, 12}, {55, 45, 12 + 12}});
 }
 
 TEST(TextDrawing, turnsTheCharactersThatTheListNames)
