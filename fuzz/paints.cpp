@@ -2,7 +2,7 @@
 #include "fuzz/HostileScene.h"
 #include "graphics2d/PaintSetup.h"
 #include "graphics2d/RegionFlush.h"
-#include "graphics2d/StripDispatch.h"
+#include "graphics2d/strips/StripDispatch.h"
 
 namespace {
 

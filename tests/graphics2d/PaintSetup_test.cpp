@@ -1,7 +1,7 @@
 // Paints set up from end points, radii and transforms: accuracy against exact ramps, and input that
 // has no sensible ramp.
 #include "graphics2d/PaintSetup.h"
-#include "graphics2d/StripDispatch.h"
+#include "graphics2d/strips/StripDispatch.h"
 #include "tests/support/PolygonModel.h"
 #include "tests/support/UserUnits.h"
 

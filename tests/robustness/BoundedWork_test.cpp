@@ -1,7 +1,7 @@
 // Work stays in proportion to what is seen of a drawing and to the length of a text, however far
 // images are magnified and however wide a pen is. It is counted, not timed.
-#include "graphics2d/StrokeOutline.h"
-#include "graphics2d/Stroker.h"
+#include "graphics2d/strokes/StrokeOutline.h"
+#include "graphics2d/strokes/Stroker.h"
 #include "tests/pictures/Canvas.h"
 #include "tests/support/FakeLayoutEngine.h"
 

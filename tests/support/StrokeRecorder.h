@@ -1,7 +1,7 @@
 // What the library hands to its stroker, recorded instead of drawn.
 #pragma once
 
-#include "graphics2d/Stroker.h"
+#include "graphics2d/strokes/Stroker.h"
 
 #include <vector>
 

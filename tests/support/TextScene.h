@@ -1,8 +1,8 @@
 // Texts, and a picture of them as the fake font engine draws them.
 #pragma once
 
-#include "graphics2d/FontLibrary.h"
 #include "graphics2d/MMContext2D.h"
+#include "graphics2d/text/FontLibrary.h"
 #include "tests/support/FakeFontEngine.h"
 #include "tests/support/Picture.h"
 

@@ -1,6 +1,6 @@
 // The work of filling hostile polygons, counted rather than timed: the rasteriser's sources are
 // compiled so that every basic block they run calls back here.
-#include "graphics2d/Rasteriser.h"
+#include "graphics2d/raster/Rasteriser.h"
 #include "tests/support/UserUnits.h"
 
 #include <gtest/gtest.h>

@@ -1,0 +1,125 @@
+// Drawing of encoded paths.
+//
+// A path is filled as one polygon through all its subpaths: each in turn with its first point
+// repeated at its end, then the first points again in reverse order. Every connecting edge is so
+// walked once each way, and the pairs cancel. Strokes take the subpaths one by one.
+#include "graphics2d/BoundsUnion.h"
+#include "graphics2d/MMContext2D.h"
+#include "graphics2d/paths/PathDecoder.h"
+#include "graphics2d/paths/TransformPoints.h"
+#include "graphics2d/raster/Rasteriser.h"
+#include "graphics2d/strokes/Stroker.h"
+
+#include <algorithm>
+
+namespace KAVO {
+namespace Graphics2D {
+
+namespace {
+
+BoundsUnion boundsOf(DecodedPath& path)
+{
+    BoundsUnion bounds;
+    for (uint32_t i = 0; i < path.totalSegments(); ++i) {
+        const MMLinkPath& segment = path.segments()[i];
+        for (uint32_t j = 0; j < segment.count; ++j)
+            bounds.addPoint(segment.points[j]);
+    }
+    return bounds;
+}
+
+uint32_t countSubpathsWithPoints(const DecodedPath& path)
+{
+    uint32_t count = 0;
+    for (uint32_t i = 0; i < path.subpathCount(); ++i)
+        count += path.segmentCount(i) > 0 ? 1 : 0;
+    return count;
+}
+
+// Writes the polygon of a path in device space: its points, and two more for each subpath that has
+// any, count in all.
+void writePolygon(const Matrix2D& transform, DecodedPath& path, MMPoint2D* polygon, uint32_t count)
+{
+    const MMLinkPath* segment = path.segments();
+    MMPoint2D* front = polygon;
+    MMPoint2D* back = polygon + count;
+    for (uint32_t i = 0; i < path.subpathCount(); ++i) {
+        const MMPoint2D* first = front;
+        for (uint32_t k = path.segmentCount(i); k > 0; --k, ++segment) {
+            transformPoints(transform, front, segment->points, segment->count);
+            front += segment->count;
+        }
+        if (front == first) continue;
+        *front++ = *first;
+        *--back = *first;
+    }
+}
+
+// False when the scratch stack is exhausted.
+bool fillPath(MMContext2D& context, DecodedPath& path)
+{
+    const uint64_t total = path.totalPoints() + 2 * uint64_t{countSubpathsWithPoints(path)};
+    const uint32_t count = static_cast<uint32_t>(std::min<uint64_t>(total, UINT32_MAX));
+    ScratchArray<MMPoint2D> polygon(context.scratchStack, count);
+    if (!polygon) return false;
+    writePolygon(context.transform, path, polygon.data(), count);
+    context.currentPaint = context.fillPaint;
+    fillPolygon(context, polygon.data(), count, static_cast<MMFillRule>(context.fillRule));
+    return true;
+}
+
+void strokePath(MMContext2D& context, DecodedPath& path)
+{
+    context.currentPaint = context.strokePaint;
+    const DevicePen pen(context);
+    const MMLinkPath* segment = path.segments();
+    BoundsUnion bounds;
+    for (uint32_t i = 0; i < path.subpathCount(); ++i) {
+        const uint32_t count = path.segmentCount(i);
+        if (count == 0) continue;
+        strokeOrDashSubpath(context, pen, segment, count, path.isClosed(i));
+        bounds.addBoundsOf(context);
+        segment += count;
+    }
+    if (context.accumulateBounds != 0) bounds.storeTo(context);
+}
+
+} // namespace
+
+void MMContext2D::drawPath(const uint32_t* path)
+{
+    if (path == nullptr) return;
+    pointStep = 1;
+    DecodedPath decoded(*this, path);
+    if (!decoded) {
+        outOfMemory |= kScratchExhausted;
+        return;
+    }
+    if ((renderFlags & kRenderBoundsOnly) != 0) {
+        boundsOf(decoded).storeTo(*this);
+        return;
+    }
+    if (fillPaint.paintType != kPaintNone && decoded.totalPoints() >= 3 &&
+        !fillPath(*this, decoded)) {
+        outOfMemory |= kScratchExhausted;
+        return;
+    }
+    if (strokePaint.paintType != kPaintNone) strokePath(*this, decoded);
+}
+
+uint32_t MMContext2D::getPathKeyPointCount(const uint32_t* storedPath)
+{
+    const uint32_t* path = storedPath + 1;
+    uint32_t subpathsLeft = subpathCountOf(*path++);
+    uint32_t count = 0;
+    do {
+        const PathCommand command = {*path++};
+        count += command.itemCount() + (command.closes() ? 1u : 0u);
+        path += command.itemWords();
+        if (command.endsSubpath() && subpathsLeft > 0) --subpathsLeft;
+    } while (subpathsLeft > 0);
+    return count;
+}
+
+} // namespace Graphics2D
+} // namespace KAVO

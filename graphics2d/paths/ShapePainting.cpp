@@ -1,0 +1,30 @@
+// Filling and stroking of one outline of points in user space.
+#include "graphics2d/paths/ShapePainting.h"
+
+#include "graphics2d/paths/TransformPoints.h"
+#include "graphics2d/raster/Rasteriser.h"
+#include "graphics2d/strokes/Stroker.h"
+#include "memory/ScratchArray.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+bool fillShape(MMContext2D& context, const MMPoint2D* points, uint32_t count, MMFillRule rule)
+{
+    context.currentPaint = context.fillPaint;
+    ScratchArray<MMPoint2D> polygon(context.scratchStack, count);
+    if (!polygon) return false;
+    transformPoints(context.transform, polygon.data(), points, count);
+    fillPolygon(context, polygon.data(), count, rule);
+    return true;
+}
+
+void strokeShape(MMContext2D& context, MMPoint2D* points, uint32_t count, bool closed)
+{
+    context.currentPaint = context.strokePaint;
+    const MMLinkPath record = {points, count};
+    strokeOrDashSubpath(context, DevicePen(context), &record, 1, closed);
+}
+
+} // namespace Graphics2D
+} // namespace KAVO

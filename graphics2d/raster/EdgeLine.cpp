@@ -1,0 +1,33 @@
+// One edge of a polygon as both rasterisers walk it.
+#include "graphics2d/raster/EdgeLine.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+Fixed slopeOf(Fixed dx, Fixed dy)
+{
+    if (sizeof(void*) < 8) return fixDiv(dx, dy);
+    const uint64_t numerator = static_cast<uint64_t>(magnitudeOf(dx)) << 16;
+    return applySign(static_cast<uint32_t>(numerator / static_cast<uint32_t>(dy)), signMaskOf(dx));
+}
+
+Fixed EdgeLine::xAt(Fixed level)
+{
+    if (level >= endY) return endX;
+    if (level == y) return x;
+    if (slope == kNoSlope) findSlope();
+    if (slope == kTooFlat)
+        return wrapAdd(x, fixMulDiv(wrapSub(endX, x), wrapSub(level, y), wrapSub(endY, y)));
+    return wrapAdd(x, fixMulInline(slope, wrapSub(level, y)));
+}
+
+void EdgeLine::findSlope()
+{
+    const Fixed dx = endX - x;
+    const Fixed dy = endY - y;
+    const bool tooFlat = (magnitudeOf(dx) >> 15) >= static_cast<uint32_t>(dy);
+    slope = tooFlat ? kTooFlat : slopeOf(dx, dy);
+}
+
+} // namespace Graphics2D
+} // namespace KAVO

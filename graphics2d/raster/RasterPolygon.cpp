@@ -1,0 +1,99 @@
+// Classification of polygons, and what both rasterisers do first.
+//
+// A polygon whose outline changes its vertical direction exactly twice meets every horizontal line
+// at most twice and takes the quick two-chain walk of RasterMonotone.cpp. All others go through the
+// active edges of RasterComplex.cpp.
+#include "graphics2d/BoundsUnion.h"
+#include "graphics2d/raster/PolygonBounds.h"
+#include "graphics2d/raster/Rasteriser.h"
+
+#include <algorithm>
+
+namespace KAVO {
+namespace Graphics2D {
+
+namespace {
+
+// Changes of vertical direction along the closed outline; horizontal edges keep the direction of
+// the edge before them. 0 when the whole outline lies on one horizontal line. Counting stops above
+// 2, for nobody asks further.
+uint32_t countDirectionChanges(const MMPoint2D* points, uint32_t count)
+{
+    uint32_t first = 1;
+    while (first < count && points[first].y == points[first - 1].y)
+        ++first;
+    if (first == count) return 0;
+
+    const bool firstRises = points[first].y < points[first - 1].y;
+    bool rises = firstRises;
+    uint32_t changes = 0;
+    Fixed y = points[first].y;
+    for (uint32_t i = first + 1; i < count; ++i) {
+        const Fixed next = points[i].y;
+        if (next == y) continue;
+        if ((next < y) != rises) {
+            rises = !rises;
+            if (++changes > 2) return changes;
+        }
+        y = next;
+    }
+    if (points[0].y != y && (points[0].y < y) != rises) {
+        rises = !rises;
+        ++changes;
+    }
+    return changes + (rises != firstRises ? 1 : 0);
+}
+
+} // namespace
+
+PixelBox drawableBox(const MMContext2D& context)
+{
+    if (context.target.pixels == nullptr) return {0, 0, 0, 0};
+    return {std::max<int32_t>(context.clipLeft, 0), std::max<int32_t>(context.clipTop, 0),
+            std::min<int32_t>(context.clipRight, context.target.width),
+            std::min<int32_t>(context.clipBottom, context.target.height)};
+}
+
+PixelBox boundPolygon(MMContext2D& context, const MMPoint2D* points, uint32_t count)
+{
+    BoundsUnion bounds;
+    for (uint32_t i = 0; i < count; ++i)
+        bounds.addPoint(points[i]);
+    bounds.storeTo(context);
+    if (context.drawSuppressed) return {0, 0, 0, 0};
+
+    const PixelBox drawable = drawableBox(context);
+    return {std::max(drawable.left, fixFloor(shiftedByHalf(bounds.minX))),
+            std::max(drawable.top, fixFloor(shiftedByHalf(bounds.minY))),
+            std::min(drawable.right, fixFloor(shiftedByHalf(bounds.maxX)) + 1),
+            std::min(drawable.bottom, fixFloor(shiftedByHalf(bounds.maxY)) + 1)};
+}
+
+void fillPolygon(MMContext2D& context, const MMPoint2D* points, uint32_t count, MMFillRule rule)
+{
+    if (count < 3) return;
+    const uint32_t changes = countDirectionChanges(points, count);
+    if (changes == 0) return;
+    if (changes == 2)
+        fillMonotonePolygon(context, points, count);
+    else
+        fillComplexPolygon(context, points, count, rule);
+}
+
+void MMContext2D::rasterPolygon(MMPoint2D* points, uint16_t count)
+{
+    fillPolygon(*this, points, count, static_cast<MMFillRule>(fillRule));
+}
+
+void MMContext2D::rasterMonotonePolygon(MMPoint2D* points, uint16_t count)
+{
+    fillMonotonePolygon(*this, points, count);
+}
+
+void MMContext2D::rasterComplexPolygon(MMPoint2D* points, uint16_t count)
+{
+    fillComplexPolygon(*this, points, count, static_cast<MMFillRule>(fillRule));
+}
+
+} // namespace Graphics2D
+} // namespace KAVO

@@ -1,0 +1,98 @@
+// From coverage to strip fillers: draws one row after another, each from left to right. Internal.
+//
+// Callers name pieces of the row with the share of each pixel that is inside the shape. Whole
+// pixels go to the paint's span filler in runs as long as possible. Partial ones go to its edge
+// filler in arithmetic runs: an arbitrary first and second pixel, a constant step from the second
+// on, and an arbitrary last one. No pixel is written twice, and none before its left neighbour,
+// because most fillers take a pixel's background from the neighbour on its right.
+#pragma once
+
+#include "graphics2d/raster/PolygonBounds.h"
+#include "graphics2d/strips/StripDispatch.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+// Share of a pixel inside the shape: 0 to kWholeArea.
+using Area = int32_t;
+constexpr Area kWholeArea = 0x10000;
+
+// Areas that round to a weight of 0 or 255 count as nothing and as all of the pixel.
+constexpr Area kLeastArea = 129;
+constexpr Area kMostArea = kWholeArea - 128;
+
+class RowPainter {
+public:
+    RowPainter(MMContext2D& context, const PixelBox& visible);
+
+    // False when the paint draws nothing at all.
+    bool draws() const { return span_.filler != nullptr || edge_ != nullptr; }
+
+    const PixelBox& visible() const { return visible_; }
+
+    void beginRow(int32_t row);
+
+    // Has the memory of a pixel fetched that will be drawn soon. Shapes begin each row in a place
+    // that the processor does not foresee, and waiting for it is what a small shape costs most.
+    void expect(int32_t row, Fixed x) const
+    {
+        const MMPixmap& target = context_.target;
+        const int64_t offset = int64_t{row} * target.rowBytes + int64_t{fixFloor(x)} * 4;
+        __builtin_prefetch(reinterpret_cast<const void*>(
+            reinterpret_cast<uintptr_t>(target.pixels) + static_cast<uintptr_t>(offset)));
+    }
+
+    // Whole pixels of columns first to end - 1, which lie within the visible box.
+    void drawWhole(int32_t first, int32_t end);
+
+    // Columns first to first + count - 1 with the areas start, next, next + step, ... and one more
+    // column with the area tail unless that is 0. The step has 24 fraction bits. Within the visible
+    // box.
+    void drawPartial(int32_t first, int32_t count, Area start, Area next, int32_t step, Area tail);
+
+    // Gives the columns first to end - 1 the same area each, to the right of what was given before.
+    // Drawing may be delayed until flush().
+    void addConstant(int32_t first, int32_t end, Area area);
+
+    // Gives whole pixels. The columns may lie outside the visible box.
+    void addSpan(int32_t first, int32_t end)
+    {
+        first = first > visible_.left ? first : visible_.left;
+        end = end < visible_.right ? end : visible_.right;
+        if (first < end) addWhole(first, end);
+    }
+
+    // Gives the columns from first on an area each. Likewise.
+    void addAreas(int32_t first, const Area* areas, int32_t count);
+
+    void flush()
+    {
+        if (wholeFirst_ == wholeEnd_) return;
+        drawWhole(wholeFirst_, wholeEnd_);
+        wholeFirst_ = wholeEnd_;
+    }
+
+private:
+    void addWhole(int32_t first, int32_t end)
+    {
+        if (wholeEnd_ != first) {
+            flush();
+            wholeFirst_ = first;
+        }
+        wholeEnd_ = end;
+    }
+
+    MMContext2D& context_;
+    PixelBox visible_;
+    SpanFiller span_;
+    StripFiller edge_;
+    int32_t opacity_;
+    bool edgeIgnoresCoverage_; // exclusive-or and picking: no tail pixel either
+
+    // The run of whole pixels not drawn yet.
+    int32_t wholeFirst_ = 0;
+    int32_t wholeEnd_ = 0;
+};
+
+} // namespace Graphics2D
+} // namespace KAVO

@@ -1,0 +1,15 @@
+// The anti-aliased rows of any polygon. Internal.
+#pragma once
+
+#include "graphics2d/raster/ActiveEdges.h"
+#include "graphics2d/raster/SlabFill.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+// Draws all rows. When scratch memory runs out it notes so in the context and stops.
+void drawSmoothRows(MMContext2D& context, RowPainter& painter, CoverageRow& coverage,
+                    const VertexRing& ring, ActiveEdges& active, MMFillRule rule);
+
+} // namespace Graphics2D
+} // namespace KAVO

@@ -1,0 +1,204 @@
+// Strip fillers of the image pattern with bilinear sampling.
+//
+// The sample point is the span's exact left end on the row's top edge, without the half pixel of
+// the nearest filter, and a texel's colour lies at its whole coordinates: a 1:1 image is copied.
+// Four texels are interpolated first along the rows, then across, all channels alike. The weights
+// are the top eight bits of the coordinates' fractions.
+#include "graphics2d/strips/PatternSampling.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+namespace {
+
+constexpr int32_t kPrepared = 64; // texels that are prepared at once
+
+// What the interpolation along the upper and the lower row starts from: the left texels times 256
+// and the differences to the right ones.
+struct RowStep {
+    U16x8 from;
+    U16x8 change;
+
+    static RowStep between(U16x8 left, U16x8 right)
+    {
+        return {left << 8, raisedDifference(left, right)};
+    }
+    // The texel at an address and its neighbours to the right, below, and both.
+    static RowStep at(const Pixel* upper, int32_t width)
+    {
+        const U32x4 texels = load2And2(upper, upper + width);
+        const U32x4 columns = __builtin_shufflevector(texels, texels, 0, 2, 1, 3);
+        return between(widenLow(columns), widenHigh(columns));
+    }
+    U16x8 mixed(U16x8 fraction) const { return (from + change * (fraction >> 8)) >> 8; }
+};
+
+// Two pixels between the upper and the lower row; the results are the high bytes.
+inline U16x8 mixedRows(U16x8 first, U16x8 second, U16x8 fraction)
+{
+    const U16x8 upper = __builtin_shufflevector(first, second, 0, 1, 2, 3, 8, 9, 10, 11);
+    const U16x8 lower = __builtin_shufflevector(first, second, 4, 5, 6, 7, 12, 13, 14, 15);
+    return moveToward(upper, lower, fraction >> 8);
+}
+
+// The fractions of two pixels, the first in the lower lanes.
+inline U16x8 fractionsOfTwo(const TexelAxis& axis)
+{
+    const uint32_t step = fixFraction(axis.step()) * 0x00010001u;
+    return all8(axis.fraction()) + (U16x8)U32x4{0, 0, step, step};
+}
+
+// Interpolates count pixels, four at a time and at least four. texels.next() gives the RowStep of
+// one after the other, texels.goBack(pixels) returns to earlier ones. v are the fractions of two
+// pixels, vStep that of one.
+template <class Texels>
+inline void mixPixels(const TexelAxis& axis, Texels texels, U16x8 v, U16x8 vStep, Pixel* out,
+                      int32_t count)
+{
+    const U16x8 uStep = all8(fixFraction(axis.step()));
+    U16x8 u = all8(axis.fraction());
+    while (true) {
+        U16x8 rows[4];
+        for (int i = 0; i < 4; ++i, u += uStep)
+            rows[i] = texels.next().mixed(u);
+        const U16x8 firstTwo = mixedRows(rows[0], rows[1], v);
+        const U16x8 lastTwo = mixedRows(rows[2], rows[3], v + vStep + vStep);
+        store4(out, narrowHighBytes(firstTwo, lastTwo));
+        v += 4 * vStep;
+        out += 4;
+        count -= 4;
+        if (count <= 0) return;
+        if (count >= 4) continue;
+        // Up to three are left: they are drawn with those before them, once more.
+        const int32_t again = 4 - count;
+        texels.goBack(again);
+        u -= uStep * static_cast<uint16_t>(again);
+        v -= vStep * static_cast<uint16_t>(again);
+        out -= again;
+        count = 4;
+    }
+}
+
+// Anywhere inside the image.
+struct TexelsInside {
+    const PatternWalk& walk;
+    Fixed u;
+    Fixed v;
+
+    RowStep next()
+    {
+        const Pixel* texel = walk.row(v) + fixFloor(u);
+        u = wrapAdd(u, walk.u.step());
+        v = wrapAdd(v, walk.v.step());
+        return RowStep::at(texel, walk.width());
+    }
+    void goBack(int32_t pixels)
+    {
+        u = wrapSub(u, walk.u.step() * pixels);
+        v = wrapSub(v, walk.v.step() * pixels);
+    }
+};
+
+// From two rows that steps were prepared of.
+struct PreparedTexels {
+    const RowStep* steps;
+    uint32_t u; // from the first step on
+    uint32_t uStep;
+
+    const RowStep& next()
+    {
+        const RowStep& step = steps[u >> 16];
+        u += uStep;
+        return step;
+    }
+    void goBack(int32_t pixels) { u -= uStep * static_cast<uint32_t>(pixels); }
+};
+
+// Texels from two rows, and no more of them than pixels: each is prepared once.
+void magnifyRows(PatternWalk walk, Pixel* out, int32_t count)
+{
+    RowStep steps[kPrepared];
+    while (count > 0) {
+        // In pieces that leave no less than four pixels to the last.
+        const int32_t length = count <= kPrepared ? count : kPrepared - 4;
+        const TexelRange range(walk.u, length);
+        const Pixel* upper = walk.row(walk.v.indexPosition()) + range.first;
+        const Pixel* lower = upper + walk.width();
+        U16x8 left = widenLow(U32x4{upper[0], lower[0], 0, 0});
+        for (int32_t i = 0; i < range.count; ++i) {
+            const U16x8 right = widenLow(U32x4{upper[i + 1], lower[i + 1], 0, 0});
+            steps[i] = RowStep::between(left, right);
+            left = right;
+        }
+        const PreparedTexels texels = {steps, static_cast<uint32_t>(range.start),
+                                       static_cast<uint32_t>(walk.u.step())};
+        mixPixels(walk.u, texels, all8(walk.v.fraction()), U16x8{}, out, length);
+        walk.advance(length);
+        out += length;
+        count -= length;
+    }
+}
+
+// The texels before and after a position, both the outermost one beyond the image.
+void tapsOf(const TexelAxis& axis, int64_t (&taps)[2])
+{
+    const int32_t texel = axis.texel();
+    const int32_t last = axis.size() - 1;
+    taps[0] = axis.indexOffset() + (texel < 0 ? 0 : texel < last ? texel : last);
+    taps[1] = taps[0] + (texel >= 0 && texel < last ? 1 : 0);
+}
+
+// A few pixels anywhere.
+void sampleFew(PatternWalk walk, Pixel* out, int32_t count)
+{
+    RowStep steps[kFewPixels] = {};
+    Pixel pixels[kFewPixels];
+    const U16x8 v = fractionsOfTwo(walk.v);
+    const TexelAxis uAxis = walk.u;
+    for (int32_t i = 0; i < count; ++i) {
+        int64_t x[2];
+        int64_t y[2];
+        tapsOf(walk.u, x);
+        tapsOf(walk.v, y);
+        const Pixel texels[4] = {walk.texelAt(x[0], y[0]), walk.texelAt(x[1], y[0]),
+                                 walk.texelAt(x[0], y[1]), walk.texelAt(x[1], y[1])};
+        steps[i] = RowStep::at(texels, 2);
+        walk.advance(1);
+    }
+    const PreparedTexels texels = {steps, 0, kFixedOne};
+    mixPixels(uAxis, texels, v, all8(fixFraction(walk.v.step())), pixels, count <= 4 ? 4 : 8);
+    std::memcpy(out, pixels, static_cast<size_t>(count) * sizeof(Pixel));
+}
+
+void sampleBilinear(const PatternWalk& walk, bool inside, Pixel* out, uint32_t*, int32_t count)
+{
+    if (!inside || count < 4) return sampleFew(walk, out, count);
+    if (walk.v.step() == 0 && magnitudeOf(walk.u.step()) <= kFixedOne && count > kFewPixels)
+        return magnifyRows(walk, out, count);
+    const TexelsInside texels = {walk, walk.u.indexPosition(), walk.v.indexPosition()};
+    mixPixels(walk.u, texels, fractionsOfTwo(walk.v), all8(fixFraction(walk.v.step())), out, count);
+}
+
+constexpr PatternFilter kBilinear = {0, 1, sampleBilinear, nullptr};
+
+PatternWalk walkOf(const MMContext2D& context)
+{
+    return PatternWalk(context.currentPaint, context.spanStart, fixFromInt(context.spanRow));
+}
+
+} // namespace
+
+void MMContext2D::drawBiLinPatternStrip()
+{
+    PatternWalk walk = walkOf(*this);
+    drawPattern(*this, walk, kBilinear);
+}
+
+void MMContext2D::drawBiLinPatternTStrip()
+{
+    PatternWalk walk = walkOf(*this);
+    drawTranslucentPattern(*this, walk, kBilinear);
+}
+
+} // namespace Graphics2D
+} // namespace KAVO

@@ -1,0 +1,28 @@
+// The colours of gradients.
+#include "graphics2d/strips/GradientStops.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+Segment::Segment(const StopList& stops, uint32_t i)
+    : start(channelsOf(stops.colours[i])), difference(channelsOf(stops.colours[i + 1]) - start),
+      offset(stops.offsets[i]), length(wrapSub(stops.offsets[i + 1], stops.offsets[i]))
+{
+}
+
+Channels Segment::at(Fixed position) const
+{
+    const Fixed fraction = fixDiv(wrapSub(position, offset), length);
+    return start +
+           mapChannels(difference, [fraction](int32_t change) { return fixMul(fraction, change); });
+}
+
+void GradientTarget::pad(Pixel colour, int32_t count)
+{
+    if (translucent_) return run_.drawColour(colour, count);
+    fillPixels(pixels_, count, colour);
+    pixels_ += count;
+}
+
+} // namespace Graphics2D
+} // namespace KAVO

@@ -1,0 +1,207 @@
+// Strip fillers of the linear gradient.
+//
+// The gradient parameter t changes by a constant per pixel, so a span falls into runs: pads of the
+// first and last colour outside the stops, and one ramp per segment between two stops. Where a run
+// starts, t is divided into the segment once; from there the channels are stepped by addition.
+// t is taken at the pixel's left end, without half a pixel.
+#include "graphics2d/strips/GradientStops.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+namespace {
+
+// A colour that changes by a constant per pixel, written as opaque pixels whatever its alpha.
+class ColourRamp {
+public:
+    ColourRamp(Channels first, Channels step) : channels_(first), step_(step) {}
+
+    // Writes the next count pixels.
+    void write(Pixel* out, int32_t count)
+    {
+        Lanes red(channels_, step_, kRed);
+        Lanes green(channels_, step_, kGreen);
+        Lanes blue(channels_, step_, kBlue);
+        channels_ += step_ * static_cast<uint32_t>(count);
+        const auto next = [&] {
+            return 0xFF000000u | (red.next() & 0x00FF0000u) | ((green.next() >> 8) & 0x0000FF00u) |
+                   ((blue.next() >> 16) & 0xFFu);
+        };
+        for (; count >= 4; count -= 4, out += 4)
+            store4(out, next());
+        if (count > 0) storeFew(out, next(), count);
+    }
+
+private:
+    // One channel of four pixels.
+    struct Lanes {
+        U32x4 value;
+        U32x4 step;
+
+        Lanes(Channels channels, Channels steps, int k)
+            : value(all4(channels[k] + kChannelHalf) + steps[k] * U32x4{0, 1, 2, 3}),
+              step(all4(steps[k] * 4))
+        {
+        }
+        U32x4 next()
+        {
+            const U32x4 now = value;
+            value += step;
+            return now;
+        }
+    };
+
+    Channels channels_;
+    Channels step_;
+};
+
+class LinearTarget : public GradientTarget {
+public:
+    using GradientTarget::GradientTarget;
+
+    void ramp(Channels first, Channels step, int32_t count)
+    {
+        if (translucent_) return translucentRamp(first, step, count);
+        ColourRamp(first, step).write(pixels_, count);
+        pixels_ += count;
+    }
+
+private:
+    // The weight is extrapolated from the segment's first three pixels rather than computed for
+    // each: it is exact where opacity or alpha is constant, and a ramp anyway where both change.
+    void translucentRamp(Channels first, Channels step, int32_t count)
+    {
+        const Coverage opacity = run_.coverage.next();
+        const int32_t alphaStep = static_cast<int32_t>(step[kAlpha]);
+        const int32_t firstAlpha = static_cast<int32_t>(first[kAlpha]);
+        const int32_t alpha = wrapAdd(firstAlpha, alphaStep);
+        int32_t weight = rampWeight(run_.coverage.current(), firstAlpha);
+        int32_t nextWeight = rampWeight(opacity, alpha);
+        const int32_t weightStep =
+            wrapSub(rampWeight(wrapAdd(opacity, run_.coverage.step()), wrapAdd(alpha, alphaStep)),
+                    nextWeight);
+        run_.coverage.advance(count);
+        ColourRamp colours(first, step);
+        PaintPiece piece;
+        while (count > 0) {
+            const int32_t length = count < kPieceLength ? count : kPieceLength;
+            colours.write(piece.colours, length);
+            piece.weights[0] = weightByte(weight);
+            for (int32_t i = 1; i < length; ++i) {
+                piece.weights[i] = weightByte(nextWeight);
+                nextWeight = wrapAdd(nextWeight, weightStep);
+            }
+            weight = nextWeight;
+            nextWeight = wrapAdd(nextWeight, weightStep);
+            run_.drawPiece(piece, length);
+            count -= length;
+        }
+    }
+
+    // 16.16, one higher from 128.0 on so that full opacity reaches 255.
+    static int32_t rampWeight(Coverage opacity, int32_t alpha)
+    {
+        const int32_t product = fixMulSHR(opacity, alpha, 8);
+        return product >= 0x00800000 ? wrapAdd(product, kFixedOne) : product;
+    }
+    static uint32_t weightByte(int32_t weight)
+    {
+        return static_cast<uint32_t>(wrapAdd(weight, 0x8000) >> 16) & 0xFFu;
+    }
+};
+
+// The walk along the span: where it is in the gradient, and in which segment it was last.
+class LinearWalk {
+public:
+    explicit LinearWalk(const MMContext2D& context)
+        : stops_(context.currentPaint), step_(context.currentPaint.gradientStepX)
+    {
+        const MMPaint& paint = context.currentPaint;
+        const Fixed dx = wrapSub(fixFromInt(fixFloor(context.spanStart)), paint.gradientOriginX);
+        const Fixed dy = wrapSub(fixFromInt(context.spanRow), paint.gradientOriginY);
+        t_ = wrapAdd(fixMul(paint.gradientStepY, dy), fixMul(paint.gradientStepX, dx));
+    }
+
+    // Draws count pixels. The phases repeat because the parameter may run through them in either
+    // direction, and may wrap.
+    void draw(LinearTarget& target, int32_t count)
+    {
+        if (stops_.isEmpty()) return;
+        const Fixed first = stops_.firstOffset();
+        const Fixed last = stops_.lastOffset();
+        while (count > 0) {
+            while (count > 0 && t_ <= first)
+                target.pad(stops_.firstColour(), advance(INT32_MIN, first, count));
+            while (count > 0 && t_ >= last)
+                target.pad(stops_.lastColour(), advance(last, INT32_MAX, count));
+            while (count > 0 && first < t_ && t_ < last)
+                drawSegment(target, count);
+        }
+    }
+
+private:
+    // Moves past all pixels up to count that keep t within [low, high]; returns how many.
+    int32_t advance(Fixed low, Fixed high, int32_t& count)
+    {
+        const int32_t steps = stepsWithin(t_, step_, low, high, count);
+        t_ = wrapAdd(t_, wrapMul(step_, steps));
+        count -= steps;
+        return steps;
+    }
+
+    // The segment with offset[i] < t <= offset[i + 1], from where the search last ended.
+    void findSegment()
+    {
+        while (segment_ + 1 < stops_.count && stops_.offsets[segment_ + 1] <= t_)
+            ++segment_;
+        while (segment_ != 0 && stops_.offsets[segment_] >= t_)
+            --segment_;
+    }
+
+    // A segment keeps its end: a pixel that lands exactly on the next stop is still drawn from it.
+    void drawSegment(LinearTarget& target, int32_t& count)
+    {
+        findSegment();
+        const Fixed low = stops_.offsets[segment_];
+        const Fixed high = stops_.offsets[segment_ + 1];
+        const Segment segment(stops_, segment_);
+        const Channels first = segment.at(t_);
+        const Fixed fractionStep = fixDiv(step_, segment.length);
+        const Channels step = mapChannels(segment.difference, [fractionStep](int32_t change) {
+            return fixMul(fractionStep, change);
+        });
+        // t may wrap into the segment again, which then goes on.
+        int32_t length = 0;
+        while (count > 0 && low < t_ && t_ <= high)
+            length += advance(low + 1, high, count);
+        target.ramp(first, step, length);
+    }
+
+    StopList stops_;
+    Fixed step_;
+    Fixed t_;
+    uint32_t segment_ = 0;
+};
+
+void drawLinear(MMContext2D& context, bool translucent)
+{
+    LinearTarget target(context, translucent);
+    LinearWalk walk(context);
+    walk.draw(target, spanLength(context));
+    if (target.takeTail()) walk.draw(target, 1);
+}
+
+} // namespace
+
+void MMContext2D::drawLinearGradientStrip()
+{
+    drawLinear(*this, false);
+}
+
+void MMContext2D::drawLinearGradientTStrip()
+{
+    drawLinear(*this, true);
+}
+
+} // namespace Graphics2D
+} // namespace KAVO

@@ -1,0 +1,142 @@
+// The walk of a span through the pattern image, shared by the three filters. Internal.
+//
+// The paint's transform maps a device point to texel coordinates (u, v), and one pixel to the right
+// adds the same step to each. Beside the exact coordinate an axis has the index of the texel it
+// points at, which is stepped in whole numbers and carries. For a negative step the fraction that
+// carries is that of the negated coordinate, so the index may lie one off the coordinate's whole
+// part: on whole texels when the walk began between two, and between texels when it began on a
+// whole one. Filters add tap offsets, computed from the exact coordinate, to the index; together
+// they can then leave the image by a texel, which texelAt mends.
+#pragma once
+
+#include "graphics2d/strips/StripMachinery.h"
+
+#include <cstddef>
+
+namespace KAVO {
+namespace Graphics2D {
+
+class TexelAxis {
+public:
+    TexelAxis(Fixed start, Fixed step, int32_t size)
+        : distance_(start), step_(step), size_(size), bias_(step >= 0                 ? 0
+                                                            : fixFraction(start) != 0 ? -1
+                                                                                      : 0xFFFF)
+    {
+    }
+
+    // The coordinate is kept modulo 2^32, the index is not.
+    Fixed position() const { return static_cast<Fixed>(static_cast<uint32_t>(distance_)); }
+    Fixed step() const { return step_; }
+    int32_t size() const { return size_; }
+    int32_t texel() const { return fixFloor(position()); }
+    int64_t index() const { return (distance_ + bias_) >> 16; }
+    // From a texel of the coordinate to one of the index.
+    int64_t indexOffset() const { return index() - texel(); }
+    // The position whose whole part is the index, as long as the coordinate has not wrapped.
+    Fixed indexPosition() const { return static_cast<Fixed>(distance_ + bias_); }
+    uint32_t fraction() const { return fixFraction(position()); }
+
+    void advance(int32_t pixels) { distance_ += int64_t{step_} * pixels; }
+
+    // How many pixels from here on, up to atMost, have their whole part of the position within
+    // [first, size - last), so that a filter that reads that many texels to either side needs no
+    // tap offsets. Backward walks keep one texel more of distance.
+    int32_t pixelsInside(int32_t first, int32_t last, int32_t atMost) const
+    {
+        const int32_t reserve = step_ < 0 ? 1 : 0;
+        const int32_t end = size_ - last - reserve;
+        const int64_t low = (first + reserve) << 16;
+        const int64_t high = end < 0x8000 ? int64_t{end} * kFixedOne - 1 : INT32_MAX;
+        if (distance_ < low || distance_ > high) return 0;
+        return stepsWithin(position(), step_, static_cast<Fixed>(low), static_cast<Fixed>(high),
+                           atMost);
+    }
+
+private:
+    int64_t distance_; // 16.16 texels, exact for any span
+    Fixed step_;
+    int32_t size_; // texels
+    Fixed bias_;   // of the index
+};
+
+// The texels that the next pixels of an axis point at; all of them inside the image.
+struct TexelRange {
+    int32_t first;
+    int32_t count;
+    Fixed start; // the index position from the first texel on
+
+    TexelRange(const TexelAxis& axis, int32_t pixels)
+    {
+        const Fixed begin = axis.indexPosition();
+        const int32_t texel = fixFloor(begin);
+        const int32_t lastTexel = fixFloor(begin + axis.step() * (pixels - 1));
+        first = texel < lastTexel ? texel : lastTexel;
+        count = (texel < lastTexel ? lastTexel - texel : texel - lastTexel) + 1;
+        start = begin - fixFromInt(first);
+    }
+};
+
+class PatternWalk {
+public:
+    // Starts where the device point (x, y) falls.
+    PatternWalk(const MMPaint& paint, Fixed x, Fixed y);
+
+    bool isEmpty() const { return pixels_ == nullptr || u.size() == 0 || v.size() == 0; }
+    int32_t width() const { return u.size(); }
+
+    // Inside the image, where no tap offsets are needed; they fit a pointer difference on every
+    // host.
+    const Pixel* row(Fixed vIndex) const
+    {
+        return pixels_ + static_cast<ptrdiff_t>(fixFloor(vIndex)) * width();
+    }
+
+    // Rows follow each other without gaps. An index outside the image is brought back by one row
+    // up or down, or else to the nearest end.
+    Pixel texelAt(int64_t column, int64_t row) const
+    {
+        const int64_t width = u.size();
+        const int64_t end = width * v.size();
+        int64_t index = row * width + column;
+        if (index < 0) index = index >= -width ? index + width : 0;
+        if (index >= end) index = index < end + width ? index - width : end - 1;
+        return pixels_[index];
+    }
+
+    void advance(int32_t pixels)
+    {
+        u.advance(pixels);
+        v.advance(pixels);
+    }
+
+    TexelAxis u;
+    TexelAxis v;
+
+private:
+    PatternWalk(const MMPaint& paint, MMPoint2D start);
+
+    const Pixel* pixels_;
+};
+
+// What makes a filter.
+struct PatternFilter {
+    int32_t before; // texels it reads before and after the one it points at
+    int32_t after;
+    // Writes the colours of the next count pixels. Either all of them are inside the image, where
+    // no tap offsets are needed, or they are at most kFewPixels that may be anywhere. alphas is
+    // null for the opaque filler; filters whose colours have no alpha leave it there.
+    void (*sample)(const PatternWalk& walk, bool inside, Pixel* colours, uint32_t* alphas,
+                   int32_t count);
+    // Turns alphas into weights; moves the coverage on. Null when the colours have their alpha.
+    void (*weigh)(PaintPiece& piece, CoverageSequence& coverage, int32_t count);
+};
+
+constexpr int32_t kFewPixels = 8;
+
+// The strip fillers.
+void drawPattern(const MMContext2D& context, PatternWalk& walk, const PatternFilter& filter);
+void drawTranslucentPattern(MMContext2D& context, PatternWalk& walk, const PatternFilter& filter);
+
+} // namespace Graphics2D
+} // namespace KAVO

@@ -1,0 +1,128 @@
+// Starting, sharing and ending the font engine, and the font state of a context.
+//
+// One engine serves all contexts of the process, because starting one is expensive: the first
+// context to come starts it, the last one to go ends it.
+#include "graphics2d/text/FontLibrary.h"
+
+#include "graphics2d/MMContext2D.h"
+#include "math/FixedMath.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace KAVO {
+namespace Graphics2D {
+
+void* fontEngine = nullptr;
+int32_t fontEngineUsers = 0;
+int32_t fontEmboldening = 0;
+
+namespace {
+
+constexpr int32_t kEngineHeapBytes = 512000;
+constexpr char kFontName[] = "SSong";
+constexpr char kFontFile[] = "AMCSL.TTF";
+constexpr char kFontDirectory[] = "/usr/lib/ybn/lib/fonts";
+constexpr char kFontDirectoryVariable[] = "YBN_RES_FONT_PATH";
+
+constexpr uint8_t kLastUprightWeight = 5;
+constexpr int32_t kBoldFraction = 0x199C; // about 0.1 em
+
+void registerFont()
+{
+    const char* variable = std::getenv(kFontDirectoryVariable);
+    const char* directory = variable != nullptr ? variable : kFontDirectory;
+    const size_t bytes = std::strlen(directory) + 1 + sizeof kFontFile;
+    char* path = static_cast<char*>(std::malloc(bytes));
+    if (path == nullptr) return;
+    std::snprintf(path, bytes, "%s/%s", directory, kFontFile);
+    FS_add_font(fontEngine, kFontName, path, 0, 0);
+    std::free(path);
+}
+
+bool hasRegisteredFont()
+{
+    uint32_t word;
+    std::memcpy(&word, static_cast<uint8_t*>(fontEngine) + FS_REGISTERED_BYTE, sizeof word);
+    return word != 0;
+}
+
+// False when there is no memory for the state block. What the engine itself reports is not asked:
+// without a font it answers without glyphs.
+bool startEngine()
+{
+    fontEngine = std::calloc(1, FS_STATE_BYTES);
+    if (fontEngine == nullptr) return false;
+    FS_init(fontEngine, kEngineHeapBytes);
+    if (!hasRegisteredFont()) registerFont();
+    FS_set_font(fontEngine, kFontName);
+    FS_set_cmap(fontEngine, 3, 1);
+    return true;
+}
+
+void endEngine()
+{
+    FS_exit(fontEngine);
+    std::free(fontEngine);
+    fontEngine = nullptr;
+    fontEmboldening = 0;
+}
+
+// The font's full extent at a size; 0 for a font without units.
+Fixed fullExtent(const uint16_t* metrics, Fixed size)
+{
+    const int32_t ascent = static_cast<int16_t>(metrics[FS_METRICS_ASCENT]);
+    const int32_t descent = static_cast<int16_t>(metrics[FS_METRICS_DESCENT]);
+    const int32_t unitsPerEm = metrics[FS_METRICS_UNITS_PER_EM];
+    return unitsPerEm != 0 ? fixMulDiv(size, ascent - descent, unitsPerEm) : 0;
+}
+
+} // namespace
+
+uint32_t MMContext2D::initFontLib()
+{
+    if (fontEngineUsers == 0 && fontEngine == nullptr && !startEngine()) return 1;
+    fontMetrics = static_cast<uint16_t*>(std::malloc(FS_METRICS_BYTES));
+    if (fontMetrics == nullptr) return 0;
+    std::memset(fontMetrics, 0, FS_METRICS_BYTES);
+    if (fontEngine != nullptr) FS_font_metrics(fontEngine, fontMetrics);
+    lineHeight = fullExtent(fontMetrics, fontSize);
+    ++fontEngineUsers;
+    return 0;
+}
+
+void MMContext2D::releaseFontLib()
+{
+    releaseFont();
+    --fontEngineUsers;
+    if (fontEngineUsers == 0 && fontEngine != nullptr) endEngine();
+    std::free(fontMetrics);
+    fontMetrics = nullptr;
+}
+
+void MMContext2D::updateFont()
+{
+    if (fontEngine != nullptr) {
+        fontEmboldening = fontWeight > kLastUprightWeight ? kBoldFraction : 0;
+        FS_set_bold_pct(fontEngine, fontEmboldening);
+    }
+    lineHeight = fontSize;
+}
+
+void MMContext2D::releaseFont()
+{
+    if (currentGlyph == nullptr) return;
+    if (fontEngine != nullptr) FS_free_char(fontEngine, currentGlyph);
+    currentGlyph = nullptr;
+}
+
+void MMContext2D::newLine()
+{
+    penY = wrapAdd(penY, lineHeight);
+    newLineFlag = 1;
+    penX = 0;
+}
+
+} // namespace Graphics2D
+} // namespace KAVO

@@ -1,0 +1,219 @@
+// Drawing one glyph image into the target.
+#include "graphics2d/text/GlyphCompositor.h"
+
+#include "graphics2d/strips/StripDispatch.h"
+#include "graphics2d/strips/StripMachinery.h"
+#include "memory/ScratchArray.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace KAVO {
+namespace Graphics2D {
+
+namespace {
+
+constexpr int32_t kPiece = 4; // pixels composited at a time
+
+// a * b / 255 rounded, for lanes whose products are at most 255 * 255.
+inline U16x8 byteProduct(U16x8 a, U16x8 b)
+{
+    const U16x8 product = a * b + 0x81;
+    return (product + (product >> 8)) >> 8;
+}
+
+// How a paint's pixels go over their background through the glyph. The lanes are the channels of
+// two pixels, with each pixel's coverage on all of its channels; the results are the high bytes.
+
+struct SolidBlend {
+    static U16x8 two(U16x8 background, U16x8 colour, U16x8 coverage)
+    {
+        return moveToward(background, colour, coverage);
+    }
+};
+
+// Channels times 0 to 255, where 255 stands for 256: the top bit of the channel counts twice.
+inline U16x8 scaleChannels(U16x8 channels, U16x8 factor)
+{
+    return ((channels + (channels >> 7)) * factor) >> 8;
+}
+
+// The paint's pixel scaled by the coverage, over the background scaled by what its alpha leaves.
+// Sums above 255 become 255.
+struct BufferBlend {
+    static U16x8 two(U16x8 background, U16x8 colour, U16x8 coverage)
+    {
+        const U16x8 alpha = __builtin_shufflevector(colour, colour, 3, 3, 3, 3, 7, 7, 7, 7);
+        const U16x8 rest = 255 - byteProduct(alpha, coverage);
+        const U16x8 sum = scaleChannels(colour, coverage) + scaleChannels(background, rest);
+        return (sum | (U16x8)(sum > 255)) << 8;
+    }
+};
+
+// coverages: of the four pixels, each twice.
+template <class Blend>
+inline U32x4 blendFour(U32x4 background, U32x4 colour, U32x4 coverages)
+{
+    const U16x8 first = (U16x8)__builtin_shufflevector(coverages, coverages, 0, 0, 1, 1);
+    const U16x8 last = (U16x8)__builtin_shufflevector(coverages, coverages, 2, 2, 3, 3);
+    return narrowHighBytes(Blend::two(widenLow(background), widenLow(colour), first),
+                           Blend::two(widenHigh(background), widenHigh(colour), last));
+}
+
+// The levels of four pixels, 0 to 15, in the lower lanes. Of the two pixels in a byte, the left one
+// is in the upper half. Nothing is read from end on.
+inline U16x8 fourLevels(const uint8_t* bytes, const uint8_t* end, bool startsLow)
+{
+    uint32_t word = 0;
+    if (end - bytes >= 4) {
+        std::memcpy(&word, bytes, sizeof word);
+    } else {
+        for (ptrdiff_t i = end - bytes; i-- > 0;)
+            word = word << 8 | bytes[i];
+    }
+    if (startsLow) word = (word & 0x0F0F0F0Fu) << 4 | (word >> 12 & 0x0F0F0F0Fu);
+    const U16x8 pairs = widenLow(U32x4{word, 0, 0, 0});
+    return __builtin_shufflevector(pairs >> 4, pairs & 15, 0, 8, 1, 9, 2, 10, 3, 11);
+}
+
+// The right-hand neighbours of the last pixels of the target, up to four. The very last one has
+// itself.
+inline U32x4 lastNeighbours(const Pixel* pixels, ptrdiff_t count)
+{
+    U32x4 neighbours;
+    for (ptrdiff_t i = 0; i < 4; ++i)
+        neighbours[i] = pixels[std::min(i + 1, count - 1)];
+    return neighbours;
+}
+
+// count: 1 to 4.
+inline void storeFirst(Pixel* to, U32x4 pixels, int32_t count)
+{
+    if (count >= 4) {
+        store4(to, pixels);
+        return;
+    }
+    if ((count & 2) != 0) {
+        std::memcpy(to, &pixels, 2 * sizeof *to);
+        to += 2;
+        pixels = __builtin_shufflevector(pixels, pixels, 2, 3, 2, 3);
+    }
+    if ((count & 1) != 0) *to = pixels[0];
+}
+
+} // namespace
+
+bool GlyphCompositor::begin(const MMPaint& record)
+{
+    context_.currentPaint = record;
+    context_.spanStart = 0;
+    record_ = &record;
+    const MMPixmap& target = context_.target;
+    left_ = std::max<int32_t>(context_.clipLeft, 0);
+    top_ = std::max<int32_t>(context_.clipTop, 0);
+    right_ = std::min<int32_t>(context_.clipRight, target.width);
+    bottom_ = std::min<int32_t>(context_.clipBottom, target.height);
+    rowPixels_ = target.width;
+    if (target.pixels == nullptr || record.paintOpacity == 0) return false;
+    pixelsEnd_ = target.pixels + target.height * rowPixels_;
+    switch (record.paintType) {
+    case kPaintSolid:
+    case kPaintLinearGradient:
+    case kPaintRadialGradient:
+    case kPaintPattern:
+        return true;
+    default:
+        return false;
+    }
+}
+
+void GlyphCompositor::draw(const FS_GrayMap& glyph, int32_t column, int32_t row)
+{
+    Box box;
+    box.x = std::max(column, left_);
+    box.y = std::max(row, top_);
+    box.width = std::min(column + glyph.width, right_) - box.x;
+    box.height = std::min(row + glyph.height, bottom_) - box.y;
+    if (box.width <= 0 || box.height <= 0) return;
+
+    const int32_t skippedColumns = box.x - column;
+    box.stride = glyph.stride;
+    box.startsLow = skippedColumns % 2 != 0;
+    box.levels = glyph.bitmap + (box.y - row) * box.stride + skippedColumns / 2;
+    box.levelsEnd = glyph.bitmap + glyph.height * box.stride;
+    box.pixels = context_.target.pixels + box.y * rowPixels_ + box.x;
+    if (record_->paintType == kPaintSolid)
+        drawSolid(box);
+    else
+        drawThroughBuffer(box);
+}
+
+// Composites row y of the box.
+template <class Blend, class ColoursAt>
+inline void GlyphCompositor::compositeRow(const Box& box, int32_t y, ColoursAt coloursAt) const
+{
+    const U16x8 opacity = U16x8{} + record_->paintOpacity;
+    Pixel* pixels = box.pixels + y * rowPixels_;
+    const uint8_t* levels = box.levels + y * box.stride;
+    for (int32_t i = 0; i < box.width; i += kPiece) {
+        const ptrdiff_t room = pixelsEnd_ - pixels;
+        const U32x4 background = room > kPiece ? load4(pixels + 1) : lastNeighbours(pixels, room);
+        const U16x8 coverage =
+            byteProduct(opacity, fourLevels(levels, box.levelsEnd, box.startsLow) * 17);
+        storeFirst(pixels,
+                   blendFour<Blend>(
+                       background, coloursAt(i),
+                       (U32x4)__builtin_shufflevector(coverage, coverage, 0, 0, 1, 1, 2, 2, 3, 3)),
+                   box.width - i);
+        pixels += kPiece;
+        levels += kPiece / 2;
+    }
+}
+
+void GlyphCompositor::drawSolid(const Box& box) const
+{
+    const U32x4 colour = all4(record_->paintColour);
+    for (int32_t y = 0; y < box.height; ++y)
+        compositeRow<SolidBlend>(box, y, [=](int32_t) { return colour; });
+}
+
+// Lets the row buffer's column 0 see the paint as the target's column does.
+void GlyphCompositor::movePaintLeft(int32_t columns)
+{
+    MMPaint& paint = context_.currentPaint;
+    if (paint.paintType == kPaintLinearGradient) {
+        paint.gradientOriginX = wrapSub(record_->gradientOriginX, fixFromInt(columns));
+    } else if (paint.paintType == kPaintRadialGradient) {
+        paint.radialCenterX = wrapSub(record_->radialCenterX, fixFromInt(columns));
+    } else {
+        const Matrix2D& toTexels = record_->patternTransform;
+        paint.patternTransform.e = wrapAdd(toTexels.e, wrapMul(toTexels.a, columns));
+        paint.patternTransform.f = wrapAdd(toTexels.f, wrapMul(toTexels.b, columns));
+    }
+}
+
+void GlyphCompositor::drawThroughBuffer(const Box& box)
+{
+    const SpanFiller paint = chooseSpanFiller(context_);
+    if (paint.filler == nullptr) return;
+    // In whole pieces, with the pixel past the last that the translucent fillers read.
+    const uint32_t words = static_cast<uint32_t>(box.width) + kPiece;
+    ScratchArray<Pixel> buffer(context_.scratchStack, words);
+    if (!buffer) {
+        context_.outOfMemory |= kScratchExhausted;
+        return;
+    }
+    movePaintLeft(box.x);
+    context_.spanEnd = fixFromInt(box.width);
+    context_.spanPixels = buffer.data();
+    const Pixel* colours = buffer.data();
+    for (int32_t y = 0; y < box.height; ++y) {
+        context_.spanRow = box.y + y;
+        fillPixels(buffer.data(), static_cast<int32_t>(words), 0);
+        drawSpan(context_, paint);
+        compositeRow<BufferBlend>(box, y, [=](int32_t i) { return load4(colours + i); });
+    }
+}
+
+} // namespace Graphics2D
+} // namespace KAVO
