@@ -6,6 +6,8 @@
 
 #include <memory>
 
+using namespace KAVO;
+
 namespace {
 
 using namespace KAVO::Graphics2D;

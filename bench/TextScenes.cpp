@@ -13,6 +13,8 @@
 #include <malloc.h>
 #include <memory>
 
+using namespace KAVO;
+
 namespace {
 
 using namespace KAVO::Graphics2D;

@@ -23,6 +23,8 @@
 #include <random>
 #include <sstream>
 
+using namespace KAVO;
+
 namespace {
 
 using namespace KAVO::Graphics2D;

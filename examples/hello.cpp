@@ -3,6 +3,8 @@
 
 #include <cstdio>
 
+using namespace KAVO;
+
 static Pixel pixels[200 * 200];
 
 int main(int argc, char** argv)

@@ -21,17 +21,17 @@ public:
     uint32_t below(uint32_t limit) { return byte() % limit; } // limit up to 256
 
     // A coordinate or length: near the target, anywhere, or at an end of the range.
-    Fixed fixed()
+    KAVO::Fixed fixed()
     {
-        constexpr Fixed kEnds[] = {INT32_MIN, INT32_MIN + 1, INT32_MAX, 0x7FFF8000, 0, 1,
-                                   -1,        0x8000};
+        constexpr KAVO::Fixed kEnds[] = {INT32_MIN, INT32_MIN + 1, INT32_MAX, 0x7FFF8000, 0, 1,
+                                         -1,        0x8000};
         switch (below(4)) {
         case 0:
-            return static_cast<int8_t>(byte()) * kFixedOne;
+            return static_cast<int8_t>(byte()) * KAVO::kFixedOne;
         case 1:
             return static_cast<int16_t>(half()) * 0x100;
         case 2:
-            return static_cast<Fixed>(word());
+            return static_cast<KAVO::Fixed>(word());
         default:
             return kEnds[below(8)];
         }

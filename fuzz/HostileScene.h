@@ -36,7 +36,7 @@ public:
         c.strokeHalfWidth = in.fixed();
         c.miterLimit = in.fixed();
         c.dashOffset = in.fixed();
-        dashes_ = in.array<Fixed>(in.below(8));
+        dashes_ = in.array<KAVO::Fixed>(in.below(8));
         c.dashArray = dashes_.empty() ? nullptr : dashes_.data();
         c.dashCount = static_cast<uint16_t>(dashes_.size());
         const uint8_t flags = in.byte();
@@ -56,21 +56,21 @@ public:
     {
         const uint16_t width = static_cast<uint16_t>(in_.below(12));
         const uint16_t height = static_cast<uint16_t>(in_.below(12));
-        images_.push_back(in_.array<Pixel>(size_t{width} * height));
-        Pixel* pixels = images_.back().empty() ? nullptr : images_.back().data();
+        images_.push_back(in_.array<KAVO::Pixel>(size_t{width} * height));
+        KAVO::Pixel* pixels = images_.back().empty() ? nullptr : images_.back().data();
         return {width, height, in_.word(), 0, pixels, in_.word()};
     }
 
     Matrix2D readMatrix()
     {
-        const Fixed one = kFixedOne;
+        const KAVO::Fixed one = KAVO::kFixedOne;
         switch (in_.below(3)) {
         case 0:
             return {one, 0, 0, one, 0, 0};
         case 1:
             return {one, 0, 0, one, in_.fixed(), in_.fixed()};
         default:
-            const Fixed a = in_.fixed(), b = in_.fixed(), c = in_.fixed(), d = in_.fixed();
+            const KAVO::Fixed a = in_.fixed(), b = in_.fixed(), c = in_.fixed(), d = in_.fixed();
             return {a, b, c, d, in_.fixed(), in_.fixed()};
         }
     }
@@ -90,8 +90,9 @@ public:
             break;
         case kPaintRadialGradient:
             readStops(paint);
-            for (Fixed* field : {&paint.radialXToU, &paint.radialXToV, &paint.radialYToU,
-                                 &paint.radialYToV, &paint.radialCenterX, &paint.radialCenterY})
+            for (KAVO::Fixed* field :
+                 {&paint.radialXToU, &paint.radialXToV, &paint.radialYToU, &paint.radialYToV,
+                  &paint.radialCenterX, &paint.radialCenterY})
                 *field = in_.fixed();
             break;
         case kPaintPattern:
@@ -122,7 +123,7 @@ public:
     MMContext2D context;
 
 private:
-    static constexpr Pixel kGround = 0xA55A3CC3;
+    static constexpr KAVO::Pixel kGround = 0xA55A3CC3;
 
     void readTarget(bool padded)
     {
@@ -130,7 +131,7 @@ private:
         const uint16_t height = static_cast<uint16_t>(in_.below(64));
         stride_ = width_ + in_.below(4) * padded;
         words_.assign(size_t{stride_} * height, kGround);
-        Pixel* pixels = words_.empty() ? nullptr : words_.data();
+        KAVO::Pixel* pixels = words_.empty() ? nullptr : words_.data();
         context.target = {width_, height, stride_ * 4, 0xFFFFFFFF, pixels, 0};
         context.clipRight = static_cast<int16_t>(width_);
         context.clipBottom = static_cast<int16_t>(height);
@@ -145,8 +146,8 @@ private:
     void readStops(MMPaint& paint)
     {
         const size_t count = in_.below(6);
-        colours_.push_back(in_.array<Pixel>(count));
-        offsets_.push_back(in_.array<Fixed>(count));
+        colours_.push_back(in_.array<KAVO::Pixel>(count));
+        offsets_.push_back(in_.array<KAVO::Fixed>(count));
         paint.gradientStopCount = static_cast<uint32_t>(count);
         paint.gradientStopColors = colours_.back().data(); // null when there are none
         paint.gradientStopOffsets = offsets_.back().data();
@@ -156,8 +157,8 @@ private:
     ByteReader& in_;
     uint16_t width_;
     uint32_t stride_; // words
-    std::vector<Pixel> words_;
-    std::vector<Fixed> dashes_;
-    std::vector<std::vector<Pixel>> images_, colours_;
-    std::vector<std::vector<Fixed>> offsets_;
+    std::vector<KAVO::Pixel> words_;
+    std::vector<KAVO::Fixed> dashes_;
+    std::vector<std::vector<KAVO::Pixel>> images_, colours_;
+    std::vector<std::vector<KAVO::Fixed>> offsets_;
 };

@@ -4,6 +4,8 @@
 #include "graphics2d/RegionFlush.h"
 #include "graphics2d/strips/StripDispatch.h"
 
+using namespace KAVO;
+
 namespace {
 
 // A span as the rasterisers make them: within the clip, the tail too.

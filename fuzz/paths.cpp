@@ -1,6 +1,8 @@
 // Shapes of all kinds, above all encoded paths, drawn by a context in any state.
 #include "fuzz/HostileScene.h"
 
+using namespace KAVO;
+
 namespace {
 
 // The rest of the input as a stored path. The numbers of items and subpaths are cut to what is

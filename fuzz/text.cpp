@@ -3,6 +3,8 @@
 #include "tests/support/FakeFontEngine.h"
 #include "tests/support/FakeLayoutEngine.h"
 
+using namespace KAVO;
+
 namespace {
 
 constexpr uint32_t kLongest = 40; // glyphs may be a thousand pixels high

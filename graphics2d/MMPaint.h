@@ -23,31 +23,31 @@ struct MMPaint {
     uint32_t paintType; // MMPaintType
 
     union {
-        Pixel paintColour;
+        KAVO::Pixel paintColour;
 
         __extension__ struct {
-            uint32_t gradientStopCount;       // at least 1; 0 draws nothing
-            const Pixel* gradientStopColors;  // the caller's, read at every use
-            const Fixed* gradientStopOffsets; // ascending, in units of the gradient parameter
-            uint8_t paintHasAlpha;            // some stop is translucent
+            uint32_t gradientStopCount;             // at least 1; 0 draws nothing
+            const KAVO::Pixel* gradientStopColors;  // the caller's, read at every use
+            const KAVO::Fixed* gradientStopOffsets; // ascending, in units of the gradient parameter
+            uint8_t paintHasAlpha;                  // some stop is translucent
 
             union {
                 // The gradient parameter is 0 at the origin and grows by a step per device pixel.
                 __extension__ struct {
-                    Fixed gradientOriginX;
-                    Fixed gradientOriginY;
-                    Fixed gradientStepX;
-                    Fixed gradientStepY;
+                    KAVO::Fixed gradientOriginX;
+                    KAVO::Fixed gradientOriginY;
+                    KAVO::Fixed gradientStepX;
+                    KAVO::Fixed gradientStepY;
                 };
                 // The gradient parameter is the length of the device offset from the centre mapped
                 // through this 2 by 2 matrix.
                 __extension__ struct {
-                    Fixed radialXToU;
-                    Fixed radialXToV;
-                    Fixed radialYToU;
-                    Fixed radialYToV;
-                    Fixed radialCenterX;
-                    Fixed radialCenterY;
+                    KAVO::Fixed radialXToU;
+                    KAVO::Fixed radialXToV;
+                    KAVO::Fixed radialYToU;
+                    KAVO::Fixed radialYToV;
+                    KAVO::Fixed radialCenterX;
+                    KAVO::Fixed radialCenterY;
                 };
             };
         };

@@ -13,7 +13,7 @@ struct MMPathPos {
     MMPoint2D previous;      // the point at the cursor: the start of the edge or curve being walked
     int16_t itemIndex;       // points or curves of the command before the cursor
     int16_t subpathsLeft;    // subpaths still to walk; 0 at the path's end and to start a new walk
-    Fixed walked;            // path length from the start to the current point
-    Fixed edgeWalked;        // path length from the start to the cursor
+    KAVO::Fixed walked;      // path length from the start to the current point
+    KAVO::Fixed edgeWalked;  // path length from the start to the cursor
     MMPoint2D subpathStart;  // where closing the subpath leads
 };

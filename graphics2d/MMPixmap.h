@@ -5,10 +5,10 @@
 
 // Describes 32-bit pixels (0xAARRGGBB) that somebody else owns. Copied by value.
 struct MMPixmap {
-    uint16_t width;         // pixels
-    uint16_t height;        // rows
-    uint32_t rowBytes;      // from the start of one row to the next; images are read by width alone
-    Pixel backgroundColour; // what panPixmap leaves in uncovered areas
-    Pixel* pixels;          // row 0, column 0
-    uint32_t pixmapExtra;   // low byte: the image has alpha (drawImage); otherwise free for callers
+    uint16_t width;    // pixels
+    uint16_t height;   // rows
+    uint32_t rowBytes; // from the start of one row to the next; images are read by width alone
+    KAVO::Pixel backgroundColour; // what panPixmap leaves in uncovered areas
+    KAVO::Pixel* pixels;          // row 0, column 0
+    uint32_t pixmapExtra; // low byte: the image has alpha (drawImage); otherwise free for callers
 };

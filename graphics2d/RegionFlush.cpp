@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <cstring>
 
+using namespace KAVO;
+
 namespace {
 
 Pixel* rowOf(const MMPixmap& pixmap, uint32_t y)

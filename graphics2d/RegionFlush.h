@@ -7,7 +7,7 @@
 
 // Fills the rectangle of w by h pixels at (x, y), cut to the pixmap, with one colour.
 void MMG_flushRegion(MMPixmap* pixmap, uint32_t x, uint32_t y, uint32_t w, uint16_t h,
-                     Pixel colour);
+                     KAVO::Pixel colour);
 
 // Scrolls the content right by dx and down by dy whole pixels and fills what is uncovered with the
 // pixmap's backgroundColour. A motion larger than the pixmap clears it. Padding after the rows is

@@ -8,6 +8,8 @@
 
 #include <cstdint>
 
+namespace KAVO {
+
 using Fixed = int32_t;    // 16.16, 1.0 = 0x10000
 using Degrees = int32_t;  // 16.16 degrees, from +x toward +y (clockwise on a y-down target)
 using Coverage = int32_t; // 16.16 on the 0..255 scale, 255.0 = 0x00FF0000 is fully covered
@@ -69,3 +71,5 @@ constexpr uint32_t fixFraction(Fixed v)
 {
     return static_cast<uint32_t>(v) & 0xFFFFu;
 }
+
+} // namespace KAVO

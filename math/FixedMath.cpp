@@ -1,5 +1,8 @@
 // 16.16 division, roots and trigonometry by shifts, additions and tables.
 #include "math/FixedMath.h"
+#include "math/FixedInline.h"
+
+using namespace KAVO;
 
 namespace {
 

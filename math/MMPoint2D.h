@@ -5,8 +5,8 @@
 
 // A point or a vector. Arrays of points are the polygon format of the rasterisers.
 struct MMPoint2D {
-    Fixed x;
-    Fixed y;
+    KAVO::Fixed x;
+    KAVO::Fixed y;
 };
 
 constexpr bool operator==(const MMPoint2D& a, const MMPoint2D& b)
@@ -21,8 +21,8 @@ constexpr bool operator!=(const MMPoint2D& a, const MMPoint2D& b)
 
 // A rectangle; x1 and y1 are its right and bottom ends.
 struct MMFixedRegion {
-    Fixed x0;
-    Fixed y0;
-    Fixed x1;
-    Fixed y1;
+    KAVO::Fixed x0;
+    KAVO::Fixed y0;
+    KAVO::Fixed x1;
+    KAVO::Fixed y1;
 };

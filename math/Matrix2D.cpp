@@ -1,9 +1,12 @@
 // The affine transform of the library.
 #include "math/Matrix2D.h"
 
+#include "math/FixedInline.h"
 #include "math/FixedMath.h"
 
 #include <initializer_list>
+
+using namespace KAVO;
 
 namespace {
 

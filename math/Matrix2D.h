@@ -22,12 +22,12 @@ public:
     // Result of compose for an item with the wrong number of values or a scale of 0.
     static constexpr uint32_t kBadTransform = 8192;
 
-    Fixed a;
-    Fixed b;
-    Fixed c;
-    Fixed d;
-    Fixed e;
-    Fixed f;
+    KAVO::Fixed a;
+    KAVO::Fixed b;
+    KAVO::Fixed c;
+    KAVO::Fixed d;
+    KAVO::Fixed e;
+    KAVO::Fixed f;
 
     // this := this, then t. t may be this matrix itself.
     Matrix2D& operator*=(const Matrix2D& t);
@@ -35,14 +35,14 @@ public:
     // this := first, then second. Either may be this matrix itself.
     void mul(const Matrix2D* first, const Matrix2D* second);
 
-    void translate(Fixed tx, Fixed ty);
-    void scale(Fixed sx, Fixed sy);
+    void translate(KAVO::Fixed tx, KAVO::Fixed ty);
+    void scale(KAVO::Fixed sx, KAVO::Fixed sy);
 
     // Any angle; whole turns change nothing.
-    void rotate(Degrees angle);
-    void rotateCenter(Degrees angle, Fixed cx, Fixed cy);
-    void skewX(Degrees angle);
-    void skewY(Degrees angle);
+    void rotate(KAVO::Degrees angle);
+    void rotateCenter(KAVO::Degrees angle, KAVO::Fixed cx, KAVO::Fixed cy);
+    void skewX(KAVO::Degrees angle);
+    void skewY(KAVO::Degrees angle);
 
     // Maps count points; dst may be src.
     void transform(MMPoint2D* dst, const MMPoint2D* src, uint16_t count) const;
@@ -54,14 +54,16 @@ public:
 
     // Scales all six elements so that the smallest non-zero linear one becomes about 1.0; returns
     // the factor.
-    Fixed normalize();
+    KAVO::Fixed normalize();
 
     // Applies one item of a transform list. Returns 0, or kBadTransform when the count does not fit
     // the type or a scale factor is 0. A type of 6 or more is ignored and returns 0. With one
     // value, Translate and Scale write values[1], which must exist.
-    uint32_t compose(TransformTypes type, Fixed* values, uint32_t count);
+    uint32_t compose(TransformTypes type, KAVO::Fixed* values, uint32_t count);
 };
 
+namespace KAVO {
 constexpr Matrix2D kIdentityMatrix = {kFixedOne, 0, 0, kFixedOne, 0, 0};
+}
 
 #pragma GCC visibility pop

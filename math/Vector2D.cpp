@@ -3,6 +3,8 @@
 
 #include "math/FixedMath.h"
 
+using namespace KAVO;
+
 namespace {
 
 constexpr uint32_t kOne30 = 0x40000000; // 1.0 in 2.30

@@ -1,5 +1,7 @@
 #include "common/Glyphs.h"
 
+using namespace KAVO;
+
 using namespace KAVO::Graphics2D;
 
 bool hasGlyph(MMContext2D& context, uint16_t character)

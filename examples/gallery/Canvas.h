@@ -9,12 +9,12 @@
 #include <vector>
 
 // 16.16 from a plain number.
-constexpr Fixed fixed(double value)
+constexpr KAVO::Fixed fixed(double value)
 {
-    return static_cast<Fixed>(value * 65536 + (value < 0 ? -0.5 : 0.5));
+    return static_cast<KAVO::Fixed>(value * 65536 + (value < 0 ? -0.5 : 0.5));
 }
 
-constexpr Degrees degrees(double value)
+constexpr KAVO::Degrees degrees(double value)
 {
     return fixed(value);
 }
@@ -45,7 +45,7 @@ private:
 
 class Canvas {
 public:
-    Canvas(int width, int height, Pixel paper);
+    Canvas(int width, int height, KAVO::Pixel paper);
 
     Picture picture;
     std::string problem; // why the picture is not what it should be; empty when it is
@@ -60,8 +60,8 @@ public:
     bool outOfMemory() const { return outOfMemory_ || context_->outOfMemory; }
 
     // Paints for the operations that follow.
-    void fill(Pixel colour, uint8_t opacity = 255);
-    void stroke(Pixel colour, double width, uint8_t opacity = 255);
+    void fill(KAVO::Pixel colour, uint8_t opacity = 255);
+    void stroke(KAVO::Pixel colour, double width, uint8_t opacity = 255);
 
     // The panel of the scene that is drawn begins at (x, y) of the picture.
     void beginPanel(int x, int y);

@@ -1,6 +1,8 @@
 // Fills, rounded rectangles, arcs.
 #include "gallery/Canvas.h"
 
+using namespace KAVO;
+
 using namespace KAVO::Graphics2D;
 
 namespace {

@@ -3,6 +3,8 @@
 
 #include <cmath>
 
+using namespace KAVO;
+
 using namespace KAVO::Graphics2D;
 
 namespace {

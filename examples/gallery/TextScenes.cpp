@@ -8,6 +8,8 @@
 #include <cstdlib>
 #include <cstring>
 
+using namespace KAVO;
+
 using namespace KAVO::Graphics2D;
 
 namespace {

@@ -16,8 +16,8 @@ struct Gradient {
     Point start; // of a radial gradient the centre
     Point end;
     double radius = 0;
-    std::vector<Pixel> colours;
-    std::vector<Fixed> offsets; // 0 to 1.0
+    std::vector<KAVO::Pixel> colours;
+    std::vector<KAVO::Fixed> offsets; // 0 to 1.0
 
     // Lets it look the same through glyphs as in a shape: before its first stop and after its last
     // one, where the library treats the alpha as forGlyphs says.
@@ -38,6 +38,6 @@ public:
 
 private:
     Gradient gradient_;
-    std::vector<Pixel> rampColours_;
-    std::vector<Fixed> rampOffsets_;
+    std::vector<KAVO::Pixel> rampColours_;
+    std::vector<KAVO::Fixed> rampOffsets_;
 };

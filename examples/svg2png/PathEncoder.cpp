@@ -1,5 +1,7 @@
 #include "svg2png/PathEncoder.h"
 
+using namespace KAVO;
+
 namespace {
 
 constexpr uint32_t kPoints = 0u << 28;

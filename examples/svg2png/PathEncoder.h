@@ -8,9 +8,9 @@
 #include <vector>
 
 // Rounded to the nearest 1/65536, values beyond the range to its ends.
-Fixed toFixed(double value);
+KAVO::Fixed toFixed(double value);
 
-inline double toDouble(Fixed value)
+inline double toDouble(KAVO::Fixed value)
 {
     return value / 65536.0;
 }
@@ -31,7 +31,7 @@ struct PathSpace {
     // Nothing when the transform flattens everything onto a line.
     static std::optional<PathSpace> make(const Affine& userToDevice, Point pictureCentre);
 
-    Fixed length(double userLength) const;
+    KAVO::Fixed length(double userLength) const;
     MMPoint2D point(Point user) const;
 };
 

@@ -113,7 +113,7 @@ private:
     ImageStore images_;
     PaintStore fillStore_;
     PaintStore strokeStore_;
-    std::vector<Fixed> dashes_;
+    std::vector<KAVO::Fixed> dashes_;
     std::set<uint16_t> charactersMet_; // by noteMissingGlyphs
     double glyphPixels_ = 0;           // of large glyphs, by affordsGlyphs
     Picture shadow_;                   // for ShiftedTarget

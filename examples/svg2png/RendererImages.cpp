@@ -4,6 +4,8 @@
 #include "svg2png/ClipGuard.h"
 #include "svg2png/ShiftedTarget.h"
 
+using namespace KAVO;
+
 using namespace KAVO::Graphics2D;
 
 namespace {

@@ -6,6 +6,8 @@
 #include "svg2png/Renderer.h"
 #include "svg2png/TransformParser.h"
 
+using namespace KAVO;
+
 using namespace KAVO::Graphics2D;
 
 namespace {

@@ -3,6 +3,8 @@
 
 #include "svg2png/ShiftedTarget.h"
 
+using namespace KAVO;
+
 using namespace KAVO::Graphics2D;
 
 namespace {

@@ -6,6 +6,8 @@
 
 #include <vector>
 
+using namespace KAVO;
+
 namespace {
 
 struct ItemType {

@@ -1,5 +1,6 @@
 // One edge of a polygon as both rasterisers walk it.
 #include "graphics2d/raster/EdgeLine.h"
+#include "math/FixedInline.h"
 
 namespace KAVO {
 namespace Graphics2D {

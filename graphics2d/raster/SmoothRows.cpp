@@ -11,6 +11,7 @@
 // times the number of its slabs, and that is bounded.
 #include "graphics2d/raster/SmoothRows.h"
 #include "graphics2d/raster/ChainCluster.h"
+#include "math/FixedInline.h"
 
 #include <algorithm>
 

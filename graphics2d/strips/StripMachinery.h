@@ -11,6 +11,7 @@
 
 #include "graphics2d/MMContext2D.h"
 #include "graphics2d/strips/PixelLanes.h"
+#include "math/FixedInline.h"
 #include "math/FixedMath.h"
 
 #include <cwchar>

@@ -7,6 +7,8 @@
 
 #include <cstdio>
 
+using namespace KAVO;
+
 int main()
 {
     Pixel pixels[8 * 8] = {};

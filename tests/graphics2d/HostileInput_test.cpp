@@ -7,6 +7,8 @@
 #include <climits>
 #include <random>
 
+using namespace KAVO;
+
 namespace {
 
 using namespace KAVO::Graphics2D;

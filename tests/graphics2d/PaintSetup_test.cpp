@@ -11,6 +11,8 @@
 #include <random>
 #include <vector>
 
+using namespace KAVO;
+
 namespace {
 
 using namespace KAVO::Graphics2D;

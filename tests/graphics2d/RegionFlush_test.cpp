@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+using namespace KAVO;
+
 namespace {
 
 constexpr Pixel kBackground = 0xFFBBBBBB;

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace KAVO;
+
 namespace {
 
 constexpr int kRounds = 300000;

@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace KAVO;
+
 namespace {
 
 using Elements = std::array<Fixed, 6>;

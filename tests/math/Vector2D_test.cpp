@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace KAVO;
+
 namespace {
 
 TEST(Vector2D, DotAndCross)

@@ -11,21 +11,22 @@
 namespace pictures {
 
 constexpr uint16_t kSide = 96;
-constexpr Pixel kBlue = 0xFF457B9D, kRed = 0xFFE63946, kNight = 0xFF1D3557, kSand = 0xFFF4A261;
+constexpr KAVO::Pixel kBlue = 0xFF457B9D, kRed = 0xFFE63946, kNight = 0xFF1D3557,
+                      kSand = 0xFFF4A261;
 
 inline GradientStops stops(bool translucent)
 {
-    static const Pixel opaqueColours[] = {kRed, 0xFFF1FAEE, kBlue, kNight};
-    static const Pixel translucentColours[] = {kRed, 0x80F1FAEE, 0x20457B9D, 0xC01D3557};
-    static const Fixed offsets[] = {0, fx(0.3), fx(0.5), fx(1)};
+    static const KAVO::Pixel opaqueColours[] = {kRed, 0xFFF1FAEE, kBlue, kNight};
+    static const KAVO::Pixel translucentColours[] = {kRed, 0x80F1FAEE, 0x20457B9D, 0xC01D3557};
+    static const KAVO::Fixed offsets[] = {0, fx(0.3), fx(0.5), fx(1)};
     return {translucent ? translucentColours : opaqueColours, offsets, 4};
 }
 
-inline Pixel texelAt(int32_t x, int32_t y)
+inline KAVO::Pixel texelAt(int32_t x, int32_t y)
 {
-    const Pixel rings[] = {0xFFA23E48, 0xFFFFD166, 0xFF118AB2};
-    const Pixel colour = rings[((x - 6) * (x - 6) + (y - 5) * (y - 5)) / 6 % 3];
-    return colour - (static_cast<Pixel>(x) * 18 << 24);
+    const KAVO::Pixel rings[] = {0xFFA23E48, 0xFFFFD166, 0xFF118AB2};
+    const KAVO::Pixel colour = rings[((x - 6) * (x - 6) + (y - 5) * (y - 5)) / 6 % 3];
+    return colour - (static_cast<KAVO::Pixel>(x) * 18 << 24);
 }
 
 // An anti-aliased context over a square of slanted stripes, filling in blue, and a small image.
@@ -70,7 +71,7 @@ struct Canvas : FreshEngine {
         context.transform = {fx(a), fx(b), fx(c), fx(d), fx(e), fx(f)};
     }
 
-    void solid(Pixel colour, MMPaintType type = kPaintSolid)
+    void solid(KAVO::Pixel colour, MMPaintType type = kPaintSolid)
     {
         context.fillPaint.paintType = type;
         context.fillPaint.paintColour = colour;
@@ -157,7 +158,7 @@ struct Canvas : FreshEngine {
         for (uint32_t i = 0, seed = 7; i < corners; ++i) {
             const int32_t x = static_cast<int32_t>((seed = seed * 1664525 + 1) >> 16);
             const int32_t y = static_cast<int32_t>((seed = seed * 1664525 + 1) >> 16);
-            list.push_back({left * kFixedOne + x * width, 4 * kFixedOne + y * 88});
+            list.push_back({left * KAVO::kFixedOne + x * width, 4 * KAVO::kFixedOne + y * 88});
         }
         polygon(list);
     }
@@ -177,7 +178,7 @@ struct Canvas : FreshEngine {
         const int32_t sweeps[] = {30, 90, 200, 359, 720, -45, -180, -300, 1};
         for (int32_t i = 0; i < 9; ++i) {
             MMPoint2D centre = at(17 + 31 * (i % 3), 17 + 31 * (i / 3));
-            context.drawCircularArc(&centre, fx(13), fx(20 * i), sweeps[i] * kFixedOne, pie,
+            context.drawCircularArc(&centre, fx(13), fx(20 * i), sweeps[i] * KAVO::kFixedOne, pie,
                                     outline);
         }
     }
@@ -185,7 +186,7 @@ struct Canvas : FreshEngine {
     void text(const char16_t* units, int32_t x, int32_t y, double size)
     {
         context.fontSize = fx(size);
-        context.drawText(Text(units).data(), x * kFixedOne, y * kFixedOne);
+        context.drawText(Text(units).data(), x * KAVO::kFixedOne, y * KAVO::kFixedOne);
     }
 
     void texts()
@@ -208,12 +209,12 @@ struct Canvas : FreshEngine {
     char* stateEnd() { return reinterpret_cast<char*>(&context + 1); }
 
     std::vector<char> initialState;
-    std::vector<Pixel> pixels;
-    std::vector<Pixel> texels;
+    std::vector<KAVO::Pixel> pixels;
+    std::vector<KAVO::Pixel> texels;
     MMPixmap image; // 12 by 10 texels, rings that fade to the right
     MMContext2D context;
-    Pixel rampColours[gradientRampRoom(4)];
-    Fixed rampOffsets[gradientRampRoom(4)];
+    KAVO::Pixel rampColours[gradientRampRoom(4)];
+    KAVO::Fixed rampOffsets[gradientRampRoom(4)];
 };
 
 } // namespace pictures

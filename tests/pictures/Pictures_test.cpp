@@ -15,6 +15,8 @@
 #include <sstream>
 #include <string>
 
+using namespace KAVO;
+
 namespace pictures {
 namespace {
 

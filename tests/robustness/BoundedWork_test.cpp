@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace KAVO;
+
 namespace {
 
 // What the bilinear filler is asked for.

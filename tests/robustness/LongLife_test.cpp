@@ -4,6 +4,8 @@
 
 #include <random>
 
+using namespace KAVO;
+
 namespace pictures {
 namespace {
 

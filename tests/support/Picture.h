@@ -9,11 +9,11 @@
 #include <vector>
 
 struct Picture {
-    static constexpr Pixel kBlank = 0xFFFFFFFF;
+    static constexpr KAVO::Pixel kBlank = 0xFFFFFFFF;
     static constexpr int kGuard = 4; // rows above and below that nobody may touch
 
     const int size;
-    std::vector<Pixel> pixels;
+    std::vector<KAVO::Pixel> pixels;
     KAVO::Graphics2D::MMContext2D context; // anti-aliased; paints black
     uint32_t wordsKept = 0;                // scratch memory that is meant to stay
 
@@ -35,12 +35,15 @@ struct Picture {
     }
 
     size_t indexOf(int x, int y) const { return static_cast<size_t>((y + kGuard) * size + x); }
-    Pixel at(int x, int y) const { return pixels[indexOf(x, y)]; }
-    void fill(Pixel colour) { std::fill_n(pixels.begin() + size * kGuard, size * size, colour); }
+    KAVO::Pixel at(int x, int y) const { return pixels[indexOf(x, y)]; }
+    void fill(KAVO::Pixel colour)
+    {
+        std::fill_n(pixels.begin() + size * kGuard, size * size, colour);
+    }
     int coverage(int x, int y) const { return 255 - static_cast<int>(at(x, y) & 0xFF); }
     bool blank() const
     {
-        return std::all_of(pixels.begin(), pixels.end(), [](Pixel p) { return p == kBlank; });
+        return std::all_of(pixels.begin(), pixels.end(), [](KAVO::Pixel p) { return p == kBlank; });
     }
     bool emptyBounds() const
     {

@@ -21,12 +21,12 @@ inline double cross(Vector a, Vector b)
     return (std::conj(a) * b).imag();
 }
 
-inline Fixed toFixed(double v)
+inline KAVO::Fixed toFixed(double v)
 {
-    return static_cast<Fixed>(std::lround(v * 65536));
+    return static_cast<KAVO::Fixed>(std::lround(v * 65536));
 }
 
-inline double toDouble(Fixed v)
+inline double toDouble(KAVO::Fixed v)
 {
     return v / 65536.0;
 }

@@ -57,6 +57,6 @@ struct TextScene : FreshEngine, Picture {
 
     void draw(const char16_t* s, int32_t x, int32_t y)
     {
-        context.drawText(Text(s).data(), x * kFixedOne, y * kFixedOne);
+        context.drawText(Text(s).data(), x * KAVO::kFixedOne, y * KAVO::kFixedOne);
     }
 };

@@ -4,9 +4,9 @@
 #include "math/MMPoint2D.h"
 
 // The 16.16 number, cut toward 0.
-constexpr Fixed fx(double v)
+constexpr KAVO::Fixed fx(double v)
 {
-    return static_cast<Fixed>(v * 65536);
+    return static_cast<KAVO::Fixed>(v * 65536);
 }
 
 constexpr MMPoint2D at(double x, double y)

@@ -8,6 +8,8 @@
 #include <random>
 #include <vector>
 
+using namespace KAVO;
+
 static uint64_t blocksRun = 0;
 
 extern "C" void __sanitizer_cov_trace_pc(); // the name that the compiler calls

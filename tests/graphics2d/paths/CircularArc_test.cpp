@@ -4,6 +4,8 @@
 
 #include <complex>
 
+using namespace KAVO;
+
 namespace {
 
 using namespace KAVO::Graphics2D;

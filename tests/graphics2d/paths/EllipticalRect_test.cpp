@@ -4,6 +4,8 @@
 #include "tests/support/StrokeRecorder.h"
 #include "tests/support/UserUnits.h"
 
+using namespace KAVO;
+
 namespace {
 
 using namespace KAVO::Graphics2D;

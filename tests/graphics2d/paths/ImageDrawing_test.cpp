@@ -2,6 +2,8 @@
 #include "tests/support/Picture.h"
 #include "tests/support/UserUnits.h"
 
+using namespace KAVO;
+
 namespace {
 
 using namespace KAVO::Graphics2D;

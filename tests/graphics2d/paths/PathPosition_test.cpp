@@ -8,6 +8,8 @@
 
 #include <cmath>
 
+using namespace KAVO;
+
 namespace {
 
 using namespace KAVO::Graphics2D;

@@ -5,6 +5,8 @@
 
 #include <climits>
 
+using namespace KAVO;
+
 namespace {
 
 using namespace KAVO::Graphics2D;

@@ -11,17 +11,18 @@ namespace PaintModel {
 
 using KAVO::Graphics2D::MMContext2D;
 
-inline int byteOf(Pixel p, int k)
+inline int byteOf(KAVO::Pixel p, int k)
 {
     return (p >> (8 * k)) & 0xFF;
 }
 
-inline Pixel moved(Pixel from, Pixel to, int w)
+inline KAVO::Pixel moved(KAVO::Pixel from, KAVO::Pixel to, int w)
 {
-    Pixel p = 0;
+    KAVO::Pixel p = 0;
     for (int k = 0; k < 4; ++k) {
         const int d = byteOf(to, k) - byteOf(from, k);
-        p |= static_cast<Pixel>(byteOf(from, k) + ((d * w + (d > 128 ? w : 0)) >> 8)) << 8 * k;
+        p |= static_cast<KAVO::Pixel>(byteOf(from, k) + ((d * w + (d > 128 ? w : 0)) >> 8))
+             << 8 * k;
     }
     return p;
 }
@@ -31,9 +32,9 @@ struct Run {
     MMContext2D& context;
     const MMPaint& paint;
     bool translucent;
-    Pixel* pixel;
+    KAVO::Pixel* pixel;
     int n;
-    Coverage o;
+    KAVO::Coverage o;
 
     Run(MMContext2D& c, bool t)
         : context(c), paint(c.currentPaint), translucent(t),
@@ -49,14 +50,14 @@ struct Run {
         n = 1;
         return true;
     }
-    void put(Pixel source, int w)
+    void put(KAVO::Pixel source, int w)
     {
         const MMPixmap& t = context.target;
-        const Pixel* end = t.pixels + (t.height - 1) * t.rowBytes / 4 + t.width;
+        const KAVO::Pixel* end = t.pixels + (t.height - 1) * t.rowBytes / 4 + t.width;
         *pixel = translucent ? moved(pixel[pixel + 1 == end ? 0 : 1], source, w) : source;
         if (translucent) {
             o = context.spanCoverageNext;
-            context.spanCoverageNext = wrapAdd(o, context.spanCoverageStep);
+            context.spanCoverageNext = KAVO::wrapAdd(o, context.spanCoverageStep);
         }
         ++pixel;
         --n;
@@ -64,11 +65,11 @@ struct Run {
 };
 
 // Channels 0 to 3 are blue, green, red, alpha in 8.16.
-inline Pixel opaque(const int32_t (&v)[4])
+inline KAVO::Pixel opaque(const int32_t (&v)[4])
 {
-    Pixel p = 0xFF000000;
+    KAVO::Pixel p = 0xFF000000;
     for (int k = 0; k < 3; ++k)
-        p |= static_cast<Pixel>((wrapAdd(v[k], 0x8000) >> 16) & 0xFF) << (8 * k);
+        p |= static_cast<KAVO::Pixel>((KAVO::wrapAdd(v[k], 0x8000) >> 16) & 0xFF) << (8 * k);
     return p;
 }
 
@@ -76,8 +77,8 @@ inline Pixel opaque(const int32_t (&v)[4])
 inline void solid(MMContext2D& context, bool translucent)
 {
     Run run(context, translucent);
-    const Pixel colour = run.paint.paintColour;
-    const auto draw = [&](Pixel& pixel, Coverage coverage) {
+    const KAVO::Pixel colour = run.paint.paintColour;
+    const auto draw = [&](KAVO::Pixel& pixel, KAVO::Coverage coverage) {
         pixel = translucent ? moved(pixel, colour, (coverage + 0x8000) >> 16 & 0xFF) : colour;
     };
     for (; run.n > 0; --run.n) {
@@ -99,12 +100,12 @@ inline void exclusiveOr(MMContext2D& context, bool)
 inline void faded(MMContext2D& context, bool)
 {
     for (Run run(context, false); run.n > 0; --run.n, ++run.pixel) {
-        Pixel sum = 0;
+        KAVO::Pixel sum = 0;
         for (int k = 0; k < 4; ++k) {
             const int to = byteOf(run.paint.paintColour, k), from = byteOf(*run.pixel, k);
             const int w = run.paint.paintOpacity;
             const int byte = ((to + (to >> 7)) * w >> 8) + ((from + (from >> 7)) * (255 - w) >> 8);
-            sum |= static_cast<Pixel>(byte) << 8 * k;
+            sum |= static_cast<KAVO::Pixel>(byte) << 8 * k;
         }
         *run.pixel = sum;
     }
@@ -114,7 +115,7 @@ inline void faded(MMContext2D& context, bool)
 inline void flat(MMContext2D& context, bool translucent)
 {
     Run run(context, translucent);
-    const Pixel colour = run.paint.gradientStopColors[0];
+    const KAVO::Pixel colour = run.paint.gradientStopColors[0];
     do {
         while (run.n > 0) {
             const int w = fixMulSHR(run.o, byteOf(colour, 3) << 16, 24) & 0xFF;
@@ -125,19 +126,20 @@ inline void flat(MMContext2D& context, bool translucent)
 
 // One axis of the texel pointer, stepped by whole texels and a sign-magnitude fraction.
 struct Axis {
-    Fixed position, step;
+    KAVO::Fixed position, step;
     int64_t size, index, whole, sign;
     uint16_t fraction, fractionStep;
 
-    Axis(Fixed start, Fixed s, int64_t n)
+    Axis(KAVO::Fixed start, KAVO::Fixed s, int64_t n)
         : position(start), step(s), size(n), index(start >> 16), whole(s / 65536),
-          sign(s < 0 ? -1 : 1), fraction(static_cast<uint16_t>(s < 0 ? wrapNeg(start) : start)),
-          fractionStep(static_cast<uint16_t>(s < 0 ? wrapNeg(s) : s))
+          sign(s < 0 ? -1 : 1),
+          fraction(static_cast<uint16_t>(s < 0 ? KAVO::wrapNeg(start) : start)),
+          fractionStep(static_cast<uint16_t>(s < 0 ? KAVO::wrapNeg(s) : s))
     {
     }
     void advance()
     {
-        position = wrapAdd(position, step);
+        position = KAVO::wrapAdd(position, step);
         const uint16_t before = fraction;
         fraction = static_cast<uint16_t>(fraction + fractionStep);
         index += whole + (fraction < before ? sign : 0);
@@ -151,17 +153,17 @@ struct Axis {
 };
 
 struct Sampler {
-    const Pixel* pixels;
+    const KAVO::Pixel* pixels;
     Axis u, v;
 
-    Sampler(const MMContext2D& c, Fixed x, Fixed y, MMPoint2D p = {})
+    Sampler(const MMContext2D& c, KAVO::Fixed x, KAVO::Fixed y, MMPoint2D p = {})
         : pixels(c.currentPaint.patternImage.pixels),
           u((p = {x, y}, c.currentPaint.patternTransform.transform(&p, &p, 1), p.x),
             c.currentPaint.patternTransform.a, c.currentPaint.patternImage.width),
           v(p.y, c.currentPaint.patternTransform.b, c.currentPaint.patternImage.height)
     {
     }
-    Pixel texel(int64_t column, int64_t row) const
+    KAVO::Pixel texel(int64_t column, int64_t row) const
     {
         int64_t i = (v.index + row) * u.size + u.index + column;
         const int64_t count = u.size * v.size;
@@ -169,9 +171,9 @@ struct Sampler {
         if (i >= count && i - u.size < count) i -= u.size;
         return pixels[std::clamp<int64_t>(i, 0, count - 1)];
     }
-    Pixel nearest() const { return texel(u.clamp(u.size - 1), v.clamp(v.size - 1)); }
+    KAVO::Pixel nearest() const { return texel(u.clamp(u.size - 1), v.clamp(v.size - 1)); }
     static bool between(const Axis& a) { return a.position >= 0 && a.position >> 16 < a.size - 1; }
-    Pixel bilinear() const
+    KAVO::Pixel bilinear() const
     {
         const int64_t x0 = u.clamp(u.size - 1), x1 = between(u) ? 1 : x0;
         const int64_t y0 = v.clamp(v.size - 1), y1 = between(v) ? 1 : y0;
@@ -188,16 +190,16 @@ struct Sampler {
     }
     void cubicSums(int32_t (&sum)[4]) const
     {
-        const Fixed one = 0x10000, f = u.fractionOf(), F = one - f, d = 2 * one - f;
-        const Fixed g = v.fractionOf(), G = g - one, e = g + one;
-        const auto tail = [](Fixed z) {
+        const KAVO::Fixed one = 0x10000, f = u.fractionOf(), F = one - f, d = 2 * one - f;
+        const KAVO::Fixed g = v.fractionOf(), G = g - one, e = g + one;
+        const auto tail = [](KAVO::Fixed z) {
             return fixMul(fixMul(0x10000 - fixMul(0x2AAA, z), z) - 0x20000, z) + 0x15555;
         };
-        const auto cube = [](Fixed z) { return fixMul(0x2AAA, fixMul(fixMul(z, z), z)); };
-        const Fixed wx[4] = {cube(F), fixMul(fixMul(-((-f) / 2) - one, f), f) + 0xAAAA,
-                             fixMul(fixMul((F >> 1) - one, F), F) + 0xAAAA, tail(d)};
-        const Fixed wy[4] = {tail(e), fixMul(fixMul((g >> 1) - one, g), g) + 0xAAAA,
-                             fixMul(fixMul(-one - ((G + 1) >> 1), G), G) + 0xAAAA, cube(g)};
+        const auto cube = [](KAVO::Fixed z) { return fixMul(0x2AAA, fixMul(fixMul(z, z), z)); };
+        const KAVO::Fixed wx[4] = {cube(F), fixMul(fixMul(-((-f) / 2) - one, f), f) + 0xAAAA,
+                                   fixMul(fixMul((F >> 1) - one, F), F) + 0xAAAA, tail(d)};
+        const KAVO::Fixed wy[4] = {tail(e), fixMul(fixMul((g >> 1) - one, g), g) + 0xAAAA,
+                                   fixMul(fixMul(-one - ((G + 1) >> 1), G), G) + 0xAAAA, cube(g)};
         int64_t x[4], y[4];
         cubicTaps(u, x);
         cubicTaps(v, y);
@@ -210,7 +212,7 @@ struct Sampler {
 
 inline int roundedWeight(int32_t q)
 {
-    const int w = wrapAdd(q, 0x8000) >> 16;
+    const int w = KAVO::wrapAdd(q, 0x8000) >> 16;
     return (q >= 0x007F8000 ? w + 1 : w) & 0xFF;
 }
 
@@ -218,8 +220,8 @@ template <int filter>
 void pattern(MMContext2D& context, bool translucent)
 {
     Run run(context, translucent);
-    const Fixed x = filter == 0 ? (context.spanStart & ~0xFFFF) | 0x8000 : context.spanStart;
-    const Fixed y = wrapShl(context.spanRow, 16) | (filter == 0 ? 0x8000 : 0);
+    const KAVO::Fixed x = filter == 0 ? (context.spanStart & ~0xFFFF) | 0x8000 : context.spanStart;
+    const KAVO::Fixed y = KAVO::wrapShl(context.spanRow, 16) | (filter == 0 ? 0x8000 : 0);
     Sampler sampler(context, x, y);
     do {
         while (run.n > 0) {
@@ -228,7 +230,7 @@ void pattern(MMContext2D& context, bool translucent)
                 sampler.cubicSums(sum);
                 run.put(opaque(sum), roundedWeight(fixMulSHR(sum[3], run.o, 8)));
             } else {
-                const Pixel p = filter == 0 ? sampler.nearest() : sampler.bilinear();
+                const KAVO::Pixel p = filter == 0 ? sampler.nearest() : sampler.bilinear();
                 const uint32_t product = (p >> 24) * static_cast<uint32_t>(run.o);
                 run.put(p, roundedWeight(static_cast<int32_t>(product >> 8)));
             }

@@ -8,6 +8,8 @@
 #include <initializer_list>
 #include <utility>
 
+using namespace KAVO;
+
 namespace {
 
 using namespace KAVO::Graphics2D;

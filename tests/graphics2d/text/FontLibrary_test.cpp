@@ -4,6 +4,8 @@
 
 #include <cstdlib>
 
+using namespace KAVO;
+
 namespace {
 
 // A null value takes the variable out of the environment.

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace KAVO;
+
 namespace {
 
 // Pixels and their way back to user units, which loses a little: the inverse of 1.0 is 0.99998.

@@ -8,6 +8,8 @@
 
 #include <random>
 
+using namespace KAVO;
+
 namespace {
 
 // --- An independent model of compositing, one channel at a time ----------------------------------

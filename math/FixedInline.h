@@ -1,0 +1,62 @@
+// The bodies of fixMul and fixMulSHR, for inner loops, and what they are made of. Internal.
+#pragma once
+
+#include "math/Fixed.h"
+
+namespace KAVO {
+
+// Gives the magnitude the sign held in a mask: 0 for plus, all ones for minus.
+constexpr int32_t applySign(uint32_t magnitude, uint32_t signMask)
+{
+    return static_cast<int32_t>((magnitude ^ signMask) + (signMask & 1u));
+}
+
+// All ones for a negative number, otherwise 0.
+constexpr uint32_t signMaskOf(int32_t v)
+{
+    return v < 0 ? 0xFFFFFFFFu : 0u;
+}
+
+// Shifts by 32 or more give 0.
+constexpr uint32_t shiftLeft(uint32_t v, uint32_t n)
+{
+    return n < 32 ? v << n : 0;
+}
+
+constexpr uint32_t shiftRight(uint32_t v, uint32_t n)
+{
+    return n < 32 ? v >> n : 0;
+}
+
+// fixMul inside the caller, for inner loops; elsewhere a call is smaller and as good.
+constexpr Fixed fixMulInline(Fixed a, Fixed b)
+{
+    const uint32_t magA = magnitudeOf(a);
+    const uint32_t magB = magnitudeOf(b);
+    // The high halves are taken with an arithmetic shift, which only shows for -2^31.
+    const uint32_t highA = static_cast<uint32_t>(static_cast<int32_t>(magA) >> 16);
+    const uint32_t lowA = magA & 0xFFFFu;
+    const uint32_t highB = static_cast<uint32_t>(static_cast<int32_t>(magB) >> 16);
+    const uint32_t lowB = magB & 0xFFFFu;
+    const uint32_t product = highB * magA + lowB * highA + ((lowB * (lowA >> 1)) >> 15);
+    return applySign(product, signMaskOf(a) ^ signMaskOf(b));
+}
+
+// fixMulSHR inside the caller, for inner loops.
+constexpr Fixed fixMulSHRInline(Fixed a, Fixed b, uint8_t shift)
+{
+    const uint32_t magA = magnitudeOf(a);
+    const uint32_t magB = magnitudeOf(b);
+    const uint32_t highA = magA >> 16;
+    const uint32_t lowA = magA & 0xFFFFu;
+    const uint32_t highB = magB >> 16;
+    const uint32_t lowB = magB & 0xFFFFu;
+    const uint32_t middle = highB * lowA + ((lowB * lowA) >> 16);
+    const uint32_t high = highB * highA + (middle >> 16);
+    const uint32_t low = highA * lowB + (middle & 0xFFFFu);
+    const uint32_t shiftedHigh =
+        shift < 16 ? shiftLeft(high, 16u - shift) : shiftRight(high, shift - 16u);
+    return applySign(shiftedHigh + shiftRight(low, shift), signMaskOf(a) ^ signMaskOf(b));
+}
+
+} // namespace KAVO
