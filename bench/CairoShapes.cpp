@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The shapes of a scene through Cairo's image backend.
 #include "Scene.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Filled shapes, from one large rectangle to hundreds of small blobs.
 #include "Scene.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Gradients and images over the whole target, beside Cairo.
 #include "Scene.h"
 

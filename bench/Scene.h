@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A scene and the renderers it is measured in.
 //
 // Every scene draws the same picture through this library and, where they are built in, through

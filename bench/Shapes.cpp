@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Scenes from shapes, and shapes from SVG files.
 #include "Scene.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Lines: a wide polyline, hairlines, dashes and a drawing's outlines.
 #include "Scene.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Text, beside Cairo with the same font: cached and uncached glyphs, and a paragraph to wrap.
 #include "Scene.h"
 

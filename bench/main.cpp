@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Measures every scene in every renderer in one run and prints how far ahead of the peers we are.
 //
 //   mm2d_bench [Google Benchmark options]

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Draws a heart and writes it to a PPM file, which most viewers open.
 #include <graphics2d/MMContext2D.h>
 

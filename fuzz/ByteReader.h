@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The bytes of a fuzzer's input as numbers. Beyond the end everything is 0.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A context in any state that a caller could bring it into, over a picture that notices what is
 // written where nothing may be.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Strip fillers on single spans, rectangles in any paint, the making of paints, images.
 #include "fuzz/HostileScene.h"
 #include "graphics2d/PaintSetup.h"

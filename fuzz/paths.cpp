@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Shapes of all kinds, above all encoded paths, drawn by a context in any state.
 #include "fuzz/HostileScene.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Base64, UTF-8 and the string helpers, with destinations of exactly the size asked for.
 #include "fuzz/HostileScene.h"
 #include "util/Base64.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Drawings, through the parts of the example program, into a picture in memory.
 #include "common/FontFolder.h"
 #include "svg2png/Renderer.h"

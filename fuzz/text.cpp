@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Text in any state and with any lists, by engines that refuse some of the calls.
 #include "fuzz/HostileScene.h"
 #include "tests/support/FakeFontEngine.h"

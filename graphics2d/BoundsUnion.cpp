@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "graphics2d/BoundsUnion.h"
 
 namespace KAVO {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Uniting the bounds of several pieces. Internal.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Construction and destruction of the drawing context.
 #include "graphics2d/MMContext2D.h"
 

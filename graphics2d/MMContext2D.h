@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The drawing context: the one object through which everything is drawn.
 //
 // Give a context a target and a clip rectangle, set its transform, paints and stroke style, and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One segment of a decoded subpath.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The paint record: what a shape is filled or stroked with.
 #pragma once
 

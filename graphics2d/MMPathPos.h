@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The cursor of MMContext2D::getPathPos.
 #pragma once
 

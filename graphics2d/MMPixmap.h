@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Render targets and images.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A paragraph broken into lines by MMContext2D::createTextLayout.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // From end points, radii, stops, images and transforms to the fields that the strip fillers read.
 //
 // The gradient fillers follow their parameter in 16.16 steps and the radial one in half units, so

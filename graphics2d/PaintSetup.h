@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Filling a paint in from what a person knows about it: end points, radii, stops, an image, and the
 // transform they live under.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Filling and scrolling a pixmap directly, without a drawing context.
 #include "graphics2d/RegionFlush.h"
 

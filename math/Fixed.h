@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Number formats of the whole library and the wrapping arithmetic they are computed with.
 //
 // There is no floating point anywhere: coordinates, lengths, matrix elements and trigonometric

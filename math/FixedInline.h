@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The bodies of fixMul and fixMulSHR, for inner loops, and what they are made of. Internal.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // 16.16 division, roots and trigonometry by shifts, additions and tables.
 #include "math/FixedMath.h"
 #include "math/FixedInline.h"

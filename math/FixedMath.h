@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // 16.16 arithmetic and trigonometry, bit-exact on every host.
 //
 // Products and quotients are formed on the operands' magnitudes in unsigned 32-bit arithmetic and

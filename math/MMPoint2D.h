@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Points and rectangles in 16.16 coordinates.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The affine transform of the library.
 #include "math/Matrix2D.h"
 

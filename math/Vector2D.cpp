@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Operations on 16.16 vectors.
 #include "math/Vector2D.h"
 

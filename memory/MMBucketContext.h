@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A pool of equal-sized items in one heap block, with a bitmap of free slots.
 #pragma once
 

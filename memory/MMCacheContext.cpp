@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A cache of small blobs under keys of fixed length.
 #include "memory/MMCacheContext.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A cache of small blobs under keys of fixed length, kept within a byte budget.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The scratch allocator of the drawing context.
 #include "memory/MMStackContext.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The scratch allocator of the drawing context: a stack of arrays in a chain of heap blocks.
 #pragma once
 

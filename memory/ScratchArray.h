@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Scratch memory held by a scope, so that the order of release follows from the language.
 #pragma once
 

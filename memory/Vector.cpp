@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A small growable array of equal-sized elements for the library's clients.
 #include "memory/Vector.h"
 

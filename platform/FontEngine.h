@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The outline-font engine as the library sees it: a plain interface that a build may fill with any
 // engine. platform/freetype is the usual one; MM2D_FONT_ENGINE names the CMake target to link.
 //

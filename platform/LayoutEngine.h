@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The text layout engine as the library sees it: a plain interface that a build may fill with any
 // engine. platform/icu is the usual one; MM2D_LAYOUT_ENGINE names the CMake target to link.
 //

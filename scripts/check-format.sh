@@ -1,4 +1,5 @@
 #!/bin/bash
+# SPDX-License-Identifier: MIT
 # Fails when a C++ file of the tree is not formatted as .clang-format says, and names the places.
 # clang-format -i mends them. The version is fixed, as others format a little differently.
 set -euo pipefail

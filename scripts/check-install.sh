@@ -1,4 +1,5 @@
 #!/bin/bash
+# SPDX-License-Identifier: MIT
 # Installs the library, shared and static, and builds and runs tests/consumer against what was
 # installed, found through CMake and through pkg-config. Every installed header must compile alone.
 set -euo pipefail

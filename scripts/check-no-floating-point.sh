@@ -1,4 +1,5 @@
 #!/bin/bash
+# SPDX-License-Identifier: MIT
 # Fails when the library computes in floating point anywhere.
 #
 #   scripts/check-no-floating-point.sh OBJDUMP OBJECT...

@@ -1,4 +1,5 @@
 #!/bin/bash
+# SPDX-License-Identifier: MIT
 # Line coverage of the library by its tests: a summary for each folder, and all lines that are
 # never reached. Fails when less than 95 % of graphics2d, math, memory and util is reached.
 #

@@ -1,4 +1,5 @@
 #!/bin/bash
+# SPDX-License-Identifier: MIT
 # Builds the example programs and renders the gallery, the example drawings and several hundred
 # icons and drawings from Debian packages to PNG files.
 #

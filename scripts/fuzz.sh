@@ -1,4 +1,5 @@
 #!/bin/bash
+# SPDX-License-Identifier: MIT
 # Builds and runs all fuzzers, two at a time, starting from the inputs in fuzz/corpus.
 #
 #   scripts/fuzz.sh [SECONDS [FUZZER...]]

@@ -1,4 +1,5 @@
 #!/bin/bash
+# SPDX-License-Identifier: MIT
 # Installs the Debian packages that are missing; says and does nothing when none is.
 #
 #   scripts/install-packages.sh GROUP...

@@ -1,4 +1,5 @@
 #!/bin/bash
+# SPDX-License-Identifier: MIT
 # Renders several hundred icons and drawings that Debian packages hold and compares them with
 # rsvg-convert, a different renderer.
 #
@@ -10,7 +11,7 @@
 set -euo pipefail
 
 if [ $# != 2 ]; then
-    sed -n '2,/^set/p' "$0" | grep '^#' | cut -c3-
+    sed -n '3,/^set/p' "$0" | grep '^#' | cut -c3-
     exit 2
 fi
 programs=$(realpath "$1")/examples

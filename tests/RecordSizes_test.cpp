@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Record sizes and field positions that callers on 32-bit targets rely on, in 32-bit words. Checked
 // by the compiler; on other targets pointers make most of the records larger.
 #include "graphics2d/MMLinkPath.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Base64, for image data inside documents.
 #pragma once
 

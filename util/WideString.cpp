@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Strings of 16-bit code units, and their making from UTF-8.
 #include "util/WideString.h"
 

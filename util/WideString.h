@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Strings of 16-bit code units (UTF-16), ended by 0, and their making from UTF-8.
 //
 // Names are exported unmangled. Nothing is validated: what each function does with odd input is

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Chooses the font that the library's contexts find.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which characters the font can draw.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "gallery/Canvas.h"
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the gallery draws with: a context on a picture, and encoded paths.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every paint, opaque and translucent, and an image under the three filters.
 #include "gallery/Canvas.h"
 #include "graphics2d/PaintSetup.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Fills, rounded rectangles, arcs.
 #include "gallery/Canvas.h"
 

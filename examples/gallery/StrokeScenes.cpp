@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Joins, caps, dashes, hairlines, crossings and positions along a path.
 #include "gallery/Canvas.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Text: sizes, styles, paints, and paragraphs in three scripts.
 #include "common/Glyphs.h"
 #include "gallery/Canvas.h"

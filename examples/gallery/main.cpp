@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // gallery: draws what the library can do into one PNG file.
 #include "gallery/Canvas.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // compare_pictures: how far pairs of pictures are apart.
 //
 // Reads lines "FIRST.png SECOND.png NAME" from standard input and answers each with "MEAN BLANK1

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // contact_sheet: puts many pictures side by side into one.
 #include "common/Picture.h"
 

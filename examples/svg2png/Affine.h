@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Points, rectangles and affine transforms of the drawing, in double precision.
 //
 // The library works in 16.16; an SVG file may mix units of a thousand and of a thousandth of a

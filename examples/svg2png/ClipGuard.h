@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A clip rectangle for the length of a scope.
 #pragma once
 

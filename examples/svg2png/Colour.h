@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Colours as SVG writes them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "svg2png/Gradients.h"
 
 #include "svg2png/Colour.h"

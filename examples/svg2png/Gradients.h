@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Linear and radial gradients.
 #pragma once
 

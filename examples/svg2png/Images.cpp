@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "svg2png/Images.h"
 
 #include "util/Base64.h"

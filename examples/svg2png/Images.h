@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The pictures that image elements refer to.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A path in user space, in double precision.
 #pragma once
 

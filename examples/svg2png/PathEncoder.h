@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // From double precision to what the library reads: 16.16 numbers, matrices and encoded paths.
 #pragma once
 

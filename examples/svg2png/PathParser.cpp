@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "svg2png/PathParser.h"
 
 #include "svg2png/TextScanner.h"

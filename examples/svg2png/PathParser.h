@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The path grammar of the d attribute.
 #pragma once
 

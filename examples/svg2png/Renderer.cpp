@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "svg2png/Renderer.h"
 
 #include "svg2png/ClipGuard.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Draws an SVG document through the library.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Images.
 #include "svg2png/Renderer.h"
 

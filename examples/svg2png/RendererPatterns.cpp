@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Patterns: the tiles are drawn into a picture of their own, which then paints like an image that
 // lies pixel on pixel.
 #include "graphics2d/PaintSetup.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Shapes: their outlines, paints and pens.
 #include "svg2png/Renderer.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Text: positioned runs of characters, and paragraphs.
 #include "common/Glyphs.h"
 #include "svg2png/ClipGuard.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "svg2png/Shapes.h"
 
 #include "svg2png/PathParser.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Geometry of the shape elements.
 #pragma once
 

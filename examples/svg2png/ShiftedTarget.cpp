@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "svg2png/ShiftedTarget.h"
 
 using namespace KAVO::Graphics2D;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A target in whose pixels the library finds the right background.
 #pragma once
 

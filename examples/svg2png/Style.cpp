@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "svg2png/Style.h"
 
 #include "graphics2d/MMContext2D.h"

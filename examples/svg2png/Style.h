@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Properties of an element and the style they make.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "svg2png/SvgDocument.h"
 
 #include "svg2png/Style.h"

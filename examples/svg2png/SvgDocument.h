@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An SVG file: its elements, found by id, and how it is laid into a picture.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Text elements: their characters, positions and white space.
 #pragma once
 

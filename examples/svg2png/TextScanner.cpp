@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "svg2png/TextScanner.h"
 
 #include <algorithm>

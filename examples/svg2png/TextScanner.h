@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads the little languages inside SVG attributes: numbers, words and separators.
 #pragma once
 

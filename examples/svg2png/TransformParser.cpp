@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "svg2png/TransformParser.h"
 
 #include "math/Matrix2D.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // svg2png: renders an SVG file to a PNG file.
 #include "common/FontFolder.h"
 #include "common/Glyphs.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Flattening of cubic Bezier curves.
 //
 // A curve is halved at its parameter's middle until each piece is flat, first halves first, with

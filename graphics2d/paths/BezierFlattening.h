@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Cubic curves as runs of points. Internal.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Circular arcs as runs of points, filled and stroked.
 #include "graphics2d/BoundsUnion.h"
 #include "graphics2d/paths/ShapePainting.h"

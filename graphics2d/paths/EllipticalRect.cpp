@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Rectangles with elliptical corners, and ellipses.
 //
 // The outline is built in user space from eight cubic curves of 45 degrees, two for each corner,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Drawing images: the image becomes the current pattern paint, and the rectangle it is drawn into a
 // quadrilateral on the target.
 #include "graphics2d/MMContext2D.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Decoding of encoded paths.
 //
 // The command words are read twice: once to size the tables, once to fill them. Memory is three

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // From the words of an encoded path to its points. Internal.
 //
 // The format stands at MMContext2D::drawPath.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Drawing of encoded paths.
 //
 // A path is filled as one polygon through all its subpaths: each in turn with its first point

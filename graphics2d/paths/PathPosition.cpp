@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Positions along a path by distance.
 //
 // A walk goes from item to item (a point or a whole curve), adding up the lengths of their edges,

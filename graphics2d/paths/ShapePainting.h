@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Filling and stroking of one outline of points in user space. Internal.
 #pragma once
 

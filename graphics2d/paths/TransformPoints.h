@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Mapping of long runs of points. Internal.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The edges that cross the current row of a polygon, and the vertices they come from.
 #include "graphics2d/raster/ActiveEdges.h"
 #include "graphics2d/raster/NearlySorted.h"

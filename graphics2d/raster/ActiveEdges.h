@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The vertices of a polygon as a ring, and the chains of edges that cross the current row.
 // Internal.
 //

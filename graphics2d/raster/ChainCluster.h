@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Chains with vertices inside a row that may cross each other, settled together slab by slab.
 // Internal.
 #pragma once

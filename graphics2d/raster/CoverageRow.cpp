@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Exact area coverage of one row of pixels.
 #include "graphics2d/raster/CoverageRow.h"
 

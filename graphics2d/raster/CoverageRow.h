@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Exact area coverage of one row of pixels, summed up from straight pieces of edges. Internal.
 //
 // Each piece adds, in every column, the area between itself and the right end of the row; the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One edge of a polygon as both rasterisers walk it.
 #include "graphics2d/raster/EdgeLine.h"
 #include "math/FixedInline.h"

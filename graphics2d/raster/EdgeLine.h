@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One edge of a polygon as both rasterisers walk it, from its upper to its lower end. Internal.
 #pragma once
 

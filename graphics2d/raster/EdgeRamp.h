@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Coverage along one edge that crosses a whole row. Internal.
 #pragma once
 

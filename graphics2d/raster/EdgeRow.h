@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One anti-aliased row between two edges. Internal.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sorting what turned out to be far from order.
 #include "graphics2d/raster/NearlySorted.h"
 

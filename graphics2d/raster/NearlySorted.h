@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sorting what is nearly in order. Internal.
 #pragma once
 

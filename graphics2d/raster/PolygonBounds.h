@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What both rasterisers do before they walk a polygon: bounds, rejection, the half-pixel shift.
 // Internal.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The rasteriser for any polygon: self-crossing outlines, holes, bridged subpaths.
 //
 // A sweep from top to bottom keeps the chains of edges that cross the current row in left-to-right

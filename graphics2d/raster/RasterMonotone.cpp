@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The rasteriser for polygons that every horizontal line meets at most twice.
 //
 // From the topmost vertex two chains of edges run down to the lowest one: one forward through the

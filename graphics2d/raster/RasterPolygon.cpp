@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Classification of polygons, and what both rasterisers do first.
 //
 // A polygon whose outline changes its vertical direction exactly twice meets every horizontal line

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Entries of the rasterisers with 32-bit counts, for paths and strokes. Internal.
 //
 // The public operations take a 16-bit count; a path of 70,000 points must not wrap.

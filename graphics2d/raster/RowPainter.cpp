@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // From coverage to strip fillers.
 #include "graphics2d/raster/RowPainter.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // From coverage to strip fillers: draws one row after another, each from left to right. Internal.
 //
 // Callers name pieces of the row with the share of each pixel that is inside the shape. Whole

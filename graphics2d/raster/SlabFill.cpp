@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A slab of a row: straight edges from its top to its bottom, perhaps crossing.
 #include "graphics2d/raster/SlabFill.h"
 #include "graphics2d/raster/NearlySorted.h"

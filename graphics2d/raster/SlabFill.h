@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A slab of a row: straight edges from its top to its bottom, perhaps crossing. Internal.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One anti-aliased row between two edges.
 //
 // Where the edges touch different columns the row is three pieces: the ramp of the left edge, whole

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The anti-aliased rows of any polygon.
 //
 // Most chains cross the row on one straight edge that no other chain crosses. Such an edge

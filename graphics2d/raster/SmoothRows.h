@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The anti-aliased rows of any polygon. Internal.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Strip fillers of the image pattern with bicubic sampling.
 //
 // Each pixel is the weighted sum of 4 by 4 texels with the weights of the uniform cubic B-spline:

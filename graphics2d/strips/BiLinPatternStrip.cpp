@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Strip fillers of the image pattern with bilinear sampling.
 //
 // The sample point is the span's exact left end on the row's top edge, without the half pixel of

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The colours of gradients.
 #include "graphics2d/strips/GradientStops.h"
 

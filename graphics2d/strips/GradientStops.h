@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The colour stops of a gradient as its strip fillers read them, and where the fillers draw to.
 // Internal.
 #pragma once

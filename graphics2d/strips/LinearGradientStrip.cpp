@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Strip fillers of the linear gradient.
 //
 // The gradient parameter t changes by a constant per pixel, so a span falls into runs: pads of the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The walk of a span through the pattern image.
 #include "graphics2d/strips/PatternSampling.h"
 

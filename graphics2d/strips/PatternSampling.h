@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The walk of a span through the pattern image, shared by the three filters. Internal.
 //
 // The paint's transform maps a device point to texel coordinates (u, v), and one pixel to the right

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Strip fillers of the image pattern with the nearest texel.
 //
 // The sample point is the pixel's centre. Beyond the image its outermost texels repeat.

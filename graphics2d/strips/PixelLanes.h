@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Four pixels at a time, in the compiler's vector types. Internal.
 //
 // One source for every CPU: the compiler turns these into SSE2, NEON or plain instructions. Each

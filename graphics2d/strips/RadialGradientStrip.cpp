@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Strip fillers of the radial gradient.
 //
 // The gradient parameter r is the length of the pixel's offset from the centre, mapped through a

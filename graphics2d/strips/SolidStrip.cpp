@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The basic strip fillers: solid colour, exclusive-or, picking and the two translucent solids.
 #include "graphics2d/MMContext2D.h"
 #include "graphics2d/strips/StripMachinery.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // From the current paint to the strip filler that draws its spans.
 #include "graphics2d/strips/StripDispatch.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // From the current paint to the strip filler that draws its spans. Internal.
 //
 // Both rasterisers choose once per polygon and then draw many spans.

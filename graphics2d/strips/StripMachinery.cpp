@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the translucent strip fillers share.
 #include "graphics2d/strips/StripMachinery.h"
 

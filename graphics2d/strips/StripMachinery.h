@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the strip fillers share: channels, blending, coverage and the background. Internal.
 //
 // Pixels are 0xAARRGGBB. Where channels are interpolated they are carried as 8.16: a 16.16 number

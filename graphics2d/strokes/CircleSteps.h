@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Unit vectors in 2.30 and equal turns of them: what strokes and arcs make their curves of.
 // Internal.
 //

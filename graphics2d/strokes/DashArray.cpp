@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Cutting a subpath into dashes.
 //
 // One walk over the subpath's edges cuts them at the boundaries of the dash pattern. What lies in

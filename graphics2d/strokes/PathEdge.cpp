@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "graphics2d/strokes/PathEdge.h"
 
 #include "graphics2d/raster/PolygonBounds.h"

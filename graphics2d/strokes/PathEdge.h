@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The straight edges of a path, for walking along them by distance. Internal.
 #pragma once
 

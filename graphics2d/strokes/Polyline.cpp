@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Stroking of lines.
 //
 // The outline is built in user space and mapped as a whole, so that the pen takes part in scaling,

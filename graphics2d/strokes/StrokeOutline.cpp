@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The outline of one stroked line.
 //
 // Walking along the line writes its left side forward from the start of a buffer and its right side

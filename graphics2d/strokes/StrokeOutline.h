@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The outline of one stroked line: offset edges, joins and caps. Internal.
 #pragma once
 

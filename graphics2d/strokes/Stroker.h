@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Entries of the strokers with 32-bit counts, for paths and shapes. Internal.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Starting, sharing and ending the font engine, and the font state of a context.
 //
 // One engine serves all contexts of the process, because starting one is expensive: the first

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The font engine that all contexts share. Internal.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Drawing one glyph image into the target.
 #include "graphics2d/text/GlyphCompositor.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Drawing one glyph image into the target. Internal.
 #pragma once
 

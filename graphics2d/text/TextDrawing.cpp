@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Drawing and measuring whole texts.
 #include "graphics2d/BoundsUnion.h"
 #include "graphics2d/MMContext2D.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Breaking a paragraph into lines with the layout engine.
 //
 // The engine measures the text through the tables of calls below, which answer from this library's

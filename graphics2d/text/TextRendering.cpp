@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A run of characters, drawn or measured: the one loop behind all text operations.
 #include "graphics2d/MMContext2D.h"
 #include "graphics2d/text/FontLibrary.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // White space of text as documents write it.
 #include "graphics2d/MMContext2D.h"
 

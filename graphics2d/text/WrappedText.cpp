@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Drawing a paragraph line by line, with its underline.
 #include "graphics2d/BoundsUnion.h"
 #include "graphics2d/MMContext2D.h"

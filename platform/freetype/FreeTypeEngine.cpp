@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The font engine on FreeType.
 //
 // Outlines are loaded in font units and transformed here, in 64 bits, so that one em may become

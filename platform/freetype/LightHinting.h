@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An option of the FreeType engine alone, for comparing pictures.
 #pragma once
 

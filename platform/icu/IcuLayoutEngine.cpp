@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The layout engine on ICU, which says where lines may break: at words of languages that write
 // spaces and of those that do not, not before small kana, not inside joined emoji.
 #include "platform/LayoutEngine.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/icu/LineFiller.h"
 
 #include <cstdlib>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Filling lines with a measured text. Knows nothing of where the measures come from.
 #pragma once
 

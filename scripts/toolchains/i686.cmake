@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # 32-bit x86 with Debian's cross compiler; programs run under qemu-i386, as not every kernel runs
 # 32-bit programs itself.
 set(CMAKE_SYSTEM_NAME Linux)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Uses what the installed library exports, one thing from each folder, and succeeds when all of it
 // is right.
 #include <graphics2d/MMContext2D.h>

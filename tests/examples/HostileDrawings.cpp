@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Drawings that are cut off, damaged or malicious must be refused or drawn, quickly and cleanly.
 #include "svg2png/Renderer.h"
 

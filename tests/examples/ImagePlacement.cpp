@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Images that need no scaling arrive in the picture as they are.
 #include "svg2png/Renderer.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The little languages inside SVG attributes.
 #include "svg2png/Colour.h"
 #include "svg2png/PathParser.h"

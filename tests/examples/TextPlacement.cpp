@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where svg2png puts the characters of text elements, and what they look like.
 #include "common/FontFolder.h"
 #include "svg2png/Renderer.h"

@@ -1,4 +1,5 @@
 #!/bin/bash
+# SPDX-License-Identifier: MIT
 # What svg2png says to bad files and options: one line, and exit code 1.
 set -u
 svg2png=$1

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Drawing with numbers from the ends of their ranges: it ends, and only inside the target. What it
 // would read elsewhere is the sanitizers' to find. The fuzzers go further and take longer.
 #include "graphics2d/PaintSetup.h"

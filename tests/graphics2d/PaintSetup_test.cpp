@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Paints set up from end points, radii and transforms: accuracy against exact ramps, and input that
 // has no sensible ramp.
 #include "graphics2d/PaintSetup.h"

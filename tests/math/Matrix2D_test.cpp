@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "math/Matrix2D.h"
 
 #include "math/FixedMath.h"

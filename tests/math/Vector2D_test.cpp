@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "math/Vector2D.h"
 
 #include "math/FixedMath.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "memory/MMBucketContext.h"
 
 #include "tests/support/FailingHeap.h"

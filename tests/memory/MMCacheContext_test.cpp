@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "memory/MMCacheContext.h"
 
 #include "tests/support/FailingHeap.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "memory/MMStackContext.h"
 
 #include "memory/ScratchArray.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the scenes of the picture test are drawn on: styles, and the shapes that show them.
 #pragma once
 

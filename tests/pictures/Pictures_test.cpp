@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whole pictures, held to recorded hashes: the same pixels from every compiler, at every level of
 // optimisation, on every machine. Whether a picture is right is for the other tests, and for the
 // eye, to say.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Small pictures with everything that the library can draw.
 #pragma once
 

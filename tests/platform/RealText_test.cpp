@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The real engines: glyphs of installed fonts, and lines of several languages.
 #include "examples/common/FontFolder.h"
 #include "graphics2d/MMContext2D.h"

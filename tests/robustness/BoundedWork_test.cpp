@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Work stays in proportion to what is seen of a drawing and to the length of a text, however far
 // images are magnified and however wide a pen is. It is counted, not timed.
 #include "graphics2d/strokes/StrokeOutline.h"

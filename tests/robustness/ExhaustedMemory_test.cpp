@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pictures with everything that the library can draw, when any one of its heap calls fails.
 #include "tests/pictures/Scenes.h"
 #include "tests/support/FailingHeap.h"

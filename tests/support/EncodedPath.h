@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Building encoded paths for tests.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A heap that fails on command, to test what happens when memory runs out.
 //
 // The test program is linked with --wrap for malloc, calloc, realloc and free, so every heap call

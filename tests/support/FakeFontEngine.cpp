@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/support/FakeFontEngine.h"
 
 #include "platform/FontEngine.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A font engine for tests: blocks instead of letters, every call can fail, and glyphs are counted.
 //
 // The em is a square of pixels: a glyph image is as many pixels wide and high as the matrix makes

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/support/FakeLayoutEngine.h"
 
 #include "platform/LayoutEngine.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A layout engine for tests: breaks after spaces or, where none fits, between code units. Every
 // call that can fail can be made to.
 #pragma once

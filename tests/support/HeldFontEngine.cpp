@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Most tests are not about fonts. Contexts that fail to start, and heaps that run out, would end
 // the font engine or leave it behind for the tests that follow, so the program itself holds one
 // from the start. FreshEngine (TextScene.h) puts it aside for tests that are about fonts.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A context that draws into a white picture of its own.
 #pragma once
 

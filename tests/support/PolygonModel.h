@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A plain model of filled shapes in double precision, against which fills and strokes are held.
 #pragma once
 

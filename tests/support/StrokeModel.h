@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A plain model of strokes in double precision: the union of a rectangle for each segment and the
 // pieces of joins and caps, each mapped to the device.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/support/StrokeRecorder.h"
 
 #include "graphics2d/BoundsUnion.h"

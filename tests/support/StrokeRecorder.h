@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the library hands to its stroker, recorded instead of drawn.
 #pragma once
 

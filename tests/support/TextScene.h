@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Texts, and a picture of them as the fake font engine draws them.
 #pragma once
 

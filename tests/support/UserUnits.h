@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Numbers and points of tests as a reader writes them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "util/Base64.h"
 
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "util/WideString.h"
 
 #include "tests/support/FailingHeap.h"

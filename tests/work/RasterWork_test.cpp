@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The work of filling hostile polygons, counted rather than timed: the rasteriser's sources are
 // compiled so that every basic block they run calls back here.
 #include "graphics2d/raster/Rasteriser.h"

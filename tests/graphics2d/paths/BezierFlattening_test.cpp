@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Flattening of curves against the plainest form of the rule.
 #include "graphics2d/paths/BezierFlattening.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Circular arcs against the exact circle.
 #include "tests/support/Picture.h"
 #include "tests/support/UserUnits.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Rounded rectangles: which points the outline has, and what the call leaves behind.
 #include "tests/support/FailingHeap.h"
 #include "tests/support/Picture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Drawing images through the transform, and parts of images scaled and turned into a pixmap.
 #include "tests/support/Picture.h"
 #include "tests/support/UserUnits.h"

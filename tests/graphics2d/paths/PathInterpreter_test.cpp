@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Decoding and filling of encoded paths, well-formed and hostile.
 #include "graphics2d/raster/Rasteriser.h"
 #include "tests/graphics2d/raster/RasterShapes.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Positions along a path by distance.
 #include "graphics2d/MMContext2D.h"
 #include "tests/support/EncodedPath.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Filled polygons against exact areas and exact winding numbers, and the limits of the rasterisers:
 // clips, thin shapes, vast coordinates.
 #include "tests/graphics2d/raster/RasterShapes.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The shapes that the rasteriser tests fill.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Plain models of strip fillers: one pixel at a time, every quantity stepped or computed as it is
 // defined, nothing shared with the library but the 16.16 functions.
 #pragma once

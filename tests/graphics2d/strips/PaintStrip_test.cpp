@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The strip fillers against plain models, over random and hostile fields.
 #include "PaintModel.h"
 

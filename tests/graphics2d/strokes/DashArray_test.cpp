@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where dashes begin and end, and what becomes of patterns that are none.
 #include "tests/support/StrokeRecorder.h"
 #include "tests/support/UserUnits.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Strokes against the exact union of their pieces, and how much work they may make.
 #include "tests/support/Picture.h"
 #include "tests/support/StrokeModel.h"

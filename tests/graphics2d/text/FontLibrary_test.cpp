@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Starting and sharing the font engine, with an engine and a heap that fail.
 #include "tests/support/FailingHeap.h"
 #include "tests/support/TextScene.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Widths, anchors, placed and turned characters, boxes, wrapped text. The fake engine's letters are
 // blocks of 12 pixels.
 #include "tests/support/FakeLayoutEngine.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Glyphs in the target: where they lie, how they are composited, and what they cost.
 #include "graphics2d/PaintSetup.h"
 #include "graphics2d/strips/StripDispatch.h"
