@@ -6,6 +6,8 @@ using namespace KAVO::Graphics2D;
 namespace {
 
 constexpr double kMargin = 3; // pixels, for anti-aliased edges
+constexpr uint32_t kColour = 0x00FFFFFF;
+constexpr uint32_t kAlpha = 0xFF000000;
 
 int16_t column(double value)
 {
@@ -29,9 +31,9 @@ ShiftedTarget::ShiftedTarget(MMContext2D& context, Picture& picture, Picture& sh
 
     if (shadow.pixels.empty()) shadow = Picture(picture.width + 1, picture.height, 0);
     for (int y = top_; y < bottom_; ++y) {
-        shadow.at(left_, y) = picture.at(std::max(left_ - 1, 0), y);
+        shadow.at(left_, y) = picture.at(std::max(left_ - 1, 0), y) & kColour;
         for (int x = left_; x < right_; ++x)
-            shadow.at(x + 1, y) = picture.at(x, y);
+            shadow.at(x + 1, y) = picture.at(x, y) & kColour;
     }
     context.target.pixels = shadow.pixels.data();
     context.target.width = static_cast<uint16_t>(shadow.width);
@@ -44,11 +46,9 @@ ShiftedTarget::~ShiftedTarget()
     context_.target.width = static_cast<uint16_t>(picture_.width);
     context_.target.rowBytes = static_cast<uint32_t>(picture_.width) * 4;
     for (int y = top_; y < bottom_; ++y) {
-        uint32_t before = picture_.at(std::max(left_ - 1, 0), y); // what the copy held
         for (int x = left_; x < right_; ++x) {
-            const uint32_t untouched = before;
-            before = picture_.at(x, y);
-            if (shadow_.at(x, y) != untouched) picture_.at(x, y) = shadow_.at(x, y);
+            const uint32_t drawn = shadow_.at(x, y);
+            if (drawn & kAlpha) picture_.at(x, y) = drawn | kAlpha;
         }
     }
 }

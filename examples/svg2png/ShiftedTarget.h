@@ -10,7 +10,8 @@
 // Gradients, patterns and text mix each pixel with the background of the pixel to its right, so
 // that every layer of theirs would move what lies under it by a pixel. While an object of this
 // class lives, the context draws into a copy that is moved to the right by one, in the part of the
-// clip rectangle inside the box; then the pixels that were drawn are taken over.
+// clip rectangle inside the box, with all alpha bytes 0; every paint raises those of the pixels
+// that it draws, which are then taken over.
 class ShiftedTarget {
 public:
     // shadow is memory for the copy, kept by the caller from one use to the next.
