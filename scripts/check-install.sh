@@ -19,7 +19,7 @@ for kind in shared static; do
     echo "== $kind library"
     prefix=$folder/$kind/prefix
     shared=$([ $kind = shared ] && echo ON || echo OFF)
-    quietly cmake -S . -B "$folder/$kind/library" -G Ninja -DBUILD_TESTING=OFF \
+    quietly cmake -S . -B "$folder/$kind/library" -G Ninja \
         -DBUILD_SHARED_LIBS=$shared \
         -DCMAKE_INSTALL_PREFIX="$prefix" -DMM2D_WERROR=ON
     quietly cmake --build "$folder/$kind/library" --parallel "$(nproc)"

@@ -15,7 +15,7 @@ pictures=$build/pictures
 mkdir -p $pictures
 
 echo "== building the examples"
-cmake -S . -B $build -G Ninja -DBUILD_TESTING=OFF -DMM2D_BUILD_EXAMPLES=ON > $build/build.log
+cmake -S . -B $build -G Ninja -DMM2D_BUILD_EXAMPLES=ON > $build/build.log
 cmake --build $build --parallel "$(nproc)" >> $build/build.log ||
     { tail -n 30 $build/build.log; exit 1; }
 

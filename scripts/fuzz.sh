@@ -21,7 +21,7 @@ sanitize="-O1 -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=
 
 echo "== building the fuzzers"
 mkdir -p $build/findings
-cmake -S . -B $build -G Ninja -DBUILD_TESTING=OFF -DBUILD_SHARED_LIBS=OFF \
+cmake -S . -B $build -G Ninja -DBUILD_SHARED_LIBS=OFF \
     -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_CXX_FLAGS="$sanitize" \
     -DMM2D_BUILD_EXAMPLES=ON -DMM2D_BUILD_FUZZERS=ON > $build/build.log
 cmake --build $build --target fuzzers --parallel "$(nproc)" >> $build/build.log ||

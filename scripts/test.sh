@@ -49,7 +49,7 @@ run() {
     shift 2
     echo "== $name"
     mkdir -p build
-    if ! cmake -S . -B "$folder" -G Ninja -DMM2D_WERROR=ON "$@" > "$log" 2>&1 ||
+    if ! cmake -S . -B "$folder" -G Ninja -DMM2D_BUILD_TESTS=ON -DMM2D_WERROR=ON "$@" > "$log" 2>&1 ||
         ! cmake --build "$folder" --parallel "$(nproc)" >> "$log" 2>&1; then
         grep -nE 'error|Error|FAILED' "$log" | head -n 20 || tail -n 20 "$log"
         result="BUILD FAILED, see $log"
