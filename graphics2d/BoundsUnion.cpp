@@ -1,15 +1,22 @@
 // SPDX-License-Identifier: MIT
 #include "graphics2d/BoundsUnion.h"
 
+#include <algorithm>
+
 namespace KAVO {
 namespace Graphics2D {
 
+void BoundsUnion::add(const BoundsUnion& other)
+{
+    minX = std::min(minX, other.minX);
+    minY = std::min(minY, other.minY);
+    maxX = std::max(maxX, other.maxX);
+    maxY = std::max(maxY, other.maxY);
+}
+
 void BoundsUnion::addBoundsOf(const MMContext2D& context)
 {
-    if (context.boundsMinX < minX) minX = context.boundsMinX;
-    if (context.boundsMinY < minY) minY = context.boundsMinY;
-    if (context.boundsMaxX > maxX) maxX = context.boundsMaxX;
-    if (context.boundsMaxY > maxY) maxY = context.boundsMaxY;
+    add({context.boundsMinX, context.boundsMinY, context.boundsMaxX, context.boundsMaxY});
 }
 
 void BoundsUnion::storeTo(MMContext2D& context) const

@@ -22,10 +22,19 @@ struct BoundsUnion {
         if (p.y > maxY) maxY = p.y;
     }
 
+    void add(const BoundsUnion& other);
+
     // Adds what the last operation left in the bounds fields.
     void addBoundsOf(const MMContext2D& context);
 
+    bool empty() const { return minX > maxX; }
+
+    // Only public operations store; inside, bounds are returned.
     void storeTo(MMContext2D& context) const;
+    void storeUnlessEmpty(MMContext2D& context) const
+    {
+        if (!empty()) storeTo(context);
+    }
 };
 
 } // namespace Graphics2D

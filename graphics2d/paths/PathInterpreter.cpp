@@ -65,7 +65,8 @@ bool fillPath(MMContext2D& context, DecodedPath& path)
     if (!polygon) return false;
     writePolygon(context.transform, path, polygon.data(), count);
     context.currentPaint = context.fillPaint;
-    fillPolygon(context, polygon.data(), count, static_cast<MMFillRule>(context.fillRule));
+    fillPolygon(context, polygon.data(), count, static_cast<MMFillRule>(context.fillRule))
+        .storeUnlessEmpty(context);
     return true;
 }
 

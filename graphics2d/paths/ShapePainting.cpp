@@ -16,7 +16,7 @@ bool fillShape(MMContext2D& context, const MMPoint2D* points, uint32_t count, MM
     ScratchArray<MMPoint2D> polygon(context.scratchStack, count);
     if (!polygon) return false;
     transformPoints(context.transform, polygon.data(), points, count);
-    fillPolygon(context, polygon.data(), count, rule);
+    fillPolygon(context, polygon.data(), count, rule).storeUnlessEmpty(context);
     return true;
 }
 

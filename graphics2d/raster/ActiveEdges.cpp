@@ -7,9 +7,9 @@
 namespace KAVO {
 namespace Graphics2D {
 
-VertexRing::VertexRing(MMContext2D& context, const MMPoint2D* points, uint32_t count)
-    : cutLongEdges_(spansTooFar(context)),
-      vertices_(context.scratchStack, cutLongEdges_ ? 2 * count + 2 : count + 1)
+VertexRing::VertexRing(MMStackContext& stack, bool cutLongEdges, const MMPoint2D* points,
+                       uint32_t count)
+    : cutLongEdges_(cutLongEdges), vertices_(stack, cutLongEdges_ ? 2 * count + 2 : count + 1)
 {
     if (!vertices_) return;
     for (uint32_t i = 0; i < count; ++i)

@@ -26,7 +26,7 @@ constexpr uint32_t kNoVertex = 0xFFFFFFFF;
 // The shifted vertices of a polygon without repetitions, with the list of its local minima.
 class VertexRing {
 public:
-    VertexRing(MMContext2D& context, const MMPoint2D* points, uint32_t count);
+    VertexRing(MMStackContext& stack, bool cutLongEdges, const MMPoint2D* points, uint32_t count);
 
     explicit operator bool() const { return static_cast<bool>(vertices_); }
     uint32_t size() const { return size_; }

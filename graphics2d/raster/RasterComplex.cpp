@@ -11,6 +11,7 @@
 // Cost: n log n for the local minima, and for each row n log n for the chains in it, times the
 // slabs that it is cut into: one for most rows, never more than a constant number. Memory: three
 // words per vertex, sixteen per local minimum, and the row of coverage.
+#include "graphics2d/OutOfMemory.h"
 #include "graphics2d/raster/ActiveEdges.h"
 #include "graphics2d/raster/Rasteriser.h"
 #include "graphics2d/raster/SmoothRows.h"
@@ -64,38 +65,38 @@ void drawSharp(RowPainter& painter, const VertexRing& ring, ActiveEdges& active,
     }
 }
 
-} // namespace
-
-void fillComplexPolygon(MMContext2D& context, const MMPoint2D* points, uint32_t count,
-                        MMFillRule rule)
+// False when scratch memory ran out.
+bool drawPolygon(MMContext2D& context, const PixelBox& visible, const BoundsUnion& bounds,
+                 const MMPoint2D* points, uint32_t count, MMFillRule rule)
 {
-    if (count < 3) return;
-    const PixelBox visible = boundPolygon(context, points, count);
-    if (visible.empty()) return;
     RowPainter painter(context, visible);
-    if (!painter.draws()) return;
-
-    VertexRing ring(context, points, count);
-    if (!ring) {
-        context.outOfMemory |= kScratchExhausted;
-        return;
-    }
-    if (ring.minimumCount() == 0) return;
+    if (!painter.draws()) return true;
+    VertexRing ring(context.scratchStack, spansTooFar(bounds), points, count);
+    if (!ring) return false;
+    if (ring.minimumCount() == 0) return true;
     ActiveEdges active(context, ring);
-    if (!active) {
-        context.outOfMemory |= kScratchExhausted;
-        return;
-    }
+    if (!active) return false;
     if ((context.antiAlias & 1) == 0) {
         drawSharp(painter, ring, active, rule);
-        return;
+        return true;
     }
     CoverageRow coverage(context.scratchStack, visible);
-    if (!coverage) {
-        context.outOfMemory |= kScratchExhausted;
-        return;
-    }
+    if (!coverage) return false;
     drawSmoothRows(context, painter, coverage, ring, active, rule);
+    return true;
+}
+
+} // namespace
+
+BoundsUnion fillComplexPolygon(MMContext2D& context, const MMPoint2D* points, uint32_t count,
+                               MMFillRule rule)
+{
+    if (count < 3) return {};
+    const BoundsUnion bounds = boundsOfPolygon(points, count);
+    const PixelBox visible = reachableBox(context, bounds);
+    if (!visible.empty() && !drawPolygon(context, visible, bounds, points, count, rule))
+        noteOutOfMemory(context);
+    return bounds;
 }
 
 } // namespace Graphics2D

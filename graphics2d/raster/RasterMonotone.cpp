@@ -12,10 +12,12 @@
 // exactly in a CoverageRow.
 //
 // The list is the only memory taken: the vertices, and one row of coverage.
+#include "graphics2d/OutOfMemory.h"
 #include "graphics2d/raster/EdgeLine.h"
 #include "graphics2d/raster/EdgeRow.h"
 #include "graphics2d/raster/Rasteriser.h"
 #include "graphics2d/raster/SlabFill.h"
+#include "graphics2d/raster/ThinPolygon.h"
 #include "memory/ScratchArray.h"
 
 #include <algorithm>
@@ -28,9 +30,8 @@ namespace {
 // The shifted vertices from the topmost on, without repetitions, closed by the topmost again.
 class VertexList {
 public:
-    VertexList(MMContext2D& context, const MMPoint2D* points, uint32_t count)
-        : cutLongEdges_(spansTooFar(context)),
-          vertices_(context.scratchStack, cutLongEdges_ ? 2 * count + 2 : count + 1)
+    VertexList(MMStackContext& stack, bool cutLongEdges, const MMPoint2D* points, uint32_t count)
+        : cutLongEdges_(cutLongEdges), vertices_(stack, cutLongEdges_ ? 2 * count + 2 : count + 1)
     {
         if (!vertices_) return;
         const uint32_t start = topmost(points, count);
@@ -241,59 +242,45 @@ void drawSmooth(RowPainter& painter, CoverageRow& coverage, SlabFill& slabs, Sid
     }
 }
 
-// A polygon within one row is one span as long as its bounds, its opacity reduced to its height.
-// Returns false for other polygons.
-bool drawThin(MMContext2D& context, const PixelBox& visible)
+// False when scratch memory ran out.
+bool drawChains(MMContext2D& context, const PixelBox& visible, const BoundsUnion& bounds,
+                const MMPoint2D* points, uint32_t count)
 {
-    const int32_t row = fixFloor(shiftedByHalf(context.boundsMinY));
-    if (row != fixFloor(shiftedByHalf(context.boundsMaxY) - 1)) return false;
-    if (row < visible.top || row >= visible.bottom) return true;
-
-    uint8_t& opacity = context.currentPaint.paintOpacity;
-    const uint8_t whole = opacity;
-    const int32_t height = (context.boundsMaxY - context.boundsMinY) >> 8;
-    const int32_t scaled = (whole * height) >> 8;
-    opacity = static_cast<uint8_t>(scaled < 255 && (scaled & 0x80) != 0 ? scaled + 1 : scaled);
     RowPainter painter(context, visible);
-    painter.beginRow(row);
-    drawSharpRow(painter, shiftedByHalf(context.boundsMinX), shiftedByHalf(context.boundsMaxX));
-    opacity = whole;
+    if (!painter.draws()) return true;
+    VertexList list(context.scratchStack, spansTooFar(bounds), points, count);
+    if (!list) return false;
+    SideChain left(list.first(), list.last(), 1);
+    SideChain right(list.last(), list.first(), -1);
+    const Fixed top = list.first()->y;
+    const Fixed bottom = shiftedByHalf(bounds.maxY);
+    if ((context.antiAlias & 1) == 0) {
+        drawSharp(painter, left, right, top, bottom);
+        return true;
+    }
+    CoverageRow coverage(context.scratchStack, visible);
+    if (!coverage) return false;
+    // Between two edges is inside, whichever way round the polygon runs.
+    SlabFill slabs(context, coverage, kFillNonZero);
+    drawSmooth(painter, coverage, slabs, left, right, top, bottom);
     return true;
 }
 
 } // namespace
 
-void fillMonotonePolygon(MMContext2D& context, const MMPoint2D* points, uint32_t count)
+BoundsUnion fillMonotonePolygon(MMContext2D& context, const MMPoint2D* points, uint32_t count,
+                                ThinShapes thinShapes)
 {
-    if (count < 3) return;
-    const PixelBox visible = boundPolygon(context, points, count);
-    if (visible.empty()) return;
+    if (count < 3) return {};
+    const BoundsUnion bounds = boundsOfPolygon(points, count);
+    const PixelBox visible = reachableBox(context, bounds);
+    if (visible.empty()) return bounds;
     const bool smooth = (context.antiAlias & 1) != 0;
-    if (smooth && drawThin(context, visible)) return;
-
-    RowPainter painter(context, visible);
-    if (!painter.draws()) return;
-    VertexList list(context, points, count);
-    if (!list) {
-        context.outOfMemory |= kScratchExhausted;
-        return;
-    }
-    SideChain left(list.first(), list.last(), 1);
-    SideChain right(list.last(), list.first(), -1);
-    const Fixed top = list.first()->y;
-    const Fixed bottom = shiftedByHalf(context.boundsMaxY);
-    if (!smooth) {
-        drawSharp(painter, left, right, top, bottom);
-        return;
-    }
-    CoverageRow coverage(context.scratchStack, visible);
-    if (!coverage) {
-        context.outOfMemory |= kScratchExhausted;
-        return;
-    }
-    // Between two edges is inside, whichever way round the polygon runs.
-    SlabFill slabs(context, coverage, kFillNonZero);
-    drawSmooth(painter, coverage, slabs, left, right, top, bottom);
+    if (smooth && thinShapes == ThinShapes::kOneSpan && isThinPolygon(bounds))
+        drawThinPolygon(context, bounds, visible);
+    else if (!drawChains(context, visible, bounds, points, count))
+        noteOutOfMemory(context);
+    return bounds;
 }
 
 } // namespace Graphics2D

@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Classification of polygons, and what both rasterisers do first.
+// Classification of polygons.
 //
 // A polygon whose outline changes its vertical direction exactly twice meets every horizontal line
 // at most twice and takes the quick two-chain walk of RasterMonotone.cpp. All others go through the
 // active edges of RasterComplex.cpp.
-#include "graphics2d/BoundsUnion.h"
-#include "graphics2d/raster/PolygonBounds.h"
 #include "graphics2d/raster/Rasteriser.h"
-
-#include <algorithm>
 
 namespace KAVO {
 namespace Graphics2D {
@@ -47,53 +43,39 @@ uint32_t countDirectionChanges(const MMPoint2D* points, uint32_t count)
 
 } // namespace
 
-PixelBox drawableBox(const MMContext2D& context)
+BoundsUnion fillPolygon(MMContext2D& context, const MMPoint2D* points, uint32_t count,
+                        MMFillRule rule)
 {
-    if (context.target.pixels == nullptr) return {0, 0, 0, 0};
-    return {std::max<int32_t>(context.clipLeft, 0), std::max<int32_t>(context.clipTop, 0),
-            std::min<int32_t>(context.clipRight, context.target.width),
-            std::min<int32_t>(context.clipBottom, context.target.height)};
-}
-
-PixelBox boundPolygon(MMContext2D& context, const MMPoint2D* points, uint32_t count)
-{
-    BoundsUnion bounds;
-    for (uint32_t i = 0; i < count; ++i)
-        bounds.addPoint(points[i]);
-    bounds.storeTo(context);
-    if (context.drawSuppressed) return {0, 0, 0, 0};
-
-    const PixelBox drawable = drawableBox(context);
-    return {std::max(drawable.left, fixFloor(shiftedByHalf(bounds.minX))),
-            std::max(drawable.top, fixFloor(shiftedByHalf(bounds.minY))),
-            std::min(drawable.right, fixFloor(shiftedByHalf(bounds.maxX)) + 1),
-            std::min(drawable.bottom, fixFloor(shiftedByHalf(bounds.maxY)) + 1)};
-}
-
-void fillPolygon(MMContext2D& context, const MMPoint2D* points, uint32_t count, MMFillRule rule)
-{
-    if (count < 3) return;
+    if (count < 3) return {};
     const uint32_t changes = countDirectionChanges(points, count);
-    if (changes == 0) return;
-    if (changes == 2)
-        fillMonotonePolygon(context, points, count);
-    else
-        fillComplexPolygon(context, points, count, rule);
+    if (changes == 0) return {};
+    if (changes == 2) return fillMonotonePolygon(context, points, count, ThinShapes::kOneSpan);
+    return fillComplexPolygon(context, points, count, rule);
+}
+
+BoundsUnion fillOutline(MMContext2D& context, const MMPoint2D* points, uint32_t count)
+{
+    if (count < 3) return {};
+    const uint32_t changes = countDirectionChanges(points, count);
+    if (changes == 0) return {};
+    if (changes == 2) return fillMonotonePolygon(context, points, count, ThinShapes::kExact);
+    return fillComplexPolygon(context, points, count, kFillNonZero);
 }
 
 void MMContext2D::rasterPolygon(MMPoint2D* points, uint16_t count)
 {
-    fillPolygon(*this, points, count, static_cast<MMFillRule>(fillRule));
+    fillPolygon(*this, points, count, static_cast<MMFillRule>(fillRule)).storeUnlessEmpty(*this);
 }
 
 void MMContext2D::rasterMonotonePolygon(MMPoint2D* points, uint16_t count)
 {
-    fillMonotonePolygon(*this, points, count);
+    fillMonotonePolygon(*this, points, count, ThinShapes::kOneSpan).storeUnlessEmpty(*this);
 }
 
 void MMContext2D::rasterComplexPolygon(MMPoint2D* points, uint16_t count)
 {
-    fillComplexPolygon(*this, points, count, static_cast<MMFillRule>(fillRule));
+    fillComplexPolygon(*this, points, count, static_cast<MMFillRule>(fillRule))
+        .storeUnlessEmpty(*this);
 }
 
 } // namespace Graphics2D

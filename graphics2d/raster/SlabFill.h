@@ -2,6 +2,7 @@
 // A slab of a row: straight edges from its top to its bottom, perhaps crossing. Internal.
 #pragma once
 
+#include "graphics2d/OutOfMemory.h"
 #include "graphics2d/raster/CoverageRow.h"
 
 namespace KAVO {
@@ -56,7 +57,7 @@ public:
     void fail()
     {
         failed_ = true;
-        context_.outOfMemory |= kScratchExhausted;
+        noteOutOfMemory(context_);
     }
 
     bool inside(int32_t winding) const { return (winding & insideMask_) != 0; }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "graphics2d/strokes/PathEdge.h"
 
-#include "graphics2d/raster/PolygonBounds.h"
 #include "math/FixedMath.h"
 #include "math/Vector2D.h"
 

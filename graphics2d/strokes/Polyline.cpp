@@ -116,7 +116,7 @@ private:
 
     void fill(const MMPoint2D* polygon, uint32_t count)
     {
-        fillPolygon(context_, polygon, count, kFillNonZero);
+        fillPolygon(context_, polygon, count, kFillNonZero).storeUnlessEmpty(context_);
     }
 
     bool drawPen()

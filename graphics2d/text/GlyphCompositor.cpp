@@ -110,10 +110,7 @@ bool GlyphCompositor::begin(const MMPaint& record)
     context_.spanStart = 0;
     record_ = &record;
     const MMPixmap& target = context_.target;
-    left_ = std::max<int32_t>(context_.clipLeft, 0);
-    top_ = std::max<int32_t>(context_.clipTop, 0);
-    right_ = std::min<int32_t>(context_.clipRight, target.width);
-    bottom_ = std::min<int32_t>(context_.clipBottom, target.height);
+    visible_ = drawableBox(context_);
     rowPixels_ = target.width;
     if (target.pixels == nullptr || record.paintOpacity == 0) return false;
     pixelsEnd_ = target.pixels + target.height * rowPixels_;
@@ -131,10 +128,10 @@ bool GlyphCompositor::begin(const MMPaint& record)
 void GlyphCompositor::draw(const FS_GrayMap& glyph, int32_t column, int32_t row)
 {
     Box box;
-    box.x = std::max(column, left_);
-    box.y = std::max(row, top_);
-    box.width = std::min(column + glyph.width, right_) - box.x;
-    box.height = std::min(row + glyph.height, bottom_) - box.y;
+    box.x = std::max(column, visible_.left);
+    box.y = std::max(row, visible_.top);
+    box.width = std::min(column + glyph.width, visible_.right) - box.x;
+    box.height = std::min(row + glyph.height, visible_.bottom) - box.y;
     if (box.width <= 0 || box.height <= 0) return;
 
     const int32_t skippedColumns = box.x - column;

@@ -2,7 +2,7 @@
 // Drawing one glyph image into the target. Internal.
 #pragma once
 
-#include "graphics2d/MMContext2D.h"
+#include "graphics2d/PixelBox.h"
 #include "platform/FontEngine.h"
 
 namespace KAVO {
@@ -50,11 +50,7 @@ private:
     MMContext2D& context_;
     const MMPaint* record_; // with the paint's origin as the caller set it
 
-    // Where pixels may be drawn: the clip rectangle within the target.
-    int32_t left_;
-    int32_t top_;
-    int32_t right_;
-    int32_t bottom_;
+    PixelBox visible_;       // where pixels may be drawn
     ptrdiff_t rowPixels_;    // from one row to the next
     const Pixel* pixelsEnd_; // of the target
 };

@@ -33,7 +33,8 @@ void expectFillsAs(const EncodedPath& path, const std::vector<Points>& subpaths,
     for (MMPoint2D& p : polygon)
         expected.context.transform.transform(&p, &p, 1);
     expected.context.currentPaint = expected.context.fillPaint;
-    fillPolygon(expected.context, polygon.data(), static_cast<uint32_t>(polygon.size()), rule);
+    fillPolygon(expected.context, polygon.data(), static_cast<uint32_t>(polygon.size()), rule)
+        .storeUnlessEmpty(expected.context);
     EXPECT_FALSE(expected.blank());
     EXPECT_EQ(drawn.pixels, expected.pixels);
     EXPECT_EQ(drawn.context.boundsMinX, expected.context.boundsMinX);

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#include "graphics2d/raster/PolygonBounds.h"
+
+#include <algorithm>
+
+namespace KAVO {
+namespace Graphics2D {
+
+BoundsUnion boundsOfPolygon(const MMPoint2D* points, uint32_t count)
+{
+    BoundsUnion bounds;
+    for (uint32_t i = 0; i < count; ++i)
+        bounds.addPoint(points[i]);
+    return bounds;
+}
+
+PixelBox reachableBox(const MMContext2D& context, const BoundsUnion& bounds)
+{
+    if (context.drawSuppressed) return {0, 0, 0, 0};
+    const PixelBox drawable = drawableBox(context);
+    return {std::max(drawable.left, fixFloor(shiftedByHalf(bounds.minX))),
+            std::max(drawable.top, fixFloor(shiftedByHalf(bounds.minY))),
+            std::min(drawable.right, fixFloor(shiftedByHalf(bounds.maxX)) + 1),
+            std::min(drawable.bottom, fixFloor(shiftedByHalf(bounds.maxY)) + 1)};
+}
+
+} // namespace Graphics2D
+} // namespace KAVO
