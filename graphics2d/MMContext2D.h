@@ -348,6 +348,11 @@ public:
     void* layoutControl;  // the layout engine's handle, made by the first createTextLayout
     int32_t pointStep;    // 1; positions between the points that flattening writes
     uint8_t fillRule;     // MMFillRule; strokes are always non-zero
+
+    // The rules that everything is drawn by. 0: the classic ones, the same to the bit for good. 1:
+    // refined drawing, closer to the ideal picture; it may change as it becomes better. Decided
+    // once per call, so that neither costs the other anything.
+    uint8_t refined;
 };
 
 // Turns every run of tabs, line ends and spaces into one space, also at both ends; dst may be src.
