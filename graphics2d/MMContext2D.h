@@ -26,14 +26,14 @@
 // a process without a lock, so contexts are created, used for text and destroyed on one thread.
 #pragma once
 
-#include "graphics2d/MMLinkPath.h"
-#include "graphics2d/MMPaint.h"
-#include "graphics2d/MMPathPos.h"
-#include "graphics2d/MMPixmap.h"
-#include "graphics2d/MMTextLayout.h"
-#include "math/Matrix2D.h"
-#include "memory/MMCacheContext.h"
-#include "memory/MMStackContext.h"
+#include "../math/Matrix2D.h"
+#include "../memory/MMCacheContext.h"
+#include "../memory/MMStackContext.h"
+#include "MMLinkPath.h"
+#include "MMPaint.h"
+#include "MMPathPos.h"
+#include "MMPixmap.h"
+#include "MMTextLayout.h"
 
 namespace KAVO {
 namespace Graphics2D {

@@ -2,7 +2,7 @@
 // One segment of a decoded subpath.
 #pragma once
 
-#include "math/MMPoint2D.h"
+#include "../math/MMPoint2D.h"
 
 // A subpath is an array of consecutive segments: runs of points in user space, joined by straight
 // lines from each point to the next, also across segments.

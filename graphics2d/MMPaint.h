@@ -2,8 +2,11 @@
 // The paint record: what a shape is filled or stroked with.
 #pragma once
 
-#include "graphics2d/MMPixmap.h"
-#include "math/Matrix2D.h"
+#include "../math/Matrix2D.h"
+#include "MMPixmap.h"
+
+namespace KAVO {
+namespace Graphics2D {
 
 // Values of MMPaint::paintType. They are even: the strip dispatch adds 1 for a translucent paint.
 enum MMPaintType : uint32_t {
@@ -16,10 +19,17 @@ enum MMPaintType : uint32_t {
     kPaintPicking = 12        // writes no pixel; reports whether pickX, pickY is covered
 };
 
+} // namespace Graphics2D
+} // namespace KAVO
+
 // The parameters share storage as the groups below show: with 4-byte pointers the record is
 // fourteen words. paintColour, gradientStopCount and patternTransform.a are the same word on every
 // host, so setting a paint up overwrites the parameters of the paint that was there before.
 // graphics2d/PaintSetup.h fills gradients and patterns in from end points, radii and transforms.
+#if defined(__clang__) // which warns of structs without a name in spite of __extension__
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wnested-anon-types"
+#endif
 struct MMPaint {
     uint32_t paintType; // MMPaintType
 
@@ -62,6 +72,9 @@ struct MMPaint {
     alignas(uint32_t) uint8_t patternHasAlpha; // the image has translucent texels
     alignas(uint32_t) uint8_t paintOpacity;    // 0 to 255, 255 is opaque
 };
+#if defined(__clang__)
+#pragma clang diagnostic pop
+#endif
 
 static_assert(sizeof(void*) != 4 || sizeof(MMPaint) == 14 * sizeof(uint32_t),
               "the parameters share fourteen words");

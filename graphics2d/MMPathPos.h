@@ -2,7 +2,7 @@
 // The cursor of MMContext2D::getPathPos.
 #pragma once
 
-#include "math/MMPoint2D.h"
+#include "../math/MMPoint2D.h"
 
 // Set path and leave everything else 0 to start a walk; the rest is the walk's state. The cursor
 // stands where the last point or curve before the current point ends, so that a walk goes on from

@@ -2,7 +2,7 @@
 // Render targets and images.
 #pragma once
 
-#include "math/Fixed.h"
+#include "../math/Fixed.h"
 
 // Describes 32-bit pixels (0xAARRGGBB) that somebody else owns. Copied by value.
 struct MMPixmap {

@@ -12,8 +12,8 @@
 // which must live as long as the paint is drawn with.
 #pragma once
 
-#include "graphics2d/MMContext2D.h"
-#include "graphics2d/MMPaint.h"
+#include "MMContext2D.h"
+#include "MMPaint.h"
 
 namespace KAVO {
 namespace Graphics2D {

@@ -2,7 +2,7 @@
 // Filling and scrolling a pixmap directly, without a drawing context.
 #pragma once
 
-#include "graphics2d/MMPixmap.h"
+#include "MMPixmap.h"
 
 #pragma GCC visibility push(default)
 

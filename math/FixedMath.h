@@ -8,7 +8,7 @@
 // -2^31 is outside the domain of all of them; it does no harm but the result means nothing.
 #pragma once
 
-#include "math/Fixed.h"
+#include "Fixed.h"
 
 #pragma GCC visibility push(default)
 

@@ -2,7 +2,7 @@
 // Points and rectangles in 16.16 coordinates.
 #pragma once
 
-#include "math/Fixed.h"
+#include "Fixed.h"
 
 // A point or a vector. Arrays of points are the polygon format of the rasterisers.
 struct MMPoint2D {

@@ -2,7 +2,7 @@
 // The affine transform of the library.
 #pragma once
 
-#include "math/MMPoint2D.h"
+#include "MMPoint2D.h"
 
 #pragma GCC visibility push(default)
 

@@ -2,7 +2,7 @@
 // Operations on 16.16 vectors.
 #pragma once
 
-#include "math/MMPoint2D.h"
+#include "MMPoint2D.h"
 
 #pragma GCC visibility push(default)
 

@@ -73,11 +73,12 @@ public:
     uint32_t nodeCount;                // interior nodes and entries below the root
 
 private:
-    MMCacheInteriorNode* resolve(MMCacheInteriorNode* node, const void* key, uint32_t from,
-                                 uint32_t to, bool create);
-    MMCacheInteriorNode* makeChild(MMCacheInteriorNode* parent, uint32_t slot);
-    void unlink(MMCacheEntry* entry);
-    void putFirst(MMCacheEntry* entry);
+    [[gnu::visibility("hidden")]] MMCacheInteriorNode*
+    resolve(MMCacheInteriorNode* node, const void* key, uint32_t from, uint32_t to, bool create);
+    [[gnu::visibility("hidden")]] MMCacheInteriorNode* makeChild(MMCacheInteriorNode* parent,
+                                                                 uint32_t slot);
+    [[gnu::visibility("hidden")]] void unlink(MMCacheEntry* entry);
+    [[gnu::visibility("hidden")]] void putFirst(MMCacheEntry* entry);
 };
 
 extern template class MMCacheContext<48>;

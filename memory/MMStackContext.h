@@ -40,11 +40,11 @@ public:
     void* ReAlloc(void* p, uint32_t n);
 
 private:
-    Block* consolidate();
-    bool spill(uint32_t n);
-    void* place(uint32_t n);
-    Block* pop(const void* p, uint32_t n);
-    static void freeChain(Block* block);
+    [[gnu::visibility("hidden")]] Block* consolidate();
+    [[gnu::visibility("hidden")]] bool spill(uint32_t n);
+    [[gnu::visibility("hidden")]] void* place(uint32_t n);
+    [[gnu::visibility("hidden")]] Block* pop(const void* p, uint32_t n);
+    [[gnu::visibility("hidden")]] static void freeChain(Block* block);
 };
 
 #pragma GCC visibility pop
