@@ -14,7 +14,7 @@ namespace {
 using namespace KAVO::Graphics2D;
 
 struct EncodedShape {
-    std::vector<uint32_t> path;
+    MMPathBuilder path;
     std::vector<Fixed> dashes;
     Shape style;
 };
@@ -46,7 +46,7 @@ struct Drawing {
         context.capStyle = shape.style.roundJoinsAndCaps ? kCapRound : kCapButt;
         context.dashArray = shape.dashes.empty() ? nullptr : shape.dashes.data();
         context.dashCount = static_cast<uint16_t>(shape.dashes.size());
-        context.drawPath(shape.path.data());
+        context.drawPath(shape.path.words());
     }
 };
 

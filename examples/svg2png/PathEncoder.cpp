@@ -2,63 +2,31 @@
 #include "svg2png/PathEncoder.h"
 
 using namespace KAVO;
+using namespace KAVO::Graphics2D;
 
 namespace {
-
-constexpr uint32_t kPoints = 0u << 28;
-constexpr uint32_t kCurves = 1u << 28;
-constexpr uint32_t kEndOfSubpath = 1u << 30;
-constexpr uint32_t kClosed = 1u << 31;
-constexpr uint32_t kMostSubpaths = 0xFFFF;
 
 constexpr double kTolerance = 1.0 / 16; // pixels between a curve and the chord that replaces it
 constexpr double kMostPieces = 64;
 
-// Writes commands, joining runs of the same kind.
 class Encoder {
 public:
-    explicit Encoder(const PathSpace& space) : space_(space), words_{0} {}
+    explicit Encoder(const PathSpace& space) : space_(space) {}
 
     void add(const Outline::Segment& segment);
-    std::vector<uint32_t> finish();
+
+    MMPathBuilder path;
 
 private:
-    void begin(uint32_t kind);
-    void put(Point p);
-    void putCurve(Point p0, Point c1, Point c2, Point p3);
-    void endSubpath(uint32_t closed);
+    void addCurve(Point p0, Point c1, Point c2, Point p3);
 
     const PathSpace& space_;
-    std::vector<uint32_t> words_;
-    size_t command_ = 0; // index of the current command word, 0: none in this subpath
-    uint32_t kind_ = kPoints;
-    uint32_t subpaths_ = 0;
-    uint32_t segments_ = 0;
     Point current_;
 };
 
-void Encoder::begin(uint32_t kind)
-{
-    if (command_ == 0 || kind_ != kind) {
-        command_ = words_.size();
-        kind_ = kind;
-        words_.push_back(kind);
-        segments_ += kind == kPoints;
-    }
-    ++words_[command_];
-    segments_ += kind == kCurves;
-}
-
-void Encoder::put(Point p)
-{
-    const MMPoint2D q = space_.point(p);
-    words_.push_back(static_cast<uint32_t>(q.x));
-    words_.push_back(static_cast<uint32_t>(q.y));
-}
-
 // A curve stays within an eighth of its largest second derivative of its chord, and cutting it into
 // n equal pieces divides that by n * n.
-void Encoder::putCurve(Point p0, Point c1, Point c2, Point p3)
+void Encoder::addCurve(Point p0, Point c1, Point c2, Point p3)
 {
     const Point bend1 = p0 - c1 * 2 + c2;
     const Point bend2 = c1 - c2 * 2 + p3;
@@ -74,50 +42,37 @@ void Encoder::putCurve(Point p0, Point c1, Point c2, Point p3)
         const Point ab = a + (b - a) * t;
         const Point bc = b + (c - b) * t;
         const Point middle = left == 1 ? p3 : ab + (bc - ab) * t;
-        begin(kCurves);
-        put(a);
-        put(ab);
-        put(middle);
+        const MMPoint2D control1 = space_.point(a);
+        const MMPoint2D control2 = space_.point(ab);
+        const MMPoint2D end = space_.point(middle);
+        path.cubicTo(control1.x, control1.y, control2.x, control2.y, end.x, end.y);
         p0 = middle;
         c1 = bc;
         c2 = c;
     }
 }
 
-void Encoder::endSubpath(uint32_t closed)
-{
-    if (command_ == 0) return;
-    words_[command_] |= kEndOfSubpath | closed;
-    command_ = 0;
-    ++subpaths_;
-}
-
 void Encoder::add(const Outline::Segment& segment)
 {
-    if (segment.verb == Outline::Move) endSubpath(0);
-    if (subpaths_ == kMostSubpaths) return;
+    const Point* p = segment.points;
+    const MMPoint2D end = space_.point(p[0]);
     switch (segment.verb) {
     case Outline::Move:
+        path.moveTo(end.x, end.y);
+        current_ = p[0];
+        break;
     case Outline::Line:
-        begin(kPoints);
-        put(segment.points[0]);
-        current_ = segment.points[0];
+        path.lineTo(end.x, end.y);
+        current_ = p[0];
         break;
     case Outline::Curve:
-        putCurve(current_, segment.points[0], segment.points[1], segment.points[2]);
-        current_ = segment.points[2];
+        addCurve(current_, p[0], p[1], p[2]);
+        current_ = p[2];
         break;
     case Outline::Close:
-        endSubpath(kClosed);
+        path.close();
         break;
     }
-}
-
-std::vector<uint32_t> Encoder::finish()
-{
-    endSubpath(0);
-    words_[0] = subpaths_ | std::min<uint32_t>(segments_, 0xFFFF) << 16;
-    return std::move(words_);
 }
 
 } // namespace
@@ -160,10 +115,10 @@ MMPoint2D PathSpace::point(Point user) const
     return {held(p.x), held(p.y)};
 }
 
-std::vector<uint32_t> encodePath(const Outline& outline, const PathSpace& space)
+MMPathBuilder encodePath(const Outline& outline, const PathSpace& space)
 {
     Encoder encoder(space);
     for (const Outline::Segment& segment : outline.segments())
         encoder.add(segment);
-    return encoder.finish();
+    return std::move(encoder.path);
 }

@@ -2,11 +2,9 @@
 // From double precision to what the library reads: 16.16 numbers, matrices and encoded paths.
 #pragma once
 
+#include "graphics2d/convenience/MMPathBuilder.h"
 #include "math/Matrix2D.h"
 #include "svg2png/Outline.h"
-
-#include <cstdint>
-#include <vector>
 
 // Rounded to the nearest 1/65536, values beyond the range to its ends.
 KAVO::Fixed toFixed(double value);
@@ -36,6 +34,6 @@ struct PathSpace {
     MMPoint2D point(Point user) const;
 };
 
-// The words that MMContext2D::drawPath reads. Curves are cut beforehand where the library's own
+// An outline as the library draws it. Curves are cut beforehand where the library's own
 // flattening, which allows about a pixel of area, would show.
-std::vector<uint32_t> encodePath(const Outline& outline, const PathSpace& space);
+KAVO::Graphics2D::MMPathBuilder encodePath(const Outline& outline, const PathSpace& space);

@@ -72,6 +72,7 @@ private:
     void drawOnePaint(const Shape& shape, const PathSpace& space, const Box& deviceBox,
                       bool stroked);
     void drawGeometry(const Shape& shape, const PathSpace& space, bool stroked);
+    void drawOutline(const Outline& outline, const PathSpace& space);
     bool drawRoundedBox(const RoundedBox& box, const PathSpace& space);
 
     void drawText(pugi::xml_node node, const State& state);

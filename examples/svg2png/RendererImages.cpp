@@ -107,7 +107,7 @@ void Renderer::drawImage(pugi::xml_node node, const State& state)
         context_.fillPaint.paintOpacity = opacity;
         context_.strokePaint.paintType = kPaintNone;
         setTransform(*space);
-        context_.drawPath(encodePath(outline, *space).data());
+        drawOutline(outline, *space);
         uniteBounds(true);
     }
 }

@@ -72,8 +72,15 @@ void Renderer::drawGeometry(const Shape& shape, const PathSpace& space, bool str
 {
     const bool dashed = stroked && context_.dashArray;
     if (!(shape.box && !dashed && drawRoundedBox(*shape.box, space)))
-        context_.drawPath(encodePath(shape.outline, space).data());
+        drawOutline(shape.outline, space);
     uniteBounds(true);
+}
+
+void Renderer::drawOutline(const Outline& outline, const PathSpace& space)
+{
+    const MMPathBuilder path = encodePath(outline, space);
+    if (path.outOfMemory()) context_.outOfMemory |= kScratchExhausted;
+    context_.drawPath(path.words());
 }
 
 // By the library's own operation, unless the box reaches too far out.

@@ -1,25 +1,24 @@
 // SPDX-License-Identifier: MIT
 // From the words of an encoded path to its points. Internal.
 //
-// The format stands at MMContext2D::drawPath.
+// The format stands at MMContext2D::drawPath and in MMPathWords.h.
 #pragma once
 
 #include "graphics2d/MMContext2D.h"
+#include "graphics2d/MMPathWords.h"
 #include "memory/ScratchArray.h"
 
 namespace KAVO {
 namespace Graphics2D {
 
-enum PathCommandKind : uint32_t { kPathPoints = 0, kPathCurves = 1 };
-
 // A command word of an encoded path.
 struct PathCommand {
     uint32_t word;
 
-    constexpr uint32_t itemCount() const { return word & 0x0FFFFFFFu; }
-    constexpr uint32_t kind() const { return (word >> 28) & 3u; }
-    constexpr bool endsSubpath() const { return ((word >> 30) & 1u) != 0; }
-    constexpr bool closes() const { return (word >> 31) != 0; }
+    constexpr uint32_t itemCount() const { return word & kPathItemMask; }
+    constexpr uint32_t kind() const { return word & kPathKindMask; }
+    constexpr bool endsSubpath() const { return (word & kPathEnd) != 0; }
+    constexpr bool closes() const { return (word & kPathClose) != 0; }
 
     // Words of one item behind the command; the ignored kinds have none.
     constexpr uint32_t wordsPerItem() const
@@ -31,7 +30,7 @@ struct PathCommand {
 
 constexpr uint32_t subpathCountOf(uint32_t header)
 {
-    return header & 0xFFFFu;
+    return header & kPathSubpathMask;
 }
 
 // Pairs of words as points. The strokers take segments that are not const but do not write them.
