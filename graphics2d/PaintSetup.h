@@ -57,8 +57,10 @@ void setRadialGradient(MMPaint& paint, MMPoint2D centre, Fixed radius, const Mat
 // An image whose texel (i, j) covers the square from (i, j) to (i + 1, j + 1) of its own space;
 // beyond its edges the outermost texels repeat. filter is the patternFilter that the paint will be
 // drawn with: the sampling points differ, and with the right one the image lies at the same place
-// under each. Whether the image has alpha is taken from the low byte of its pixmapExtra. An image
-// without texels, or a singular transform, draws nothing.
+// under each, when the shape is filled with anti-aliasing: without it the smoothing filters sample
+// from where each span starts, which blurs an image and bends it along slanted edges; drawImage
+// with the nearest filter keeps its texels sharp. Whether the image has alpha is taken from the low
+// byte of its pixmapExtra. An image without texels, or a singular transform, draws nothing.
 void setPattern(MMPaint& paint, const MMPixmap& image, const Matrix2D& transform,
                 MMPatternFilter filter);
 

@@ -98,31 +98,37 @@ void drawPaintScene(Canvas& canvas)
     }
 }
 
-// The same image turned and magnified: nearest, bilinear, bicubic; below at 1:1 and as drawImage
-// scales it into upright rectangles.
+// The same image turned and magnified: nearest, bilinear, bicubic; below upright, at 1:1 and
+// enlarged. drawImage is for the nearest filter, whose pixels stay as they are; the others are
+// patterns in rectangles with smooth edges.
 void drawImageScene(Canvas& canvas)
 {
     MMContext2D& context = canvas.context();
     Picture image = makeImage(16, false);
     MMPixmap pixmap = pixmapOf(image);
-    for (uint8_t filter = 0; filter < 3; ++filter) {
-        const double x = 54 + 122 * filter;
+    const auto drawPattern = [&](double x, double y, double scale, double angle) {
         canvas.fill(0);
-        canvas.placeUnshifted(x, 6, 5, 30);
+        canvas.placeUnshifted(x, y, scale, angle);
         setPattern(context.fillPaint, pixmap, context.transform,
-                   static_cast<MMPatternFilter>(filter));
-        context.patternFilter = filter;
-        canvas.place(x, 6, 5, 30);
+                   static_cast<MMPatternFilter>(context.patternFilter));
+        canvas.place(x, y, scale, angle);
         canvas.rectangle(0, 0, 16, 16);
+    };
+    for (uint8_t filter = 0; filter < 3; ++filter) {
+        context.patternFilter = filter;
+        drawPattern(54 + 122 * filter, 6, 5, 30);
     }
     context.antiAlias = 0;
-    for (uint8_t filter = 0; filter < 3; ++filter) {
-        context.patternFilter = filter;
-        canvas.placeUnshifted(20 + 122 * filter, 144);
-        context.drawImage(&pixmap, 0, 0, fixed(16), fixed(16), 0);
-        canvas.placeUnshifted(44 + 122 * filter, 144, 3);
-        context.drawImage(&pixmap, 0, 0, fixed(16), fixed(16), 0);
-    }
+    context.patternFilter = kFilterNearest;
+    canvas.placeUnshifted(20, 144);
+    context.drawImage(&pixmap, 0, 0, fixed(16), fixed(16), 0);
+    canvas.placeUnshifted(44, 144, 3);
+    context.drawImage(&pixmap, 0, 0, fixed(16), fixed(16), 0);
     context.antiAlias = 1;
+    for (uint8_t filter = kFilterBilinear; filter <= kFilterBicubic; ++filter) {
+        context.patternFilter = filter;
+        drawPattern(20 + 122 * filter, 144, 1, 0);
+        drawPattern(44 + 122 * filter, 144, 3, 0);
+    }
     context.patternFilter = kFilterBilinear;
 }

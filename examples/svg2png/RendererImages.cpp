@@ -24,8 +24,9 @@ Box visibleImage(pugi::xml_node node, double width, double height, const Box& im
 
 } // namespace
 
-// Pixels of an image are not shifted as paths are under anti-aliasing: an upright image is drawn by
-// drawImage with sharp edges, any other as a path with smooth edges that a pattern fills.
+// An upright image whose pixels are to stay sharp is drawn by drawImage, with sharp edges; any
+// other as a path with smooth edges that a pattern fills, for without anti-aliasing the smoothing
+// filters look from where a span starts, up to half a pixel beside the pixel's centre.
 void Renderer::drawImage(pugi::xml_node node, const State& state)
 {
     const Style& style = state.style;
@@ -78,18 +79,11 @@ void Renderer::drawImage(pugi::xml_node node, const State& state)
     const ShiftedTarget shifted(context_, picture_, shadow_, frameBox);
     context_.patternFilter = static_cast<uint8_t>(style.imageFilter);
     const auto opacity = static_cast<uint8_t>(std::lround(style.opacity * 255));
-    if (toDevice.b == 0 && toDevice.c == 0) {
-        // The smoothing filters look from a pixel's corner to a texel's corner, which would move
-        // the middle of each by half the difference of their sizes.
-        const bool smooth = style.imageFilter != ImageFilter::Nearest;
-        const double dx = smooth ? (toDevice.a - 1) / 2 : 0;
-        const double dy = smooth ? (toDevice.d - 1) / 2 : 0;
+    if (toDevice.b == 0 && toDevice.c == 0 && style.imageFilter == ImageFilter::Nearest) {
         context_.imageOpacity = opacity;
         context_.antiAlias = 0;
         context_.transform = texelsToDevice;
-        context_.transform.translate(toFixed(dx), toFixed(dy));
-        context_.drawImage(&pixmap, toFixed(-dx / toDevice.a), toFixed(-dy / toDevice.d),
-                           fixFromInt(pictureWidth), fixFromInt(pictureHeight), 0);
+        context_.drawImage(&pixmap, 0, 0, fixFromInt(pictureWidth), fixFromInt(pictureHeight), 0);
         context_.antiAlias = options_.antiAlias;
         uniteBounds(false);
     } else {

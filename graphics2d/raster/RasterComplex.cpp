@@ -33,9 +33,8 @@ void drawSharpRow(RowPainter& painter, const RowPlace* place, const RowPlace* en
         if (!was)
             left = place->bottom;
         else
-            painter.addSpan(fixFloor(left), fixFloor(place->bottom));
+            painter.drawSharp(left, place->bottom);
     }
-    painter.flush();
 }
 
 void drawSharp(RowPainter& painter, const VertexRing& ring, ActiveEdges& active, MMFillRule rule)

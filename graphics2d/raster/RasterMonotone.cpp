@@ -132,13 +132,6 @@ private:
     Fixed coverageSlope_ = 0; // 0: not computed yet
 };
 
-// The span between the chains, without anti-aliasing.
-void drawSharpRow(RowPainter& painter, Fixed x, Fixed otherX)
-{
-    painter.addSpan(fixFloor(std::min(x, otherX)), fixFloor(std::max(x, otherX)));
-    painter.flush();
-}
-
 void drawSharp(RowPainter& painter, SideChain& left, SideChain& right, Fixed top, Fixed bottom)
 {
     const PixelBox& visible = painter.visible();
@@ -153,7 +146,7 @@ void drawSharp(RowPainter& painter, SideChain& left, SideChain& right, Fixed top
         // Rows to the end of the nearer edge; both edges continue straight.
         for (;;) {
             painter.beginRow(row++);
-            drawSharpRow(painter, leftX, rightX);
+            painter.drawSharp(std::min(leftX, rightX), std::max(leftX, rightX));
             if (boundary > lowest - kFixedOne) break;
             boundary += kFixedOne;
             leftX = left.endY() == boundary ? left.xAt(boundary) : wrapAdd(leftX, left.slope());

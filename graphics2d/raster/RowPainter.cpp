@@ -23,6 +23,9 @@ RowPainter::RowPainter(MMContext2D& context, const PixelBox& visible)
       edgeIgnoresCoverage_(context.currentPaint.paintType == kPaintXOR ||
                            context.currentPaint.paintType == kPaintPicking)
 {
+    const PixelBox drawable = drawableBox(context);
+    drawableStart_ = fixFromInt(drawable.left);
+    drawableEnd_ = fixFromInt(drawable.right);
 }
 
 void RowPainter::beginRow(int32_t row)

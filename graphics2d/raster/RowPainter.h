@@ -11,6 +11,8 @@
 #include "graphics2d/raster/PolygonBounds.h"
 #include "graphics2d/strips/StripDispatch.h"
 
+#include <algorithm>
+
 namespace KAVO {
 namespace Graphics2D {
 
@@ -55,12 +57,17 @@ public:
     // Drawing may be delayed until flush().
     void addConstant(int32_t first, int32_t end, Area area);
 
-    // Gives whole pixels. The columns may lie outside the visible box.
-    void addSpan(int32_t first, int32_t end)
+    // A span of a row without anti-aliasing: its ends reach the filler as they are, cut to the clip
+    // rectangle and the target alone. Even a span without a whole pixel does, for a filler may look
+    // at the fractions: images are sampled from where the span starts, and picking compares them.
+    void drawSharp(Fixed start, Fixed end)
     {
-        first = first > visible_.left ? first : visible_.left;
-        end = end < visible_.right ? end : visible_.right;
-        if (first < end) addWhole(first, end);
+        start = std::max(start, drawableStart_);
+        end = std::min(end, drawableEnd_);
+        if (start >= end) return;
+        context_.spanStart = start;
+        context_.spanEnd = end;
+        drawSpan(context_, span_);
     }
 
     // Gives the columns from first on an area each. Likewise.
@@ -85,6 +92,8 @@ private:
 
     MMContext2D& context_;
     PixelBox visible_;
+    Fixed drawableStart_; // the columns of the clip rectangle within the target
+    Fixed drawableEnd_;
     SpanFiller span_;
     StripFiller edge_;
     int32_t opacity_;

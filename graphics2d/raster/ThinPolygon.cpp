@@ -31,8 +31,7 @@ void drawThinPolygon(MMContext2D& context, const BoundsUnion& bounds, const Pixe
     opacity = scaledOpacity(whole, bounds.maxY - bounds.minY);
     RowPainter painter(context, visible);
     painter.beginRow(row);
-    painter.addSpan(fixFloor(shiftedByHalf(bounds.minX)), fixFloor(shiftedByHalf(bounds.maxX)));
-    painter.flush();
+    painter.drawSharp(shiftedByHalf(bounds.minX), shiftedByHalf(bounds.maxX));
     opacity = whole;
 }
 

@@ -150,26 +150,100 @@ TEST(RasterQuality, NoPixelIsDrawnTwice)
     }
 }
 
+// Whether picking finds the polygon at x in the row.
+bool isHit(RasterPicture& picture, const Polygon& polygon, Fixed x, int row, uint8_t opacity = 255)
+{
+    MMContext2D& context = picture.context;
+    context.pickX = x;
+    context.pickY = row * kFixedOne;
+    context.pickHit = 0;
+    context.currentPaint.paintType = kPaintPicking;
+    context.currentPaint.paintOpacity = opacity;
+    picture.fill(polygon);
+    return context.pickHit != 0;
+}
+
 // A span is hit from its first pixel to the one behind its last.
-TEST(RasterQuality, PickingHitsWhatWouldBeCovered)
+TEST(RasterQuality, SmoothPickingHitsWhatWouldBeCovered)
 {
     const Polygon polygon = star(30, 30, 25, 5, 2);
-    for (bool antiAlias : {false, true}) {
-        RasterPicture filled(antiAlias);
-        filled.fill(polygon);
-        for (int i = 61; i < 60 * 60; ++i) {
-            const int x = i % 60, y = i / 60;
-            RasterPicture picture(antiAlias);
-            MMContext2D& context = picture.context;
-            context.pickX = x * kFixedOne;
-            context.pickY = y * kFixedOne;
-            context.currentPaint.paintType = kPaintPicking;
-            context.currentPaint.paintOpacity = i % 2 == 0 ? 255 : 100;
-            picture.fill(polygon);
-            const bool covered = filled.coverage(x, y) + filled.coverage(x - 1, y) > 0;
-            ASSERT_EQ(context.pickHit != 0, covered) << x << ", " << y << " smooth " << antiAlias;
-        }
+    RasterPicture filled, picture;
+    filled.fill(polygon);
+    for (int i = 61; i < 60 * 60; ++i) {
+        const int x = i % 60, y = i / 60;
+        const bool covered = filled.coverage(x, y) + filled.coverage(x - 1, y) > 0;
+        ASSERT_EQ(isHit(picture, polygon, x * kFixedOne, y, i % 2 == 0 ? 255 : 100), covered)
+            << x << ", " << y;
     }
+}
+
+// Without anti-aliasing a span is hit between its very ends, both included, as they lie after the
+// shift by half a pixel. Where spans follow each other within a pixel, what is between is missed.
+TEST(RasterQuality, SharpPickingHitsBetweenTheEndsOfTheSpans)
+{
+    std::mt19937 random(5);
+    const Polygon star5 = star(30, 30, 25, 5, 2);
+    const Polygon slats =
+        bridged({rectangle(10.2, 10, 14.3, 50), rectangle(14.4, 10, 22, 50), tangle(3, 50, 5, 50)});
+    for (const Polygon& polygon : {star5, slats, rectangle(20.3, 10, 20.6, 40)})
+        for (bool evenOdd : {false, true})
+            for (int i = 0; i < 6000; ++i) {
+                const int row = int(random() % 60);
+                const Fixed x = Fixed(random() % (60 << 16));
+                bool isInside = false, isNear = false;
+                for (auto [start, end] : spans(edgesOf(polygon), row + 0.5, evenOdd)) {
+                    const double toStart = toDouble(x) - start - 0.5;
+                    const double toEnd = end + 0.5 - toDouble(x);
+                    isInside |= toStart >= 0 && toEnd >= 0;
+                    isNear |= std::min(std::abs(toStart), std::abs(toEnd)) < 70 / 65536.0;
+                }
+                if (isNear) continue; // x may be off by a unit a row
+                RasterPicture picture(false, evenOdd);
+                ASSERT_EQ(isHit(picture, polygon, x, row), isInside)
+                    << "x " << toDouble(x) << ", row " << row << ", even-odd " << evenOdd;
+            }
+}
+
+// The thin rule passes its ends on likewise, also with anti-aliasing; all are cut to the clip.
+TEST(RasterQuality, SpansAreCutWhereTheClipAndTheTargetEnd)
+{
+    const struct {
+        double left, top, right, bottom, x;
+        bool antiAlias, hit;
+    } cases[] = {{10.25, 5, 20.75, 8, 10.5, false, false},
+                 {10.25, 5, 20.75, 8, 21.1, false, true},
+                 {10.25, 5, 20.75, 8, 21.3, false, false},
+                 {10.6, 5, 10.8, 8, 11.2, false, true},
+                 {10.6, 5, 10.8, 8, 11.4, false, false},
+                 {-9, 5, 60, 8, 3.9, false, false},
+                 {-9, 5, 60, 8, 4, false, true},
+                 {-9, 5, 60, 8, 30, false, true},
+                 {-9, 5, 60, 8, 30.1, false, false},
+                 {10.25, 6.7, 20.75, 7.3, 10.7, true, false},
+                 {10.25, 6.7, 20.75, 7.3, 10.8, true, true},
+                 {10.25, 6.7, 20.75, 7.3, 21.2, true, true},
+                 {10.25, 6.7, 20.75, 7.3, 21.3, true, false},
+                 {-9, 6.7, 60, 7.3, 30.1, true, false}};
+    for (const auto& c : cases) {
+        RasterPicture picture(c.antiAlias);
+        picture.context.clipLeft = 4;
+        picture.context.clipRight = 200;
+        picture.context.target.width = 30;
+        EXPECT_EQ(isHit(picture, rectangle(c.left, c.top, c.right, c.bottom), toFixed(c.x), 7),
+                  c.hit)
+            << c.left << " to " << c.right << " at " << c.x;
+    }
+}
+
+// Bilinear sampling starts at the span's exact left end: half a texel into a black and white pair.
+TEST(RasterQuality, SmoothingFiltersSampleFromTheLeftEndOfTheSpan)
+{
+    Pixel texels[] = {0xFF000000, 0xFFFFFFFF};
+    const MMPixmap image = {2, 1, 8, 0, texels, 0};
+    RasterPicture picture(false);
+    picture.context.drawImage(&image, 0, 0, 2 * kFixedOne, kFixedOne, 0);
+    EXPECT_EQ(picture.at(0, 0), 0xFF7F7F7F);
+    EXPECT_EQ(picture.at(1, 0), 0xFFFFFFFF);
 }
 
 // The opacity is 255 * height >> 8, and one more from 128 to 254.
