@@ -7,6 +7,8 @@
 // 64 bits wide, and its functions are marked as cold, so that they are compiled for size.
 #include "graphics2d/PaintSetup.h"
 
+#include "math/WideMath.h"
+
 #include <initializer_list>
 
 namespace KAVO {
@@ -34,11 +36,6 @@ constexpr int64_t kRadialUnits = 4;
 constexpr int64_t kMostRadialUnits = 8;
 constexpr int64_t kGreatestSlope = 0x7FFF;
 
-int64_t magnitude(int64_t v)
-{
-    return v < 0 ? -v : v;
-}
-
 int64_t larger(int64_t a, int64_t b)
 {
     return a > b ? a : b;
@@ -62,26 +59,17 @@ int64_t divideRounded(int64_t v, int64_t divisor)
 {
     const int64_t quotient = v / divisor;
     const int64_t rest = v - quotient * divisor;
-    if (2 * magnitude(rest) < divisor) return quotient;
+    if (2 * absolute(rest) < divisor) return quotient;
     return v < 0 ? quotient - 1 : quotient + 1;
-}
-
-// Whole part of the square root.
-int64_t squareRoot(int64_t v)
-{
-    int64_t root = 0;
-    for (int64_t bit = int64_t{1} << 31; bit != 0; bit >>= 1)
-        if ((root + bit) * (root + bit) <= v) root += bit;
-    return root;
 }
 
 // How far to shift a number left so that its magnitude has 29 bits; 0 for 0.
 int32_t shiftTo29Bits(int64_t v)
 {
     int32_t shift = 0;
-    for (uint64_t m = static_cast<uint64_t>(magnitude(v)); m != 0 && m >> 28 == 0; m <<= 1)
+    for (uint64_t m = static_cast<uint64_t>(absolute(v)); m != 0 && m >> 28 == 0; m <<= 1)
         ++shift;
-    for (uint64_t m = static_cast<uint64_t>(magnitude(v)); m >> 29 != 0; m >>= 1)
+    for (uint64_t m = static_cast<uint64_t>(absolute(v)); m >> 29 != 0; m >>= 1)
         --shift;
     return shift;
 }
@@ -93,7 +81,7 @@ struct Vector {
     // Scaled by a power of two so that the longer component has 29 bits.
     Vector normalized() const
     {
-        const int32_t shift = shiftTo29Bits(larger(magnitude(x), magnitude(y)));
+        const int32_t shift = shiftTo29Bits(larger(absolute(x), absolute(y)));
         return {shiftDown(x, -shift), shiftDown(y, -shift)};
     }
 };
@@ -201,8 +189,8 @@ private:
         if (rises == (last < raisedAlpha)) return cut(from, to, piece);
 
         // Halfway between the two alphas that are neighbours there.
-        const int64_t part = magnitude(2 * int64_t{raisedAlpha} - 1 - 2 * first);
-        const int64_t whole = magnitude(2 * (last - first));
+        const int64_t part = absolute(2 * int64_t{raisedAlpha} - 1 - 2 * first);
+        const int64_t whole = absolute(2 * (last - first));
         const Pixel colour = mixed(from.colour, to.colour, part, whole);
         const int64_t offset = from.offset + (to.offset - from.offset) * part / whole;
         const Stop before = {withAlpha(colour, rises ? raisedAlpha - 1 : raisedAlpha), offset};
@@ -245,13 +233,13 @@ bool invert(const Matrix2D& m, Matrix2D& inverse)
     const int64_t determinant = (int64_t{m.a} * m.d >> 1) - (int64_t{m.b} * m.c >> 1);
     if (determinant == 0) return false;
     const int64_t one = determinant < 0 ? -(int64_t{1} << 31) : int64_t{1} << 31;
-    const int64_t size = magnitude(determinant);
+    const int64_t size = absolute(determinant);
     const int64_t a = divideRounded(m.d * one, size);
     const int64_t b = divideRounded(-int64_t{m.b} * one, size);
     const int64_t c = divideRounded(-int64_t{m.c} * one, size);
     const int64_t d = divideRounded(m.a * one, size);
     for (int64_t element : {a, b, c, d})
-        if (magnitude(element) > kGreatestOffset) return false;
+        if (absolute(element) > kGreatestOffset) return false;
     inverse = {static_cast<Fixed>(a),
                static_cast<Fixed>(b),
                static_cast<Fixed>(c),
@@ -284,7 +272,7 @@ bool invert(const Matrix2D& m, Matrix2D& inverse)
     const Vector own = Vector{int64_t{end.x} - start.x, int64_t{end.y} - start.y}.normalized();
     const Vector line = mapped(transform, {-own.y, own.x}).normalized();
     const Vector across = {line.y, -line.x};
-    const int64_t longer = larger(magnitude(across.x), magnitude(across.y));
+    const int64_t longer = larger(absolute(across.x), absolute(across.y));
     if (longer == 0) return addLastStop(writer, stops);
 
     Vector step;
@@ -295,7 +283,7 @@ bool invert(const Matrix2D& m, Matrix2D& inverse)
                 divideRounded(across.y * longerStep, longer)};
         length = dot(step, along);
         longerStep >>= 1;
-    } while (magnitude(length) > kGreatestOffset && longerStep != 0);
+    } while (absolute(length) > kGreatestOffset && longerStep != 0);
     if (length == 0) return addLastStop(writer, stops);
     if (length < 0) {
         step = {-step.x, -step.y};
@@ -311,7 +299,7 @@ bool invert(const Matrix2D& m, Matrix2D& inverse)
     paint.gradientStepX = static_cast<Fixed>(step.x);
     paint.gradientStepY = static_cast<Fixed>(step.y);
     const int64_t offset = dot(step, {origin.x - near.x, origin.y - near.y});
-    const int64_t piece = step.x != 0 ? magnitude(step.x) * kLongestPiece : INT64_MAX;
+    const int64_t piece = step.x != 0 ? absolute(step.x) * kLongestPiece : INT64_MAX;
     writer.addAll(stops, offset, clampTo(length, 0, kGreatestOffset), piece,
                   leastRaisedAlpha(paint.paintOpacity));
 }
@@ -333,18 +321,18 @@ bool invert(const Matrix2D& m, Matrix2D& inverse)
 
     // The transform's greatest and smallest stretch are the singular values: half the sum of two
     // lengths, and the determinant divided by that. The elements are scaled by 2^shift.
-    const int64_t greatest = larger(larger(magnitude(transform.a), magnitude(transform.b)),
-                                    larger(magnitude(transform.c), magnitude(transform.d)));
+    const int64_t greatest = larger(larger(absolute(transform.a), absolute(transform.b)),
+                                    larger(absolute(transform.c), absolute(transform.d)));
     const int32_t shift = shiftTo29Bits(greatest);
     const int64_t a = shiftDown(transform.a, -shift);
     const int64_t b = shiftDown(transform.b, -shift);
     const int64_t c = shiftDown(transform.c, -shift);
     const int64_t d = shiftDown(transform.d, -shift);
-    const int64_t widest = (squareRoot((a + d) * (a + d) + (b - c) * (b - c)) +
-                            squareRoot((a - d) * (a - d) + (b + c) * (b + c))) /
-                           2;
+    const int64_t turning = integerRoot((a + d) * (a + d) + (b - c) * (b - c));
+    const int64_t mirroring = integerRoot((a - d) * (a - d) + (b + c) * (b + c));
+    const int64_t widest = (turning + mirroring) / 2;
     if (radius <= 0 || widest == 0) return addLastStop(writer, stops);
-    const int64_t narrowest = magnitude(a * d - b * c) / widest;
+    const int64_t narrowest = absolute(a * d - b * c) / widest;
 
     if (narrowest == 0) return addLastStop(writer, stops);
 
@@ -352,7 +340,7 @@ bool invert(const Matrix2D& m, Matrix2D& inverse)
     const int64_t devicePixels = shiftDown(radius * widest, 32 + shift) + 1;
     const int64_t units = smaller(
         smaller(kRadialUnits * kFixedOne * widest / narrowest, kMostRadialUnits * kFixedOne),
-        squareRoot((kGreatestSlope << 32) / (2 * devicePixels)));
+        int64_t{integerRoot((kGreatestSlope << 32) / (2 * devicePixels))});
     const int64_t outer = shiftDown(shiftDown(radius * narrowest, 16 + shift) * units, 16);
     if (outer == 0) return addLastStop(writer, stops);
 

@@ -55,6 +55,13 @@ constexpr uint32_t magnitudeOf(int32_t v)
     return v < 0 ? 0u - static_cast<uint32_t>(v) : static_cast<uint32_t>(v);
 }
 
+// The same direction in [0, 360) degrees.
+constexpr Degrees reducedAngle(Degrees angle)
+{
+    const Degrees rest = angle % kDegrees360;
+    return rest < 0 ? rest + kDegrees360 : rest;
+}
+
 // Integer part, toward minus infinity: the pixel or row that a shifted coordinate selects.
 constexpr int32_t fixFloor(Fixed v)
 {

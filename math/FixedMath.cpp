@@ -38,12 +38,10 @@ Fixed sineOfFirstQuadrant(Degrees angle)
     return wrapAdd(fixMul(chord.slope, angle), chord.offset) >> 8;
 }
 
-// Leaves [0, 360] degrees alone and brings every other angle into it.
-Degrees reducedAngle(Degrees angle)
+// Leaves [0, 360] degrees alone, both ends included, and brings every other angle into it.
+Degrees tableAngle(Degrees angle)
 {
-    if (angle >= 0 && angle <= kDegrees360) return angle;
-    const Degrees rest = angle % kDegrees360;
-    return rest < 0 ? rest + kDegrees360 : rest;
+    return angle >= 0 && angle <= kDegrees360 ? angle : reducedAngle(angle);
 }
 
 // One step of a long division: subtracts the divisor from a remainder that has reached it; 1 if so,
@@ -131,7 +129,7 @@ Fixed fixSqrt(Fixed x)
 
 Fixed fixSin(Degrees angle)
 {
-    const Degrees reduced = reducedAngle(angle);
+    const Degrees reduced = tableAngle(angle);
     const bool negative = reduced > kDegrees180;
     Degrees phi = negative ? reduced - kDegrees180 : reduced;
     if (phi > kDegrees90) phi = kDegrees180 - phi;
@@ -141,7 +139,7 @@ Fixed fixSin(Degrees angle)
 
 Fixed fixCos(Degrees angle)
 {
-    const Degrees reduced = reducedAngle(angle);
+    const Degrees reduced = tableAngle(angle);
     Degrees phi = reduced > kDegrees180 ? kDegrees360 - reduced : reduced;
     const bool negative = phi > kDegrees90;
     if (negative) phi = kDegrees180 - phi;

@@ -14,11 +14,10 @@ namespace {
 constexpr Fixed kLargest = 0x7FFFFFFF;
 
 // Brings an angle into (0, 360) degrees; false when it is a whole number of turns.
-bool reduceAngle(Degrees& angle)
+bool reduceTurn(Degrees& angle)
 {
-    const Degrees rest = angle % kDegrees360;
-    angle = angle < 0 ? rest + kDegrees360 : rest;
-    return angle != 0 && angle != kDegrees360;
+    angle = reducedAngle(angle);
+    return angle != 0;
 }
 
 // 1 / v. The numerator is one short of 2^32, so powers of two come out one unit low; 0 gives 0.
@@ -78,7 +77,7 @@ void Matrix2D::scale(Fixed sx, Fixed sy)
 
 void Matrix2D::rotate(Degrees angle)
 {
-    if (!reduceAngle(angle)) return;
+    if (!reduceTurn(angle)) return;
     const Fixed cosine = fixCos(angle);
     const Fixed sine = fixSin(angle);
     const Matrix2D m = *this;
@@ -92,7 +91,7 @@ void Matrix2D::rotate(Degrees angle)
 
 void Matrix2D::rotateCenter(Degrees angle, Fixed cx, Fixed cy)
 {
-    if (!reduceAngle(angle)) return;
+    if (!reduceTurn(angle)) return;
     const Fixed cosine = fixCos(angle);
     const Fixed sine = fixSin(angle);
     *this *= Matrix2D{cosine,
@@ -105,7 +104,7 @@ void Matrix2D::rotateCenter(Degrees angle, Fixed cx, Fixed cy)
 
 void Matrix2D::skewX(Degrees angle)
 {
-    if (!reduceAngle(angle)) return;
+    if (!reduceTurn(angle)) return;
     // Only the right angle at 90 degrees is guarded, and the skew goes on with the guarded values.
     if (isNearRightAngle(angle)) c = d = kLargest;
     const Fixed cosine = fixCos(angle);
@@ -117,7 +116,7 @@ void Matrix2D::skewX(Degrees angle)
 
 void Matrix2D::skewY(Degrees angle)
 {
-    if (!reduceAngle(angle)) return;
+    if (!reduceTurn(angle)) return;
     if (isNearRightAngle(angle)) a = b = kLargest;
     const Fixed cosine = fixCos(angle);
     const Fixed sine = fixSin(angle);

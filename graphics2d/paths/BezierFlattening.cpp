@@ -9,6 +9,7 @@
 
 #include "graphics2d/MMContext2D.h"
 #include "math/FixedMath.h"
+#include "math/Points.h"
 
 #include <cstddef>
 
@@ -38,13 +39,6 @@ int64_t areaTolerance(const Matrix2D& transform)
     return (0xFFFFFFFFu / half) & 0x7FFFFFFFu;
 }
 
-// Half the sum, truncated toward zero.
-MMPoint2D middle(const MMPoint2D& a, const MMPoint2D& b)
-{
-    return {static_cast<Fixed>((int64_t{a.x} + b.x) / 2),
-            static_cast<Fixed>((int64_t{a.y} + b.y) / 2)};
-}
-
 // Magnitude of cross(b - a, c - b) in 16.16 square units, the differences cut to 24.8 first.
 int64_t turnArea(const MMPoint2D& a, const MMPoint2D& b, const MMPoint2D& c)
 {
@@ -52,8 +46,7 @@ int64_t turnArea(const MMPoint2D& a, const MMPoint2D& b, const MMPoint2D& c)
     const int64_t uy = (int64_t{b.y} - a.y) >> 8;
     const int64_t vx = (int64_t{c.x} - b.x) >> 8;
     const int64_t vy = (int64_t{c.y} - b.y) >> 8;
-    const int64_t cross = ux * vy - uy * vx;
-    return cross < 0 ? -cross : cross;
+    return absolute(ux * vy - uy * vx);
 }
 
 // The public contract with a cap on the halvings; 0 when the points are more than capacity.
@@ -66,12 +59,12 @@ uint32_t subdivide(const BezierCurve& curve, int64_t tolerance, uint32_t maxLeve
     uint32_t written = 0;
     for (;;) {
         const BezierCurve& c = piece.curve;
-        const MMPoint2D left1 = middle(c.start, c.control1);
-        const MMPoint2D ridge = middle(c.control1, c.control2);
-        const MMPoint2D right2 = middle(c.control2, c.end);
-        const MMPoint2D left2 = middle(left1, ridge);
-        const MMPoint2D right1 = middle(ridge, right2);
-        const MMPoint2D split = middle(left2, right1);
+        const MMPoint2D left1 = curveMiddle(c.start, c.control1);
+        const MMPoint2D ridge = curveMiddle(c.control1, c.control2);
+        const MMPoint2D right2 = curveMiddle(c.control2, c.end);
+        const MMPoint2D left2 = curveMiddle(left1, ridge);
+        const MMPoint2D right1 = curveMiddle(ridge, right2);
+        const MMPoint2D split = curveMiddle(left2, right1);
 
         const int64_t area = turnArea(c.start, split, c.end) + turnArea(c.start, split, c.control1);
         if (area > tolerance && pendingCount < kMaxPending && piece.level < maxLevel) {

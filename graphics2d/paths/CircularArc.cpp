@@ -4,6 +4,8 @@
 #include "graphics2d/paths/ShapePainting.h"
 #include "graphics2d/strokes/CircleSteps.h"
 #include "math/FixedMath.h"
+#include "math/LinearPart.h"
+#include "math/WideMath.h"
 #include "memory/ScratchArray.h"
 
 #include <algorithm>
@@ -27,7 +29,7 @@ static_assert(kDegrees360 / kFinestStep == kMaxArcPoints, "a whole circle of the
 // The turn between points of an arc that is fine enough out to the given radius in user units.
 Degrees greatestStep(const Matrix2D& m, int64_t radius)
 {
-    const int64_t stretch = stretchOf({m.a, m.b, m.c, m.d}).greatest;
+    const int64_t stretch = stretchOf(linearPartOf(m)).greatest;
     return std::clamp(stepWithin(kSagitta, (radius * (stretch >> 1)) >> 15), kFinestStep,
                       kCoarsestStep);
 }
@@ -120,7 +122,7 @@ void MMContext2D::drawCircularArc(MMPoint2D* centre, Fixed radius, Degrees start
         bounds.addBoundsOf(*this);
     }
     if (strokes) {
-        strokeShape(*this, points.data(), count, whole || outline == 0);
+        strokeShape(*this, points.data(), count, whole || outline == 0, joinStyle);
         bounds.addBoundsOf(*this);
     }
     bounds.storeTo(*this);

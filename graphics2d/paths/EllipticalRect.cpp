@@ -81,7 +81,7 @@ void strokeOutline(MMContext2D& context, MMPoint2D* outline, uint32_t count)
     BoundsUnion bounds;
     if (context.dashArray != nullptr && context.fillPaint.paintType != kPaintNone)
         bounds.addBoundsOf(context);
-    strokeShape(context, outline, count, true);
+    strokeShape(context, outline, count, true, kJoinRound);
     bounds.addBoundsOf(context);
     bounds.storeTo(context);
 }
@@ -98,15 +98,12 @@ bool drawCorners(MMContext2D& context, const Corners& corners, uint32_t room)
     if (count == 0) return false;
     outline.resize(count); // shrinks in place
 
-    const uint8_t joinStyle = context.joinStyle;
-    context.joinStyle = kJoinRound;
     // A fill without memory ends the drawing but is deliberately not reported.
     const bool goesOn =
         context.fillPaint.paintType == kPaintNone ||
         fillShape(context, outline.data(), count, static_cast<MMFillRule>(context.fillRule));
     if (goesOn && context.strokePaint.paintType != kPaintNone && context.strokeHalfWidth != 0)
         strokeOutline(context, outline.data(), count);
-    context.joinStyle = joinStyle;
     return true;
 }
 

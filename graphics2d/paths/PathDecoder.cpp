@@ -105,5 +105,19 @@ bool DecodedPath::decode(const uint32_t* path)
     return true;
 }
 
+uint32_t MMContext2D::getPathKeyPointCount(const uint32_t* storedPath)
+{
+    const uint32_t* path = storedPath + 1;
+    uint32_t subpathsLeft = subpathCountOf(*path++);
+    uint32_t count = 0;
+    do {
+        const PathCommand command = {*path++};
+        count += command.itemCount() + (command.closes() ? 1u : 0u);
+        path += command.itemWords();
+        if (command.endsSubpath() && subpathsLeft > 0) --subpathsLeft;
+    } while (subpathsLeft > 0);
+    return count;
+}
+
 } // namespace Graphics2D
 } // namespace KAVO

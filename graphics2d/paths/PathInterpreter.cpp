@@ -7,9 +7,9 @@
 #include "graphics2d/BoundsUnion.h"
 #include "graphics2d/MMContext2D.h"
 #include "graphics2d/paths/PathDecoder.h"
-#include "graphics2d/paths/TransformPoints.h"
 #include "graphics2d/raster/Rasteriser.h"
-#include "graphics2d/strokes/Stroker.h"
+#include "graphics2d/strokes/DashArray.h"
+#include "math/Points.h"
 
 #include <algorithm>
 
@@ -107,20 +107,6 @@ void MMContext2D::drawPath(const uint32_t* path)
         return;
     }
     if (strokePaint.paintType != kPaintNone) strokePath(*this, decoded);
-}
-
-uint32_t MMContext2D::getPathKeyPointCount(const uint32_t* storedPath)
-{
-    const uint32_t* path = storedPath + 1;
-    uint32_t subpathsLeft = subpathCountOf(*path++);
-    uint32_t count = 0;
-    do {
-        const PathCommand command = {*path++};
-        count += command.itemCount() + (command.closes() ? 1u : 0u);
-        path += command.itemWords();
-        if (command.endsSubpath() && subpathsLeft > 0) --subpathsLeft;
-    } while (subpathsLeft > 0);
-    return count;
 }
 
 } // namespace Graphics2D

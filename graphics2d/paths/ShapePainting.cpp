@@ -2,9 +2,9 @@
 // Filling and stroking of one outline of points in user space.
 #include "graphics2d/paths/ShapePainting.h"
 
-#include "graphics2d/paths/TransformPoints.h"
 #include "graphics2d/raster/Rasteriser.h"
-#include "graphics2d/strokes/Stroker.h"
+#include "graphics2d/strokes/DashArray.h"
+#include "math/Points.h"
 #include "memory/ScratchArray.h"
 
 namespace KAVO {
@@ -20,11 +20,12 @@ bool fillShape(MMContext2D& context, const MMPoint2D* points, uint32_t count, MM
     return true;
 }
 
-void strokeShape(MMContext2D& context, MMPoint2D* points, uint32_t count, bool closed)
+void strokeShape(MMContext2D& context, MMPoint2D* points, uint32_t count, bool closed,
+                 uint8_t joinStyle)
 {
     context.currentPaint = context.strokePaint;
     const MMLinkPath record = {points, count};
-    strokeOrDashSubpath(context, DevicePen(context), &record, 1, closed);
+    strokeOrDashSubpath(context, DevicePen(context, joinStyle), &record, 1, closed);
 }
 
 } // namespace Graphics2D

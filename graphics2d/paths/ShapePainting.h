@@ -11,8 +11,9 @@ namespace Graphics2D {
 // exhausted.
 bool fillShape(MMContext2D& context, const MMPoint2D* points, uint32_t count, MMFillRule rule);
 
-// Strokes or dashes the outline with the stroke paint.
-void strokeShape(MMContext2D& context, MMPoint2D* points, uint32_t count, bool closed);
+// Strokes or dashes the outline with the stroke paint and the given joins.
+void strokeShape(MMContext2D& context, MMPoint2D* points, uint32_t count, bool closed,
+                 uint8_t joinStyle);
 
 } // namespace Graphics2D
 } // namespace KAVO

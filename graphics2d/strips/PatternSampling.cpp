@@ -2,19 +2,12 @@
 // The walk of a span through the pattern image.
 #include "graphics2d/strips/PatternSampling.h"
 
+#include "math/Points.h"
+
 namespace KAVO {
 namespace Graphics2D {
 
 namespace {
-
-MMPoint2D mapped(const Matrix2D& m, Fixed x, Fixed y)
-{
-    // Upright images are frequent, and this runs for every row: products with 0 are 0.
-    if ((m.b | m.c) == 0) return {wrapAdd(fixMul(m.a, x), m.e), wrapAdd(fixMul(m.d, y), m.f)};
-    MMPoint2D point = {x, y};
-    m.transform(&point, &point, 1);
-    return point;
-}
 
 // The weight of a colour by its own alpha, rounded to nearest before it is raised: unlike the
 // gradients', which truncates.

@@ -1,67 +1,13 @@
 // SPDX-License-Identifier: MIT
-// Unit vectors in 2.30 and equal turns of them: what strokes and arcs make their curves of.
-// Internal.
+// Turns by equal steps: what round joins, caps and arcs are made of. Internal.
 //
-// 16.16 directions and the sine table are too coarse for a round cap 500 pixels wide. Here a turn
-// by equal steps is a rotation by one precomputed matrix, exact to a few 2^-30 per step.
+// A step is a rotation by one precomputed matrix, exact to a few 2^-30.
 #pragma once
 
-#include "math/MMPoint2D.h"
+#include "math/UnitVector.h"
 
 namespace KAVO {
 namespace Graphics2D {
-
-using Fixed30 = int32_t; // 2.30, 1.0 = 0x40000000
-
-constexpr Fixed30 kOne30 = 0x40000000;
-
-// A direction, or a rotation by the angle of that direction.
-struct UnitVector {
-    Fixed30 x;
-    Fixed30 y;
-};
-
-constexpr UnitVector opposite(const UnitVector& v)
-{
-    return {-v.x, -v.y};
-}
-
-// v turned by 90 degrees from +x toward +y, and the other way.
-constexpr UnitVector turnedRight(const UnitVector& v)
-{
-    return {-v.y, v.x};
-}
-
-constexpr UnitVector turnedLeft(const UnitVector& v)
-{
-    return {v.y, -v.x};
-}
-
-// v turned by the angle of r.
-constexpr UnitVector rotated(const UnitVector& v, const UnitVector& r)
-{
-    constexpr int64_t kRound = int64_t{1} << 29;
-    return {static_cast<Fixed30>((int64_t{v.x} * r.x - int64_t{v.y} * r.y + kRound) >> 30),
-            static_cast<Fixed30>((int64_t{v.x} * r.y + int64_t{v.y} * r.x + kRound) >> 30)};
-}
-
-// A vector's direction and length. The zero vector has length 0 and points along +x.
-struct Polar {
-    UnitVector direction;
-    int64_t length; // in the units of the vector, rounded down
-};
-
-// Components of at most 2^40.
-Polar polarOf(int64_t x, int64_t y);
-
-// The angle from a to b, 0 to 180 degrees either way, without its sign.
-Degrees angleBetween(Fixed30 dot, Fixed30 cross);
-
-// Cosine and sine of an angle of 0 to 45 degrees.
-UnitVector rotationBy(Degrees angle);
-
-// The direction at any angle, exact to 2^-20.
-UnitVector directionAt(Degrees angle);
 
 // The greatest turn between neighbouring points of a circle of the given radius in device pixels
 // that keeps its chords within sagitta (also device pixels) of it; 0.1 to 45 degrees.
@@ -75,35 +21,6 @@ struct CircleSteps {
     // The angle is not negative; greatestStep as stepWithin answers it.
     CircleSteps(Degrees angle, Degrees greatestStep);
 };
-
-// The greatest factor by which a transform with these linear elements stretches a vector, and the
-// smallest.
-struct Stretch {
-    int64_t greatest;
-    int64_t smallest;
-};
-
-struct LinearPart {
-    Fixed a;
-    Fixed b;
-    Fixed c;
-    Fixed d;
-};
-
-Stretch stretchOf(const LinearPart& m);
-
-// v * length, in the units of length, rounded away from zero.
-constexpr int64_t scaledAway(Fixed30 v, int64_t length)
-{
-    const int64_t product = v * length;
-    return product >= 0 ? (product + kOne30 - 1) >> 30 : -((-product + kOne30 - 1) >> 30);
-}
-
-// The nearest value that a coordinate can have.
-constexpr Fixed saturated(int64_t v)
-{
-    return static_cast<Fixed>(v > 0x7FFFFFFF ? 0x7FFFFFFF : v < -0x7FFFFFFF ? -0x7FFFFFFF : v);
-}
 
 } // namespace Graphics2D
 } // namespace KAVO

@@ -4,10 +4,12 @@
 // One walk over the subpath's edges cuts them at the boundaries of the dash pattern. What lies in
 // an "on" entry is gathered in a scratch buffer and stroked as an open polyline of its own; the
 // buffer never holds more than all vertices and the two ends of a dash.
+#include "graphics2d/strokes/DashArray.h"
+
 #include "graphics2d/BoundsUnion.h"
 #include "graphics2d/strokes/PathEdge.h"
-#include "graphics2d/strokes/Stroker.h"
 #include "math/FixedMath.h"
+#include "math/WideMath.h"
 #include "memory/ScratchArray.h"
 
 #include <algorithm>
@@ -80,9 +82,8 @@ uint64_t lengthBoundOf(const Subpath& subpath)
     PointWalk walk(subpath);
     uint64_t length = 0;
     for (MMPoint2D from = walk.at(); walk.advance(); from = walk.at()) {
-        const int64_t x = int64_t{walk.at().x} - from.x;
-        const int64_t y = int64_t{walk.at().y} - from.y;
-        length += static_cast<uint64_t>((x < 0 ? -x : x) + (y < 0 ? -y : y));
+        length += static_cast<uint64_t>(absolute(int64_t{walk.at().x} - from.x) +
+                                        absolute(int64_t{walk.at().y} - from.y));
     }
     return length;
 }

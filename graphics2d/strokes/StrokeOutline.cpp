@@ -15,6 +15,7 @@
 #include "graphics2d/strokes/StrokeOutline.h"
 
 #include "graphics2d/MMContext2D.h"
+#include "math/WideMath.h"
 
 #include <algorithm>
 
@@ -119,8 +120,8 @@ void StrokeOutline::putJoin(const MMPoint2D& vertex, const Polar& before, const 
 {
     const UnitVector& d1 = before.direction;
     const UnitVector& d2 = after.direction;
-    const Fixed30 cross = static_cast<Fixed30>((int64_t{d1.x} * d2.y - int64_t{d1.y} * d2.x) >> 30);
-    const Fixed30 dot = static_cast<Fixed30>((int64_t{d1.x} * d2.x + int64_t{d1.y} * d2.y) >> 30);
+    const Fixed30 cross = crossOf(d1, d2);
+    const Fixed30 dot = dotOf(d1, d2);
     const int64_t onePlusDot = kOne30 + int64_t{dot};
     const int64_t width = int64_t{pen_.halfWidth} * 2;
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "graphics2d/strokes/CircleSteps.h"
+#include "math/MMPoint2D.h"
 #include "memory/ScratchArray.h"
 
 namespace KAVO {

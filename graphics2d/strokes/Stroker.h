@@ -1,23 +1,26 @@
 // SPDX-License-Identifier: MIT
-// Entries of the strokers with 32-bit counts, for paths and shapes. Internal.
+// The stroker's entry with 32-bit counts, for paths and shapes. Internal.
 #pragma once
 
 #include "graphics2d/MMContext2D.h"
-#include "graphics2d/strokes/CircleSteps.h"
+#include "math/UnitVector.h"
 
 namespace KAVO {
 namespace Graphics2D {
 
-// How the pen of the context's stroke style comes out on the device. Made once for all lines that
-// one call strokes.
+// The pen of the context's stroke style, and how it comes out on the device. Made once for all
+// lines that one call strokes.
 struct DevicePen {
+    uint8_t joinStyle;
+
     int64_t greatest; // half width where the pen is widest, in 16.16 pixels
     int64_t smallest; // and where it is narrowest
     Degrees step;     // the greatest turn between points of round joins and caps
     // Of a line without length that has a direction all the same, as dashes do.
     UnitVector direction = {kOne30, 0};
 
-    explicit DevicePen(const MMContext2D& context);
+    explicit DevicePen(const MMContext2D& context) : DevicePen(context, context.joinStyle) {}
+    DevicePen(const MMContext2D& context, uint8_t joins);
 
     // The step, or a coarser one where that many half turns would make too many points.
     Degrees stepFor(uint64_t count) const;
@@ -26,10 +29,6 @@ struct DevicePen {
 // As MMContext2D::drawPolyline: strokes one subpath of consecutive records in user space.
 void strokeSubpath(MMContext2D& context, const DevicePen& pen, const MMLinkPath* records,
                    uint32_t recordCount, bool closed);
-
-// The same, cut into dashes when the context has a dash array.
-void strokeOrDashSubpath(MMContext2D& context, const DevicePen& pen, const MMLinkPath* records,
-                         uint32_t recordCount, bool closed);
 
 } // namespace Graphics2D
 } // namespace KAVO

@@ -4,6 +4,8 @@
 #include "graphics2d/text/FontLibrary.h"
 #include "graphics2d/text/GlyphCompositor.h"
 #include "math/FixedMath.h"
+#include "math/LinearPart.h"
+#include "math/Points.h"
 
 #include <algorithm>
 
@@ -15,23 +17,11 @@ namespace {
 constexpr Fixed kSlantTangent = 23853; // tan 20 degrees
 
 // From the em square, y down, to device pixels, without translation.
-struct GlyphMatrix {
-    Fixed a;
-    Fixed b;
-    Fixed c;
-    Fixed d;
-};
-
-bool operator==(const GlyphMatrix& m, const GlyphMatrix& n)
-{
-    return m.a == n.a && m.b == n.b && m.c == n.c && m.d == n.d;
-}
-
-GlyphMatrix glyphMatrixOf(const MMContext2D& context)
+LinearPart glyphMatrixOf(const MMContext2D& context)
 {
     const Fixed size = context.fontSize;
     const Matrix2D& t = context.transform;
-    GlyphMatrix m = {fixMul(size, t.a), fixMul(size, t.b), fixMul(size, t.c), fixMul(size, t.d)};
+    LinearPart m = {fixMul(size, t.a), fixMul(size, t.b), fixMul(size, t.c), fixMul(size, t.d)};
     if (context.fontStyle == kFontItalic || context.fontStyle == kFontOblique) {
         m.a = wrapSub(m.a, fixMul(m.b, kSlantTangent));
         m.c = wrapSub(m.c, fixMul(m.d, kSlantTangent));
@@ -39,23 +29,14 @@ GlyphMatrix glyphMatrixOf(const MMContext2D& context)
     return m;
 }
 
-GlyphMatrix rotated(const GlyphMatrix& m, Degrees angle)
+LinearPart rotated(const LinearPart& m, Degrees angle)
 {
-    Degrees reduced = angle % kDegrees360;
-    if (reduced < 0) reduced += kDegrees360;
-    const Fixed sine = fixSin(reduced);
-    const Fixed cosine = fixCos(reduced);
+    const Fixed sine = fixSin(reducedAngle(angle));
+    const Fixed cosine = fixCos(reducedAngle(angle));
     return {wrapSub(fixMul(cosine, m.a), fixMul(sine, m.b)),
             wrapAdd(fixMul(sine, m.a), fixMul(cosine, m.b)),
             wrapSub(fixMul(cosine, m.c), fixMul(sine, m.d)),
             wrapAdd(fixMul(sine, m.c), fixMul(cosine, m.d))};
-}
-
-MMPoint2D mapped(const Matrix2D& transform, Fixed x, Fixed y)
-{
-    MMPoint2D point = {x, y};
-    transform.transform(&point, &point, 1);
-    return point;
 }
 
 // Glyph images from the context's cache or from the engine.
@@ -69,7 +50,7 @@ public:
         key_[0] = static_cast<uint32_t>(context.fontSize);
     }
 
-    void setMatrix(const GlyphMatrix& m)
+    void setMatrix(const LinearPart& m)
     {
         if (hasMatrix_ && m == matrix_) return;
         matrix_ = m;
@@ -113,7 +94,7 @@ private:
 
     MMContext2D& context_;
     uint32_t key_[6];
-    GlyphMatrix matrix_ = {};
+    LinearPart matrix_ = {};
     bool hasMatrix_ = false;
     bool caching_ = true; // until the cache cannot hold the key's prefix
 };
@@ -159,7 +140,7 @@ void MMContext2D::renderText(const uint16_t* text, uint16_t length, uint8_t draw
     GlyphCompositor compositor(*this);
     const bool draws =
         draw != 0 && compositor.begin(fillPaint.paintType != kPaintNone ? fillPaint : strokePaint);
-    const GlyphMatrix upright = glyphMatrixOf(*this);
+    const LinearPart upright = glyphMatrixOf(*this);
     GlyphSource source(*this);
     MMPoint2D pen = mapped(transform, penX, penY); // in device space until the end
     for (uint32_t taken = 0; taken < length && text[taken] != 0; ++taken) {

@@ -36,7 +36,7 @@ void record(MMContext2D& context, const DevicePen& pen, const MMLinkPath* record
 {
     if (recorder == nullptr) return strokeReally(context, pen, records, recordCount, closed);
     StrokeRecorder::Stroke stroke = {
-        {}, recordCount, closed, context.joinStyle, context.currentPaint.paintColour};
+        {}, recordCount, closed, pen.joinStyle, context.currentPaint.paintColour};
     for (uint32_t i = 0; i < recordCount; ++i)
         stroke.points.insert(stroke.points.end(), records[i].points,
                              records[i].points + records[i].count);

@@ -5,11 +5,13 @@
 // skewing and mirroring. Without anti-aliasing a pen that can be thinner than a device pixel would
 // leave gaps: its stroke is united with that of a pen one pixel wide in device space, or replaced
 // by it when it is thinner everywhere.
+#include "graphics2d/strokes/Stroker.h"
+
 #include "graphics2d/BoundsUnion.h"
 #include "graphics2d/raster/Rasteriser.h"
 #include "graphics2d/strokes/StrokeOutline.h"
-#include "graphics2d/strokes/Stroker.h"
-#include "math/FixedMath.h"
+#include "math/LinearPart.h"
+#include "math/Points.h"
 
 #include <algorithm>
 
@@ -42,15 +44,10 @@ Degrees stepOf(int64_t deviceHalfWidth)
     return stepWithin(deviceHalfWidth <= kWidePen ? kSagitta : kWidePenSagitta, deviceHalfWidth);
 }
 
-// As Matrix2D::transform, but points beyond the range stop at its end instead of wrapping.
 void transformSaturated(const Matrix2D& m, MMPoint2D* points, uint32_t count)
 {
-    for (MMPoint2D* p = points; p != points + count; ++p) {
-        const int64_t x = p->x;
-        const int64_t y = p->y;
-        p->x = saturated(((x * m.a) >> 16) + ((y * m.c) >> 16) + m.e);
-        p->y = saturated(((x * m.b) >> 16) + ((y * m.d) >> 16) + m.f);
-    }
+    for (MMPoint2D* p = points; p != points + count; ++p)
+        *p = mappedSaturated(m, *p);
 }
 
 // Drops every point that equals the one before it, and at the end of a closed line those that equal
@@ -85,7 +82,7 @@ public:
 private:
     StrokePen pen() const
     {
-        return {context_.strokeHalfWidth, context_.miterLimit,        context_.joinStyle,
+        return {context_.strokeHalfWidth, context_.miterLimit,        devicePen_.joinStyle,
                 context_.capStyle,        devicePen_.stepFor(count_), devicePen_.direction};
     }
 
@@ -94,7 +91,7 @@ private:
     StrokePen hairline() const
     {
         const MMCapStyle cap = context_.capStyle == kCapButt ? kCapButt : kCapSquare;
-        return {kFixedHalf, context_.miterLimit, context_.joinStyle,
+        return {kFixedHalf, context_.miterLimit, devicePen_.joinStyle,
                 cap,        stepOf(kFixedHalf),  {kOne30, 0}};
     }
 
@@ -145,7 +142,8 @@ private:
             fill(wide.points(), wide.count());
             return true;
         }
-        if (mirrors()) std::reverse(thin.points(), thin.points() + thin.count());
+        if (isMirroring(linearPartOf(context_.transform)))
+            std::reverse(thin.points(), thin.points() + thin.count());
 
         const uint32_t count = wide.count() + thin.count() + 2;
         ScratchArray<MMPoint2D> both(context_.scratchStack, count);
@@ -158,13 +156,6 @@ private:
         return true;
     }
 
-    // True when the transform turns outlines the other way round.
-    bool mirrors() const
-    {
-        const Matrix2D& m = context_.transform;
-        return int64_t{m.a} * m.d < int64_t{m.b} * m.c;
-    }
-
     MMContext2D& context_;
     const DevicePen& devicePen_;
     MMPoint2D* points_;
@@ -174,10 +165,9 @@ private:
 
 } // namespace
 
-DevicePen::DevicePen(const MMContext2D& context)
+DevicePen::DevicePen(const MMContext2D& context, uint8_t joins) : joinStyle(joins)
 {
-    const Matrix2D& m = context.transform;
-    const Stretch stretch = stretchOf({m.a, m.b, m.c, m.d});
+    const Stretch stretch = stretchOf(linearPartOf(context.transform));
     greatest = stretched(context.strokeHalfWidth, stretch.greatest);
     smallest = stretched(context.strokeHalfWidth, stretch.smallest);
     step = stepOf(greatest);
