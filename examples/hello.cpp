@@ -1,34 +1,24 @@
 // SPDX-License-Identifier: MIT
-// Draws a heart and writes it to a PPM file, which most viewers open.
-#include <graphics2d/MMContext2D.h>
-
 #include <cstdio>
-
+#include <graphics2d/convenience/MMContextState.h>
+#include <graphics2d/convenience/MMPathBuilder.h>
 using namespace KAVO;
-
-static Pixel pixels[200 * 200];
+using namespace KAVO::Graphics2D;
 
 int main(int argc, char** argv)
 {
-    // clang-format off
-    constexpr uint32_t k = 0x10000; // 1.0: coordinates are 16.16
-    const uint32_t heart[] = {
-        1 | 2u << 16,                                    // one subpath, two segments
-        1, 100 * k, 60 * k,                              // starts with this point
-        2 | 1u << 28 | 3u << 30,                         // two curves, then it closes
-        120 * k, 0, 240 * k, 60 * k, 100 * k, 180 * k,
-        0 - 40 * k, 60 * k, 80 * k, 0, 100 * k, 60 * k};
-    // clang-format on
-    KAVO::Graphics2D::MMContext2D context;
-    context.target = {200, 200, 200 * 4, 0xFFFFFFFF, pixels, 0};
-    context.clipRight = context.clipBottom = 200;
+    static Pixel pixels[200 * 200]; // 0xAARRGGBB, black
+    MMContext2D context;
+    setTarget(context, pixels, 200, 200);
     context.antiAlias = 1;
     context.fillPaint.paintColour = 0xFFD02040;
-    context.drawPath(heart);
+    MMPathBuilder heart;
+    heart.moveTo(100_fx, 60_fx).cubicTo(120_fx, 0, 240_fx, 60_fx, 100_fx, 180_fx);
+    heart.cubicTo(-40_fx, 60_fx, 80_fx, 0, 100_fx, 60_fx);
+    context.drawPath(heart.words());
 
     FILE* file = std::fopen(argc > 1 ? argv[1] : "hello.ppm", "wb");
-    if (!file) return 1;
-    std::fputs("P6 200 200 255\n", file);
+    if (!file || std::fputs("P6 200 200 255\n", file) < 0) return 1;
     for (const Pixel p : pixels)
         std::fprintf(file, "%c%c%c", p >> 16 & 255, p >> 8 & 255, p & 255);
     return std::fclose(file) == 0 ? 0 : 1;

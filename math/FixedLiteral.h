@@ -2,7 +2,7 @@
 // 16.16 numbers as people write them: literals, and ratios of whole numbers.
 #pragma once
 
-#include "math/Fixed.h"
+#include "Fixed.h"
 
 #include <cstddef>
 #include <cstdint>

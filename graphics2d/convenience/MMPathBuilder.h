@@ -18,8 +18,9 @@
 // left out.
 #pragma once
 
-#include "graphics2d/MMPathWords.h"
-#include "math/MMPoint2D.h"
+#include "../../math/FixedLiteral.h"
+#include "../../math/MMPoint2D.h"
+#include "../MMPathWords.h"
 
 #include <cstddef>
 #include <cstdint>

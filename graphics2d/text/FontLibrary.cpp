@@ -18,6 +18,7 @@ namespace Graphics2D {
 void* fontEngine = nullptr;
 int32_t fontEngineUsers = 0;
 int32_t fontEmboldening = 0;
+char* fontFile = nullptr;
 
 namespace {
 
@@ -32,6 +33,10 @@ constexpr int32_t kBoldFraction = 0x199C; // about 0.1 em
 
 void registerFont()
 {
+    if (fontFile != nullptr) {
+        FS_add_font(fontEngine, kFontName, fontFile, 0, 0);
+        return;
+    }
     const char* variable = std::getenv(kFontDirectoryVariable);
     const char* directory = variable != nullptr ? variable : kFontDirectory;
     const size_t bytes = std::strlen(directory) + 1 + sizeof kFontFile;

@@ -20,5 +20,9 @@ extern int32_t fontEngineUsers;
 // The emboldening last passed to the engine, whichever context did it: a 16.16 fraction of the em.
 extern int32_t fontEmboldening;
 
+// The font file that the next engine to start registers, from the heap; null: the one that the
+// environment names.
+extern char* fontFile;
+
 } // namespace Graphics2D
 } // namespace KAVO
