@@ -1,10 +1,12 @@
 #!/bin/bash
 # SPDX-License-Identifier: MIT
 # Installs the library, shared and static, and builds and runs tests/consumer against what was
-# installed, found through CMake and through pkg-config. Every installed header must compile alone.
+# installed, found through CMake and through pkg-config; then builds the consumer with the library's
+# tree as a part of its own. Every installed header must compile alone, without warnings, and
+# whatever headers of the same names a program has.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/install-packages.sh build
+scripts/install-packages.sh build clang
 
 folder=$PWD/build/install-check
 rm -rf "$folder"
@@ -15,36 +17,71 @@ quietly() {
     "$@" > "$folder/log" 2>&1 || { cat "$folder/log"; exit 1; }
 }
 
+# check_headers FOLDER: what is installed in FOLDER/mm2d.
+check_headers() {
+    local header decoys=$folder/decoys
+    for header in $(cd "$1/mm2d" && find . -name '*.h' | sort); do
+        mkdir -p "$decoys/$(dirname "$header")"
+        echo '#error "a header of the program in place of the library'"'"'s"' > "$decoys/$header"
+    done
+    for header in $(cd "$decoys" && find . -name '*.h' | sort); do
+        echo "#include <mm2d/$header>" > "$folder/header.cpp"
+        g++ -std=c++17 -pedantic-errors -Wall -Wextra -Wconversion -Wshadow -Werror -fsyntax-only \
+            -I"$decoys" -I"$1" "$folder/header.cpp"
+        clang++ -std=c++17 -Wall -Wextra -Wpedantic -Werror -fsyntax-only \
+            -I"$decoys" -I"$1" "$folder/header.cpp"
+    done
+}
+
 for kind in shared static; do
     echo "== $kind library"
     prefix=$folder/$kind/prefix
     shared=$([ $kind = shared ] && echo ON || echo OFF)
-    quietly cmake -S . -B "$folder/$kind/library" -G Ninja \
-        -DBUILD_SHARED_LIBS=$shared \
-        -DCMAKE_INSTALL_PREFIX="$prefix" -DMM2D_WERROR=ON
+    quietly cmake -S . -B "$folder/$kind/library" -G Ninja -DBUILD_SHARED_LIBS="$shared" \
+        -DMM2D_WERROR=ON
     quietly cmake --build "$folder/$kind/library" --parallel "$(nproc)"
-    quietly cmake --install "$folder/$kind/library"
+    quietly cmake --install "$folder/$kind/library" --prefix "$prefix"
     libraries=$(dirname "$(find "$prefix" -name 'libmm2d.*' | head -n 1)")
 
     if [ $kind = shared ]; then
         objdump -p "$libraries/libmm2d.so" | grep -q 'SONAME *libmm2d\.so\.1$'
+        check_headers "$prefix/include"
     fi
 
-    (cd "$prefix/include/mm2d" && find . -name '*.h' | sort | while read -r header; do
-        echo "#include \"$header\"" |
-            g++ -std=c++17 -Wall -Wextra -Werror -fsyntax-only -I. -x c++ -
-    done)
-
     echo "-- through CMake"
-    quietly cmake -S tests/consumer -B "$folder/$kind/cmake" -G Ninja \
-        -DCMAKE_PREFIX_PATH="$prefix"
+    quietly cmake -S tests/consumer -B "$folder/$kind/cmake" -G Ninja -DCMAKE_PREFIX_PATH="$prefix"
     quietly cmake --build "$folder/$kind/cmake"
     "$folder/$kind/cmake/consumer"
+    "$folder/$kind/cmake/own_names"
 
     echo "-- through pkg-config"
     flags=$(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --$kind --cflags --libs mm2d)
-    # shellcheck disable=SC2086 # the flags are words
-    g++ -std=c++17 tests/consumer/main.cpp -o "$folder/$kind/consumer" $flags
-    LD_LIBRARY_PATH=$libraries "$folder/$kind/consumer"
+    for program in consumer own_names; do
+        # shellcheck disable=SC2086 # the flags are words
+        g++ -std=c++17 -Itests/consumer/own tests/consumer/$program.cpp \
+            -o "$folder/$kind/$program" $flags
+        LD_LIBRARY_PATH=$libraries "$folder/$kind/$program"
+    done
 done
-echo "the installed library can be used both ways"
+
+echo "== as a part of another project"
+parent=$folder/parent
+quietly cmake -S tests/consumer -B "$parent" -G Ninja -DLIBRARY_TREE="$PWD"
+quietly cmake --build "$parent" --parallel "$(nproc)"
+"$parent/consumer"
+"$parent/own_names"
+if grep -E '^(BUILD_SHARED_LIBS|BUILD_TESTING|CMAKE_BUILD_TYPE):[A-Z]*=.' "$parent/CMakeCache.txt"; then
+    echo "the library has set what belongs to the parent project"
+    exit 1
+fi
+[ -f "$parent/mm2d/libmm2d.a" ] || { echo "not the kind of library that the parent builds"; exit 1; }
+ctest --test-dir "$parent" -N 2>&1 | grep -qE 'Total Tests: 0|No tests' ||
+    { echo "the parent project has got tests of the library"; exit 1; }
+quietly cmake --install "$parent" --prefix "$folder/parent-prefix"
+[ ! -e "$folder/parent-prefix" ] || { echo "the parent project installs the library"; exit 1; }
+quietly cmake -S tests/consumer -B "$parent-shared" -G Ninja -DLIBRARY_TREE="$PWD" \
+    -DBUILD_SHARED_LIBS=ON
+grep -q 'libmm2d\.so' "$parent-shared/build.ninja" ||
+    { echo "BUILD_SHARED_LIBS is not read"; exit 1; }
+
+echo "the library can be used in all these ways"

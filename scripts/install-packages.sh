@@ -4,8 +4,8 @@
 #
 #   scripts/install-packages.sh GROUP...
 #
-# Groups: build (the library), test, examples, bench, targets (other machines and compilers),
-# format, fuzz, coverage.
+# Groups: build (the library), test, examples, bench, clang, targets (other machines and compilers),
+# format, fuzz, coverage, lint (shellcheck and clang-tidy), bare-machine.
 set -euo pipefail
 
 packages=()
@@ -17,16 +17,20 @@ for group in "$@"; do
                 fonts-dejavu-core fonts-wqy-microhei fonts-tlwg-garuda-ttf) ;;
         examples)
             packages+=(libpugixml-dev libpng-dev
-                librsvg2-bin librsvg2-tests openclipart-svg) ;;
+                librsvg2-bin librsvg2-tests openclipart-svg
+                fonts-dejavu-core fonts-wqy-microhei fonts-tlwg-garuda-ttf) ;;
         bench)
             packages+=(libbenchmark-dev libcairo2-dev libagg-dev libpugixml-dev libpng-dev
                 fonts-dejavu-core) ;;
+        clang) packages+=(clang libclang-rt-14-dev) ;;
         fuzz) packages+=(clang libclang-rt-14-dev fonts-dejavu-core) ;;
         coverage) packages+=(gcovr) ;;
         targets)
             packages+=(clang libclang-rt-14-dev
                 g++-arm-linux-gnueabihf g++-aarch64-linux-gnu) ;;
         format) packages+=(clang-format-14) ;;
+        lint) packages+=(shellcheck clang-tidy-14) ;;
+        bare-machine) packages+=(debootstrap) ;;
         *)
             echo "$0: unknown group $group" >&2
             exit 2 ;;
