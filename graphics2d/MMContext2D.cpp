@@ -31,25 +31,25 @@ uint32_t fontCacheBytes()
 
 MMContext2D::MMContext2D()
 {
-    // Padding included: a context compares and copies as plain bytes.
+    // In the body rather than by the members' own initialisers: those would leave the padding as it
+    // was, and an object is to be the same bytes wherever it is made.
     std::memset(static_cast<void*>(this), 0, sizeof *this);
-    savedTransforms[0] = kIdentityMatrix;
-    savedTransforms[1] = kIdentityMatrix;
-    transform = kIdentityMatrix;
     scratchStack.Create(kFirstScratchWords);
     strokePaint.paintType = kPaintNone;
+    strokePaint.paintOpacity = 255;
     fillPaint.paintColour = 0xFF000000;
+    fillPaint.paintOpacity = 255;
     fontSize = 12 * kFixedOne;
     fontWeight = 4;
-    miterLimit = 4 * kFixedOne;
-    imageOpacity = 255;
+    savedTransforms[0] = savedTransforms[1] = kIdentityMatrix;
+    transform = kIdentityMatrix;
     strokeHalfWidth = kFixedHalf;
-    target.backgroundColour = 0xFFFFFFFF;
-    strokePaint.paintOpacity = 255;
-    fillPaint.paintOpacity = 255;
-    reservedFlag = 1;
-    pointStep = 1;
+    miterLimit = 4 * kFixedOne;
     patternFilter = kFilterBilinear;
+    imageOpacity = 255;
+    reservedFlag = 1;
+    target.backgroundColour = 0xFFFFFFFF;
+    pointStep = 1;
     initFontLib();
     updateFont();
     createLayoutManager();

@@ -16,11 +16,21 @@
 // Pixel grid. Without anti-aliasing pixel c covers [c, c + 1) and is drawn when its centre is
 // inside the shape. With it, the half pixel that the rasterisers add to every vertex makes pixel c
 // cover [c - 1/2, c + 1/2): for the grid that SVG uses, translate by minus half a pixel while
-// antiAlias is set. Text and images do not take part in the shift.
+// antiAlias is set. Text does not take part in the shift, and of an image only the outline does.
+//
+// Background. Translucent gradients and patterns, and glyphs of any paint, read what lies under a
+// pixel from its right-hand neighbour: where they are drawn, the picture behind them moves left by
+// one pixel. Only the last pixel of the target reads itself. Solid colours blend pixels over
+// themselves.
 //
 // Failure. Nothing throws and nothing is logged. An operation that cannot get memory sets bit 0 of
 // outOfMemory, gives back what it took and draws nothing (further); the bit stays until the caller
-// clears it. No input makes the library write outside the target and the clip rectangle.
+// clears it. One case is silent: drawEllipticalRect without memory for its fill. No input makes the
+// library write outside the target and the clip rectangle.
+//
+// Null pointers. A null pointer to points, records, a path, a pixmap, a text or a result draws
+// nothing and answers 0. This holds for every call of the library, and for the points inside
+// records as well.
 //
 // Threads. A context is used by one thread at a time. The font engine is shared by all contexts of
 // a process without a lock, so contexts are created, used for text and destroyed on one thread.
@@ -66,9 +76,11 @@ public:
     MMContext2D& operator=(const MMContext2D&) = delete;
 
     // --- Polygons, in device space, closed implicitly -------------------------------------------
+    // They are drawn with currentPaint, whatever fillPaint and strokePaint hold. Other operations
+    // leave their own paint there, so set it before each of these calls.
 
-    // Fills a polygon with the current paint by the fill rule. Fewer than three points, or all on
-    // one horizontal line, draw nothing. Sets the bounds fields.
+    // Fills a polygon by the fill rule. Fewer than three points, or all on one horizontal line,
+    // draw nothing and leave the bounds fields as they are; otherwise they are set.
     void rasterPolygon(MMPoint2D* points, uint16_t count);
 
     // The quick way for a polygon that every horizontal line meets at most twice. Any other polygon
@@ -78,8 +90,8 @@ public:
     // The general way: self-crossing outlines, holes, many subpaths bridged into one polygon.
     void rasterComplexPolygon(MMPoint2D* points, uint16_t count);
 
-    // Draws the edge pixels and the interior of one anti-aliased row from the edge state below.
-    // Called by the rasterisers only.
+    // Draws the edge pixels and the interior of one anti-aliased row from the span and the edge
+    // state below. For callers with rows of their own; the rasterisers do without it.
     void smoothEdges();
 
     // --- Paths, in user space -------------------------------------------------------------------
@@ -96,13 +108,15 @@ public:
     void drawPath(const uint32_t* path);
 
     // Number of points and curve ends of a stored path (one word, which is skipped, then the path
-    // as drawPath reads it), one more for each command with bit 31.
+    // as drawPath reads it), and of the items that ignored commands announce; one more for each
+    // command with bit 31.
     uint32_t getPathKeyPointCount(const uint32_t* storedPath);
 
     // Walks along a stored path to the given distance from its start, in user units, curves
     // flattened as drawing does. Leaves the point in pos.current and the direction of the path
-    // there in *result unless that is null. Gaps between subpaths add no length; beyond the end the
-    // walk stays at the end. A smaller distance than before, or pos.subpathsLeft of 0, starts anew.
+    // there in *result; a null result is not written. Gaps between subpaths add no length; beyond
+    // the end the walk stays at the end. A smaller distance than before, or pos.subpathsLeft of 0,
+    // starts anew. Without a path nothing moves, and *result is 0.
     void getPathPos(MMPathPos& pos, Fixed distance, Degrees* result);
 
     // Flattens one cubic curve into points every pointStep positions from out on, its start left
@@ -121,6 +135,10 @@ public:
     void drawPolyline(MMLinkPath* records, int16_t segmentCount, uint8_t closed);
 
     // The same cut into dashes; one without length is a dot, a square one turned with its edge.
+    // Without a usable pattern (no dashArray, no entries, a negative one, or only zeros), or where
+    // one would make more than 65,535 dashes and gaps, the line is stroked whole. A subpath of one
+    // record with one point draws nothing, and three words of scratch memory stay taken until the
+    // context ends.
     void drawDashArray(MMLinkPath* records, uint16_t segmentCount, uint8_t closed);
 
     // Fills and strokes a rectangle with elliptical corners, or an ellipse (radii equal to the half
@@ -136,25 +154,30 @@ public:
     int32_t getCircularArcPts(MMPoint2D* out, MMPoint2D& centre, MMPoint2D& from, MMPoint2D& to,
                               Fixed radius, uint8_t increasing);
 
-    // Fills and strokes a circular arc of sweep degrees from the direction start; a positive sweep
-    // goes with increasing angles. With outline 0, pie 1 closes it through the centre and pie 0 by
-    // the chord. Outline 1 fills nothing and strokes the open arc, whatever pie says. A sweep of
-    // 360 degrees or more either way is the whole circle, always closed and without its centre.
-    // Sets the bounds fields to those of all that was drawn. A radius of 0 or less, or a null
-    // centre, draws nothing.
+    // Fills and strokes a circular arc of sweep degrees from the direction start, which may be any
+    // angle, negative ones too; a positive sweep goes with increasing angles. With outline 0, pie 1
+    // closes it through the centre and pie 0 by the chord. Outline 1 fills nothing and strokes the
+    // open arc, whatever pie says. A sweep of 360 degrees or more either way is the whole circle,
+    // always closed and without its centre. Sets the bounds fields to those of all that was drawn.
+    // A radius of 0 or less, or a null centre, draws nothing.
     void drawCircularArc(MMPoint2D* centre, Fixed radius, Degrees start, Degrees sweep, uint8_t pie,
                          uint8_t outline);
 
     // --- Images ---------------------------------------------------------------------------------
     // The image is the pattern paint of these calls, with imageOpacity and sampled by
     // patternFilter; beyond its edges the outermost texels repeat. Both leave the image, its
-    // transform and the opacity behind in currentPaint; its paint type comes back. A null
-    // argument draws nothing.
+    // transform and the opacity behind in currentPaint and give back its paint type alone: the
+    // parameters of the paint that was there are gone.
+    //
+    // Draw upright images with antiAlias off. With it the edges are those of any shape, and an
+    // image of 16 by 16 at whole coordinates has half covered pixels all around. Inside the edges
+    // every filter puts texel (i, j) of an image of its own size on pixel (i, j), with and without
+    // antiAlias; bicubic blurs it a little.
 
     // Draws through the transform into the rectangle of w by h at (x, y) in user space. Without
-    // offsetByPosition the image lies at the user space's origin, and the rectangle only selects
-    // what is drawn; with it, the image is moved by (x, y) device pixels. The image's alpha counts
-    // when the low byte of its pixmapExtra is not 0.
+    // offsetByPosition the image lies at the user space's origin; with it, it is moved by (x, y)
+    // device pixels. Either way the rectangle selects what is drawn: w and h do not scale, only the
+    // transform does. The image's alpha counts when the low byte of its pixmapExtra is not 0.
     void drawImage(const MMPixmap* image, Fixed x, Fixed y, Fixed w, Fixed h,
                    uint8_t offsetByPosition);
 
@@ -167,9 +190,18 @@ public:
 
     // --- Text -----------------------------------------------------------------------------------
     // All text is UTF-16, each code unit a character of its own: surrogate halves have no glyphs,
-    // and a character without a glyph is left out without advance. Text is drawn with fillPaint, or
-    // with strokePaint when the fill is kPaintNone; exclusive-or and picking paints draw none. Null
-    // texts count as empty. With fontMetrics null nothing is drawn or measured.
+    // and a character without a glyph is left out without advance. With fontMetrics null nothing is
+    // drawn or measured. Lengths are cut to 16 bits: a text of 65,536 characters draws nothing.
+    //
+    // Text is drawn with fillPaint, or with strokePaint when the fill is kPaintNone; exclusive-or
+    // and picking paints draw none. In a gradient or pattern it takes paintOpacity twice:
+    // 128 shows as 64. The rows of the target are addressed by width * 4, whatever its rowBytes
+    // says.
+    //
+    // The font is the file AMCSL.TTF in the folder that the environment variable YBN_RES_FONT_PATH
+    // names, by default /usr/lib/ybn/lib/fonts, looked up when a context starts the font engine.
+    // SVG_FONT_CACHE_KB, from 10 to 200, is the number of kilobytes of glyph images that a context
+    // keeps, by default 40; the index to them is not counted.
 
     // Brings the white space of a document into shape; dst may be src. Without preserveSpace,
     // leading white space and line ends go and runs of blanks become one space (also at the end);
@@ -185,7 +217,7 @@ public:
     // Advance of the first length characters in user units. Neither pen nor bounds change.
     Fixed getTextWidth(const uint16_t* text, uint16_t length);
 
-    // The advance, after ParseText in place, and lineHeight.
+    // The advance, after ParseText in place, and lineHeight; two zeros for a null text.
     void getTextSize(uint16_t* text, uint16_t length, Fixed& width, Fixed& height);
 
     // Box of a text at (x, y) in whole pixels, with no transform; the bounds fields hold it too,
@@ -213,8 +245,10 @@ public:
     void drawWrappedText(uint16_t* text, uint8_t, uint8_t);
 
     // The font engine is started by the first context and ended with the last. The constructor and
-    // the destructor call these; updateFont must also follow a change of fontWeight, and sets
-    // lineHeight to fontSize. initFontLib returns 1 when there is no memory for the engine.
+    // the destructor call these. updateFont must also follow a change of fontWeight: it sets the
+    // emboldening of the shared engine, and so that of every context's text from then on. It sets
+    // lineHeight to fontSize, too; the size of the text itself follows fontSize without it.
+    // initFontLib returns 1 when there is no memory for the engine.
     uint32_t initFontLib();
     void releaseFontLib();
     void updateFont();
@@ -251,27 +285,37 @@ public:
     void drawBiCubPatternStrip();
     void drawBiCubPatternTStrip();
 
-    // --- State, in the order of the record ------------------------------------------------------
+    // --- State ----------------------------------------------------------------------------------
+    // All fields, in the order of the record. The heading of a group says whose it is:
+    //   SET     by callers; operations read it, and where one writes it, that is said there
+    //   LEFT    by operations, for callers to read
+    //   INNER   to the library; callers leave it alone unless they draw spans or rows themselves
+    // A field starts at 0 (empty, off, null) unless its default stands here.
 
+    // INNER: memory.
     MMStackContext scratchStack;  // temporary arrays of all operations
     MMCacheContext<48> fontCache; // glyph images
-    MMPaint strokePaint;          // kPaintNone
-    MMPaint fillPaint;            // opaque black
 
-    // Font state.
-    void* currentGlyph;    // the font engine's glyph image that is still to be given back
+    // SET: paints.
+    MMPaint strokePaint; // default: kPaintNone, opacity 255
+    MMPaint fillPaint;   // default: solid, opaque black
+
+    // INNER: the font engine's.
+    void* currentGlyph;    // glyph image that is still to be given back
     uint16_t* fontMetrics; // record of the font engine, owned; null: no text
-    Fixed lineHeight;      // distance between baselines, user units
-    Fixed fontSize;        // user units per em, 12.0
-    uint32_t fontStyle;    // MMFontStyle
-    uint32_t textAnchor;   // MMTextAnchor
-    uint8_t fontWeight;    // hundreds, 4; bold from 6 on. Call updateFont after a change
-    uint8_t newLineFlag;   // set by newLine, cleared by drawWrappedText; for callers
-    Fixed penX;            // where the next text goes on, user units
+
+    // SET: font and pen. Drawing text moves the pen.
+    Fixed lineHeight;    // distance between baselines, user units; default: fontSize
+    Fixed fontSize;      // user units per em; default: 12.0
+    uint32_t fontStyle;  // MMFontStyle; default: upright
+    uint32_t textAnchor; // MMTextAnchor; default: start
+    uint8_t fontWeight;  // hundreds, bold from 6 on; default: 4. Call updateFont after a change
+    uint8_t newLineFlag; // LEFT: set by newLine, cleared by drawWrappedText
+    Fixed penX;          // where the next text goes on, user units
     Fixed penY;
 
-    // Placing of single characters, by their index in the text. A list of positions counts from two
-    // values on; one rotation turns all characters, more turn one each.
+    // SET: placing of single characters, by their index in the text. A list of positions counts
+    // from two values on; one rotation turns all characters, more turn one each.
     const Fixed* charX; // user units
     uint32_t charXCount;
     const Fixed* charY;
@@ -280,40 +324,47 @@ public:
     uint32_t charRotateCount;
     uint8_t preserveSpace; // 1: ParseText keeps white space
 
+    // SET: wrapped text.
     Fixed wrapWidth;   // line width of drawWrappedText, user units; its whole part counts
     Fixed wrapOffsetX; // added to the pen for each of its lines
     Fixed wrapOffsetY;
     uint32_t textDecoration; // 1: drawWrappedText underlines
 
-    Matrix2D savedTransforms[2]; // free for callers
-    Matrix2D transform;          // user space to device pixels
-
-    int16_t clipLeft; // device pixels; left and top inclusive, right and bottom exclusive
+    // SET: the transform, and the clip rectangle: left and top inclusive, right and bottom
+    // exclusive. By default it is empty, so that nothing is drawn.
+    Matrix2D savedTransforms[2]; // free for callers; default: identity
+    Matrix2D transform;          // user space to device pixels; default: identity
+    int16_t clipLeft;            // device pixels
     int16_t clipTop;
     int16_t clipRight;
     int16_t clipBottom;
 
-    Fixed strokeHalfWidth;  // user units, 0.5
-    Fixed miterLimit;       // greatest miter length by stroke width, 4.0
-    uint8_t joinStyle;      // MMJoinStyle
-    uint8_t capStyle;       // MMCapStyle
+    // SET: stroke style.
+    Fixed strokeHalfWidth;  // user units; default: 0.5
+    Fixed miterLimit;       // greatest miter length by stroke width; default: 4.0
+    uint8_t joinStyle;      // MMJoinStyle; default: miter
+    uint8_t capStyle;       // MMCapStyle; default: butt
     const Fixed* dashArray; // lengths on and off alternately, user units; null: no dashes
     Fixed dashOffset;       // distance into the pattern at which a subpath starts
-    uint16_t dashCount;
+    uint16_t dashCount;     // entries of dashArray
 
-    uint8_t patternFilter;    // MMPatternFilter, bilinear
-    uint8_t imageOpacity;     // 255; taken over into paintOpacity by drawImage
+    // SET: images, and what the bounds cover.
+    uint8_t patternFilter;    // MMPatternFilter; default: bilinear
+    uint8_t imageOpacity;     // taken over into paintOpacity by drawImage; default: 255
     uint8_t accumulateBounds; // strokes and text unite the bounds of all their pieces
-    uint8_t reservedFlag;     // 1; nothing reads it
+    uint8_t reservedFlag;     // nothing reads it; default: 1
 
-    Fixed boundsMinX; // of the last polygon drawn, device space
+    // LEFT: bounds of the last polygon drawn, or of what accumulateBounds unites; device space.
+    Fixed boundsMinX;
     Fixed boundsMinY;
     Fixed boundsMaxX;
     Fixed boundsMaxY;
 
-    MMPaint currentPaint; // the paint being drawn: a copy of fillPaint or strokePaint
+    // INNER: the paint being drawn, a copy of fillPaint or strokePaint, or an image. SET before the
+    // polygon operations.
+    MMPaint currentPaint;
 
-    // The current span, from the rasteriser to the strip filler. The first pixel is column
+    // INNER: the current span, from the rasteriser to the strip filler. The first pixel is column
     // spanStart >> 16, the one after the last spanEnd >> 16.
     Fixed spanStart;
     Fixed spanEnd;
@@ -324,8 +375,8 @@ public:
     Coverage spanCoverageStep; // added per pixel from the second on
     Coverage spanTailCoverage; // of one more pixel right of the span; 0 or less: none
 
-    // Edge state of the current row, from the rasterisers to smoothEdges. The edges' x at the
-    // bottom of the row are spanStart and spanEnd.
+    // INNER: the edge state of the current row, for smoothEdges. The edges' x at the bottom of the
+    // row are spanStart and spanEnd.
     Fixed leftPreviousX; // x at the top of the row
     Fixed rightPreviousX;
     Fixed leftSlope; // x per row
@@ -335,23 +386,30 @@ public:
     uint8_t leftEdgeAlpha; // height of the edge within the row, 255 for a whole row
     uint8_t rightEdgeAlpha;
 
-    uint8_t antiAlias;      // bit 0: edges are anti-aliased
+    // SET: the target and how it is drawn into.
+    uint8_t antiAlias;      // bit 0: edges are anti-aliased; default: off
     uint8_t drawSuppressed; // not 0: polygons only set the bounds
-    MMPixmap target;        // what is drawn into
+    MMPixmap target;        // default: no pixels, background 0xFFFFFFFF
 
-    Fixed pickX; // the point that kPaintPicking looks for; hits only when pickY is a whole row
+    // SET: the point that kPaintPicking looks for; it hits only when pickY is a whole row.
+    Fixed pickX;
     Fixed pickY;
-    uint8_t pickHit;      // set to 1 by a hit, cleared by the caller
+
+    // LEFT: cleared by the caller alone.
+    uint8_t pickHit;      // 1 after a hit
     uint16_t outOfMemory; // bit 0: kScratchExhausted
 
-    uint32_t renderFlags; // kRenderBoundsOnly
-    void* layoutControl;  // the layout engine's handle, made by the first createTextLayout
-    int32_t pointStep;    // 1; positions between the points that flattening writes
-    uint8_t fillRule;     // MMFillRule; strokes are always non-zero
+    uint32_t renderFlags; // SET: kRenderBoundsOnly
+    void* layoutControl;  // INNER: the layout engine's handle, made by the first createTextLayout
 
-    // The rules that everything is drawn by. 0: the classic ones, the same to the bit for good. 1:
-    // refined drawing, closer to the ideal picture; it may change as it becomes better. Decided
-    // once per call, so that neither costs the other anything.
+    // SET: positions between the points that getBezierPts and getCircularArcPts write. Paths,
+    // strokes and rounded rectangles put its default back: 1.
+    int32_t pointStep;
+    uint8_t fillRule; // SET: MMFillRule of fills; default: non-zero. Strokes are always non-zero
+
+    // SET: the rules that everything is drawn by. 0: the classic ones, the same to the bit for
+    // good. 1: refined drawing, closer to the ideal picture; it may change as it becomes better.
+    // Decided once per call, so that neither costs the other anything.
     uint8_t refined;
 };
 

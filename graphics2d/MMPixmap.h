@@ -8,7 +8,8 @@
 struct MMPixmap {
     uint16_t width;    // pixels
     uint16_t height;   // rows
-    uint32_t rowBytes; // from the start of one row to the next; images are read by width alone
+    uint32_t rowBytes; // from the start of one row to the next, a multiple of 4; images are read,
+                       // and text is drawn, by width * 4 instead
     KAVO::Pixel backgroundColour; // what panPixmap leaves in uncovered areas
     KAVO::Pixel* pixels;          // row 0, column 0
     uint32_t pixmapExtra; // low byte: the image has alpha (drawImage); otherwise free for callers

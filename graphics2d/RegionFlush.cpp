@@ -37,7 +37,8 @@ void panRow(const MMPixmap& pixmap, uint32_t destination, uint32_t source, int32
 
 void MMG_flushRegion(MMPixmap* pixmap, uint32_t x, uint32_t y, uint32_t w, uint16_t h, Pixel colour)
 {
-    if (pixmap->pixels == nullptr || x > pixmap->width || y > pixmap->height) return;
+    if (pixmap == nullptr || pixmap->pixels == nullptr || x > pixmap->width || y > pixmap->height)
+        return;
     const uint32_t columns = std::min(w, pixmap->width - x);
     const uint32_t rows = std::min<uint32_t>(h, pixmap->height - y);
     for (uint32_t row = 0; row < rows; ++row)
@@ -46,7 +47,7 @@ void MMG_flushRegion(MMPixmap* pixmap, uint32_t x, uint32_t y, uint32_t w, uint1
 
 void panPixmap(MMPixmap* pixmap, int16_t dx, int16_t dy)
 {
-    if (pixmap->pixels == nullptr) return;
+    if (pixmap == nullptr || pixmap->pixels == nullptr) return;
     const uint32_t height = pixmap->height;
     const uint32_t distance = static_cast<uint32_t>(std::abs(int32_t{dy}));
     if (distance > height || std::abs(int32_t{dx}) > pixmap->width) {

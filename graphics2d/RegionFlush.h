@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Filling and scrolling a pixmap directly, without a drawing context.
+// Filling and scrolling a pixmap directly, without a drawing context. A null pixmap, or one without
+// pixels, is left alone.
 #pragma once
 
 #include "MMPixmap.h"

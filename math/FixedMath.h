@@ -29,8 +29,9 @@ int32_t fixMulDiv(int32_t a, int32_t b, int32_t c);
 // the sign of a.
 KAVO::Fixed fixDiv(KAVO::Fixed a, KAVO::Fixed b);
 
-// Square root of x read as unsigned 16.16; the integer part of 256 * sqrt(x) / 256 is exact, the
-// fraction may come out slightly high. fixSqrt(0) is 0x80.
+// Square root of x read as unsigned 16.16. All but the low eight bits are exact: the result >> 8 is
+// the whole part of the square root of x as a 32-bit number. The low bits may come out slightly
+// high; fixSqrt(0) is 0x80.
 KAVO::Fixed fixSqrt(KAVO::Fixed x);
 
 // Sine and cosine from a piecewise linear table (error below 0.0005, maximum 65566). Angles outside

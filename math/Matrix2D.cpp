@@ -49,6 +49,7 @@ Matrix2D& Matrix2D::operator*=(const Matrix2D& t)
 
 void Matrix2D::mul(const Matrix2D* first, const Matrix2D* second)
 {
+    if (first == nullptr || second == nullptr) return;
     const Matrix2D p = *first;
     const Matrix2D q = *second;
     a = wrapAdd(fixMul(q.a, p.a), fixMul(q.c, p.b));
@@ -127,6 +128,7 @@ void Matrix2D::skewY(Degrees angle)
 
 void Matrix2D::transform(MMPoint2D* dst, const MMPoint2D* src, uint16_t count) const
 {
+    if (dst == nullptr || src == nullptr) return;
     for (uint32_t i = 0; i < count; ++i) {
         const MMPoint2D p = src[i];
         dst[i].x = wrapAdd(wrapAdd(fixMulInline(a, p.x), fixMulInline(c, p.y)), e);
@@ -171,7 +173,7 @@ Fixed Matrix2D::normalize()
 
 uint32_t Matrix2D::compose(TransformTypes type, Fixed* values, uint32_t count)
 {
-    if (count == 0) return kBadTransform;
+    if (values == nullptr || count == 0) return kBadTransform;
     switch (type) {
     case Translate:
         if (count > 2) return kBadTransform;

@@ -33,7 +33,7 @@ public:
     // this := this, then t. t may be this matrix itself.
     Matrix2D& operator*=(const Matrix2D& t);
 
-    // this := first, then second. Either may be this matrix itself.
+    // this := first, then second. Either may be this matrix itself; a null one changes nothing.
     void mul(const Matrix2D* first, const Matrix2D* second);
 
     void translate(KAVO::Fixed tx, KAVO::Fixed ty);
@@ -45,7 +45,7 @@ public:
     void skewX(KAVO::Degrees angle);
     void skewY(KAVO::Degrees angle);
 
-    // Maps count points; dst may be src.
+    // Maps count points; dst may be src. Null points map nothing.
     void transform(MMPoint2D* dst, const MMPoint2D* src, uint16_t count) const;
 
     // Replaces the matrix by its inverse. The reciprocals come out one unit low for powers of two
@@ -57,9 +57,9 @@ public:
     // the factor.
     KAVO::Fixed normalize();
 
-    // Applies one item of a transform list. Returns 0, or kBadTransform when the count does not fit
-    // the type or a scale factor is 0. A type of 6 or more is ignored and returns 0. With one
-    // value, Translate and Scale write values[1], which must exist.
+    // Applies one item of a transform list. Returns 0, or kBadTransform when there are no values,
+    // their count does not fit the type, or a scale factor is 0. A type of 6 or more is ignored and
+    // returns 0. With one value, Translate and Scale write values[1], which must exist.
     uint32_t compose(TransformTypes type, KAVO::Fixed* values, uint32_t count);
 };
 

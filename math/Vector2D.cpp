@@ -29,11 +29,13 @@ uint32_t rootTo31Bits(uint32_t s)
 
 Fixed v2dDot(const MMPoint2D* a, const MMPoint2D* b)
 {
+    if (a == nullptr || b == nullptr) return 0;
     return wrapAdd(fixMul(a->x, b->x), fixMul(a->y, b->y));
 }
 
 Fixed v2dCross(const MMPoint2D* a, const MMPoint2D* b)
 {
+    if (a == nullptr || b == nullptr) return 0;
     return wrapSub(fixMul(a->x, b->y), fixMul(a->y, b->x));
 }
 
@@ -56,6 +58,7 @@ Fixed v2dQDNorm(MMPoint2D v)
 
 Fixed v2dNorm(const MMPoint2D* v)
 {
+    if (v == nullptr) return 0;
     const uint32_t absX = magnitudeOf(v->x);
     const uint32_t absY = magnitudeOf(v->y);
     if (absX == 0 && absY == 0) return 0;
@@ -82,6 +85,7 @@ void v2dNormalize(MMPoint2D& v)
 
 int32_t v2dGetIntercept(MMIntersect& lines)
 {
+    if (lines.result == nullptr) return 0;
     constexpr Fixed kParallel = 512; // 1/128
     const Fixed det = wrapNeg(lines.cross);
     if (det > -kParallel && det < kParallel) return 0;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Operations on 16.16 vectors.
+// Operations on 16.16 vectors. A null pointer answers 0.
 #pragma once
 
 #include "MMPoint2D.h"

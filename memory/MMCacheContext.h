@@ -29,6 +29,9 @@ struct MMCacheEntry : MMCacheBaseNode {
 // below the root and keys with a common beginning share its nodes: no hashing, no comparison of
 // keys. A list orders the entries by their last use; the one unused for longest goes first.
 //
+// The budget counts payloads. What holds them comes on top: a header for each, and up to N - 1
+// nodes of the tree.
+//
 // Keys are N / 8 words of 32 bits. Digits are taken from the low end of each word upward, words in
 // order. Payloads stay where they are until they are evicted. One user at a time: PreFetch leaves a
 // cursor behind that Get and Add start from.

@@ -7,12 +7,12 @@
 #pragma GCC visibility push(default)
 
 // Every temporary array of the drawing code is taken from here and given back in reverse order, so
-// after the first operation of a given size no further heap calls are made: when the stack is empty
+// after the first operation of a given size the stack makes no further heap calls: when it is empty
 // again, its first block is replaced by one as large as the greatest depth seen.
 //
 // Sizes are counted in words. A word holds 32 bits of data; with 8-byte pointers it takes eight
 // bytes of room so that every allocation is aligned for pointers, and the counts stay the same on
-// every host. ScratchArray (memory/ScratchArray.h) is the comfortable way to use a stack.
+// every host.
 class MMStackContext {
 public:
     struct Block;

@@ -44,7 +44,7 @@ typedef struct TsGlyphInfo {
 } TsGlyphInfo;
 
 // Answers of a font style. An engine need not ask for more than createGlyph; the others are there
-// for engines that do, and are named by their place in the table where nothing else is known.
+// for engines that do. A query whose answer is a constant is named by its place in the tables.
 typedef struct TsFontStyleCalls {
     void* (*self)(void* style);
     int32_t (*mapped)(void* style, uint32_t value, uint32_t* result);

@@ -40,6 +40,7 @@ uint8_t* writeGroup(uint8_t* out, uint32_t group, uint32_t count)
 
 int32_t MMdecodeBase64(const uint8_t* src, uint32_t length, uint8_t* dst)
 {
+    if (dst == nullptr || (src == nullptr && length != 0)) return 0;
     uint8_t* out = dst;
     uint32_t group = kFirstGroup;
     uint32_t lastShift = 0;

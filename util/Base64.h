@@ -7,7 +7,8 @@
 #pragma GCC visibility push(default)
 
 // Decodes length bytes of text and returns the number of bytes written. dst needs three bytes for
-// every four digits and three more.
+// every four digits and three more. A null text that has a length, or a null destination, writes
+// nothing and answers 0.
 //
 // Bytes that are no digits are skipped, but the value of one stays behind in the low six bits of
 // the group, and a last group of k digits (1 to 3) writes k bytes, the last one holding the

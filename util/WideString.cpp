@@ -6,6 +6,7 @@
 
 int32_t MMwsstrlen(const uint16_t* s)
 {
+    if (s == nullptr) return 0;
     int32_t length = 0;
     while (s[length] != 0)
         ++length;
@@ -14,6 +15,7 @@ int32_t MMwsstrlen(const uint16_t* s)
 
 int32_t MM_wstrcmp(const uint16_t* a, const uint16_t* b)
 {
+    if (a == nullptr || b == nullptr) return 0;
     for (; *a != 0; ++a, ++b)
         if (*a != *b) return *a - *b;
     return *b != 0 ? -1 : 0;
@@ -21,6 +23,7 @@ int32_t MM_wstrcmp(const uint16_t* a, const uint16_t* b)
 
 int32_t MM_wstrncmp(const uint16_t* a, const uint16_t* b, int32_t n)
 {
+    if (a == nullptr || b == nullptr) return 0;
     for (; n > 0; ++a, ++b, --n) {
         if (*a == 0) return *b != 0 ? -1 : 0;
         if (*a != *b) return *a - *b;
@@ -30,6 +33,7 @@ int32_t MM_wstrncmp(const uint16_t* a, const uint16_t* b, int32_t n)
 
 uint16_t* MM_wstrncpy(uint16_t* dst, const uint16_t* src, int32_t n)
 {
+    if (dst == nullptr || src == nullptr) return nullptr;
     int32_t i = 0;
     for (; i < n && src[i] != 0; ++i)
         dst[i] = src[i];
@@ -40,6 +44,7 @@ uint16_t* MM_wstrncpy(uint16_t* dst, const uint16_t* src, int32_t n)
 
 uint16_t* MM_wstrchr(uint16_t* s, uint16_t c)
 {
+    if (s == nullptr) return nullptr;
     while (*s != 0 && *s != c)
         ++s;
     return s;
@@ -49,7 +54,7 @@ uint16_t* MMstrUtf8ToWs(const uint8_t* utf8, uint32_t length)
 {
     // Every sequence gives one code unit, so there are never more of them than bytes.
     const uint64_t bytes = (uint64_t{length} + 1) * sizeof(uint16_t);
-    if (bytes > SIZE_MAX) return nullptr;
+    if ((utf8 == nullptr && length != 0) || bytes > SIZE_MAX) return nullptr;
     uint16_t* text = static_cast<uint16_t*>(std::malloc(static_cast<size_t>(bytes)));
     if (text == nullptr) return nullptr;
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Strings of 16-bit code units (UTF-16), ended by 0, and their making from UTF-8.
 //
-// Names are exported unmangled. Nothing is validated: what each function does with odd input is
-// part of its contract.
+// Names are exported unmangled. A null string or destination does nothing and answers 0 or null.
+// Nothing else is validated: what each function does with odd input is part of its contract.
 #pragma once
 
 #include <cstdint>
@@ -25,7 +25,7 @@ int32_t MM_wstrncmp(const uint16_t* a, const uint16_t* b, int32_t n);
 // without a terminator. A negative n counts as 0. Returns dst.
 uint16_t* MM_wstrncpy(uint16_t* dst, const uint16_t* src, int32_t n);
 
-// The first c in s, or the terminating 0 when there is none: never null.
+// The first c in s, or the terminating 0 when there is none.
 uint16_t* MM_wstrchr(uint16_t* s, uint16_t c);
 
 // Decodes length bytes of UTF-8 into a new string that the caller releases with free(); null when

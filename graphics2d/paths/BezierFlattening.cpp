@@ -102,6 +102,7 @@ uint32_t flattenBezier(const Matrix2D& transform, const BezierCurve& curve, MMPo
 int32_t MMContext2D::getBezierPts(MMPoint2D* out, MMPoint2D start, MMPoint2D control1,
                                   MMPoint2D control2, MMPoint2D end)
 {
+    if (out == nullptr) return 0;
     const BezierCurve curve = {start, control1, control2, end};
     const uint32_t count = flattenBezier(transform, curve, out, kMaxCurvePoints, pointStep);
     return wrapMul(static_cast<int32_t>(count), pointStep);

@@ -76,6 +76,7 @@ Degrees turnFrom(const UnitVector& a, const UnitVector& b)
 int32_t MMContext2D::getCircularArcPts(MMPoint2D* out, MMPoint2D& centre, MMPoint2D& from,
                                        MMPoint2D& to, Fixed radius, uint8_t increasing)
 {
+    if (out == nullptr) return 0;
     const UnitVector first = directionTo(centre, from);
     const UnitVector last = directionTo(centre, to);
     const Degrees angle = increasing != 0 ? turnFrom(first, last) : turnFrom(last, first);

@@ -18,8 +18,8 @@ namespace {
 constexpr uint32_t kHalfPoints = 16; // of the corners at positive y
 constexpr uint32_t kAllPoints = 2 * kHalfPoints;
 
-// Half the unit circle as four curves (start, two controls, end). It is not quite symmetric and
-// meant to be so: the last x differs from the first.
+// Half the unit circle as four curves (start, two controls, end). It is not quite symmetric: the
+// last x lies 4 units nearer than the first. Evening it out would move pixels of every ellipse.
 constexpr MMPoint2D kUnitArcs[kHalfPoints] = {
     {0xFFFA, 0},       {0x10049, 0x4320},  {0xE4AE, 0x85C2},   {0xB500, 0xB500},
     {0xB500, 0xB500},  {0x85C2, 0xE4AE},   {0x4320, 0x10049},  {0, 0xFFFA},
@@ -54,8 +54,8 @@ struct Corners {
     // Writes the outline. Returns its number of points, or 0 when they are more than room.
     uint32_t writeOutline(const Matrix2D& transform, MMPoint2D* out, uint32_t room) const
     {
-        // A straight edge leads to the start of each corner. The first test is not like the others
-        // on purpose: too large a radius gives every edge but this one, which closes by itself.
+        // A straight edge leads to the start of each corner. With too large a radius all are
+        // written but the first, which the closing of the outline draws by itself.
         const bool edgeBefore[] = {ey > 0, ex != 0, ey != 0, ex != 0};
         const MMPoint2D* curve = points;
         uint32_t count = 0;
@@ -98,7 +98,7 @@ bool drawCorners(MMContext2D& context, const Corners& corners, uint32_t room)
     if (count == 0) return false;
     outline.resize(count); // shrinks in place
 
-    // A fill without memory ends the drawing but is deliberately not reported.
+    // A fill without memory ends the drawing. outOfMemory here stands for the outline alone.
     const bool goesOn =
         context.fillPaint.paintType == kPaintNone ||
         fillShape(context, outline.data(), count, static_cast<MMFillRule>(context.fillRule));

@@ -107,6 +107,7 @@ bool DecodedPath::decode(const uint32_t* path)
 
 uint32_t MMContext2D::getPathKeyPointCount(const uint32_t* storedPath)
 {
+    if (storedPath == nullptr) return 0;
     const uint32_t* path = storedPath + 1;
     uint32_t subpathsLeft = subpathCountOf(*path++);
     uint32_t count = 0;

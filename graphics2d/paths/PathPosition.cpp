@@ -150,7 +150,10 @@ private:
 
 void MMContext2D::getPathPos(MMPathPos& pos, Fixed distance, Degrees* result)
 {
-    if (pos.path == nullptr) return;
+    if (pos.path == nullptr) {
+        if (result != nullptr) *result = 0;
+        return;
+    }
     pointStep = 1;
     if (distance < 0) distance = 0;
     MMPathPos moved = pos; // taken over only when the walk succeeds

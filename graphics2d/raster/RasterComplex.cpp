@@ -10,7 +10,8 @@
 //
 // Cost: n log n for the local minima, and for each row n log n for the chains in it, times the
 // slabs that it is cut into: one for most rows, never more than a constant number. Memory: three
-// words per vertex, sixteen per local minimum, and the row of coverage.
+// words per vertex and eighteen per local minimum of the scratch stack, the row of coverage, and
+// from the heap a pool of 24 words per vertex.
 #include "graphics2d/OutOfMemory.h"
 #include "graphics2d/raster/ActiveEdges.h"
 #include "graphics2d/raster/Rasteriser.h"

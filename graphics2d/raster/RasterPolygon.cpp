@@ -64,16 +64,19 @@ BoundsUnion fillOutline(MMContext2D& context, const MMPoint2D* points, uint32_t 
 
 void MMContext2D::rasterPolygon(MMPoint2D* points, uint16_t count)
 {
+    if (points == nullptr) return;
     fillPolygon(*this, points, count, static_cast<MMFillRule>(fillRule)).storeUnlessEmpty(*this);
 }
 
 void MMContext2D::rasterMonotonePolygon(MMPoint2D* points, uint16_t count)
 {
+    if (points == nullptr) return;
     fillMonotonePolygon(*this, points, count, ThinShapes::kOneSpan).storeUnlessEmpty(*this);
 }
 
 void MMContext2D::rasterComplexPolygon(MMPoint2D* points, uint16_t count)
 {
+    if (points == nullptr) return;
     fillComplexPolygon(*this, points, count, static_cast<MMFillRule>(fillRule))
         .storeUnlessEmpty(*this);
 }

@@ -281,7 +281,8 @@ void dashSubpath(MMContext2D& context, const DevicePen& pen, const MMLinkPath* r
     const uint64_t pointCount = subpath.pointCount();
     if (pointCount == 0) return;
     if (recordCount == 1 && pointCount == 1) {
-        // A lone point has nothing to cut. Its block is meant to stay on the scratch stack.
+        // A lone point has nothing to cut. Its block stays on the scratch stack: the stack's counts
+        // are public, and callers who compare them from one drawing to the next count it in.
         if (context.scratchStack.Alloc(scratchWordsFor<MMPoint2D>(1)) == nullptr)
             context.outOfMemory |= kScratchExhausted;
         return;
@@ -328,7 +329,8 @@ void strokeOrDashSubpath(MMContext2D& context, const DevicePen& pen, const MMLin
 void MMContext2D::drawDashArray(MMLinkPath* records, uint16_t segmentCount, uint8_t closed)
 {
     pointStep = 1;
-    dashSubpath(*this, DevicePen(*this), records, segmentCount, (closed & 1) != 0);
+    dashSubpath(*this, DevicePen(*this), records, readableRecords(records, segmentCount),
+                (closed & 1) != 0);
 }
 
 } // namespace Graphics2D

@@ -180,6 +180,14 @@ Degrees DevicePen::stepFor(uint64_t count) const
         std::clamp<uint64_t>(least, static_cast<uint32_t>(step), kDegrees90 / 2));
 }
 
+uint32_t readableRecords(const MMLinkPath* records, int32_t count)
+{
+    if (records == nullptr) return 0;
+    for (int32_t i = 0; i < count; ++i)
+        if (records[i].points == nullptr && records[i].count != 0) return 0;
+    return count > 0 ? static_cast<uint32_t>(count) : 0;
+}
+
 void strokeSubpath(MMContext2D& context, const DevicePen& pen, const MMLinkPath* records,
                    uint32_t recordCount, bool closed)
 {
@@ -205,8 +213,9 @@ void strokeSubpath(MMContext2D& context, const DevicePen& pen, const MMLinkPath*
 
 void MMContext2D::drawPolyline(MMLinkPath* records, int16_t segmentCount, uint8_t closed)
 {
-    const uint32_t count = segmentCount > 0 ? static_cast<uint32_t>(segmentCount) : 0;
-    strokeSubpath(*this, DevicePen(*this), records, count, closed != 0);
+    pointStep = 1;
+    strokeSubpath(*this, DevicePen(*this), records, readableRecords(records, segmentCount),
+                  closed != 0);
 }
 
 } // namespace Graphics2D

@@ -26,6 +26,9 @@ struct DevicePen {
     Degrees stepFor(uint64_t count) const;
 };
 
+// The count of a caller's records; none when one of them has no points to be read.
+uint32_t readableRecords(const MMLinkPath* records, int32_t count);
+
 // As MMContext2D::drawPolyline: strokes one subpath of consecutive records in user space.
 void strokeSubpath(MMContext2D& context, const DevicePen& pen, const MMLinkPath* records,
                    uint32_t recordCount, bool closed);

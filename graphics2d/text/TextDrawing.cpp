@@ -68,6 +68,10 @@ Fixed MMContext2D::getTextWidth(const uint16_t* text, uint16_t length)
 void MMContext2D::getTextSize(uint16_t* text, uint16_t length, Fixed& width, Fixed& height)
 {
     if (fontMetrics == nullptr) return;
+    if (text == nullptr) {
+        width = height = 0;
+        return;
+    }
     ParseText(text, text);
     width = getTextWidth(text, length);
     height = lineHeight;

@@ -77,8 +77,7 @@ void glyphBounds(void* glyph, TsRect* result)
     TsRect_setCoords(result, 0, 0, glyphWidth(glyph), 0);
 }
 
-// --- Answers that are the same for all
-// ------------------------------------------------------------
+// --- Answers that are the same for all -----------------------------------------------------------
 
 void* answerSelf(void* object)
 {
@@ -148,8 +147,7 @@ constexpr TsFontStyleCalls kFontStyleCalls = {
 constexpr TsFontCalls kFontCalls = {answerSelf, answerZero,     answerOne, answerZero,
                                     answerZero, answerUnmapped, answerZero};
 
-// --- The engine's objects for one paragraph
-// -------------------------------------------------------
+// --- The engine's objects for one paragraph ------------------------------------------------------
 
 enum class LayoutResult { kDone, kRefused, kOutOfMemory };
 

@@ -16,7 +16,7 @@ struct Picture {
     const int size;
     std::vector<KAVO::Pixel> pixels;
     KAVO::Graphics2D::MMContext2D context; // anti-aliased; paints black
-    uint32_t wordsKept = 0;                // scratch memory that is meant to stay
+    uint32_t wordsKept = 0;                // scratch memory that stays taken
 
     explicit Picture(int side = 64)
         : size(side), pixels(static_cast<size_t>(side * (side + 2 * kGuard)), kBlank)

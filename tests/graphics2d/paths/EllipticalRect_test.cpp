@@ -96,7 +96,7 @@ TEST_F(EllipticalRect, BoundsUniteTheFillWithDashesOnly)
 }
 
 // The outline fits, its copy for the fill does not: no stroke either, and no report.
-TEST_F(EllipticalRect, AFillWithoutMemoryIsDeliberatelyNotReported)
+TEST_F(EllipticalRect, AFillWithoutMemoryIsNotReported)
 {
     StrokeRecorder recorder;
     context.transform = {fx(2), 0, 0, fx(2), 0, 0};
