@@ -49,6 +49,90 @@ void freeInteriorNodes(MMCacheInteriorNode* node)
     }
 }
 
+template <uint32_t N>
+MMCacheInteriorNode* makeChild(MMCacheContext<N>& cache, MMCacheInteriorNode* parent, uint32_t slot)
+{
+    MMCacheInteriorNode* child = makeInteriorNode();
+    if (child == nullptr) return nullptr;
+    child->parent = parent;
+    child->slot = static_cast<uint16_t>(slot);
+    parent->children[slot] = child;
+    ++parent->refCount;
+    ++cache.nodeCount;
+    return child;
+}
+
+// The interior node that the key's digits [from, to) lead to from node, from being the first of a
+// word; null when it is missing and is not to be made or cannot be. What has been made so far
+// stays.
+template <uint32_t N>
+MMCacheInteriorNode* resolve(MMCacheContext<N>& cache, MMCacheInteriorNode* node, const void* key,
+                             uint32_t from, uint32_t to, bool create)
+{
+    uint32_t word = 0;
+    for (uint32_t i = from; i < to && node != nullptr; ++i) {
+        if (i % kDigitsPerWord == 0) word = wordAt(key, i);
+        const uint32_t slot = word & 15;
+        word >>= 4;
+        MMCacheBaseNode* child = node->children[slot];
+        if (child == nullptr && create) child = makeChild(cache, node, slot);
+        node = static_cast<MMCacheInteriorNode*>(child);
+    }
+    return node;
+}
+
+template <uint32_t N>
+void unlink(MMCacheContext<N>& cache, MMCacheEntry* entry)
+{
+    (entry->prev != nullptr ? entry->prev->next : cache.mruHead) = entry->next;
+    (entry->next != nullptr ? entry->next->prev : cache.lruTail) = entry->prev;
+}
+
+template <uint32_t N>
+void putFirst(MMCacheContext<N>& cache, MMCacheEntry* entry)
+{
+    entry->prev = nullptr;
+    entry->next = cache.mruHead;
+    (cache.mruHead != nullptr ? cache.mruHead->prev : cache.lruTail) = entry;
+    cache.mruHead = entry;
+}
+
+// An entry of its own with a copy of the data, in no tree and no list yet; null without memory.
+MMCacheEntry* makeEntry(const void* data, uint32_t size)
+{
+    if (size > SIZE_MAX - sizeof(MMCacheEntry)) return nullptr;
+    MMCacheEntry* entry = static_cast<MMCacheEntry*>(std::malloc(sizeof(MMCacheEntry) + size));
+    if (entry == nullptr) return nullptr;
+    entry->refCount = 1;
+    entry->data = reinterpret_cast<uint8_t*>(entry + 1);
+    entry->size = size;
+    if (data != nullptr && size != 0) std::memcpy(entry->data, data, size);
+    return entry;
+}
+
+// Evicts what was not used for longest, until size more bytes keep within the budget.
+template <uint32_t N>
+void makeRoom(MMCacheContext<N>& cache, uint32_t size)
+{
+    while (cache.usedBytes > cache.budget - size && cache.lruTail != nullptr)
+        cache.RemoveLeaf(cache.lruTail);
+}
+
+// Whether the data is part of an entry that makeRoom will evict.
+template <uint32_t N>
+bool liesInWhatGoes(const MMCacheContext<N>& cache, const void* data, uint32_t size)
+{
+    const uintptr_t address = reinterpret_cast<uintptr_t>(data);
+    uint32_t used = cache.usedBytes;
+    for (const MMCacheEntry* entry = cache.lruTail; entry != nullptr && used > cache.budget - size;
+         entry = entry->prev) {
+        const uintptr_t start = reinterpret_cast<uintptr_t>(entry->data);
+        if (address >= start && address - start < entry->size) return true;
+        used -= entry->size;
+    }
+    return false;
+}
+
 } // namespace
 
 template <uint32_t N>
@@ -78,44 +162,12 @@ void MMCacheContext<N>::Destroy()
 }
 
 template <uint32_t N>
-MMCacheInteriorNode* MMCacheContext<N>::makeChild(MMCacheInteriorNode* parent, uint32_t slot)
-{
-    MMCacheInteriorNode* child = makeInteriorNode();
-    if (child == nullptr) return nullptr;
-    child->parent = parent;
-    child->slot = static_cast<uint16_t>(slot);
-    parent->children[slot] = child;
-    ++parent->refCount;
-    ++nodeCount;
-    return child;
-}
-
-// The interior node that the key's digits [from, to) lead to from node, from being the first of a
-// word; null when it is missing and is not to be made or cannot be. What has been made so far
-// stays.
-template <uint32_t N>
-MMCacheInteriorNode* MMCacheContext<N>::resolve(MMCacheInteriorNode* node, const void* key,
-                                                uint32_t from, uint32_t to, bool create)
-{
-    uint32_t word = 0;
-    for (uint32_t i = from; i < to && node != nullptr; ++i) {
-        if (i % kDigitsPerWord == 0) word = wordAt(key, i);
-        const uint32_t slot = word & 15;
-        word >>= 4;
-        MMCacheBaseNode* child = node->children[slot];
-        if (child == nullptr && create) child = makeChild(node, slot);
-        node = static_cast<MMCacheInteriorNode*>(child);
-    }
-    return node;
-}
-
-template <uint32_t N>
 uint32_t MMCacheContext<N>::PreFetch(const void* key, uint32_t depth, uint8_t create)
 {
     // A cursor between words, or at an entry, would send Get astray.
     if (depth < kDigitsPerWord || depth > N - kDigitsPerWord || depth % kDigitsPerWord != 0)
         return 0;
-    MMCacheInteriorNode* node = resolve(root, key, 0, depth, create != 0);
+    MMCacheInteriorNode* node = resolve(*this, root, key, 0, depth, create != 0);
     if (node == nullptr) return 0;
     prefetchNode = node;
     prefetchDepth = depth;
@@ -125,13 +177,14 @@ uint32_t MMCacheContext<N>::PreFetch(const void* key, uint32_t depth, uint8_t cr
 template <uint32_t N>
 void* MMCacheContext<N>::Get(const void* key)
 {
-    const MMCacheInteriorNode* last = resolve(prefetchNode, key, prefetchDepth, N - 1, false);
+    const MMCacheInteriorNode* last =
+        resolve(*this, prefetchNode, key, prefetchDepth, N - 1, false);
     if (last == nullptr) return nullptr;
     MMCacheEntry* entry = static_cast<MMCacheEntry*>(last->children[lastDigit<N>(key)]);
     if (entry == nullptr) return nullptr;
     if (entry != mruHead) {
-        unlink(entry);
-        putFirst(entry);
+        unlink(*this, entry);
+        putFirst(*this, entry);
     }
     return entry->data;
 }
@@ -140,35 +193,26 @@ template <uint32_t N>
 void* MMCacheContext<N>::Add(const void* data, const void* key, uint32_t size)
 {
     if (size > maxEntrySize) return nullptr;
-    MMCacheInteriorNode* last = resolve(prefetchNode, key, prefetchDepth, N - 1, true);
+    MMCacheInteriorNode* last = resolve(*this, prefetchNode, key, prefetchDepth, N - 1, true);
     if (last == nullptr) return nullptr;
     const uint32_t slot = lastDigit<N>(key);
     if (last->children[slot] != nullptr)
         return static_cast<MMCacheEntry*>(last->children[slot])->data;
     if (size > budget) return nullptr;
 
-    // Filled before anything is evicted: data may lie in an entry that is about to go.
-    void* block = size <= SIZE_MAX - sizeof(MMCacheEntry) ? std::malloc(sizeof(MMCacheEntry) + size)
-                                                          : nullptr;
-    MMCacheEntry* entry = static_cast<MMCacheEntry*>(block);
-    if (entry != nullptr) {
-        entry->data = reinterpret_cast<uint8_t*>(entry + 1);
-        if (data != nullptr && size != 0) std::memcpy(entry->data, data, size);
-    }
-    // The entry's place counts as occupied meanwhile, so that no node above it is freed.
-    ++last->refCount;
-    while (usedBytes > budget - size && lruTail != nullptr)
-        RemoveLeaf(lruTail);
+    ++last->refCount; // from here on the place is taken: no node above it is freed
+    const bool copiedAhead = liesInWhatGoes(*this, data, size);
+    MMCacheEntry* entry = copiedAhead ? makeEntry(data, size) : nullptr;
+    makeRoom(*this, size);
+    if (!copiedAhead) entry = makeEntry(data, size);
     if (entry == nullptr) {
         --last->refCount;
         return nullptr;
     }
     entry->parent = last;
     entry->slot = static_cast<uint16_t>(slot);
-    entry->refCount = 1;
-    entry->size = size;
     last->children[slot] = entry;
-    putFirst(entry);
+    putFirst(*this, entry);
     usedBytes += size;
     ++nodeCount;
     return entry->data;
@@ -178,7 +222,7 @@ template <uint32_t N>
 void MMCacheContext<N>::RemoveLeaf(MMCacheBaseNode* entry)
 {
     MMCacheEntry* leaf = static_cast<MMCacheEntry*>(entry);
-    unlink(leaf);
+    unlink(*this, leaf);
     usedBytes -= leaf->size;
     RemoveNode(leaf);
 }
@@ -197,22 +241,6 @@ void MMCacheContext<N>::RemoveNode(MMCacheBaseNode* node)
         --nodeCount;
         node = parent;
     }
-}
-
-template <uint32_t N>
-void MMCacheContext<N>::unlink(MMCacheEntry* entry)
-{
-    (entry->prev != nullptr ? entry->prev->next : mruHead) = entry->next;
-    (entry->next != nullptr ? entry->next->prev : lruTail) = entry->prev;
-}
-
-template <uint32_t N>
-void MMCacheContext<N>::putFirst(MMCacheEntry* entry)
-{
-    entry->prev = nullptr;
-    entry->next = mruHead;
-    (mruHead != nullptr ? mruHead->prev : lruTail) = entry;
-    mruHead = entry;
 }
 
 template class MMCacheContext<48>;

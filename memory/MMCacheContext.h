@@ -56,7 +56,8 @@ public:
 
     // Stores a copy of size bytes (null data: not initialised) and returns where it is. A key that
     // is there already keeps its payload and place in the order, and that payload is returned. Null
-    // when size exceeds maxEntrySize or the budget, or the heap is exhausted.
+    // when size exceeds maxEntrySize or the budget, or the heap is exhausted. What has to go for it
+    // goes first; data may lie in such an entry.
     void* Add(const void* data, const void* key, uint32_t size);
 
     // Takes an entry out and frees it, with all nodes that only it held.
@@ -74,14 +75,6 @@ public:
     MMCacheInteriorNode* root;         // owned
     MMCacheInteriorNode* prefetchNode; // the cursor
     uint32_t nodeCount;                // interior nodes and entries below the root
-
-private:
-    [[gnu::visibility("hidden")]] MMCacheInteriorNode*
-    resolve(MMCacheInteriorNode* node, const void* key, uint32_t from, uint32_t to, bool create);
-    [[gnu::visibility("hidden")]] MMCacheInteriorNode* makeChild(MMCacheInteriorNode* parent,
-                                                                 uint32_t slot);
-    [[gnu::visibility("hidden")]] void unlink(MMCacheEntry* entry);
-    [[gnu::visibility("hidden")]] void putFirst(MMCacheEntry* entry);
 };
 
 extern template class MMCacheContext<48>;

@@ -7,11 +7,7 @@
 
 namespace {
 
-// One word with room for a pointer, so that every allocation is aligned for pointers.
-union Word {
-    uint32_t value;
-    void* pointer;
-};
+using Word = uintptr_t;
 
 constexpr uint32_t kHeaderWords = 4;
 
@@ -19,9 +15,14 @@ constexpr uint32_t kHeaderWords = 4;
 // word of that allocation pushes its end out by another.
 constexpr uint32_t kSpareWords = 2;
 
+uint32_t sizeOf(const void* p)
+{
+    return static_cast<uint32_t>(static_cast<const Word*>(p)[-1]);
+}
+
 } // namespace
 
-// A heap block: four words of header, then each allocation of n words behind a word that holds n.
+// The header of a block, which the header file draws. Its counts have 32 bits on every host.
 struct MMStackContext::Block {
     Block* prevBlock; // null for the first block
     Block* nextBlock; // null for the last
@@ -30,35 +31,36 @@ struct MMStackContext::Block {
 
     Word* words() { return reinterpret_cast<Word*>(this); }
 
-    bool admits(uint32_t n) const
-    {
-        return static_cast<int32_t>(freeWords.value) >= 0 && n <= freeWords.value + 1;
-    }
+    int32_t room() const { return static_cast<int32_t>(freeWords); }
+
+    uint32_t capacity() const { return static_cast<uint32_t>(topIndex + freeWords) - kHeaderWords; }
+
+    bool isEmpty() const { return topIndex == kHeaderWords; }
+
+    bool admits(uint32_t n) const { return room() >= 0 && n <= freeWords + 1; }
 
     bool holds(const void* p) const
     {
         const uintptr_t start = reinterpret_cast<uintptr_t>(this);
         const uintptr_t address = reinterpret_cast<uintptr_t>(p);
-        const uint32_t capacityEnd = topIndex.value + freeWords.value;
-        return address >= start &&
-               address - start < (uint64_t{capacityEnd} + kSpareWords) * sizeof(Word);
+        const uint64_t words = uint64_t{kHeaderWords} + capacity() + kSpareWords;
+        return address >= start && address - start < words * sizeof(Word);
+    }
+
+    // Moves the top by a number of words: up for an allocation, down for a release.
+    void moveTop(int64_t count)
+    {
+        topIndex = static_cast<uint32_t>(static_cast<int64_t>(topIndex) + count);
+        freeWords = static_cast<uint32_t>(static_cast<int64_t>(freeWords) - count);
     }
 
     void* push(uint32_t n)
     {
-        Word* size = words() + topIndex.value;
-        size->value = n;
-        grow(n + 1);
+        Word* size = words() + topIndex;
+        *size = n;
+        moveTop(int64_t{n} + 1);
         return size + 1;
     }
-
-    void grow(uint32_t count)
-    {
-        topIndex.value += count;
-        freeWords.value -= count;
-    }
-
-    bool isEmpty() const { return topIndex.value == kHeaderWords; }
 
     // An empty block with room for capacity words, or null.
     static Block* make(uint64_t capacity)
@@ -69,17 +71,102 @@ struct MMStackContext::Block {
         if (block == nullptr) return nullptr;
         block->prevBlock = nullptr;
         block->nextBlock = nullptr;
-        block->freeWords.value = static_cast<uint32_t>(capacity);
-        block->topIndex.value = kHeaderWords;
+        block->freeWords = static_cast<uint32_t>(capacity);
+        block->topIndex = kHeaderWords;
         return block;
     }
 };
 
 namespace {
 
-uint32_t sizeOf(const void* p)
+using Block = MMStackContext::Block;
+
+// Replaces the first block of a stack on which nothing lies by one that holds the greatest depth
+// seen. Words that were abandoned are still counted, in usedWords as in peakWords, but take no
+// room. Returns the block that is no longer used, or null; a refusal by the heap keeps the old one.
+Block* consolidate(MMStackContext& stack)
 {
-    return static_cast<const Word*>(p)[-1].value;
+    Block* first = stack.firstBlock;
+    if (first == nullptr || stack.currentBlock != first || !first->isEmpty()) return nullptr;
+    const int64_t depth = int64_t{stack.peakWords} - stack.usedWords;
+    if (depth <= first->room()) return nullptr;
+    Block* larger = Block::make(static_cast<uint64_t>(depth));
+    if (larger == nullptr) return nullptr;
+    stack.firstBlock = larger;
+    stack.currentBlock = larger;
+    return first;
+}
+
+// Words that a block must have, its header included, to take n words and the rest of the depth that
+// has been reached before.
+uint64_t wordsForSpill(const MMStackContext& stack, uint32_t n)
+{
+    const bool seenDeeper = stack.peakWords > uint64_t{stack.usedWords} + n + 4;
+    return seenDeeper ? stack.peakWords - stack.usedWords : uint64_t{n} + 5;
+}
+
+uint64_t capacityOfAll(const MMStackContext& stack)
+{
+    uint64_t capacity = 0;
+    for (const Block* block = stack.currentBlock; block != nullptr; block = block->prevBlock)
+        capacity += block->capacity();
+    return capacity;
+}
+
+// A new block behind the current one. It has at least the capacity of all others together, so that
+// a depth never seen before takes few blocks.
+bool spill(MMStackContext& stack, uint32_t n)
+{
+    const uint64_t needed = wordsForSpill(stack, n) - kHeaderWords;
+    const uint64_t present = capacityOfAll(stack);
+    Block* block = Block::make(needed > present ? needed : present);
+    if (block == nullptr) return false;
+    block->prevBlock = stack.currentBlock;
+    (stack.currentBlock != nullptr ? stack.currentBlock->nextBlock : stack.firstBlock) = block;
+    stack.currentBlock = block;
+    return true;
+}
+
+void* place(MMStackContext& stack, uint32_t n)
+{
+    if (uint64_t{stack.usedWords} + n + 1 > INT32_MAX) return nullptr;
+    const bool fits = stack.currentBlock != nullptr && stack.currentBlock->admits(n);
+    if (!fits && !spill(stack, n)) return nullptr;
+    void* p = stack.currentBlock->push(n);
+    stack.usedWords += n + 1;
+    if (stack.usedWords > stack.peakWords) stack.peakWords = stack.usedWords;
+    return p;
+}
+
+// Takes an allocation of n words off the block it lies in. That is the current block, unless an
+// operation has left an allocation of its own behind. Returns the chain of spill blocks that became
+// empty, linked through prevBlock, for the caller to free.
+Block* pop(MMStackContext& stack, const void* p, uint32_t n)
+{
+    Block* block = stack.currentBlock;
+    while (block->prevBlock != nullptr && !block->holds(p))
+        block = block->prevBlock;
+    block->moveTop(-(int64_t{n} + 1));
+    stack.usedWords -= n + 1;
+
+    Block* emptied = nullptr;
+    while (stack.currentBlock != stack.firstBlock && stack.currentBlock->isEmpty()) {
+        Block* previous = stack.currentBlock->prevBlock;
+        stack.currentBlock->prevBlock = emptied;
+        emptied = stack.currentBlock;
+        stack.currentBlock = previous;
+        stack.currentBlock->nextBlock = nullptr;
+    }
+    return emptied;
+}
+
+void freeChain(Block* block)
+{
+    while (block != nullptr) {
+        Block* next = block->prevBlock;
+        std::free(block);
+        block = next;
+    }
 }
 
 } // namespace
@@ -93,78 +180,6 @@ void MMStackContext::Create(uint32_t capacity)
     currentBlock = firstBlock;
 }
 
-// Replaces the first block of an empty stack by one that holds the greatest depth seen. Returns the
-// block that is no longer used, or null; a refusal by the heap keeps the old block.
-MMStackContext::Block* MMStackContext::consolidate()
-{
-    if (usedWords != 0 || currentBlock == nullptr || peakWords <= currentBlock->freeWords.value)
-        return nullptr;
-    Block* larger = Block::make(peakWords);
-    if (larger == nullptr) return nullptr;
-    Block* replaced = firstBlock;
-    firstBlock = larger;
-    currentBlock = larger;
-    return replaced;
-}
-
-// A new block behind the current one, large enough for n words and for the rest of the depth that
-// has been reached before.
-bool MMStackContext::spill(uint32_t n)
-{
-    const bool seenDeeper = peakWords > uint64_t{usedWords} + n + 4;
-    const uint64_t words = seenDeeper ? peakWords - usedWords : uint64_t{n} + 5;
-    Block* block = Block::make(words - kHeaderWords);
-    if (block == nullptr) return false;
-    block->prevBlock = currentBlock;
-    if (currentBlock != nullptr)
-        currentBlock->nextBlock = block;
-    else
-        firstBlock = block;
-    currentBlock = block;
-    return true;
-}
-
-void* MMStackContext::place(uint32_t n)
-{
-    if (uint64_t{usedWords} + n + 1 > INT32_MAX) return nullptr;
-    if ((currentBlock == nullptr || !currentBlock->admits(n)) && !spill(n)) return nullptr;
-    void* p = currentBlock->push(n);
-    usedWords += n + 1;
-    if (usedWords > peakWords) peakWords = usedWords;
-    return p;
-}
-
-// Takes an allocation of n words off the block it lies in. That is the current block, unless an
-// operation has left an allocation of its own behind. Returns the chain of spill blocks that became
-// empty, linked through prevBlock, for the caller to free.
-MMStackContext::Block* MMStackContext::pop(const void* p, uint32_t n)
-{
-    Block* block = currentBlock;
-    while (block->prevBlock != nullptr && !block->holds(p))
-        block = block->prevBlock;
-    block->grow(0u - (n + 1));
-    usedWords -= n + 1;
-
-    Block* emptied = nullptr;
-    while (currentBlock != firstBlock && currentBlock->isEmpty()) {
-        Block* previous = currentBlock->prevBlock;
-        currentBlock->prevBlock = emptied;
-        emptied = currentBlock;
-        currentBlock = previous;
-        currentBlock->nextBlock = nullptr;
-    }
-    return emptied;
-}
-
-void MMStackContext::freeChain(Block* block)
-{
-    while (block != nullptr) {
-        Block* next = block->prevBlock;
-        std::free(block);
-        block = next;
-    }
-}
-
 void MMStackContext::Destroy()
 {
     freeChain(currentBlock);
@@ -172,14 +187,22 @@ void MMStackContext::Destroy()
 
 void* MMStackContext::Alloc(uint32_t n)
 {
-    freeChain(consolidate());
-    return place(n);
+    freeChain(consolidate(*this));
+    return place(*this, n);
 }
 
 void MMStackContext::DeAlloc(void* p)
 {
     if (p == nullptr) return;
-    freeChain(pop(p, sizeOf(p)));
+    freeChain(pop(*this, p, sizeOf(p)));
+}
+
+void MMStackContext::Abandon(void* p)
+{
+    if (p == nullptr) return;
+    const uint32_t n = sizeOf(p);
+    freeChain(pop(*this, p, n));
+    usedWords += n + 1;
 }
 
 void* MMStackContext::ReAlloc(void* p, uint32_t n)
@@ -187,19 +210,18 @@ void* MMStackContext::ReAlloc(void* p, uint32_t n)
     if (p == nullptr) return Alloc(n);
     const uint32_t m = sizeOf(p);
     const int64_t growth = int64_t{n} - m;
-    const int64_t room = int64_t{static_cast<int32_t>(currentBlock->freeWords.value)} + kSpareWords;
+    const int64_t room = int64_t{currentBlock->room()} + kSpareWords;
     if (uint64_t{usedWords} + m + 1 >= n && growth <= room && currentBlock->holds(p)) {
-        const uint32_t difference = n - m;
-        currentBlock->grow(difference);
-        usedWords += difference;
-        static_cast<Word*>(p)[-1].value = n;
+        currentBlock->moveTop(growth);
+        usedWords += n - m;
+        static_cast<Word*>(p)[-1] = n;
         return p;
     }
     // The old words stay readable until they are copied: what releasing and consolidating leave
     // over is freed afterwards.
-    Block* emptied = pop(p, m);
-    Block* replaced = consolidate();
-    void* moved = place(n);
+    Block* emptied = pop(*this, p, m);
+    Block* replaced = consolidate(*this);
+    void* moved = place(*this, n);
     if (moved != nullptr) std::memmove(moved, p, (m < n ? m : n) * sizeof(Word));
     freeChain(replaced);
     freeChain(emptied);

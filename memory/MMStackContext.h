@@ -7,12 +7,25 @@
 #pragma GCC visibility push(default)
 
 // Every temporary array of the drawing code is taken from here and given back in reverse order, so
-// after the first operation of a given size the stack makes no further heap calls: when it is empty
-// again, its first block is replaced by one as large as the greatest depth seen.
+// after the first operation of a given size the stack makes no further heap calls: when nothing
+// lies on it any more, its first block is replaced by one as large as the greatest depth seen. Until then each
+// new block doubles the room.
 //
-// Sizes are counted in words. A word holds 32 bits of data; with 8-byte pointers it takes eight
-// bytes of room so that every allocation is aligned for pointers, and the counts stay the same on
-// every host.
+// Sizes are counted in words. A word has the size of a pointer, so that every allocation is aligned
+// for pointers, and holds 32 bits of data: with 8-byte pointers, an array of n 32-bit numbers fills
+// only the first half of its n words. The counts are the same on every host.
+//
+// A block, in words, with two allocations of n and m words in it:
+//
+//     0        1        2        3        4   5        5+n 6+n      top index       end
+//     +--------+--------+--------+--------+---+--------+---+--------+---------------+-------+
+//     | block  | block  | words  | top    | n | n      | m | m      | free words    | spare |
+//     | before | behind | free   | index  |   | words  |   | words  |               | words |
+//     +--------+--------+--------+--------+---+--------+---+--------+---------------+-------+
+//       header                             size and data of each
+//
+// An allocation of one word more than are free is admitted; with its size word it ends two words
+// beyond the free ones, which is what the two spare words are for.
 class MMStackContext {
 public:
     struct Block;
@@ -29,22 +42,21 @@ public:
     // free(firstBlock) does the same.
     void Destroy();
 
-    // Room for n words, or null when the heap is exhausted (the stack is then unchanged).
+    // Room for n words, or null when the heap is exhausted (the stack is then unchanged). The word
+    // before it holds n.
     void* Alloc(uint32_t n);
 
     // Gives back the most recent allocation; null is accepted.
     void DeAlloc(void* p);
 
-    // Makes the most recent allocation n words long, keeping its contents, moving it when it has
-    // to. Returns where it is now, or null when the heap is exhausted.
-    void* ReAlloc(void* p, uint32_t n);
+    // Leaves the most recent allocation behind for good; null is accepted. usedWords goes on
+    // counting its words, but their room serves others again, and the stack counts as one on which
+    // nothing lies when nothing else does.
+    void Abandon(void* p);
 
-private:
-    [[gnu::visibility("hidden")]] Block* consolidate();
-    [[gnu::visibility("hidden")]] bool spill(uint32_t n);
-    [[gnu::visibility("hidden")]] void* place(uint32_t n);
-    [[gnu::visibility("hidden")]] Block* pop(const void* p, uint32_t n);
-    [[gnu::visibility("hidden")]] static void freeChain(Block* block);
+    // Makes the most recent allocation n words long, keeping its contents, moving it when it has
+    // to. Returns where it is now, or null when the heap is exhausted (it is then given back).
+    void* ReAlloc(void* p, uint32_t n);
 };
 
 #pragma GCC visibility pop

@@ -281,10 +281,11 @@ void dashSubpath(MMContext2D& context, const DevicePen& pen, const MMLinkPath* r
     const uint64_t pointCount = subpath.pointCount();
     if (pointCount == 0) return;
     if (recordCount == 1 && pointCount == 1) {
-        // A lone point has nothing to cut. Its block stays on the scratch stack: the stack's counts
-        // are public, and callers who compare them from one drawing to the next count it in.
-        if (context.scratchStack.Alloc(scratchWordsFor<MMPoint2D>(1)) == nullptr)
-            context.outOfMemory |= kScratchExhausted;
+        // A lone point has nothing to cut. Its words stay counted on the scratch stack: the stack's
+        // counts are public, and callers who compare them from one drawing to the next count it in.
+        void* room = context.scratchStack.Alloc(scratchWordsFor<MMPoint2D>(1));
+        if (room == nullptr) context.outOfMemory |= kScratchExhausted;
+        context.scratchStack.Abandon(room);
         return;
     }
 

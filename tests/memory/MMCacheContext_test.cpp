@@ -137,6 +137,23 @@ TEST(MMCacheContext, PrefixesAreWholeWords)
     EXPECT_EQ(cache.prefetchDepth, 0u);
 }
 
+// Of two entries that do not fit together only one is in memory at a time, unless the new one is a
+// copy of the old.
+TEST(MMCacheContext, EvictsBeforeItAsksTheHeap)
+{
+    const Key first = {1}, second = {2};
+    std::string large(5000, 'x');
+    for (bool copies : {false, true}) {
+        FailingHeap heap;
+        Cache cache(6000, 5000);
+        void* old = cache.Add(large.data(), first.data(), 5000);
+        heap.forgetPeak();
+        const void* added = cache.Add(copies ? old : large.data(), second.data(), 5000);
+        EXPECT_EQ(contentOf(added, 5000), large);
+        EXPECT_EQ(heap.peakBytes() > 2 * 5000, copies);
+    }
+}
+
 TEST(MMCacheContext, SurvivesARefusingHeap)
 {
     failEachAllocation([] {

@@ -106,6 +106,57 @@ TEST(MMStackContext, AsksTheHeapForTheDepthSeenBefore)
     EXPECT_EQ(heap.calls(), 5u);
 }
 
+// The size is read in the whole word, whatever the memory held before.
+TEST(MMStackContext, TheWordBeforeAnAllocationHoldsItsSize)
+{
+    Stack stack(40);
+    std::memset(stack.Alloc(39), 0xEE, 39 * sizeof(void*));
+    stack.DeAlloc(static_cast<void**>(static_cast<void*>(stack.firstBlock)) + 5);
+    uintptr_t* words = static_cast<uintptr_t*>(stack.Alloc(3));
+    EXPECT_EQ(words[-1], 3u);
+    words = static_cast<uintptr_t*>(stack.ReAlloc(words, 7));
+    EXPECT_EQ(words[-1], 7u);
+    stack.DeAlloc(words);
+}
+
+TEST(MMStackContext, ADepthNeverSeenBeforeTakesFewBlocks)
+{
+    FailingHeap heap;
+    {
+        Stack stack(10);
+        for (int i = 0; i < 2000; ++i)
+            stack.Alloc(4);
+        EXPECT_LE(heap.calls(), 11u); // 10 words, doubled until 10,000 fit
+    }
+    EXPECT_EQ(heap.liveBlocks(), 0);
+}
+
+// What is left behind keeps nothing else from finding its room without the heap.
+TEST(MMStackContext, AbandonedWordsAreCountedAndNothingMore)
+{
+    FailingHeap heap;
+    Stack stack(20);
+    const auto draw = [&stack](uint32_t depth) {
+        void* below = stack.Alloc(depth / 2);
+        stack.Abandon(stack.Alloc(2));
+        void* above = stack.Alloc(depth / 2);
+        std::memset(above, 0xEE, depth / 2 * sizeof(void*));
+        stack.DeAlloc(above);
+        stack.DeAlloc(below);
+    };
+    draw(500);
+    draw(500);
+    heap.failAt(0); // counts anew
+    for (uint32_t n = 3; n <= 1000; ++n) {
+        draw(500);
+        ASSERT_EQ(stack.usedWords, n * 3);
+    }
+    EXPECT_EQ(heap.calls(), 0u);
+    EXPECT_EQ(heap.liveBlocks(), 1);
+    stack.Abandon(nullptr);
+    EXPECT_EQ(stack.usedWords, 3000u);
+}
+
 // An operation may leave a block behind; what lies below it is still given back properly.
 TEST(MMStackContext, ReleasesBelowAForgottenAllocation)
 {

@@ -78,6 +78,27 @@ TEST(LongLife, MemoryStaysAndTheLastFrameIsThatOfANewContext)
     EXPECT_EQ(heap.liveBlocks(), 0);
 }
 
+// At one font size, and with matrices that never come again.
+TEST(LongLife, ZoomingTextTakesNoMoreMemory)
+{
+    FailingHeap heap;
+    {
+        TextScene scene(40);
+        int64_t warm = 0;
+        for (int32_t frame = 0; frame < 100000; ++frame) {
+            scene.context.transform.a = kFixedOne + frame; // 18 to 30 pixels wide
+            scene.context.transform.d = kFixedOne + frame % 700 * 91;
+            scene.draw(u"ab", 2, 30);
+            if (frame < 3000)
+                warm = heap.peakBytes();
+            else
+                ASSERT_LE(heap.liveBytes(), warm + warm / 4) << "frame " << frame;
+        }
+        EXPECT_LE(heap.peakBytes(), warm + warm / 4);
+    }
+    EXPECT_EQ(heap.liveBlocks(), 0);
+}
+
 TEST(LongLife, ADashedPointLeavesTheBlockOfAPointBehindAndNoMore)
 {
     FailingHeap heap;
@@ -87,11 +108,15 @@ TEST(LongLife, ADashedPointLeavesTheBlockOfAPointBehindAndNoMore)
         canvas.context.dashArray = dashes;
         canvas.context.dashCount = 2;
         canvas.stroke(2);
+        const void* block = nullptr;
         for (uint32_t n = 1; n <= 1000; ++n) {
             canvas.line({at(3, 3)});
             ASSERT_EQ(canvas.context.scratchStack.usedWords, n * 3); // the point and a size word
             canvas.line({at(3, 3), at(9, 9)});
+            canvas.zigzag();
             ASSERT_EQ(canvas.context.scratchStack.usedWords, n * 3);
+            if (n == 1) block = canvas.context.scratchStack.firstBlock;
+            ASSERT_EQ(canvas.context.scratchStack.firstBlock, block); // large enough for ever
         }
     }
     EXPECT_EQ(heap.liveBlocks(), 0);

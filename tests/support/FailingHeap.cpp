@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/FailingHeap.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <malloc.h>
 
@@ -16,6 +17,7 @@ void* FailingHeap::counted(void* block, int32_t sign)
     if (!counting_ || block == nullptr) return block;
     liveBlocks_ += sign;
     liveBytes_ += sign * static_cast<int64_t>(malloc_usable_size(block));
+    peakBytes_ = std::max(peakBytes_, liveBytes_);
     return block;
 }
 

@@ -18,6 +18,7 @@ public:
         failAt(0);
         liveBlocks_ = 0;
         liveBytes_ = 0;
+        peakBytes_ = 0;
         counting_ = true;
     }
     ~FailingHeap() { counting_ = false; } // the heap works as usual again
@@ -46,6 +47,10 @@ public:
     int32_t liveBlocks() const { return liveBlocks_; }
     int64_t liveBytes() const { return liveBytes_; }
 
+    // The most bytes that were live at a time, since construction or the last forgetPeak.
+    int64_t peakBytes() const { return peakBytes_; }
+    void forgetPeak() { peakBytes_ = liveBytes_; }
+
     // For the functions that stand in for the heap's: counts a call, and says whether it fails;
     // counts a block that is taken (1) or given back (-1) and passes it on.
     static bool nextCallFails();
@@ -55,7 +60,7 @@ private:
     static inline bool counting_ = false;
     static inline uint32_t calls_, firstFailure_, lastFailure_;
     static inline int32_t liveBlocks_;
-    static inline int64_t liveBytes_;
+    static inline int64_t liveBytes_, peakBytes_;
 };
 
 // Runs operation again and again, with the first heap call failing, then the second, and so on,
