@@ -22,6 +22,12 @@ struct BoundsUnion {
         if (p.y > maxY) maxY = p.y;
     }
 
+    void addBox(Fixed left, Fixed top, Fixed right, Fixed bottom)
+    {
+        addPoint({left, top});
+        addPoint({right, bottom});
+    }
+
     void add(const BoundsUnion& other);
 
     // Adds what the last operation left in the bounds fields.

@@ -294,7 +294,7 @@ public:
 
     // INNER: memory.
     MMStackContext scratchStack;  // temporary arrays of all operations
-    MMCacheContext<48> fontCache; // glyph images
+    MMCacheContext<48> fontCache; // glyph images; each font size leaves eight nodes of its index
 
     // SET: paints.
     MMPaint strokePaint; // default: kPaintNone, opacity 255

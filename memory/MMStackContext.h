@@ -8,8 +8,8 @@
 
 // Every temporary array of the drawing code is taken from here and given back in reverse order, so
 // after the first operation of a given size the stack makes no further heap calls: when nothing
-// lies on it any more, its first block is replaced by one as large as the greatest depth seen. Until then each
-// new block doubles the room.
+// lies on it any more, its first block is replaced by one as large as the greatest depth seen.
+// Until then each new block doubles the room.
 //
 // Sizes are counted in words. A word has the size of a pointer, so that every allocation is aligned
 // for pointers, and holds 32 bits of data: with 8-byte pointers, an array of n 32-bit numbers fills

@@ -21,7 +21,8 @@
 #define FS_METRICS_ASCENT 12u      // signed, font units
 
 // A glyph image: 4 bits per pixel, two pixels per byte, the left one in the high half; 0 is empty
-// and 15 full. A whole record is size bytes and can be copied as such.
+// and 15 full. A whole record is size bytes and can be copied as such. A size too small for the
+// bitmap says that the record is without it: such an image is measured but not drawn.
 typedef struct FS_GrayMap {
     uint32_t reserved;
     uint32_t size; // bytes, this header and the bitmap
@@ -66,12 +67,25 @@ int32_t FS_set_bold_pct(void* state, int32_t fraction);
 int32_t FS_set_scale(void* state, int32_t xx, int32_t xy, int32_t yx, int32_t yy);
 
 // The image of a character (an FS_GrayMap), to be given back with FS_free_char; null when the font
-// has no glyph for it or it cannot be drawn.
+// has no glyph for it or memory runs out. An image larger than the engine draws is a record without
+// its bitmap.
 void* FS_get_graymap(void* state, uint32_t character);
+
+// The same, but an image whose record would take more than bytes comes without its bitmap, at the
+// cost of measuring it. An engine may leave this function out: what is only measured or lies
+// outside the clip rectangle is then rendered too.
+void* FS_get_graymap_within(void* state, uint32_t character, uint32_t bytes) __attribute__((weak));
 
 int32_t FS_free_char(void* state, void* graymap);
 
 #ifdef __cplusplus
+}
+
+// Whether the record has all of its bitmap.
+inline bool FS_has_bitmap(const FS_GrayMap* image)
+{
+    const int32_t bytes = image->height * image->stride;
+    return bytes >= 0 && image->size >= offsetof(FS_GrayMap, bitmap) + static_cast<uint32_t>(bytes);
 }
 
 static_assert(offsetof(FS_GrayMap, advanceX) == 16 && offsetof(FS_GrayMap, bitmap) == 31,

@@ -4,8 +4,8 @@
 //
 // An engine breaks a text into lines. It knows nothing of fonts: fonts, font styles and glyphs are
 // objects of the caller, each a table of calls and the caller's own pointer for it, which is the
-// first argument of every call. Constructors return null and the other functions non-zero when they
-// fail.
+// first argument of every call. Constructors return null when memory runs out; the other functions
+// TS_OUT_OF_MEMORY then, and 1 when they refuse.
 #pragma once
 
 #include <stdint.h>
@@ -44,7 +44,8 @@ typedef struct TsGlyphInfo {
 } TsGlyphInfo;
 
 // Answers of a font style. An engine need not ask for more than createGlyph; the others are there
-// for engines that do. A query whose answer is a constant is named by its place in the tables.
+// for engines that do. Those that are the same whatever is asked are named by their place in the
+// table.
 typedef struct TsFontStyleCalls {
     void* (*self)(void* style);
     int32_t (*mapped)(void* style, uint32_t value, uint32_t* result);
@@ -82,6 +83,8 @@ typedef struct TsGlyphCalls {
     void (*bounds)(void* glyph, TsRect* result);
     int32_t (*query24)(void* glyph);
 } TsGlyphCalls;
+
+#define TS_OUT_OF_MEMORY 2
 
 // The whole text, as the range of a font style.
 #define TS_TEXT_START ((int32_t)-0x7FFFFFF6)

@@ -54,25 +54,47 @@ bool hasRegisteredFont()
     return word != 0;
 }
 
-// False when there is no memory for the state block. What the engine itself reports is not asked:
-// without a font it answers without glyphs.
-bool startEngine()
-{
-    fontEngine = std::calloc(1, FS_STATE_BYTES);
-    if (fontEngine == nullptr) return false;
-    FS_init(fontEngine, kEngineHeapBytes);
-    if (!hasRegisteredFont()) registerFont();
-    FS_set_font(fontEngine, kFontName);
-    FS_set_cmap(fontEngine, 3, 1);
-    return true;
-}
-
 void endEngine()
 {
     FS_exit(fontEngine);
     std::free(fontEngine);
     fontEngine = nullptr;
     fontEmboldening = 0;
+}
+
+// Gives the engine its font. Nothing is reported: without one the engine answers without glyphs,
+// until a context comes for which it can be registered.
+void chooseFont()
+{
+    if (!hasRegisteredFont()) registerFont();
+    FS_set_font(fontEngine, kFontName);
+    FS_set_cmap(fontEngine, 3, 1);
+}
+
+// False when there is no memory for it.
+bool startEngine()
+{
+    fontEngine = std::calloc(1, FS_STATE_BYTES);
+    if (fontEngine == nullptr) return false;
+    if (FS_init(fontEngine, kEngineHeapBytes) == 0) return true;
+    endEngine();
+    return false;
+}
+
+void endUnusedEngine()
+{
+    if (fontEngineUsers == 0 && fontEngine != nullptr) endEngine();
+}
+
+// Makes the context one that uses the engine. False when there is no memory for its metrics.
+bool joinEngine(MMContext2D& context)
+{
+    context.fontMetrics = static_cast<uint16_t*>(std::calloc(1, FS_METRICS_BYTES));
+    if (context.fontMetrics != nullptr)
+        ++fontEngineUsers;
+    else
+        endUnusedEngine();
+    return context.fontMetrics != nullptr;
 }
 
 // The font's full extent at a size; 0 for a font without units.
@@ -88,23 +110,23 @@ Fixed fullExtent(const uint16_t* metrics, Fixed size)
 
 uint32_t MMContext2D::initFontLib()
 {
-    if (fontEngineUsers == 0 && fontEngine == nullptr && !startEngine()) return 1;
-    fontMetrics = static_cast<uint16_t*>(std::malloc(FS_METRICS_BYTES));
-    if (fontMetrics == nullptr) return 0;
-    std::memset(fontMetrics, 0, FS_METRICS_BYTES);
-    if (fontEngine != nullptr) FS_font_metrics(fontEngine, fontMetrics);
+    const bool starts = fontEngine == nullptr;
+    if (starts && !startEngine()) return 1;
+    if (starts || !hasRegisteredFont()) chooseFont();
+    if (fontMetrics == nullptr && !joinEngine(*this)) return 0;
+    FS_font_metrics(fontEngine, fontMetrics);
     lineHeight = fullExtent(fontMetrics, fontSize);
-    ++fontEngineUsers;
     return 0;
 }
 
 void MMContext2D::releaseFontLib()
 {
     releaseFont();
-    --fontEngineUsers;
-    if (fontEngineUsers == 0 && fontEngine != nullptr) endEngine();
+    if (fontMetrics == nullptr) return;
     std::free(fontMetrics);
     fontMetrics = nullptr;
+    --fontEngineUsers;
+    endUnusedEngine();
 }
 
 void MMContext2D::updateFont()
@@ -121,13 +143,6 @@ void MMContext2D::releaseFont()
     if (currentGlyph == nullptr) return;
     if (fontEngine != nullptr) FS_free_char(fontEngine, currentGlyph);
     currentGlyph = nullptr;
-}
-
-void MMContext2D::newLine()
-{
-    penY = wrapAdd(penY, lineHeight);
-    newLineFlag = 1;
-    penX = 0;
 }
 
 } // namespace Graphics2D

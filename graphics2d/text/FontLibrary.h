@@ -12,9 +12,8 @@ namespace Graphics2D {
 // The engine's state block, or null while no context holds it.
 extern void* fontEngine;
 
-// Contexts that completed initFontLib less those that ran releaseFontLib. A context that had no
-// memory for its metrics leaves without having joined, so the count can fall too low: the others
-// then find no engine and draw no text.
+// Contexts that hold their fontMetrics: those that joined and have not left. A context that had no
+// memory for them has neither joined nor anything to leave.
 extern int32_t fontEngineUsers;
 
 // The emboldening last passed to the engine, whichever context did it: a 16.16 fraction of the em.

@@ -125,19 +125,34 @@ bool GlyphCompositor::begin(const MMPaint& record)
     }
 }
 
-void GlyphCompositor::draw(const FS_GrayMap& glyph, int32_t column, int32_t row)
+GlyphCompositor::Box GlyphCompositor::visible(const FS_GrayMap& glyph,
+                                              const GlyphPlace& place) const
 {
-    Box box;
+    const int32_t column = static_cast<int16_t>(place.column);
+    const int32_t row = static_cast<int16_t>(place.row);
+    Box box = {};
     box.x = std::max(column, visible_.left);
     box.y = std::max(row, visible_.top);
     box.width = std::min(column + glyph.width, visible_.right) - box.x;
     box.height = std::min(row + glyph.height, visible_.bottom) - box.y;
-    if (box.width <= 0 || box.height <= 0) return;
+    box.skippedColumns = box.x - column;
+    box.skippedRows = box.y - row;
+    return box;
+}
 
-    const int32_t skippedColumns = box.x - column;
+bool GlyphCompositor::shows(const FS_GrayMap& glyph, const GlyphPlace& place) const
+{
+    const Box box = visible(glyph, place);
+    return box.width > 0 && box.height > 0;
+}
+
+void GlyphCompositor::draw(const FS_GrayMap& glyph, const GlyphPlace& place)
+{
+    Box box = visible(glyph, place);
+    if (box.width <= 0 || box.height <= 0) return;
     box.stride = glyph.stride;
-    box.startsLow = skippedColumns % 2 != 0;
-    box.levels = glyph.bitmap + (box.y - row) * box.stride + skippedColumns / 2;
+    box.startsLow = box.skippedColumns % 2 != 0;
+    box.levels = glyph.bitmap + box.skippedRows * box.stride + box.skippedColumns / 2;
     box.levelsEnd = glyph.bitmap + glyph.height * box.stride;
     box.pixels = context_.target.pixels + box.y * rowPixels_ + box.x;
     if (record_->paintType == kPaintSolid)
@@ -204,9 +219,9 @@ void GlyphCompositor::drawThroughBuffer(const Box& box)
     movePaintLeft(box.x);
     context_.spanEnd = fixFromInt(box.width);
     context_.spanPixels = buffer.data();
+    context_.spanRow = box.y;
     const Pixel* colours = buffer.data();
-    for (int32_t y = 0; y < box.height; ++y) {
-        context_.spanRow = box.y + y;
+    for (int32_t y = 0; y < box.height; ++y, ++context_.spanRow) {
         fillPixels(buffer.data(), static_cast<int32_t>(words), 0);
         drawSpan(context_, paint);
         compositeRow<BufferBlend>(box, y, [=](int32_t i) { return load4(colours + i); });

@@ -8,6 +8,12 @@
 namespace KAVO {
 namespace Graphics2D {
 
+// Where a glyph's bitmap stands in the target: its left column and top row.
+struct GlyphPlace {
+    int32_t column;
+    int32_t row;
+};
+
 // Composites the glyphs of a run of text, all in one paint.
 //
 // A solid colour is blended straight into the target. Any other paint first draws each row of the
@@ -23,9 +29,19 @@ public:
     // Makes the record, which must stay, the current paint. False when it draws no text.
     bool begin(const MMPaint& record);
 
-    // Draws the image with its left column at column and its top row at row, cut to the clip
-    // rectangle and the target. Sets outOfMemory and draws nothing when there is no row buffer.
-    void draw(const FS_GrayMap& glyph, int32_t column, int32_t row);
+    // Whether the pixel may be drawn.
+    bool covers(const MMPoint2D& pixel) const
+    {
+        return pixel.x >= visible_.left && pixel.x < visible_.right && pixel.y >= visible_.top &&
+               pixel.y < visible_.bottom;
+    }
+
+    // Whether draw would draw anything. Places count in 16 bits.
+    bool shows(const FS_GrayMap& glyph, const GlyphPlace& place) const;
+
+    // Draws the image, which must have its bitmap, cut to the clip rectangle and the target. Sets
+    // outOfMemory and draws nothing when there is no row buffer.
+    void draw(const FS_GrayMap& glyph, const GlyphPlace& place);
 
 private:
     // What is visible of a glyph.
@@ -39,7 +55,12 @@ private:
         int32_t y;
         int32_t width;
         int32_t height;
+        int32_t skippedColumns; // of the glyph, to the left
+        int32_t skippedRows;    // above
     };
+
+    // The visible rectangle alone; its size is not positive when there is none.
+    Box visible(const FS_GrayMap& glyph, const GlyphPlace& place) const;
 
     template <class Blend, class ColoursAt>
     void compositeRow(const Box& box, int32_t y, ColoursAt coloursAt) const;

@@ -2,6 +2,7 @@
 // Drawing and measuring whole texts.
 #include "graphics2d/BoundsUnion.h"
 #include "graphics2d/MMContext2D.h"
+#include "graphics2d/text/TextRendering.h"
 #include "util/WideString.h"
 
 namespace KAVO {
@@ -54,15 +55,7 @@ void MMContext2D::drawText(uint16_t* text, Fixed x, Fixed y)
 
 Fixed MMContext2D::getTextWidth(const uint16_t* text, uint16_t length)
 {
-    const MMPoint2D pen = {penX, penY};
-    const uint8_t accumulate = accumulateBounds;
-    accumulateBounds = 0;
-    renderText(text, length, 0, 0);
-    const Fixed width = wrapSub(penX, pen.x);
-    penX = pen.x;
-    penY = pen.y;
-    accumulateBounds = accumulate;
-    return width;
+    return widthOf(*this, {text, length, 0, true});
 }
 
 void MMContext2D::getTextSize(uint16_t* text, uint16_t length, Fixed& width, Fixed& height)
@@ -80,28 +73,31 @@ void MMContext2D::getTextSize(uint16_t* text, uint16_t length, Fixed& width, Fix
 uint32_t MMContext2D::getTextBBox(uint16_t* text, Fixed x, Fixed y, MMFixedRegion* box)
 {
     if (fontMetrics == nullptr || box == nullptr) return 0;
-    const Matrix2D savedTransform = transform;
-    const uint8_t accumulate = accumulateBounds;
-    transform = kIdentityMatrix;
-    accumulateBounds = 1;
     ParseText(text, text);
-    BoundsUnion().storeTo(*this);
-    penX = x;
-    penY = y;
-    renderText(text, kWholeText, 0, 0);
+    BoundsUnion bounds;
+    const MMPoint2D pen =
+        walkText(*this, kIdentityMatrix, {text, kWholeText, 0, true}, {x, y}, {nullptr, &bounds});
+    penX = pen.x;
+    penY = pen.y;
 
     const Fixed width = wrapSub(box->x1, box->x0);
     if (textAnchor != kAnchorStart && runsFromPen(*this) && width > 0) {
         const Fixed shift = textAnchor == kAnchorMiddle ? width / 2
                             : textAnchor == kAnchorEnd  ? width
                                                         : 0;
-        boundsMinX = wrapSub(boundsMinX, shift);
-        boundsMaxX = wrapSub(boundsMaxX, shift);
+        bounds.minX = wrapSub(bounds.minX, shift);
+        bounds.maxX = wrapSub(bounds.maxX, shift);
     }
-    *box = {boundsMinX, boundsMinY, boundsMaxX, boundsMaxY};
-    accumulateBounds = accumulate;
-    transform = savedTransform;
+    bounds.storeTo(*this);
+    *box = {bounds.minX, bounds.minY, bounds.maxX, bounds.maxY};
     return 0;
+}
+
+void MMContext2D::newLine()
+{
+    penY = wrapAdd(penY, lineHeight);
+    newLineFlag = 1;
+    penX = 0;
 }
 
 } // namespace Graphics2D

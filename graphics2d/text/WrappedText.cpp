@@ -2,7 +2,12 @@
 // Drawing a paragraph line by line, with its underline.
 #include "graphics2d/BoundsUnion.h"
 #include "graphics2d/MMContext2D.h"
+#include "graphics2d/text/ParagraphLayout.h"
+#include "graphics2d/text/TextRendering.h"
+#include "memory/ScratchArray.h"
 #include "util/WideString.h"
+
+#include <algorithm>
 
 namespace KAVO {
 namespace Graphics2D {
@@ -11,9 +16,17 @@ namespace {
 
 constexpr uint32_t kDecorationUnderline = 1;
 
-// Strokes a line of the width below the text that starts at (x, y), in the text's colour, and adds
-// its bounds to the text's. The stroke settings stay behind.
-void drawUnderline(MMContext2D& context, Fixed x, Fixed y, Fixed width)
+uint32_t longestLine(const ParagraphLayout& paragraph)
+{
+    uint32_t longest = 0;
+    for (uint32_t i = 0; i < paragraph.lineCount(); ++i)
+        longest = std::max(longest, paragraph.lengthOf(i));
+    return longest;
+}
+
+// Strokes a line below a line of text that starts at (x, y), in the text's colour, and adds its
+// bounds to the text's. The stroke settings stay behind, also those of a line without characters.
+void drawUnderline(MMContext2D& context, Fixed x, Fixed y, const TextRun& line)
 {
     context.currentPaint =
         context.fillPaint.paintType != kPaintNone ? context.fillPaint : context.strokePaint;
@@ -21,12 +34,12 @@ void drawUnderline(MMContext2D& context, Fixed x, Fixed y, Fixed width)
     context.strokePaint.paintType = kPaintSolid;
     context.strokeHalfWidth = context.lineHeight >> 4;
     if (context.strokeHalfWidth == 0) context.strokeHalfWidth = context.fontSize / 24;
-    if (width == 0) return; // no dots from round or square caps under empty lines
+    if (line.text[0] == 0) return;
 
     BoundsUnion bounds;
     bounds.addBoundsOf(context);
     const Fixed below = wrapAdd(y, context.lineHeight >> 3);
-    MMPoint2D ends[2] = {{x, below}, {wrapAdd(x, width), below}};
+    MMPoint2D ends[2] = {{x, below}, {wrapAdd(x, widthOf(context, line)), below}};
     MMLinkPath path = {ends, 2};
     if (context.dashArray != nullptr)
         context.drawDashArray(&path, 1, 0);
@@ -42,13 +55,19 @@ void drawUnderline(MMContext2D& context, Fixed x, Fixed y, Fixed width)
 void MMContext2D::drawWrappedText(uint16_t* text, uint8_t, uint8_t)
 {
     if (fontMetrics == nullptr || text == nullptr) return;
-    MMTextLayout* layout = createTextLayout(text, fixFloor(wrapWidth));
-    if (layout == nullptr) return;
+    ParagraphLayout paragraph;
+    if (!paragraph.compose(*this, text, fixFloor(wrapWidth))) return;
+    ScratchArray<uint16_t> units(scratchStack, longestLine(paragraph) + 1);
+    if (!units) {
+        outOfMemory |= kScratchExhausted;
+        return;
+    }
     BoundsUnion().storeTo(*this);
 
+    uint16_t* line = units.data();
     const uint8_t draw = drawSuppressed == 0 ? 1 : 0;
-    for (uint32_t i = 0; i < layout->lineCount; ++i) {
-        uint16_t* line = layout->lines[i];
+    for (uint32_t i = 0; i < paragraph.lineCount(); ++i) {
+        paragraph.copyLine(i, line);
         penX = wrapAdd(penX, wrapOffsetX);
         penY = wrapAdd(penY, wrapOffsetY);
         const MMPoint2D start = {penX, penY};
@@ -56,13 +75,12 @@ void MMContext2D::drawWrappedText(uint16_t* text, uint8_t, uint8_t)
         const uint16_t length = static_cast<uint16_t>(MMwsstrlen(line));
         renderText(line, length, draw, 0);
         if (textDecoration == kDecorationUnderline)
-            drawUnderline(*this, start.x, start.y, getTextWidth(line, length));
+            drawUnderline(*this, start.x, start.y, {line, length, 0, true});
         penX = wrapSub(penX, wrapOffsetX);
         penY = wrapSub(penY, wrapOffsetY);
         newLine();
         newLineFlag = 0;
     }
-    destroyTextLayout(layout);
 }
 
 } // namespace Graphics2D

@@ -16,9 +16,10 @@
 
 namespace {
 
-// Greatest size of a glyph image, per side and as a whole at one byte per pixel.
+// Greatest size of a glyph image, per side, and of one that is drawn as a whole: rendering takes a
+// byte for each pixel.
 constexpr int64_t kMaxSide = 32767;
-constexpr int64_t kMaxPixels = 64 << 20;
+constexpr int64_t kMaxPixels = 16 << 20;
 
 // 26.6 coordinates beyond which the offsets from the pen do not fit their 16 bits.
 constexpr int64_t kMaxCoordinate = kMaxSide * 64;
@@ -135,16 +136,6 @@ bool loadUnscaled(FT_Face face, FT_UInt index)
            face->glyph->format == FT_GLYPH_FORMAT_OUTLINE;
 }
 
-// Emboldens the loaded outline and makes it one in 26.6 pixels.
-bool scaleLoaded(const Engine& engine, const Emboldening& bold)
-{
-    FT_Face face = engine.face;
-    FT_Outline& outline = face->glyph->outline;
-    if (engine.boldFraction != 0 && FT_Outline_EmboldenXY(&outline, bold.x, bold.y) != 0)
-        return false;
-    return transformOutline(outline, engine.scale, face->units_per_EM);
-}
-
 // The advance along one axis, cut to 32 bits.
 int32_t scaledAdvance(int32_t scale, int64_t units, int64_t unitsPerEm)
 {
@@ -160,11 +151,19 @@ struct PixelExtent {
     int64_t width;
     int64_t height;
 
+    // The bytes of a row in a record, which is rounded up so that its own padding lies inside.
+    size_t stride() const { return static_cast<size_t>((width + 1) / 2); }
+
+    size_t recordBytes() const
+    {
+        const size_t bytes = kBitmapOffset + stride() * static_cast<size_t>(height);
+        return bytes < sizeof(FS_GrayMap) ? sizeof(FS_GrayMap) : bytes;
+    }
+
     bool fits() const
     {
-        return width <= kMaxSide && height <= kMaxSide && width * height <= kMaxPixels &&
-               left >= INT16_MIN && left <= INT16_MAX && bottom + height >= INT16_MIN &&
-               bottom + height <= INT16_MAX;
+        return width <= kMaxSide && height <= kMaxSide && left >= INT16_MIN && left <= INT16_MAX &&
+               bottom + height >= INT16_MIN && bottom + height <= INT16_MAX;
     }
 };
 
@@ -211,6 +210,58 @@ bool renderOutline(FT_Library library, FT_Outline& outline, const PixelExtent& e
         packRow(packed + y * stride, coverage + y * width, extent.width);
     std::free(coverage);
     return rendered;
+}
+
+// Loads a glyph as an outline in 26.6 pixels into the face's slot. False when it has none or memory
+// runs out. An outline that leaves the range of glyph images becomes an empty box: what cannot be
+// drawn still has its advance.
+bool loadScaled(const Engine& engine, FT_UInt index, const Emboldening& bold, PixelExtent& extent)
+{
+    FT_Face face = engine.face;
+    FT_Outline& outline = face->glyph->outline;
+    bool inRange = true;
+    if (lightHinting && isHintable(engine.scale)) {
+        if (!loadHinted(engine, index)) return false;
+    } else {
+        if (engine.boldFraction != 0 && FT_Outline_EmboldenXY(&outline, bold.x, bold.y) != 0)
+            return false;
+        inRange = transformOutline(outline, engine.scale, face->units_per_EM);
+    }
+    extent = inRange ? extentOf(outline) : PixelExtent{};
+    if (!extent.fits()) extent = {};
+    return true;
+}
+
+// The image of a character. It comes without its bitmap when its record would take more than
+// maxBytes, or when it has more pixels than are drawn.
+FS_GrayMap* makeGraymap(const Engine& engine, uint32_t character, size_t maxBytes)
+{
+    FT_Face face = engine.face;
+    const FT_UInt index = face != nullptr ? FT_Get_Char_Index(face, character) : 0;
+    if (index == 0 || !loadUnscaled(face, index)) return nullptr;
+    const Emboldening bold = emboldeningOf(engine.boldFraction, face->units_per_EM);
+    const int64_t units = face->glyph->metrics.horiAdvance + bold.x;
+    PixelExtent extent;
+    if (!loadScaled(engine, index, bold, extent)) return nullptr;
+
+    const bool drawn =
+        extent.recordBytes() <= maxBytes && extent.width * extent.height <= kMaxPixels;
+    const size_t bytes = drawn ? extent.recordBytes() : sizeof(FS_GrayMap);
+    FS_GrayMap* map = static_cast<FS_GrayMap*>(std::calloc(1, bytes));
+    if (map == nullptr) return nullptr;
+    map->size = static_cast<uint32_t>(drawn ? bytes : kBitmapOffset);
+    map->left = static_cast<int16_t>(extent.left);
+    map->top = static_cast<int16_t>(extent.bottom + extent.height);
+    map->advanceX = scaledAdvance(engine.scale.xx, units, face->units_per_EM);
+    map->advanceY = scaledAdvance(engine.scale.yx, units, face->units_per_EM);
+    map->width = static_cast<int16_t>(extent.width);
+    map->height = static_cast<int16_t>(extent.height);
+    map->stride = static_cast<int16_t>(extent.stride());
+    if (!drawn || extent.width == 0 || extent.height == 0) return map;
+    FT_Outline& outline = face->glyph->outline;
+    if (renderOutline(engine.library, outline, extent, map->bitmap, extent.stride())) return map;
+    std::free(map);
+    return nullptr;
 }
 
 } // namespace
@@ -312,39 +363,13 @@ int32_t FS_set_scale(void* state, int32_t xx, int32_t xy, int32_t yx, int32_t yy
 
 void* FS_get_graymap(void* state, uint32_t character)
 {
+    return FS_get_graymap_within(state, character, UINT32_MAX);
+}
+
+void* FS_get_graymap_within(void* state, uint32_t character, uint32_t bytes)
+{
     const Engine* engine = engineOf(state);
-    if (engine == nullptr || engine->face == nullptr) return nullptr;
-    FT_Face face = engine->face;
-    const FT_UInt index = FT_Get_Char_Index(face, character);
-    if (index == 0) return nullptr;
-
-    if (!loadUnscaled(face, index)) return nullptr;
-    const Emboldening bold = emboldeningOf(engine->boldFraction, face->units_per_EM);
-    const int64_t units = face->glyph->metrics.horiAdvance + bold.x;
-    const bool hinted = lightHinting && isHintable(engine->scale);
-    if (!(hinted ? loadHinted(*engine, index) : scaleLoaded(*engine, bold))) return nullptr;
-    FT_Outline& outline = face->glyph->outline;
-    const PixelExtent extent = extentOf(outline);
-    if (!extent.fits()) return nullptr;
-
-    const size_t stride = static_cast<size_t>((extent.width + 1) / 2);
-    const size_t bytes = kBitmapOffset + stride * static_cast<size_t>(extent.height);
-    // Rounded up so that the record's own padding lies inside.
-    const size_t room = bytes < sizeof(FS_GrayMap) ? sizeof(FS_GrayMap) : bytes;
-    FS_GrayMap* map = static_cast<FS_GrayMap*>(std::calloc(1, room));
-    if (map == nullptr) return nullptr;
-    map->size = static_cast<uint32_t>(room);
-    map->left = static_cast<int16_t>(extent.left);
-    map->top = static_cast<int16_t>(extent.bottom + extent.height);
-    map->advanceX = scaledAdvance(engine->scale.xx, units, face->units_per_EM);
-    map->advanceY = scaledAdvance(engine->scale.yx, units, face->units_per_EM);
-    map->width = static_cast<int16_t>(extent.width);
-    map->height = static_cast<int16_t>(extent.height);
-    map->stride = static_cast<int16_t>(stride);
-    if (extent.width == 0 || extent.height == 0) return map;
-    if (renderOutline(engine->library, outline, extent, map->bitmap, stride)) return map;
-    std::free(map);
-    return nullptr;
+    return engine != nullptr ? makeGraymap(*engine, character, bytes) : nullptr;
 }
 
 int32_t FS_free_char(void*, void* graymap)

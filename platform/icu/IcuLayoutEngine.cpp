@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 
 #include <unicode/ubrk.h>
 #include <unicode/uchar.h>
@@ -16,14 +17,11 @@ struct TsLayoutControl {
     UBreakIterator* clusters;
 };
 
-struct TsLayoutOptions {
-    bool breakByWords;
-};
+// There is one way of breaking, so all options are the same.
+struct TsLayoutOptions {};
 
-struct TsFont {
-    const TsFontCalls* calls;
-    void* user;
-};
+// Fonts are asked nothing: the glyphs of a style know their advances.
+struct TsFont {};
 
 struct TsFontStyle {
     const TsFontStyleCalls* calls;
@@ -87,7 +85,6 @@ bool measure(const TsFontStyle& style, uint16_t character, int32_t& advance)
     TsPoint point = {0, 0};
     glyph->calls->advance(glyph->user, &point);
     glyph->calls->release(glyph->user);
-    std::free(glyph);
     advance = point.x;
     return true;
 }
@@ -116,8 +113,8 @@ bool measureAll(const TsText& text, TextPosition* positions)
 
 // Whether the heap has the room that ICU's dictionaries may need. When it runs out while one of
 // them starts, a single ubrk_next tries again and again without end, so nothing outside can stop
-// it. Memory functions of our own would not do either: ICU takes them for the whole process, and
-// only before its first use.
+// it: they all start when a control is made, and never later. Memory functions of our own would not
+// do either: ICU takes them for the whole process, and only before its first use.
 bool heapHasRoom()
 {
     constexpr size_t kRoom = 128 * 1024;
@@ -127,13 +124,40 @@ bool heapHasRoom()
     return has;
 }
 
+// Sets an iterator to the beginning of a text.
+bool startAt(UBreakIterator* iterator, const uint16_t* units, uint32_t count)
+{
+    UErrorCode error = U_ZERO_ERROR;
+    ubrk_setText(iterator, icuUnits(units), static_cast<int32_t>(count), &error);
+    return U_SUCCESS(error);
+}
+
+// Starts the dictionaries of an iterator, one for each script that writes no spaces between words.
+// Two letters of each: words are looked for from there on.
+bool loadDictionaries(UBreakIterator* lines)
+{
+    constexpr uint16_t kLetters[] = {
+        0x0E01, 0x0E01, ' ',           // Thai
+        0x0E81, 0x0E81, ' ',           // Lao
+        0x1000, 0x1000, ' ',           // Burmese
+        0x1780, 0x1780, ' ',           // Khmer
+        0x1950, 0x1950, ' ',           // Tai Le, which has none, as the following
+        0x1980, 0x1980, ' ',           // New Tai Lue
+        0x1A20, 0x1A20, ' ',           // Tai Tham
+        0xAA80, 0xAA80, ' ',           // Tai Viet
+        0xD805, 0xDF00, 0xD805, 0xDF00 // Ahom, in pairs of surrogates
+    };
+    if (!startAt(lines, kLetters, std::size(kLetters))) return false;
+    while (ubrk_next(lines) != UBRK_DONE) {
+    }
+    return true;
+}
+
 // Writes into one field of all positions the boundary that follows each.
 bool findBoundaries(UBreakIterator* iterator, const TsText& text, TextPosition* positions,
                     uint32_t TextPosition::*nextBoundary)
 {
-    UErrorCode error = U_ZERO_ERROR;
-    ubrk_setText(iterator, icuUnits(text.units), static_cast<int32_t>(text.count), &error);
-    if (U_FAILURE(error)) return false;
+    if (!startAt(iterator, text.units, text.count)) return false;
     uint32_t from = 0;
     for (int32_t boundary = ubrk_next(iterator); boundary != UBRK_DONE;
          boundary = ubrk_next(iterator))
@@ -166,12 +190,12 @@ extern "C" {
 
 TsLayoutControl* TsLayoutControl_new(void*)
 {
-    TsLayoutControl* control = make<TsLayoutControl>();
+    TsLayoutControl* control = heapHasRoom() ? make<TsLayoutControl>() : nullptr;
     if (control == nullptr) return nullptr;
     UErrorCode error = U_ZERO_ERROR;
     control->lines = ubrk_open(UBRK_LINE, "", nullptr, 0, &error);
     control->clusters = ubrk_open(UBRK_CHARACTER, "", nullptr, 0, &error);
-    if (U_SUCCESS(error)) return control;
+    if (U_SUCCESS(error) && loadDictionaries(control->lines)) return control;
     TsLayoutControl_delete(control);
     return nullptr;
 }
@@ -185,37 +209,26 @@ void TsLayoutControl_delete(TsLayoutControl* control)
 
 TsLayoutOptions* TsLayoutOptions_new(void)
 {
-    return make<TsLayoutOptions>();
+    static TsLayoutOptions options;
+    return &options;
 }
 
-void TsLayoutOptions_defaults(TsLayoutOptions* options)
+void TsLayoutOptions_defaults(TsLayoutOptions*) {}
+
+int32_t TsLayoutOptions_set(TsLayoutOptions*, uint32_t option, uint32_t value)
 {
-    options->breakByWords = true;
+    return option == TS_OPTION_BREAKING && value == TS_BREAK_BY_WORDS ? 0 : 1;
 }
 
-int32_t TsLayoutOptions_set(TsLayoutOptions* options, uint32_t option, uint32_t value)
+void TsLayoutOptions_delete(TsLayoutOptions*) {}
+
+TsFont* TsFont_new(const TsFontCalls*, void*)
 {
-    if (option != TS_OPTION_BREAKING || value != TS_BREAK_BY_WORDS) return 1;
-    options->breakByWords = true;
-    return 0;
+    static TsFont font;
+    return &font;
 }
 
-void TsLayoutOptions_delete(TsLayoutOptions* options)
-{
-    std::free(options);
-}
-
-TsFont* TsFont_new(const TsFontCalls* calls, void* user)
-{
-    TsFont* font = make<TsFont>();
-    if (font != nullptr) *font = {calls, user};
-    return font;
-}
-
-void TsFont_delete(TsFont* font)
-{
-    std::free(font);
-}
+void TsFont_delete(TsFont*) {}
 
 void TsFontParam_defaults(TsFontParam* param)
 {
@@ -252,7 +265,7 @@ int32_t TsText_insertRun(TsText* text, const uint16_t* units, uint32_t count, ui
     if (text->units != nullptr || kind != TS_RUN_UTF16 || at != 0 || count > INT32_MAX) return 1;
     const size_t bytes = size_t{count} * sizeof(uint16_t);
     text->units = static_cast<uint16_t*>(std::malloc(bytes + sizeof(uint16_t)));
-    if (text->units == nullptr) return 1;
+    if (text->units == nullptr) return TS_OUT_OF_MEMORY;
     std::memcpy(text->units, units, bytes);
     text->count = count;
     return 0;
@@ -281,17 +294,18 @@ int32_t TsLayout_compose(TsLayout* layout, int32_t width, uint32_t* lineCount)
     if (text.style == nullptr) return 1;
     if (text.count == 0) return 0;
     HeapArray<TextPosition> positions(size_t{text.count} + 1);
-    if (!positions || !measureAll(text, positions.data()) || !heapHasRoom()) return 1;
+    if (!positions || !measureAll(text, positions.data())) return TS_OUT_OF_MEMORY;
     if (!findBoundaries(layout->control->lines, text, positions.data(), &TextPosition::nextBreak) ||
         !findBoundaries(layout->control->clusters, text, positions.data(),
                         &TextPosition::nextCluster))
-        return 1;
+        return TS_OUT_OF_MEMORY;
     int32_t hyphenWidth = 0;
-    if (contains(text, kSoftHyphen) && !measure(*text.style, kHyphen, hyphenWidth)) return 1;
+    if (contains(text, kSoftHyphen) && !measure(*text.style, kHyphen, hyphenWidth))
+        return TS_OUT_OF_MEMORY;
 
     LineFiller filler(text.units, positions.data(), text.count, int64_t{width} * 65536,
                       hyphenWidth);
-    if (!filler.fill()) return 1;
+    if (!filler.fill()) return TS_OUT_OF_MEMORY;
     layout->lineCount = filler.lineCount();
     layout->text = filler.takeText();
     layout->lines = filler.takeLines();
@@ -321,11 +335,12 @@ void TsLayout_delete(TsLayout* layout)
     std::free(layout);
 }
 
+// A glyph only lives while it is measured, one at a time.
 TsGlyph* TsGlyph_new(const TsGlyphCalls* calls, void* user)
 {
-    TsGlyph* glyph = make<TsGlyph>();
-    if (glyph != nullptr) *glyph = {calls, user};
-    return glyph;
+    static thread_local TsGlyph glyph;
+    glyph = {calls, user};
+    return &glyph;
 }
 
 void TsPoint_setCoords(TsPoint* point, int32_t x, int32_t y)

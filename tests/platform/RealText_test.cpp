@@ -3,6 +3,7 @@
 #include "examples/common/FontFolder.h"
 #include "graphics2d/MMContext2D.h"
 #include "platform/freetype/LightHinting.h"
+#include "tests/platform/LimitedHeap.h"
 #include "tests/support/Picture.h"
 
 #include <algorithm>
@@ -83,7 +84,7 @@ int64_t ink(const std::vector<Pixel>& pixels)
 
 } // namespace
 
-TEST(RealGlyphs, areAsHighAndWideAsTheFontSaysAndTurnWithTheTransform)
+TEST(RealGlyphs, AreAsHighAndWideAsTheFontSaysAndTurnWithTheTransform)
 {
     Page page(LATIN_FONT);
     MMContext2D& context = page.context;
@@ -105,7 +106,7 @@ TEST(RealGlyphs, areAsHighAndWideAsTheFontSaysAndTurnWithTheTransform)
     EXPECT_NEAR(context.boundsMaxY, right, kFixedOne);
 }
 
-TEST(RealGlyphs, boldOnesAreDarkerAndWider)
+TEST(RealGlyphs, BoldOnesAreDarkerAndWider)
 {
     Page page(LATIN_FONT);
     page.context.fontSize = 24 * kFixedOne;
@@ -118,7 +119,7 @@ TEST(RealGlyphs, boldOnesAreDarkerAndWider)
     EXPECT_NEAR(page.width(u"emHo") - uprightWidth, 4 * 24 * 0.075 * 65536, 3000);
 }
 
-TEST(RealGlyphs, lightHintingSharpensHorizontalStrokesOfUprightTextOnly)
+TEST(RealGlyphs, LightHintingSharpensHorizontalStrokesOfUprightTextOnly)
 {
     std::vector<Pixel> upright[2], turned[2];
     Fixed widths[2];
@@ -137,7 +138,35 @@ TEST(RealGlyphs, lightHintingSharpensHorizontalStrokesOfUprightTextOnly)
     EXPECT_EQ(turned[0], turned[1]);
 }
 
-TEST(RealGlyphs, aMissingFontDrawsNothing)
+// Also when a glyph is too large for a bitmap, or for the room that its offsets have.
+TEST(RealGlyphs, WidthsDoNotChangeWithZoom)
+{
+    Page page(LATIN_FONT);
+    for (int32_t scale : {1, 10, 500, 800, 1100, 1400}) {
+        page.context.transform = {scale * kFixedOne, 0, 0, scale * kFixedOne, 0, 0};
+        // The inverse of the transform is cut to 16 bits behind the point.
+        EXPECT_NEAR(page.width(u"Wi."), 3 * 12.0 * 1233 / 2048 * 65536, 21.7 * (scale + 30))
+            << scale;
+    }
+}
+
+TEST(RealGlyphs, WhatIsMeasuredOrClippedAwayIsNotRendered)
+{
+    if (!LimitedHeap::kAvailable) GTEST_SKIP();
+    Page page(LATIN_FONT);
+    const auto greatestRequest = [&](int32_t size, int32_t x) {
+        page.context.fontSize = size * kFixedOne;
+        const LimitedHeap heap;
+        page.draw(u"BBBBB", x, 100);
+        page.width(std::u16string(20, u'W'));
+        return heap.greatestRequest();
+    };
+    EXPECT_LT(greatestRequest(8000, 500), 100000u);
+    EXPECT_LT(greatestRequest(2000, -30000), 100000u);
+    EXPECT_GT(greatestRequest(2000, -500), 1000u * 1000u); // seen
+}
+
+TEST(RealGlyphs, AMissingFontDrawsNothing)
 {
     Page page("no such file");
     EXPECT_EQ(page.context.fontMetrics[0], 1000);
@@ -147,7 +176,7 @@ TEST(RealGlyphs, aMissingFontDrawsNothing)
     EXPECT_EQ(page.lines(u"ab cd", 10), (Lines{u"ab cd"})); // nothing is wide
 }
 
-TEST(RealLayout, breaksEnglishAtWords)
+TEST(RealLayout, BreaksEnglishAtWords)
 {
     Page page(LATIN_FONT);
     const struct {
@@ -180,7 +209,7 @@ TEST(RealLayout, breaksEnglishAtWords)
     EXPECT_EQ(page.lines(u"m" + family + u"m", 1).size(), 3u);
 }
 
-TEST(RealLayout, breaksOtherLanguagesByTheirRules)
+TEST(RealLayout, BreaksOtherLanguagesByTheirRules)
 {
     const auto expectLines = [](const char* font, const std::u16string& widest,
                                 const Lines& lines) {
@@ -200,11 +229,67 @@ TEST(RealLayout, breaksOtherLanguagesByTheirRules)
     expectLines(THAI_FONT, language, {language, u"\u0E44\u0E17\u0E22"});
 }
 
-TEST(RealLayout, hundredThousandCharacters)
+TEST(RealLayout, HundredThousandCharacters)
 {
     Page page(LATIN_FONT);
     const std::u16string solid(100000, u'm'), blanks(100000, u' ');
     EXPECT_EQ(page.lines(solid, 0).size(), 65535u); // the most that a layout holds
     EXPECT_EQ(page.lines(solid, page.columns(100)).size(), 1000u);
     EXPECT_EQ(page.lines(blanks, 3).size(), 1u);
+}
+
+TEST(RealText, SteadyDrawingMakesNoHeapCallsAndAParagraphAFew)
+{
+    if (!LimitedHeap::kAvailable) GTEST_SKIP();
+    Page page(LATIN_FONT);
+    MMContext2D& context = page.context;
+    std::u16string words;
+    while (words.size() < 5000)
+        words += u"a few words ";
+    std::vector<uint16_t> longText = unitsOf(words), text = unitsOf(words.substr(0, 200));
+    context.wrapWidth = 380 * kFixedOne;
+    for (const bool counts : {false, true}) {
+        const LimitedHeap drawing;
+        context.drawText(text.data(), 10 * kFixedOne, 60 * kFixedOne);
+        context.getTextWidth(text.data(), 200);
+        const uint32_t drawn = drawing.calls();
+        context.drawWrappedText(text.data(), 0, 0);
+        const uint32_t paragraph = drawing.calls() - drawn;
+        context.drawWrappedText(longText.data(), 0, 0);
+        const uint32_t longParagraph = drawing.calls() - drawn - paragraph;
+        if (!counts) continue;
+        EXPECT_EQ(drawn, 0u);
+        EXPECT_LE(paragraph, 7u);
+        EXPECT_LE(longParagraph, 10u); // its list of lines grows
+    }
+}
+
+// ICU's dictionaries never end to start when they run out of memory. They start with the control,
+// if there is room for them; later the heap may end anywhere.
+TEST(RealLayout, EndsWithoutMemory)
+{
+    if (!LimitedHeap::kAvailable) GTEST_SKIP();
+    const std::vector<uint16_t> text = unitsOf(
+        u"\u0E20\u0E32\u0E29\u0E32\u0E44\u0E17\u0E22 \u1000\u1001 \u1780\u1781 \u0E81\u0E82 "
+        u"\u1950\u1951 \u1980\u1981 \u1A20\u1A21 \uAA80\uAA81 \xD805\xDF00\xD805\xDF01");
+    Page page(THAI_FONT);
+    MMContext2D& context = page.context;
+    {
+        const LimitedHeap heap(64 * 1024);
+        EXPECT_EQ(context.createTextLayout(text.data(), 30), nullptr);
+        EXPECT_EQ(context.layoutControl, nullptr);
+        EXPECT_EQ(context.outOfMemory, kScratchExhausted);
+    }
+    MMTextLayout* layout = context.createTextLayout(text.data(), 30);
+    ASSERT_NE(layout, nullptr);
+    context.destroyTextLayout(layout);
+    layout = nullptr;
+    for (uint32_t calls = 0; layout == nullptr && calls < 1000; ++calls) {
+        context.outOfMemory = 0;
+        const LimitedHeap heap(SIZE_MAX, calls);
+        layout = context.createTextLayout(text.data(), 30);
+        EXPECT_EQ(context.outOfMemory != 0, layout == nullptr) << calls;
+    }
+    EXPECT_NE(layout, nullptr);
+    context.destroyTextLayout(layout);
 }

@@ -17,10 +17,13 @@ int32_t refused(FontCall call)
     return fakeFontEngine.refused >> call & 1;
 }
 
+// Longer glyphs have no bitmap.
+constexpr int64_t kMostPixels = 1000;
+
 // Pixels for the longer one of two 16.16 lengths along an axis.
 int64_t pixelsOf(int64_t a, int64_t b)
 {
-    return (std::max(std::abs(a), std::abs(b)) + 0x8000) >> 16;
+    return std::min<int64_t>((std::max(std::abs(a), std::abs(b)) + 0x8000) >> 16, INT16_MAX);
 }
 
 int levelAt(uint32_t character, int32_t x, int32_t y)
@@ -82,11 +85,17 @@ int32_t FS_set_bold_pct(void*, int32_t fraction)
 
 int32_t FS_set_scale(void*, int32_t xx, int32_t xy, int32_t yx, int32_t yy)
 {
+    ++fakeFontEngine.scalesSet;
     if (!refused(kSetScale)) fakeFontEngine.scale = {xx, xy, yx, yy};
     return refused(kSetScale);
 }
 
-void* FS_get_graymap(void*, uint32_t character)
+void* FS_get_graymap(void* state, uint32_t character)
+{
+    return FS_get_graymap_within(state, character, UINT32_MAX);
+}
+
+void* FS_get_graymap_within(void*, uint32_t character, uint32_t maxBytes)
 {
     const bool isSurrogate = character >= 0xD800 && character <= 0xDFFF;
     if (refused(kGetGlyph) || refused(kAddFont) || character < ' ' || isSurrogate) return nullptr;
@@ -94,24 +103,24 @@ void* FS_get_graymap(void*, uint32_t character)
     const int32_t parts = character == 'i' ? 2 : 1;
     const int64_t width = character == ' ' ? 0 : pixelsOf(scale.xx, scale.xy) / parts;
     const int64_t height = character == ' ' ? 0 : pixelsOf(scale.yy, scale.yx);
-    if (width > 1000 || height > 1000) return nullptr;
-
     const int64_t stride = (width + 1) / 2;
-    const size_t bytes = sizeof(FS_GrayMap) + static_cast<size_t>(stride * height);
-    FS_GrayMap* map = static_cast<FS_GrayMap*>(std::calloc(1, bytes));
+    const size_t whole = sizeof(FS_GrayMap) + static_cast<size_t>(stride * height);
+    const bool drawn = whole <= maxBytes && width <= kMostPixels && height <= kMostPixels;
+    FS_GrayMap* map = static_cast<FS_GrayMap*>(std::calloc(1, drawn ? whole : sizeof(FS_GrayMap)));
     if (map == nullptr) return nullptr;
-    map->size = static_cast<uint32_t>(bytes);
+    map->size = drawn ? static_cast<uint32_t>(whole) : offsetof(FS_GrayMap, bitmap);
     map->left = character == 'j' ? -1 : 0;
     map->top = map->height = static_cast<int16_t>(height);
     map->advanceX = scale.xx / parts;
     map->advanceY = scale.yx / parts;
     map->width = static_cast<int16_t>(width);
     map->stride = static_cast<int16_t>(stride);
-    for (int32_t y = 0; y < height; ++y)
+    for (int32_t y = 0; drawn && y < height; ++y)
         for (int32_t x = 0; x < width; ++x) // of two pixels, the left one is in the high half
             map->bitmap[y * stride + x / 2] |=
                 static_cast<uint8_t>(levelAt(character, x, y) << (x % 2 == 0 ? 4 : 0));
     ++fakeFontEngine.glyphsMade;
+    if (drawn) fakeFontEngine.pixelsDrawn += width * height;
     ++fakeFontEngine.glyphsAlive;
     return map;
 }

@@ -9,6 +9,7 @@
 //   'i'       a full block of half the width, half the advance
 //   'j'       a full block that starts one pixel left of the pen
 //   others    a full block
+// Blocks of more than 1,000 pixels along a side are without their bitmap.
 #pragma once
 
 #include <cstdint>
@@ -39,6 +40,8 @@ struct FakeFontEngine {
     int32_t exits = 0;
     int32_t glyphsMade = 0;
     int32_t glyphsAlive = 0;
+    int64_t pixelsDrawn = 0; // of all glyphs
+    int32_t scalesSet = 0;
     int32_t boldFraction = -1;
     Scale scale = {};
     std::string fontPath;

@@ -9,11 +9,12 @@ FakeLayoutEngine fakeLayoutEngine;
 
 namespace {
 
-// 1 when the call is to fail.
+// Not 0 when the call is to fail.
 int32_t refused()
 {
     ++fakeLayoutEngine.calls;
-    return fakeLayoutEngine.failAt != 0 && --fakeLayoutEngine.failAt == 0 ? 1 : 0;
+    const bool fails = fakeLayoutEngine.failAt != 0 && --fakeLayoutEngine.failAt == 0;
+    return fails ? fakeLayoutEngine.refusal : 0;
 }
 
 struct Counted {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Most tests are not about fonts. Contexts that fail to start, and heaps that run out, would end
-// the font engine or leave it behind for the tests that follow, so the program itself holds one
-// from the start. FreshEngine (TextScene.h) puts it aside for tests that are about fonts.
+// Most tests are not about fonts: the program itself holds a font engine from the start, so that
+// their contexts neither start nor end one. FreshEngine (TextScene.h) puts it aside for tests that
+// are about fonts.
 #include "graphics2d/text/FontLibrary.h"
 
 namespace {
@@ -10,8 +10,9 @@ alignas(8) uint8_t state[FS_STATE_BYTES];
 
 bool hold()
 {
+    state[FS_REGISTERED_BYTE] = 1;
     KAVO::Graphics2D::fontEngine = state;
-    KAVO::Graphics2D::fontEngineUsers = 1 << 20; // more than will ever leave without having joined
+    KAVO::Graphics2D::fontEngineUsers = 1;
     return true;
 }
 

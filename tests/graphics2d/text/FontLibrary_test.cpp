@@ -2,8 +2,10 @@
 // Starting and sharing the font engine, with an engine and a heap that fail.
 #include "tests/support/FailingHeap.h"
 #include "tests/support/TextScene.h"
+#include "tests/support/UserUnits.h"
 
 #include <cstdlib>
+#include <memory>
 
 using namespace KAVO;
 
@@ -20,7 +22,7 @@ void setVariable(const char* name, const char* value)
 
 } // namespace
 
-TEST(FontLibrary, isStartedOnceAndEndedWithTheLastContext)
+TEST(FontLibrary, IsStartedOnceAndEndedWithTheLastContext)
 {
     FreshEngine fresh;
     for (bool firstGoesFirst : {false, true}) {
@@ -36,7 +38,7 @@ TEST(FontLibrary, isStartedOnceAndEndedWithTheLastContext)
     }
 }
 
-TEST(FontLibrary, takesFolderAndCacheBudgetFromTheEnvironment)
+TEST(FontLibrary, TakesFolderAndCacheBudgetFromTheEnvironment)
 {
     const std::string deep(3000, 'd');
     const struct {
@@ -67,7 +69,7 @@ TEST(FontLibrary, takesFolderAndCacheBudgetFromTheEnvironment)
     setVariable("SVG_FONT_CACHE_KB", nullptr);
 }
 
-TEST(FontLibrary, setsDefaultsWeightAndLines)
+TEST(FontLibrary, SetsDefaultsWeightAndLines)
 {
     FreshEngine fresh;
     MMContext2D context;
@@ -91,7 +93,7 @@ TEST(FontLibrary, setsDefaultsWeightAndLines)
     EXPECT_EQ(context.newLineFlag, 1);
 }
 
-TEST(FontLibrary, withoutGlyphsNothingIsDrawn)
+TEST(FontLibrary, WithoutGlyphsNothingIsDrawn)
 {
     for (FontCall refused : {kAddFont, kGetGlyph}) {
         TextScene scene(20, 1u << refused);
@@ -101,22 +103,48 @@ TEST(FontLibrary, withoutGlyphsNothingIsDrawn)
     }
 }
 
-TEST(FontLibrary, aContextWithoutMemoryForItsMetricsEndsTheEngineUnderTheOthers)
+// Whichever of its heap calls a constructor is refused, or all from one on: it neither ends the
+// text of the contexts that are there nor keeps those that come after it from theirs.
+TEST(FontLibrary, AContextWithoutMemoryIsNoneOfTheOthersBusiness)
 {
-    FreshEngine fresh;
+    for (bool othersAreThere : {false, true})
+        for (bool forGood : {false, true})
+            for (uint32_t n = 1;; ++n) {
+                SCOPED_TRACE(testing::Message() << othersAreThere << forGood << " call " << n);
+                FreshEngine fresh;
+                uint32_t calls;
+                {
+                    std::unique_ptr<Picture> before;
+                    if (othersAreThere) before = std::make_unique<Picture>(20);
+                    FailingHeap heap;
+                    forGood ? heap.failFrom(n) : heap.failAt(n);
+                    MMContext2D poor;
+                    calls = heap.calls();
+                    heap.failAt(0);
+                    Picture after(20);
+                    after.context.drawText(Text(u"ab").data(), 0, fx(15));
+                    EXPECT_FALSE(after.blank());
+                    poor.releaseFontLib();
+                    if (before != nullptr) {
+                        before->context.drawText(Text(u"ab").data(), 0, fx(15));
+                        EXPECT_FALSE(before->blank());
+                    }
+                }
+                EXPECT_EQ(fontEngine, nullptr);
+                EXPECT_EQ(fontEngineUsers, 0);
+                EXPECT_EQ(fakeFontEngine.exits, fakeFontEngine.inits);
+                if (calls < n) break;
+            }
+}
+
+TEST(FontLibrary, WithoutMetricsNothingIsDrawnOrMeasured)
+{
     TextScene scene(20);
-    {
-        MMContext2D poor;
-        poor.releaseFontLib();
-        FailingHeap heap;
-        heap.failAt(1);
-        EXPECT_EQ(poor.initFontLib(), 0u);
-        EXPECT_EQ(poor.fontMetrics, nullptr);
-        EXPECT_EQ(fontEngineUsers, 1);
-    }
-    EXPECT_EQ(fontEngineUsers, 0);
-    EXPECT_EQ(fakeFontEngine.exits, 1);
-    scene.draw(u"abc", 0, 15); // without an engine
-    scene.context.updateFont();
+    scene.context.releaseFontLib();
+    scene.context.penX = 7;
+    scene.draw(u"abc", 0, 15);
+    scene.context.renderText(Text(u"abc").data(), 3, 1, 0);
+    EXPECT_EQ(scene.context.getTextWidth(Text(u"abc").data(), 3), 0);
+    EXPECT_EQ(scene.context.penX, 7);
     EXPECT_TRUE(scene.blank());
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Widths, anchors, placed and turned characters, boxes, wrapped text. The fake engine's letters are
 // blocks of 12 pixels.
+#include "platform/LayoutEngine.h"
+#include "tests/support/FailingHeap.h"
 #include "tests/support/FakeLayoutEngine.h"
 #include "tests/support/TextScene.h"
 #include "tests/support/UserUnits.h"
@@ -33,7 +35,7 @@ void expectBlocks(const TextScene& scene, const std::vector<Block>& blocks)
 
 } // namespace
 
-TEST(TextDrawing, measuresWithoutMovingAnything)
+TEST(TextDrawing, MeasuresWithoutMovingAnything)
 {
     TextScene scene(10);
     MMContext2D& context = scene.context;
@@ -62,7 +64,7 @@ TEST(TextDrawing, measuresWithoutMovingAnything)
     EXPECT_EQ(height, fx(12));
 }
 
-TEST(TextDrawing, anchorsByTheWidthOfAllLines)
+TEST(TextDrawing, AnchorsByTheWidthOfAllLines)
 {
     for (const auto& [anchor, left] : {std::pair{0u, 40}, {1u, 25}, {2u, 10}, {3u, 40}}) {
         TextScene scene(80);
@@ -74,7 +76,7 @@ TEST(TextDrawing, anchorsByTheWidthOfAllLines)
     }
 }
 
-TEST(TextDrawing, placesCharactersByTheirIndexInAllLines)
+TEST(TextDrawing, PlacesCharactersByTheirIndexInAllLines)
 {
     TextScene scene(100);
     const Fixed xs[] = {fx(5), fx(30), fx(55)};
@@ -89,7 +91,7 @@ TEST(TextDrawing, placesCharactersByTheirIndexInAllLines)
     expectBlocks(scene, {{5, 15, 12}, {30, 30, 12}, {55, 45, 12 + 12}});
 }
 
-TEST(TextDrawing, turnsTheCharactersThatTheListNames)
+TEST(TextDrawing, TurnsTheCharactersThatTheListNames)
 {
     // A quarter turn sends the advance down the page.
     const Degrees turns[] = {kDegrees90, kDegrees90};
@@ -107,7 +109,7 @@ TEST(TextDrawing, turnsTheCharactersThatTheListNames)
     }
 }
 
-TEST(TextDrawing, boxesATextWithoutTransform)
+TEST(TextDrawing, BoxesATextWithoutTransform)
 {
     TextScene scene(10);
     MMContext2D& context = scene.context;
@@ -122,12 +124,22 @@ TEST(TextDrawing, boxesATextWithoutTransform)
         EXPECT_EQ(box.y0, fx(28));
         EXPECT_EQ(box.y1, fx(40));
     }
+    // A text that is placed by its lists is not anchored.
+    const Fixed xs[] = {fx(50), fx(70)};
+    for (bool placed : {true, false}) {
+        context.charX = xs;
+        context.charXCount = placed ? 2 : 1;
+        MMFixedRegion box = {0, 0, fx(24), 0};
+        context.getTextBBox(Text(u"aa").data(), fx(50), fx(40), &box);
+        EXPECT_EQ(box.x0, placed ? fx(50) : fx(26));
+        EXPECT_EQ(box.x1, placed ? fx(82) : fx(50));
+    }
     EXPECT_EQ(context.transform.a, 0x30000);
     EXPECT_EQ(context.accumulateBounds, 0);
     context.getTextBBox(nullptr, 0, 0, nullptr);
 }
 
-TEST(TextDrawing, longAndEmptyTexts)
+TEST(TextDrawing, LongAndEmptyTexts)
 {
     TextScene scene(30);
     scene.draw(u"", 3, 4);
@@ -142,7 +154,7 @@ TEST(TextDrawing, longAndEmptyTexts)
     EXPECT_NEAR(scene.context.penX, fx(34464 - 65536), kFixedOne);
 }
 
-TEST(WrappedText, drawsLineByLineAndLeavesThePenBelow)
+TEST(WrappedText, DrawsLineByLineAndLeavesThePenBelow)
 {
     TextScene scene(60);
     MMContext2D& context = scene.context;
@@ -184,7 +196,7 @@ TEST(WrappedText, drawsLineByLineAndLeavesThePenBelow)
     EXPECT_EQ(context.strokeHalfWidth, kFixedHalf); // a 24th of the font size
 }
 
-TEST(WrappedText, measuresWithoutTheListsOfCharacters)
+TEST(WrappedText, MeasuresWithoutTheListsOfCharacters)
 {
     TextScene scene(10);
     MMContext2D& context = scene.context;
@@ -197,21 +209,70 @@ TEST(WrappedText, measuresWithoutTheListsOfCharacters)
     EXPECT_EQ(layout->lines[1][0], 'b');
     EXPECT_EQ(layout->lines[1][2], 0);
     context.destroyTextLayout(layout);
-    EXPECT_EQ(context.charXCount, 2u);
+    for (uint32_t count : {context.charXCount, context.charYCount, context.charRotateCount})
+        EXPECT_EQ(count, 2u);
 }
 
-TEST(WrappedText, everyFailingLayoutCallIsSurvived)
+// A line without characters has no dot of a round cap, wherever the pen is; one with a character
+// that takes no room has.
+TEST(WrappedText, UnderlinesLinesThatHoldACharacter)
 {
-    int32_t n = 0;
-    do {
+    for (const char16_t* text : {u"   ", u" \x0001 "}) {
         TextScene scene(40);
-        fakeLayoutEngine = {};
-        fakeLayoutEngine.failAt = ++n;
-        MMTextLayout* layout = scene.context.createTextLayout(Text(u"ab cd").data(), 30);
-        EXPECT_EQ(scene.context.scratchStack.usedWords, 0u) << "call " << n;
-        scene.context.destroyTextLayout(layout);
-        EXPECT_EQ(fakeLayoutEngine.objectsAlive, 0) << "call " << n;
-    } while (fakeLayoutEngine.failAt == 0); // until no call came to fail
-    EXPECT_GT(n, 15);
+        MMContext2D& context = scene.context;
+        context.wrapWidth = fx(30);
+        context.textDecoration = 1;
+        context.capStyle = kCapRound;
+        context.lineHeight = fx(40); // a pen of 5 pixels
+        context.penX = fx(13.3);
+        context.penY = fx(9.7);
+        context.drawWrappedText(Text(text).data(), 0, 0);
+        EXPECT_EQ(scene.blank(), text[1] == u' ') << text[1];
+        EXPECT_EQ(context.strokeHalfWidth, fx(40) / 16);
+    }
+}
+
+// Memory that runs out is reported, refusals are not. The line buffer is the library's own.
+TEST(WrappedText, ReportsMemoryThatRunsOut)
+{
+    TextScene scene(40);
+    MMContext2D& context = scene.context;
+    context.getTextWidth(Text(u"abcd").data(), 4); // into the glyph cache
+    context.scratchStack.Alloc(1024);              // the next words come from the heap
+    const uint32_t used = context.scratchStack.usedWords;
+    FailingHeap heap;
+    heap.failAt(4 + 1); // after the records of four glyphs
+    context.wrapWidth = fx(60);
+    context.drawWrappedText(Text(u"abcd").data(), 0, 0);
+    EXPECT_EQ(context.outOfMemory, kScratchExhausted);
+    EXPECT_TRUE(scene.blank());
+    EXPECT_EQ(context.scratchStack.usedWords, used);
+    scene.wordsKept = used;
+}
+
+TEST(WrappedText, EveryFailingLayoutCallIsSurvived)
+{
+    // By number: the control and the objects before the text, the run, the layout.
+    constexpr int32_t kLastBeforeRun = 7, kRun = 8, kLayout = 9;
+    for (const int32_t refusal : {1, TS_OUT_OF_MEMORY}) {
+        int32_t n = 0;
+        do {
+            SCOPED_TRACE(testing::Message() << "call " << n + 1 << " answers " << refusal);
+            TextScene scene(40);
+            fakeLayoutEngine = {};
+            fakeLayoutEngine.refusal = refusal;
+            fakeLayoutEngine.failAt = ++n;
+            MMTextLayout* layout = scene.context.createTextLayout(Text(u"ab cd").data(), 30);
+            EXPECT_EQ(scene.context.scratchStack.usedWords, 0u);
+            if (n <= kLastBeforeRun || n == kLayout) {
+                EXPECT_EQ(scene.context.outOfMemory, kScratchExhausted);
+            } else if (n == kRun) {
+                EXPECT_EQ(scene.context.outOfMemory, refusal == TS_OUT_OF_MEMORY ? 1 : 0);
+            }
+            scene.context.destroyTextLayout(layout);
+            EXPECT_EQ(fakeLayoutEngine.objectsAlive, 0);
+        } while (fakeLayoutEngine.failAt == 0); // until no call came to fail
+        EXPECT_GT(n, 15);
+    }
     fakeLayoutEngine = {};
 }

@@ -2,6 +2,8 @@
 // Glyphs in the target: where they lie, how they are composited, and what they cost.
 #include "graphics2d/PaintSetup.h"
 #include "graphics2d/strips/StripDispatch.h"
+#include "platform/FontEngine.h"
+#include "tests/support/FailingHeap.h"
 #include "tests/support/TextScene.h"
 #include "tests/support/UserUnits.h"
 
@@ -147,7 +149,7 @@ struct BufferedPaints {
 // For paints other than solid ones opacity and alpha count twice: in the row buffer, which the
 // paint's own filler draws over nothing, and in the coverage. Gradients are stepped from where a
 // glyph's row starts.
-TEST(TextRendering, glyphsEqualThePixelModelWhereverTheyAreCut)
+TEST(TextRendering, GlyphsEqualThePixelModelWhereverTheyAreCut)
 {
     std::mt19937 random(6);
     for (int round = 0; round < 900 && !HasFatalFailure(); ++round) {
@@ -179,7 +181,7 @@ TEST(TextRendering, glyphsEqualThePixelModelWhereverTheyAreCut)
     }
 }
 
-TEST(TextRendering, everyPaintTypeDrawsOrKeepsAway)
+TEST(TextRendering, EveryPaintTypeDrawsOrKeepsAway)
 {
     const struct {
         uint32_t fill, stroke;
@@ -201,18 +203,23 @@ TEST(TextRendering, everyPaintTypeDrawsOrKeepsAway)
     }
 }
 
-TEST(TextRendering, italicsLeanToTheRight)
+TEST(TextRendering, ItalicsLeanToTheRightAlsoWhenTurned)
 {
     TextScene scene(20);
     scene.context.fontStyle = kFontItalic;
+    scene.context.fontSize = fx(10);
+    // Of the em's corner (x, y), y down, leaning takes tan 20 degrees of y off x before the
+    // transform: 10 * (2, 0.5) and 10 * (-0.25, 3) become the columns below; the engine's y is up.
+    scene.context.transform = {fx(2), fx(0.5), fx(-0.25), fx(3), 0, 0};
     scene.draw(u"a", 0, 15);
-    EXPECT_EQ(fakeFontEngine.scale.xx, fx(12));
-    EXPECT_NEAR(fakeFontEngine.scale.xy, fx(12 * 0.36397), 12); // tan 20 degrees, y up
-    EXPECT_EQ(fakeFontEngine.scale.yx, 0);
-    EXPECT_EQ(fakeFontEngine.scale.yy, fx(12));
+    constexpr double kTangent = 0.36397;
+    EXPECT_NEAR(fakeFontEngine.scale.xx, fx(20 - 5 * kTangent), 40);
+    EXPECT_NEAR(fakeFontEngine.scale.xy, fx(2.5 + 30 * kTangent), 40);
+    EXPECT_EQ(fakeFontEngine.scale.yx, fx(-5));
+    EXPECT_EQ(fakeFontEngine.scale.yy, fx(30));
 }
 
-TEST(TextRendering, aGlyphIsMadeOnceForEachSizeMatrixCharacterAndWeight)
+TEST(TextRendering, AGlyphIsMadeOnceForEachSizeMatrixCharacterAndWeight)
 {
     static const Degrees turns[] = {30 * kFixedOne, 390 * kFixedOne, -330 * kFixedOne};
     const struct {
@@ -244,7 +251,7 @@ TEST(TextRendering, aGlyphIsMadeOnceForEachSizeMatrixCharacterAndWeight)
     }
 }
 
-TEST(TextRendering, evictionChangesNoPixel)
+TEST(TextRendering, EvictionChangesNoPixel)
 {
     // Each glyph takes half a kilobyte or more, and 10 kilobytes hold far fewer than the 90 used.
     setenv("SVG_FONT_CACHE_KB", "10", 1);
@@ -260,4 +267,118 @@ TEST(TextRendering, evictionChangesNoPixel)
     EXPECT_EQ(small.pixels, large.pixels);
     EXPECT_LE(small.context.fontCache.usedBytes, 10240u);
     EXPECT_EQ(fakeFontEngine.glyphsAlive, 0);
+}
+
+// The index of the cache holds what a cache without any quick prefix holds: the eight digits of the
+// size are made for every run, the matrix only for a glyph that is kept.
+TEST(TextRendering, MatricesThatNeverComeAgainLeaveNoNodes)
+{
+    std::mt19937 random(16);
+    setenv("SVG_FONT_CACHE_KB", "10", 1);
+    TextScene scene(40);
+    unsetenv("SVG_FONT_CACHE_KB");
+    MMContext2D& c = scene.context;
+    MMCacheContext<48> plain;
+    plain.Create(10240, 2048);
+    for (int frame = 0; frame < 3000; ++frame) {
+        c.fontSize = fx(4 + random() % 3);
+        c.transform = {static_cast<Fixed>(random() % 3 + 1) << 16,
+                       static_cast<Fixed>(random() % 2),
+                       static_cast<Fixed>(random() % 4),
+                       static_cast<Fixed>(random() % 16 + 1) << 16,
+                       0,
+                       0};
+        std::u16string text;
+        for (uint32_t i = random() % 5; i > 0; --i)
+            text += static_cast<char16_t>(u'a' + random() % 4);
+        c.renderText(Text(text).data(), 99, random() % 2, 0);
+
+        uint32_t key[6] = {static_cast<uint32_t>(c.fontSize)};
+        plain.PreFetch(key, 8, 1);
+        const int32_t size = c.fontSize >> 16;
+        const uint32_t a = static_cast<uint32_t>(size * c.transform.a),
+                       d = static_cast<uint32_t>(size * c.transform.d);
+        key[1] = a, key[2] = d;
+        key[3] = static_cast<uint32_t>(size * c.transform.b);
+        key[4] = static_cast<uint32_t>(size * c.transform.c);
+        for (const char16_t unit : text) {
+            key[5] = unit;
+            if (plain.Get(key) != nullptr) continue;
+            const uint32_t stride = ((a >> 16) + 1) / 2;
+            plain.Add(nullptr, key, uint32_t{sizeof(FS_GrayMap)} + stride * (d >> 16));
+        }
+        ASSERT_EQ(c.fontCache.nodeCount, plain.nodeCount) << "frame " << frame;
+        ASSERT_EQ(c.fontCache.usedBytes, plain.usedBytes) << "frame " << frame;
+    }
+    plain.Destroy();
+
+    TextScene fresh(10);
+    fresh.context.renderText(Text(u"").data(), 0, 0, 0);
+    EXPECT_EQ(fresh.context.fontCache.nodeCount, 8u);
+    fresh.context.renderText(Text(u"abc").data(), 3, 0, 0);
+    EXPECT_EQ(fakeFontEngine.scalesSet, 3);
+}
+
+// What is only measured, or lies outside the clip rectangle, has its advance and its box but no
+// bitmap, unless it is small enough for the cache.
+TEST(TextRendering, NoBitmapIsRenderedForWhatIsNotSeen)
+{
+    TextScene scene(60);
+    MMContext2D& c = scene.context;
+    c.fontSize = fx(900);
+    c.accumulateBounds = 1;
+    EXPECT_NEAR(c.getTextWidth(Text(std::u16string(20, u'B')).data(), 99), fx(20 * 900), 20 * 900);
+    scene.draw(u"BgBi", 100, 500);
+    scene.draw(u"BgBi", 10, -100);
+    EXPECT_EQ(fakeFontEngine.pixelsDrawn, 0);
+    EXPECT_EQ(c.boundsMinX, fx(10));
+    EXPECT_EQ(c.boundsMaxX, fx(10 + 900 * 3 + 450));
+    EXPECT_TRUE(scene.blank());
+    // From the third on: their pens are at -830 and 70.
+    scene.draw(u"BBBB", -2630, 500);
+    EXPECT_EQ(fakeFontEngine.pixelsDrawn, 900 * 900);
+    EXPECT_EQ(scene.at(0, 0), 0xFF000000);
+    EXPECT_EQ(scene.at(59, 59), 0xFF000000);
+    EXPECT_EQ(fakeFontEngine.glyphsAlive, 0);
+    // Too large for any bitmap.
+    c.fontSize = fx(20000);
+    EXPECT_NEAR(c.getTextWidth(Text(u"i").data(), 1), fx(10000), 12000);
+}
+
+TEST(TextRendering, SpansOfARowBufferEndBelowTheGlyph)
+{
+    TextScene scene(40);
+    MMContext2D& c = scene.context;
+    std::mt19937 random(3);
+    BufferedPaints paints(random, 0xFF000000);
+    paints.set(c, 0, false);
+    scene.draw(u"a", 3, 20);
+    EXPECT_EQ(c.spanRow, 20);
+    EXPECT_EQ(c.spanEnd, fx(12));
+}
+
+// After the first frame, whatever the paint.
+TEST(TextRendering, SteadyDrawingAndMeasuringMakeNoHeapCalls)
+{
+    std::mt19937 random(5);
+    BufferedPaints paints(random, 0);
+    TextScene scene(90);
+    MMContext2D& c = scene.context;
+    FailingHeap heap;
+    c.wrapWidth = fx(50);
+    c.textDecoration = 1;
+    const auto drawFrame = [&] {
+        for (int paint = -1; paint < BufferedPaints::kCount; ++paint) {
+            c.penX = c.penY = 0;
+            c.fillPaint.paintType = kPaintSolid;
+            if (paint >= 0) paints.set(c, paint, true);
+            scene.draw(u"ag ji", 5, 20);
+            c.getTextWidth(Text(u"agg").data(), 3);
+            c.drawWrappedText(Text(u"aa bb cc dd ee ff gg").data(), 0, 0);
+        }
+    };
+    drawFrame();
+    heap.failAt(0); // counts anew
+    drawFrame();
+    EXPECT_EQ(heap.calls(), 0u); // the layout engine of these tests has a heap of its own
 }

@@ -27,7 +27,7 @@ const Case kCases[] = {
 
 } // namespace
 
-TEST(TextWhitespace, isNormalisedInPlaceAndIntoAnotherBuffer)
+TEST(TextWhitespace, IsNormalisedInPlaceAndIntoAnotherBuffer)
 {
     FreshEngine fresh;
     MMContext2D context;
