@@ -7,6 +7,7 @@
 #include "graphics2d/strokes/DashArray.h"
 
 #include "graphics2d/BoundsUnion.h"
+#include "graphics2d/OutOfMemory.h"
 #include "graphics2d/strokes/PathEdge.h"
 #include "math/FixedMath.h"
 #include "math/WideMath.h"
@@ -284,7 +285,7 @@ void dashSubpath(MMContext2D& context, const DevicePen& pen, const MMLinkPath* r
         // A lone point has nothing to cut. Its words stay counted on the scratch stack: the stack's
         // counts are public, and callers who compare them from one drawing to the next count it in.
         void* room = context.scratchStack.Alloc(scratchWordsFor<MMPoint2D>(1));
-        if (room == nullptr) context.outOfMemory |= kScratchExhausted;
+        if (room == nullptr) noteOutOfMemory(context);
         context.scratchStack.Abandon(room);
         return;
     }

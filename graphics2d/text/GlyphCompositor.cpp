@@ -2,6 +2,7 @@
 // Drawing one glyph image into the target.
 #include "graphics2d/text/GlyphCompositor.h"
 
+#include "graphics2d/OutOfMemory.h"
 #include "graphics2d/strips/StripDispatch.h"
 #include "graphics2d/strips/StripMachinery.h"
 #include "memory/ScratchArray.h"
@@ -213,7 +214,7 @@ void GlyphCompositor::drawThroughBuffer(const Box& box)
     const uint32_t words = static_cast<uint32_t>(box.width) + kPiece;
     ScratchArray<Pixel> buffer(context_.scratchStack, words);
     if (!buffer) {
-        context_.outOfMemory |= kScratchExhausted;
+        noteOutOfMemory(context_);
         return;
     }
     movePaintLeft(box.x);

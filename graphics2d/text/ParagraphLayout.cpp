@@ -5,7 +5,7 @@
 // own measurements: every character is a glyph of its own, as wide as it is drawn.
 #include "graphics2d/text/ParagraphLayout.h"
 
-#include "graphics2d/MMContext2D.h"
+#include "graphics2d/OutOfMemory.h"
 #include "graphics2d/text/TextRendering.h"
 #include "util/WideString.h"
 
@@ -113,7 +113,7 @@ TsGlyph* createGlyph(void* style, const uint16_t* character)
     MMContext2D& context = *static_cast<MMContext2D*>(style);
     GlyphRecord* record = static_cast<GlyphRecord*>(context.scratchStack.Alloc(kGlyphRecordWords));
     if (record == nullptr) {
-        context.outOfMemory |= kScratchExhausted;
+        noteOutOfMemory(context);
         return nullptr;
     }
     *record = {*character, &context};
@@ -144,7 +144,7 @@ ParagraphLayout::~ParagraphLayout()
 bool ParagraphLayout::compose(MMContext2D& context, const uint16_t* text, int32_t width)
 {
     const int32_t result = tryToCompose(context, text, width);
-    if (result == TS_OUT_OF_MEMORY) context.outOfMemory |= kScratchExhausted;
+    if (result == TS_OUT_OF_MEMORY) noteOutOfMemory(context);
     return result == 0;
 }
 

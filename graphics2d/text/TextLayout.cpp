@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A paragraph broken into lines, as a record for callers.
 #include "graphics2d/MMContext2D.h"
+#include "graphics2d/OutOfMemory.h"
 #include "graphics2d/text/ParagraphLayout.h"
 
 #include <cstdlib>
@@ -53,7 +54,7 @@ MMTextLayout* MMContext2D::createTextLayout(const uint16_t* text, int32_t width)
     MMTextLayout* layout = static_cast<MMTextLayout*>(std::calloc(1, sizeof(MMTextLayout)));
     if (layout != nullptr && paragraph.lineCount() != 0) copyLines(paragraph, *layout);
     if (layout != nullptr && layout->lineCount == paragraph.lineCount()) return layout;
-    outOfMemory |= kScratchExhausted;
+    noteOutOfMemory(*this);
     destroyTextLayout(layout);
     return nullptr;
 }

@@ -2,6 +2,7 @@
 // Drawing a paragraph line by line, with its underline.
 #include "graphics2d/BoundsUnion.h"
 #include "graphics2d/MMContext2D.h"
+#include "graphics2d/OutOfMemory.h"
 #include "graphics2d/text/ParagraphLayout.h"
 #include "graphics2d/text/TextRendering.h"
 #include "memory/ScratchArray.h"
@@ -59,7 +60,7 @@ void MMContext2D::drawWrappedText(uint16_t* text, uint8_t, uint8_t)
     if (!paragraph.compose(*this, text, fixFloor(wrapWidth))) return;
     ScratchArray<uint16_t> units(scratchStack, longestLine(paragraph) + 1);
     if (!units) {
-        outOfMemory |= kScratchExhausted;
+        noteOutOfMemory(*this);
         return;
     }
     BoundsUnion().storeTo(*this);
