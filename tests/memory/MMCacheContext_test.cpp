@@ -142,15 +142,15 @@ TEST(MMCacheContext, PrefixesAreWholeWords)
 TEST(MMCacheContext, EvictsBeforeItAsksTheHeap)
 {
     const Key first = {1}, second = {2};
-    std::string large(5000, 'x');
+    std::string large(50000, 'x'); // far more than the nodes of the index
     for (bool copies : {false, true}) {
         FailingHeap heap;
-        Cache cache(6000, 5000);
-        void* old = cache.Add(large.data(), first.data(), 5000);
+        Cache cache(60000, 50000);
+        void* old = cache.Add(large.data(), first.data(), 50000);
         heap.forgetPeak();
-        const void* added = cache.Add(copies ? old : large.data(), second.data(), 5000);
-        EXPECT_EQ(contentOf(added, 5000), large);
-        EXPECT_EQ(heap.peakBytes() > 2 * 5000, copies);
+        const void* added = cache.Add(copies ? old : large.data(), second.data(), 50000);
+        EXPECT_EQ(contentOf(added, 50000), large);
+        EXPECT_EQ(heap.peakBytes() > 2 * 50000, copies);
     }
 }
 
