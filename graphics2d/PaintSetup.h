@@ -7,6 +7,9 @@
 // shift that goes with it (see MMContext2D.h) the shift belongs into the transform of a gradient
 // and must be left out of that of a pattern.
 //
+// refined is what the context's field of that name will be when the paint is drawn: the refined
+// rules need no half pixel anywhere, and follow gradients more finely than the classic ones can.
+//
 // paintOpacity is left alone, and is best set before: a translucent linear ramp is laid out for it.
 // Everything else that the paint type reads is set. The paint then points into the caller's arrays,
 // which must live as long as the paint is drawn with.
@@ -47,12 +50,12 @@ constexpr uint32_t gradientRampRoom(uint32_t stopCount)
 // that a skewing transform tilts its lines of equal colour. When start and end coincide, or the
 // transform is singular, the last stop is painted everywhere.
 void setLinearGradient(MMPaint& paint, MMPoint2D start, MMPoint2D end, const Matrix2D& transform,
-                       const GradientStops& stops, const GradientRamp& ramp);
+                       const GradientStops& stops, const GradientRamp& ramp, bool refined = false);
 
 // A radial gradient from the centre (offset 0) to the circle of the radius (offset 1.0). With a
 // radius of 0 or less, or a singular transform, the last stop is painted everywhere.
 void setRadialGradient(MMPaint& paint, MMPoint2D centre, Fixed radius, const Matrix2D& transform,
-                       const GradientStops& stops, const GradientRamp& ramp);
+                       const GradientStops& stops, const GradientRamp& ramp, bool refined = false);
 
 // An image whose texel (i, j) covers the square from (i, j) to (i + 1, j + 1) of its own space;
 // beyond its edges the outermost texels repeat. filter is the patternFilter that the paint will be
@@ -62,7 +65,7 @@ void setRadialGradient(MMPaint& paint, MMPoint2D centre, Fixed radius, const Mat
 // with the nearest filter keeps its texels sharp. Whether the image has alpha is taken from the low
 // byte of its pixmapExtra. An image without texels, or a singular transform, draws nothing.
 void setPattern(MMPaint& paint, const MMPixmap& image, const Matrix2D& transform,
-                MMPatternFilter filter);
+                MMPatternFilter filter, bool refined = false);
 
 #pragma GCC visibility pop
 

@@ -12,6 +12,7 @@
 //
 // Weights are 16.16 and computed for eight pixels at a time. None reaches 1.0, so 16 bits hold
 // them, and what lies above on the way is added where it is missing.
+#include "graphics2d/strips/Channels.h"
 #include "graphics2d/strips/PatternSampling.h"
 #include "math/FixedInline.h"
 

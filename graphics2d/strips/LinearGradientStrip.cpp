@@ -1,62 +1,22 @@
 // SPDX-License-Identifier: MIT
-// Strip fillers of the linear gradient.
+// Strip fillers of the linear gradient, and what they do by the classic rules.
 //
 // The gradient parameter t changes by a constant per pixel, so a span falls into runs: pads of the
 // first and last colour outside the stops, and one ramp per segment between two stops. Where a run
 // starts, t is divided into the segment once; from there the channels are stepped by addition.
 // t is taken at the pixel's left end, without half a pixel.
-#include "graphics2d/strips/GradientStops.h"
+#include "graphics2d/strips/ColourRamp.h"
+#include "graphics2d/strips/GradientTarget.h"
+#include "graphics2d/strips/RefinedLinearGradient.h"
+#include "graphics2d/strips/StopList.h"
+#include "math/FixedMath.h"
 
 namespace KAVO {
 namespace Graphics2D {
 
 namespace {
 
-// A colour that changes by a constant per pixel, written as opaque pixels whatever its alpha.
-class ColourRamp {
-public:
-    ColourRamp(Channels first, Channels step) : channels_(first), step_(step) {}
-
-    // Writes the next count pixels.
-    void write(Pixel* out, int32_t count)
-    {
-        Lanes red(channels_, step_, kRed);
-        Lanes green(channels_, step_, kGreen);
-        Lanes blue(channels_, step_, kBlue);
-        channels_ += step_ * static_cast<uint32_t>(count);
-        const auto next = [&] {
-            return 0xFF000000u | (red.next() & 0x00FF0000u) | ((green.next() >> 8) & 0x0000FF00u) |
-                   ((blue.next() >> 16) & 0xFFu);
-        };
-        for (; count >= 4; count -= 4, out += 4)
-            store4(out, next());
-        if (count > 0) storeFew(out, next(), count);
-    }
-
-private:
-    // One channel of four pixels.
-    struct Lanes {
-        U32x4 value;
-        U32x4 step;
-
-        Lanes(Channels channels, Channels steps, int k)
-            : value(all4(channels[k] + kChannelHalf) + steps[k] * U32x4{0, 1, 2, 3}),
-              step(all4(steps[k] * 4))
-        {
-        }
-        U32x4 next()
-        {
-            const U32x4 now = value;
-            value += step;
-            return now;
-        }
-    };
-
-    Channels channels_;
-    Channels step_;
-};
-
-class LinearTarget : public GradientTarget {
+class LinearTarget : public GradientTarget<ClassicBlend> {
 public:
     using GradientTarget::GradientTarget;
 
@@ -87,9 +47,9 @@ private:
         while (count > 0) {
             const int32_t length = count < kPieceLength ? count : kPieceLength;
             colours.write(piece.colours, length);
-            piece.weights[0] = weightByte(weight);
+            piece.weights[0] = roundedWeight(weight);
             for (int32_t i = 1; i < length; ++i) {
-                piece.weights[i] = weightByte(nextWeight);
+                piece.weights[i] = roundedWeight(nextWeight);
                 nextWeight = wrapAdd(nextWeight, weightStep);
             }
             weight = nextWeight;
@@ -104,10 +64,6 @@ private:
     {
         const int32_t product = fixMulSHR(opacity, alpha, 8);
         return product >= 0x00800000 ? wrapAdd(product, kFixedOne) : product;
-    }
-    static uint32_t weightByte(int32_t weight)
-    {
-        return static_cast<uint32_t>(wrapAdd(weight, 0x8000) >> 16) & 0xFFu;
     }
 };
 
@@ -196,12 +152,18 @@ void drawLinear(MMContext2D& context, bool translucent)
 
 void MMContext2D::drawLinearGradientStrip()
 {
-    drawLinear(*this, false);
+    if (refined != 0)
+        drawRefinedLinearGradient(*this, false);
+    else
+        drawLinear(*this, false);
 }
 
 void MMContext2D::drawLinearGradientTStrip()
 {
-    drawLinear(*this, true);
+    if (refined != 0)
+        drawRefinedLinearGradient(*this, true);
+    else
+        drawLinear(*this, true);
 }
 
 } // namespace Graphics2D

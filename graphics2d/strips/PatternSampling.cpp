@@ -58,7 +58,7 @@ bool areOpaque(const Pixel* colours, int32_t count)
     return all >> 24 == 0xFF;
 }
 
-void drawByAlpha(TranslucentRun& run, PaintPiece& piece, int32_t count)
+void drawByAlpha(TranslucentRun<ClassicBlend>& run, PaintPiece& piece, int32_t count)
 {
     const Pixel* colours = piece.colours;
     if (run.coverage.isFlatAndWhole()) {
@@ -104,7 +104,7 @@ void drawPattern(const MMContext2D& context, PatternWalk& walk, const PatternFil
 void drawTranslucentPattern(MMContext2D& context, PatternWalk& walk, const PatternFilter& filter)
 {
     if (walk.isEmpty()) return;
-    TranslucentRun run(context);
+    TranslucentRun<ClassicBlend> run(context);
     PaintPiece piece;
     int32_t count = spanLength(context);
     do {

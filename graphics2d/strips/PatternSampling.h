@@ -10,7 +10,7 @@
 // they can then leave the image by a texel, which texelAt mends.
 #pragma once
 
-#include "graphics2d/strips/StripMachinery.h"
+#include "graphics2d/strips/TranslucentRun.h"
 
 #include <cstddef>
 

@@ -2,7 +2,7 @@
 // Four pixels at a time, in the compiler's vector types. Internal.
 //
 // One source for every CPU: the compiler turns these into SSE2, NEON or plain instructions. Each
-// operation has a scalar counterpart in StripMachinery.h or beside its use, with the same results.
+// operation has a scalar counterpart in Blending.h or beside its use, with the same results.
 #pragma once
 
 #include "math/Fixed.h"
@@ -64,13 +64,6 @@ inline U32x4 all4(uint32_t v)
 inline U16x8 all8(uint32_t v)
 {
     return (U16x8)all4((v & 0xFFFFu) * 0x00010001u);
-}
-
-// The values of first + k * step for k = 0 to 3, modulo 2^32.
-inline U32x4 ramp4(int32_t first, int32_t step)
-{
-    const uint32_t s = static_cast<uint32_t>(step);
-    return all4(static_cast<uint32_t>(first)) + U32x4{0, s, s * 2, s * 3};
 }
 
 // The bytes of the two lower or two upper pixels as 16-bit lanes.
@@ -163,59 +156,6 @@ inline U32x4 packChannels(U32x4 a, U32x4 b, U32x4 c, U32x4 d)
 #endif
     return pixels | 0xFF000000u;
 }
-
-// What a weight of 256 would move eight channels by: the difference, one higher above 128.
-inline U16x8 raisedDifference(U16x8 from, U16x8 to)
-{
-    const I16x8 difference = (I16x8)(to - from);
-    return (U16x8)(difference - (I16x8)(difference > 128)); // a true comparison is -1
-}
-
-// Moves eight channels by weight / 256; the results are the high bytes. This is blendPair times
-// 256: with d' the raised difference, from * 256 + d' * weight lies between 0 and 65535, so 16 bits
-// that wrap on the way hold it exactly.
-inline U16x8 moveToward(U16x8 from, U16x8 to, U16x8 weight)
-{
-    return (from << 8) + raisedDifference(from, to) * weight;
-}
-
-// blendPixel for four pixels; the weights are 0 to 255.
-inline U32x4 blend4(U32x4 destination, U32x4 source, U32x4 weights)
-{
-    const U32x4 pairs = weights | (weights << 16);
-    const U16x8 lowWeights = (U16x8)__builtin_shufflevector(pairs, pairs, 0, 0, 1, 1);
-    const U16x8 highWeights = (U16x8)__builtin_shufflevector(pairs, pairs, 2, 2, 3, 3);
-    return narrowHighBytes(moveToward(widenLow(destination), widenLow(source), lowWeights),
-                           moveToward(widenHigh(destination), widenHigh(source), highWeights));
-}
-
-// blend4 with one colour and weight for all pixels. moveToward is then d * (256 - w) + s * w, plus
-// w where d lies more than 128 below s.
-class FlatBlend {
-public:
-    FlatBlend(Pixel colour, uint32_t weight)
-        : raiseBelow_((I16x8)widenLow(all4(colour)) - 128),
-          weight_((U16x8)all4(weight * 0x00010001u)),
-          rest_((U16x8)all4((256 - weight) * 0x00010001u)), share_(widenLow(all4(colour)) * weight_)
-    {
-    }
-    U32x4 operator()(U32x4 destination) const
-    {
-        return narrowHighBytes(moved(widenLow(destination)), moved(widenHigh(destination)));
-    }
-
-private:
-    U16x8 moved(U16x8 from) const
-    {
-        const U16x8 raised = (U16x8)(raiseBelow_ > (I16x8)from) & weight_;
-        return from * rest_ + (share_ + raised);
-    }
-
-    I16x8 raiseBelow_;
-    U16x8 weight_;
-    U16x8 rest_;
-    U16x8 share_;
-};
 
 } // namespace Graphics2D
 } // namespace KAVO

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Strip fillers of the radial gradient.
+// Strip fillers of the radial gradient, and what they do by the classic rules.
 //
 // The gradient parameter r is the length of the pixel's offset from the centre, mapped through a
 // 2 by 2 matrix, so its circles may be ellipses on the target. Along a row r * r is a parabola in
@@ -11,7 +11,12 @@
 // resolved to half a unit, and the scale of the matrix decides how fine that is.
 //
 // dx and dy are taken at the pixel's top left corner, without half a pixel.
-#include "graphics2d/strips/GradientStops.h"
+#include "graphics2d/strips/Channels.h"
+#include "graphics2d/strips/CircleFollower.h"
+#include "graphics2d/strips/GradientTarget.h"
+#include "graphics2d/strips/RefinedRadialGradient.h"
+#include "graphics2d/strips/StopList.h"
+#include "math/FixedMath.h"
 #include "math/Vector2D.h"
 
 namespace KAVO {
@@ -19,9 +24,7 @@ namespace Graphics2D {
 
 namespace {
 
-constexpr Fixed kQuarter = 0x4000;
-
-class RadialTarget : public GradientTarget {
+class RadialTarget : public GradientTarget<ClassicBlend> {
 public:
     using GradientTarget::GradientTarget;
 
@@ -61,176 +64,6 @@ private:
         return raisedByte((fixFloor(opacity) * fixFloor(alpha)) >> 8);
     }
 };
-
-// The colour along the ramp.
-struct RadialColour {
-    Channels value;
-    Channels step;     // per unit step of r
-    Channels halfStep; // and per half one
-};
-
-// Follows r along a row, one pixel to the right at a time.
-//
-// A unit step of r changes r * r by 1 - 2r while falling and by 1 + 2r while rising, a half step by
-// 1/4 - r and 1/4 + r.
-struct CircleFollower {
-    Fixed dx;     // offset from the centre, device pixels
-    Fixed vertex; // the dx of the smallest r
-    Fixed a;      // r * r = a dx * dx + b dx + what does not change along the row
-    Fixed b;
-    Fixed r = 0;
-    Fixed error = 0;
-    Fixed change = 0;             // of r * r over the next pixel
-    Fixed direction = -kFixedOne; // one unit step of r
-    int32_t risingMask = 0;       // all ones once the ramp is drawn past the vertex
-    int32_t guess = 0;            // unit steps that a pixel takes at least, as of late
-
-    // Sets what follows from dx.
-    void start() { change = wrapAdd(fixMul(doubled(dx), a), b); }
-
-    // One pixel, whatever the numbers. True when it crossed the vertex: the next one needs the
-    // colour steps of the other side.
-    bool advance(RadialColour& colour);
-
-    // Writes up to count colours as long as r is within [low, high) and the next pixel is a usual
-    // one; returns how many.
-    int32_t advanceUsual(RadialColour& colour, Fixed low, Fixed high, Channels* out, int32_t count)
-    {
-        // Where the numbers are so small or large that steps stop early or wrap, nothing is usual.
-        if (dx < -kFarthest || dx > kFarthest) return 0;
-        low = low > kLeastR ? low : kLeastR;
-        high = high < kMostR ? high : kMostR;
-        if (r < low || r >= high) return 0;
-        if (dx < -kFixedHalf) count = pixelsBefore(-kFixedHalf, count);
-        if (risingMask != 0) return advanceByGuess<false>(colour, low, high, out, count);
-        if (direction > 0) return 0;
-        return advanceByGuess<true>(colour, low, high, out, pixelsBefore(vertex, count));
-    }
-
-private:
-    static constexpr int32_t kGreatestGuess = 4;
-    static constexpr Fixed kLeastR = 16 * kFixedOne;
-    static constexpr Fixed kMostR = 2048 * kFixedOne;
-    static constexpr uint32_t kGreatestError = 0x50000000; // 4 * (2r + 4) more or less still fits
-    static constexpr Fixed kFarthest = 0x3F000000;
-
-    static int32_t allOnesIfNegative(int32_t v) { return v >> 31; }
-    static Fixed doubled(Fixed dx) { return wrapAdd(wrapAdd(dx, dx), kFixedOne); }
-
-    // How many pixels of count can be advanced with dx staying below a bound.
-    int32_t pixelsBefore(Fixed bound, int32_t count) const
-    {
-        const int64_t pixels = (int64_t{bound} - dx - 1) >> 16;
-        return pixels < 0 ? 0 : pixels < count ? static_cast<int32_t>(pixels) : count;
-    }
-
-    // A usual pixel takes the guessed number of unit steps or one more, and this takes it without a
-    // jump that depends on which: g steps cost g * (2r + g), or g * (2r - g) while falling. They
-    // are right when they end with 1 - 2r < error <= 0; the half step is then due while falling
-    // only. Stops where they are not right. All of count lie on the same side of the vertex and
-    // have 2 dx + 1 of the same sign, so that the change grows evenly.
-    template <bool kFalling>
-    int32_t advanceByGuess(RadialColour& colour, Fixed low, Fixed high, Channels* out,
-                           int32_t count)
-    {
-        constexpr Fixed kUnit = kFalling ? -kFixedOne : kFixedOne;
-        const Fixed steps = guess * kUnit;
-        const Channels guessedStep = colour.step * static_cast<uint32_t>(guess);
-        const Fixed changeStep = wrapAdd(a, a);
-        int32_t cost = guess * (r + r + steps); // of the guessed steps
-        // Errors up to the greatest to the side where they are expected, and some to the other.
-        const uint32_t slack = kFalling ? 0 : static_cast<uint32_t>(2 * kMostR);
-        Channels value = colour.value;
-        Fixed newR = r;
-        Fixed newError = error;
-        Fixed newChange = change;
-        int32_t i = 0;
-        while (i < count && static_cast<uint32_t>(newR - low) < static_cast<uint32_t>(high - low)) {
-            const int32_t due = wrapAdd(newError, newChange);
-            const uint32_t size = static_cast<uint32_t>(kFalling ? wrapNeg(due) : due);
-            if (size + slack > kGreatestError + slack) break;
-            Fixed guessedR = newR + steps;
-            int32_t rest = kFalling ? due + cost : due - cost;
-            cost += 2 * guess * steps;
-            // One more step when the rest is above 0, or while falling up to 1 - 2r.
-            const int32_t more =
-                allOnesIfNegative(kFalling ? rest + 2 * guessedR - kFixedOne - 1 : -rest);
-            rest += more & (kFalling ? 2 * guessedR - kFixedOne : -2 * guessedR - kFixedOne);
-            guessedR += more & kUnit;
-            cost += more & (2 * guess * kUnit);
-            if (static_cast<uint32_t>(-rest) >= static_cast<uint32_t>(2 * guessedR - kFixedOne))
-                break;
-            out[i++] = value;
-            value += guessedStep + (colour.step & static_cast<uint32_t>(more));
-            if (kFalling) { // half a step up to 1/4 - r
-                const int32_t half = allOnesIfNegative(rest + guessedR - kQuarter - 1);
-                rest += half & (guessedR - kQuarter);
-                guessedR -= half & kFixedHalf;
-                cost -= half & (guess * kFixedOne);
-                value += colour.halfStep & static_cast<uint32_t>(half);
-            }
-            newR = guessedR;
-            newError = rest;
-            newChange = wrapAdd(newChange, changeStep);
-        }
-        colour.value = value;
-        r = newR;
-        error = newError;
-        change = newChange;
-        dx += i * kFixedOne;
-        return i;
-    }
-
-    bool isFalling() const { return direction < 0; }
-
-    // The mask and the low bit negate r in two's complement.
-    Fixed signedBy(Fixed v) const { return wrapAdd(v ^ risingMask, risingMask & 1); }
-
-    int32_t stepOneByOne();
-    bool halfStep();
-};
-
-bool CircleFollower::advance(RadialColour& colour)
-{
-    error = wrapAdd(error, change);
-    // The product with a grows by 2a exactly, but is rounded toward zero: it is formed anew.
-    dx = wrapAdd(dx, kFixedOne);
-    start();
-    const bool crossed = dx >= vertex && risingMask == 0;
-    if (crossed) {
-        direction = kFixedOne;
-        risingMask = -1;
-    }
-    const int32_t units = stepOneByOne();
-    colour.value += colour.step * static_cast<uint32_t>(units);
-    if (halfStep()) colour.value += colour.halfStep;
-    guess = units < guess ? units : units - 1;
-    if (guess < 0 || guess > kGreatestGuess) guess = 0;
-    return crossed;
-}
-
-int32_t CircleFollower::stepOneByOne()
-{
-    int32_t units = 0;
-    while (wrapAdd(r, direction) > 0) {
-        const Fixed twoR = signedBy(wrapAdd(r, r));
-        if (error <= 0 && !(isFalling() && wrapSub(kFixedOne, twoR) >= error)) break;
-        r = wrapAdd(r, direction);
-        error = wrapAdd(error, wrapSub(twoR, kFixedOne));
-        ++units;
-    }
-    return units;
-}
-
-bool CircleFollower::halfStep()
-{
-    const Fixed signedR = signedBy(r);
-    if (wrapAdd(r, direction) <= 0) return false;
-    if (error <= 0 && !(isFalling() && wrapSub(kQuarter, signedR) >= error)) return false;
-    error = wrapAdd(error, wrapSub(signedR, kQuarter));
-    r = wrapAdd(r, direction >> 1);
-    return true;
-}
 
 // The walk along the span. Everything persists from phase to phase; only r is refreshed where it
 // is computed exactly.
@@ -416,12 +249,18 @@ void drawRadial(MMContext2D& context, bool translucent)
 
 void MMContext2D::drawRadialGradientStrip()
 {
-    drawRadial(*this, false);
+    if (refined != 0)
+        drawRefinedRadialGradient(*this, false);
+    else
+        drawRadial(*this, false);
 }
 
 void MMContext2D::drawRadialGradientTStrip()
 {
-    drawRadial(*this, true);
+    if (refined != 0)
+        drawRefinedRadialGradient(*this, true);
+    else
+        drawRadial(*this, true);
 }
 
 } // namespace Graphics2D

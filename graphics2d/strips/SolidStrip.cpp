@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The basic strip fillers: solid colour, exclusive-or, picking and the two translucent solids.
-#include "graphics2d/MMContext2D.h"
-#include "graphics2d/strips/StripMachinery.h"
+//
+// Both modes blend a colour over the pixel itself; what they differ in is the weight.
+#include "graphics2d/strips/Blending.h"
+#include "graphics2d/strips/Span.h"
 
 #if defined(__x86_64__)
 #include <immintrin.h>
@@ -12,24 +14,16 @@ namespace Graphics2D {
 
 namespace {
 
-// The eight-bit weight of a coverage, rounded; 256.0 wraps to 0.
-inline uint32_t roundedWeight(Coverage coverage)
-{
-    return static_cast<uint32_t>(wrapAdd(coverage, 0x8000) >> 16) & 0xFFu;
-}
-
 #if defined(__x86_64__)
 // FlatBlend's arithmetic on eights of pixels from the index on; returns the index of the rest.
-[[gnu::target("avx2")]] int32_t blendEights(Pixel* pixels, int32_t i, int32_t end, Pixel colour,
-                                            uint32_t weight)
+[[gnu::target("avx2")]] int32_t blendEights(Pixel* pixels, int32_t i, int32_t end,
+                                            const FlatBlend& blend)
 {
     const __m256i zero = _mm256_setzero_si256();
-    const __m256i source =
-        _mm256_unpacklo_epi8(_mm256_set1_epi32(static_cast<int32_t>(colour)), zero);
-    const __m256i raiseBelow = _mm256_sub_epi16(source, _mm256_set1_epi16(128));
-    const __m256i weights = _mm256_set1_epi16(static_cast<int16_t>(weight));
-    const __m256i rest = _mm256_set1_epi16(static_cast<int16_t>(256 - weight));
-    const __m256i share = _mm256_mullo_epi16(source, weights);
+    const __m256i raiseBelow = _mm256_broadcastsi128_si256((__m128i)blend.raiseBelow());
+    const __m256i weights = _mm256_broadcastsi128_si256((__m128i)blend.weight());
+    const __m256i rest = _mm256_broadcastsi128_si256((__m128i)blend.rest());
+    const __m256i share = _mm256_broadcastsi128_si256((__m128i)blend.share());
     for (; i + 8 <= end; i += 8) {
         __m256i* const at = reinterpret_cast<__m256i*>(pixels + i);
         const __m256i eight = _mm256_loadu_si256(at);
@@ -45,19 +39,63 @@ inline uint32_t roundedWeight(Coverage coverage)
 }
 #endif
 
-// Blends eights or fours of pixels from the index on with one coverage; returns the index of the
-// rest.
-int32_t blendFlat(Pixel* pixels, int32_t i, int32_t end, Pixel colour, Coverage coverage)
+// Blends eights or fours of pixels from the index on; returns the index of the rest.
+int32_t blendFlat(Pixel* pixels, int32_t i, int32_t end, const FlatBlend& blend)
 {
-    const uint32_t weight = roundedWeight(coverage);
 #if defined(__x86_64__)
-    if (end - i >= 16 && __builtin_cpu_supports("avx2"))
-        i = blendEights(pixels, i, end, colour, weight);
+    if (end - i >= 16 && __builtin_cpu_supports("avx2")) i = blendEights(pixels, i, end, blend);
 #endif
-    const FlatBlend blend(colour, weight);
     for (; i + 4 <= end; i += 4)
         store4(pixels + i, blend(load4(pixels + i)));
     return i;
+}
+
+struct ClassicColour {
+    using Rule = ClassicBlend;
+    Pixel source;
+
+    explicit ClassicColour(Pixel colour) : source(colour) {}
+    // The colour's alpha is one of its channels and no more.
+    uint32_t weightOf(Coverage coverage) const { return roundedWeight(coverage); }
+};
+
+struct RefinedColour {
+    using Rule = RefinedBlend;
+    Pixel source;
+    uint32_t alpha; // 8.8
+
+    explicit RefinedColour(Pixel colour) : source(colour | kOpaque), alpha(colour >> 24 << 8) {}
+    uint32_t weightOf(Coverage coverage) const
+    {
+        return refinedWeight(coarseCoverage(coverage), alpha);
+    }
+};
+
+template <class Colour>
+void drawTranslucentColour(MMContext2D& context, const Colour& colour)
+{
+    using Rule = typename Colour::Rule;
+    constexpr int32_t kLongSpan = 8;
+    const int32_t count = spanLength(context);
+    Pixel* pixels = spanFirstPixel(context);
+    if (count > 0) {
+        const Coverage step = context.spanCoverageStep;
+        const int32_t flatFrom = step == 0 && count >= kLongSpan ? 1 : count;
+        Coverage coverage = context.spanCoverage;
+        Coverage next = wrapSub(context.spanCoverageNext, step); // of the pixel before
+        for (int32_t i = 0; i < count; ++i) {
+            const uint32_t weight = colour.weightOf(coverage);
+            if (i == flatFrom) i = blendFlat(pixels, i, count, Rule::flat(colour.source, weight));
+            if (i == count) break;
+            pixels[i] = blendPixel<Rule>(pixels[i], colour.source, weight);
+            coverage = next = wrapAdd(next, step);
+        }
+        context.spanCoverageNext = next;
+    }
+    if (context.spanTailCoverage > 0) {
+        Pixel& tail = context.spanPixels[fixFloor(context.spanEnd)];
+        tail = blendPixel<Rule>(tail, colour.source, colour.weightOf(context.spanTailCoverage));
+    }
 }
 
 // Two of a pixel's four bytes, 16 bits apart, each of 128 or more counted one higher so that 255
@@ -71,7 +109,8 @@ inline uint32_t biasedPair(uint32_t pair)
 
 void MMContext2D::drawSolidStrip()
 {
-    fillPixels(spanFirstPixel(*this), spanLength(*this), currentPaint.paintColour);
+    fillPixels(spanFirstPixel(*this), spanLength(*this),
+               refined != 0 ? currentPaint.paintColour | kOpaque : currentPaint.paintColour);
 }
 
 void MMContext2D::drawSolidXORStrip()
@@ -92,27 +131,10 @@ void MMContext2D::drawPickingStrip()
 
 void MMContext2D::drawSolidTStrip()
 {
-    constexpr int32_t kLongSpan = 8;
-    const int32_t count = spanLength(*this);
-    const Pixel colour = currentPaint.paintColour;
-    Pixel* pixels = spanFirstPixel(*this);
-    if (count > 0) {
-        const Coverage step = spanCoverageStep;
-        const int32_t flatFrom = step == 0 && count >= kLongSpan ? 1 : count;
-        Coverage coverage = spanCoverage;
-        Coverage next = wrapSub(spanCoverageNext, step); // of the pixel before
-        for (int32_t i = 0; i < count; ++i) {
-            if (i == flatFrom) i = blendFlat(pixels, i, count, colour, coverage);
-            if (i == count) break;
-            pixels[i] = blendPixel(pixels[i], colour, roundedWeight(coverage));
-            coverage = next = wrapAdd(next, step);
-        }
-        spanCoverageNext = next;
-    }
-    if (spanTailCoverage > 0) {
-        Pixel& tail = spanPixels[fixFloor(spanEnd)];
-        tail = blendPixel(tail, colour, roundedWeight(spanTailCoverage));
-    }
+    if (refined != 0)
+        drawTranslucentColour(*this, RefinedColour(currentPaint.paintColour));
+    else
+        drawTranslucentColour(*this, ClassicColour(currentPaint.paintColour));
 }
 
 void MMContext2D::drawTransStrip()

@@ -30,7 +30,10 @@ SpanFiller chooseSpanFiller(const MMContext2D& context)
     if (paint.paintType > kPaintPicking + kTranslucentBit) return {nullptr, false};
     switch (paint.paintType + (paint.paintOpacity < 255 ? kTranslucentBit : 0)) {
     case kPaintSolid:
-        return {&MMContext2D::drawSolidStrip, false};
+        // By the refined rules the colour's own alpha is an opacity.
+        if (context.refined == 0 || paint.paintColour >> 24 == 0xFF)
+            return {&MMContext2D::drawSolidStrip, false};
+        [[fallthrough]];
     case kPaintSolid + kTranslucentBit:
         return {&MMContext2D::drawSolidTStrip, true};
     case kPaintXOR:

@@ -3,8 +3,9 @@
 #include "graphics2d/text/GlyphCompositor.h"
 
 #include "graphics2d/OutOfMemory.h"
+#include "graphics2d/strips/Blending.h"
+#include "graphics2d/strips/Span.h"
 #include "graphics2d/strips/StripDispatch.h"
-#include "graphics2d/strips/StripMachinery.h"
 #include "memory/ScratchArray.h"
 
 #include <algorithm>

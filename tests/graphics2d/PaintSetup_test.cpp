@@ -62,66 +62,95 @@ Matrix2D matrixOf(Vector u, Vector v, Vector origin)
 }
 
 // Random gradients of three stops over black, turned, squeezed and skewed, whose pixels must follow
-// colour and alpha all along a row: the linear filler extrapolates the weight, and the radial one
-// steps its radius.
-TEST(PaintSetup, RandomRampsFollowTheirColoursAndAlphas)
+// colour and alpha all along a row. By the classic rules they are taken at a pixel's corner, the
+// linear filler extrapolates the weight, and the radial one steps its radius.
+class RandomRamps : public testing::TestWithParam<bool> {};
+
+TEST_P(RandomRamps, FollowTheirColoursAndAlphas)
 {
+    const bool refined = GetParam();
     Random random;
     const auto between = [&](double low, double high) { return random.between(low, high); };
+    const auto ratio = [&](double low, double high) {
+        return low * std::pow(high / low, between(0, 1));
+    };
     const auto direction = [&] { return std::polar(1.0, between(-M_PI, M_PI)); };
     Canvas canvas(2000, 20);
+    canvas.context.refined = refined;
+    const double centre = refined ? 0.5 : 0;
+    double sum = 0, samples = 0;
     for (int i = 0; i < 4000; ++i) {
         const bool radial = i % 2 != 0, opaque = i % 4 < 2;
         const double opacity = opaque || i % 3 == 0 ? 255 : 100 + i % 155;
-        const double extent = radial ? between(200, 2000) : 10 * std::pow(1400, between(0, 1));
-        const double offsets[] = {between(0, 0.2), between(0.4, 0.6), between(0.8, 1)};
-        const Fixed stopOffsets[] = {fx(offsets[0]), fx(offsets[1]), fx(offsets[2])};
+        const double extent = refined  ? ratio(radial ? 3 : 2, radial ? 3000 : 4000)
+                              : radial ? between(200, 2000)
+                                       : ratio(10, 14000);
+        const Fixed stopOffsets[] = {fx(between(0, 0.2)), fx(between(0.4, 0.6)),
+                                     fx(between(0.8, 1))};
         Pixel colours[3];
         for (Pixel& c : colours)
             c = static_cast<Pixel>(random.engine()) | (opaque ? 0xFF000000 : 0);
         const GradientStops stops = {colours, stopOffsets, 3};
 
         // Where the transform takes the unit vectors; some point of the ramp lies on the canvas.
-        const double stretch = between(0.5, 2);
-        const Vector u = stretch * direction();
-        const Vector v = u * Vector{between(-0.5, 0.5), between(0.5, 2)};
-        const Vector end = extent * direction();
+        const double stretch = refined ? 1 : between(0.5, 2);
+        const Vector unit = stretch * direction();
+        const Vector skewed = unit * Vector{between(-0.5, 0.5), between(0.5, 2)};
+        const Vector farEnd = extent * direction();
         const Vector seen{between(0, 2000), between(-200, 200)};
-        const Vector origin = seen - between(0, 1) * (end.real() * u + end.imag() * v);
-        if (std::abs(origin) > 32767) continue; // no 16.16 number holds it
-        const Matrix2D m = matrixOf(u, v, origin);
+        const Vector start = seen - between(0, 1) * (farEnd.real() * unit + farEnd.imag() * skewed);
+        if (std::abs(start) > (refined ? 16000 : 32767)) continue;
+        const Matrix2D m = matrixOf(unit, skewed, start);
+        const MMPoint2D fixedEnd = at(farEnd.real(), farEnd.imag());
         canvas.paint = {};
         canvas.paint.paintOpacity = static_cast<uint8_t>(opacity);
         if (radial)
-            setRadialGradient(canvas.paint, {0, 0}, fx(extent), m, stops, canvas.ramp);
+            setRadialGradient(canvas.paint, {0, 0}, fx(extent), m, stops, canvas.ramp, refined);
         else
-            setLinearGradient(canvas.paint, {0, 0}, at(end.real(), end.imag()), m, stops,
-                              canvas.ramp);
-        canvas.pixels.assign(canvas.pixels.size(), 0xFF000000);
-        const int start = static_cast<int>(between(0, 1900)), y = i % canvas.height;
-        canvas.drawRow(y, start);
+            setLinearGradient(canvas.paint, {0, 0}, fixedEnd, m, stops, canvas.ramp, refined);
+        const Pixel ground = refined && i % 5 == 0 ? 0 : 0xFF000000;
+        canvas.pixels.assign(canvas.pixels.size(), ground);
+        const int first = static_cast<int>(between(0, 1900)), y = i % canvas.height;
+        canvas.drawRow(y, first);
+
+        // What was asked for, as rounded to 16.16.
+        const auto vector = [](Fixed x, Fixed y) { return Vector(x, y) / 65536.0; };
+        const Vector u = vector(m.a, m.b), v = vector(m.c, m.d), origin = vector(m.e, m.f);
+        const Vector end = vector(fixedEnd.x, fixedEnd.y);
+        const double limit = !refined ? (radial ? 4 : 3.5) : radial && opaque ? 1 : 1.5;
         for (int x = 0; x < canvas.width; ++x) {
-            const Vector p = Vector(x, y) - origin;
+            const Vector p = Vector(x + centre, y + centre) - origin;
             const Vector q = Vector(cross(p, v), cross(u, p)) / cross(u, v); // before the transform
-            const double distance = radial ? std::abs(q) : cross(q, end * Vector(0, 1)) / extent;
-            const double t = std::clamp(distance / extent, offsets[0], offsets[2]);
-            const int s = t < offsets[1] ? 0 : 1;
-            const double share = (t - offsets[s]) / (offsets[s + 1] - offsets[s]);
+            const double distance =
+                radial ? std::abs(q) / extent : cross(q, end * Vector(0, 1)) / std::norm(end);
+            const double share =
+                std::clamp(distance * 65536, stopOffsets[0] + 0.0, stopOffsets[2] + 0.0);
+            const int s = share < stopOffsets[1] ? 0 : 1;
+            const double within = (share - stopOffsets[s]) / (stopOffsets[s + 1] - stopOffsets[s]);
             const auto channel = [&](int k) {
                 const int from = colours[s] >> (8 * k) & 0xFF,
                           to = colours[s + 1] >> (8 * k) & 0xFF;
-                return from + share * (to - from);
+                return from + within * (to - from);
             };
             const Pixel pixel = canvas.pixels[static_cast<size_t>(y * canvas.width + x)];
-            for (int k = 0; k < 3; ++k) {
-                const double ideal = channel(k) * channel(3) * opacity / (255 * 255);
+            // On a cleared target the refined result is the premultiplied colour.
+            for (int k = 0; k < (refined ? 4 : 3); ++k) {
+                const double full = k < 3 ? channel(k) : 255;
+                const double rest = k < 3 ? 0 : ground >> 24;
+                const double weight = x < first ? 0 : channel(3) * opacity / (255 * 255);
+                const double ideal = rest + (full - rest) * weight;
                 const int drawn = pixel >> (8 * k) & 0xFF;
-                ASSERT_NEAR(drawn, x < start ? 0 : ideal, radial ? 4 : 3.5)
-                    << "gradient " << i << " at " << x;
+                ASSERT_NEAR(drawn, ideal, limit) << "gradient " << i << " at " << x;
+                sum += x < first ? 0 : std::abs(drawn - ideal);
+                samples += x < first ? 0 : 1;
             }
         }
     }
+    EXPECT_LE(sum / samples, 0.5);
 }
+
+INSTANTIATE_TEST_SUITE_P(Both, RandomRamps, testing::Bool(),
+                         [](const auto& info) { return info.param ? "Refined" : "Classic"; });
 
 TEST(PaintSetup, GradientsWithoutExtentOrStops)
 {

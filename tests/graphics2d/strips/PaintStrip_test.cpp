@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: MIT
 // The strip fillers against plain models, over random and hostile fields.
+#include "GradientModel.h"
 #include "PaintModel.h"
+#include "graphics2d/strips/CircleFollower.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <array>
+#include <cstring>
 #include <random>
+#include <sstream>
 #include <vector>
 
 using namespace KAVO;
@@ -30,9 +35,9 @@ constexpr Paint kPaints[] = {
      PaintModel::exclusiveOr},
     {"faded", &MMContext2D::drawTransStrip, &MMContext2D::drawTransStrip, PaintModel::faded},
     {"linear", &MMContext2D::drawLinearGradientStrip, &MMContext2D::drawLinearGradientTStrip,
-     PaintModel::flat},
+     PaintModel::linear},
     {"radial", &MMContext2D::drawRadialGradientStrip, &MMContext2D::drawRadialGradientTStrip,
-     PaintModel::flat},
+     PaintModel::radial},
     {"nearest", &MMContext2D::drawPatternStrip, &MMContext2D::drawPatternTStrip,
      PaintModel::pattern<0>},
     {"bilinear", &MMContext2D::drawBiLinPatternStrip, &MMContext2D::drawBiLinPatternTStrip,
@@ -68,8 +73,8 @@ protected:
     MMContext2D context[2];
     MMPaint& paint = context[0].currentPaint;
     std::vector<Pixel> image;
-    Pixel stopColour;
-    Fixed stopOffset;
+    std::vector<Pixel> stopColours;
+    std::vector<Fixed> stopOffsets;
 
     void makeSpan()
     {
@@ -106,25 +111,63 @@ protected:
         paint = {};
     }
 
+    // What the fillers were given.
+    std::string input() const
+    {
+        const MMContext2D& c = context[1];
+        std::ostringstream out;
+        out << std::hex << "span " << c.spanStart << " to " << c.spanEnd << " row " << c.spanRow
+            << " coverage " << c.spanCoverage << " step " << c.spanCoverageStep << "\npaint";
+        uint32_t words[sizeof(MMPaint) / 4];
+        std::memcpy(words, &paint, sizeof words);
+        for (uint32_t word : words)
+            out << ' ' << word;
+        for (size_t i = 0; i < stopOffsets.size(); ++i)
+            out << "\nstop " << stopColours[i] << " at " << stopOffsets[i];
+        return out.str();
+    }
+
     void makeColour()
     {
         paint.paintColour = colour();
         paint.paintOpacity = static_cast<uint8_t>(within(0, 255));
     }
 
-    // Its ramps are held against exact ones where they are set up.
-    void makeGradientOfOneStop()
+    // Either with anything in every field, and then one stop, or with what makes a gradient: often
+    // in numbers so round that pixels fall exactly on stops and on the steps of the radius.
+    void makeGradient(bool radial)
     {
-        stopColour = colour();
-        stopOffset = anything();
-        paint.gradientStopCount = 1;
-        paint.gradientStopColors = &stopColour;
-        paint.gradientStopOffsets = &stopOffset;
-        for (Fixed* field :
-             {&paint.gradientStepX, &paint.gradientStepY, &paint.gradientOriginX,
-              &paint.gradientOriginY, &paint.radialXToU, &paint.radialXToV, &paint.radialYToU,
-              &paint.radialYToV, &paint.radialCenterX, &paint.radialCenterY})
-            *field = anything();
+        const bool round = oneIn(2);
+        const auto number = [&](Fixed low, Fixed high) {
+            const Fixed v = field(low, high);
+            return round && !hostile ? v & ~0x3FFF : v;
+        };
+        const int count = hostile ? 1 : within(2, 5);
+        stopColours.clear();
+        stopOffsets.clear();
+        for (int i = 0; i < count; ++i) {
+            stopColours.push_back(colour());
+            stopOffsets.push_back(number(radial ? 0x10000 : -0x400000, 0x1000000));
+        }
+        std::sort(stopOffsets.begin(), stopOffsets.end());
+        if (oneIn(4)) stopOffsets.back() = stopOffsets[count / 2];
+        paint.gradientStopCount = static_cast<uint32_t>(count);
+        paint.gradientStopColors = stopColours.data();
+        paint.gradientStopOffsets = stopOffsets.data();
+        if (!radial) {
+            paint.gradientOriginX = number(-0x400000, 0x1400000);
+            paint.gradientOriginY = number(-0x400000, 0x400000);
+            paint.gradientStepX = number(-0x20000, 0x20000);
+            paint.gradientStepY = number(-0x20000, 0x20000);
+            return;
+        }
+        const Fixed scale = round ? 0x10000 : within(0x4000, 0x40000);
+        paint.radialCenterX = number(-0x400000, 0x1400000);
+        paint.radialCenterY = number(-0x800000, 0x800000);
+        paint.radialXToU = round ? scale : number(scale / 2, scale);
+        paint.radialYToV = round ? scale : number(scale / 2, scale);
+        paint.radialXToV = round ? 0 : number(-scale / 4, scale / 4);
+        paint.radialYToU = round ? 0 : number(-scale / 4, scale / 4);
     }
 
     void makePattern()
@@ -152,8 +195,15 @@ protected:
     }
 };
 
+// A walk that stands still must fail, not hang.
+struct Deadline {
+    Deadline() { alarm(600); }
+    ~Deadline() { alarm(0); }
+};
+
 TEST_P(PaintStrip, MatchesThePlainModel)
 {
+    const Deadline deadline;
     for (int round = 0; round < 12000; ++round) {
         hostile = oneIn(4);
         const bool translucent = oneIn(2);
@@ -161,17 +211,113 @@ TEST_P(PaintStrip, MatchesThePlainModel)
         if (GetParam() < 3)
             makeColour();
         else if (GetParam() < 5)
-            makeGradientOfOneStop();
+            makeGradient(GetParam() == 4);
         else
             makePattern();
         context[1].currentPaint = paint;
         const Paint& filler = kPaints[GetParam()];
+        const std::string before = input();
         (context[0].*(translucent ? filler.translucent : filler.opaque))();
-        filler.model(context[1], translucent);
+        (hostile && (GetParam() == 3 || GetParam() == 4) ? PaintModel::flat
+                                                         : filler.model)(context[1], translucent);
         for (size_t i = 0; i < pixels[0].size(); ++i)
-            ASSERT_EQ(pixels[0][i], pixels[1][i]) << "pixel " << i << " round " << round;
-        ASSERT_EQ(context[0].spanCoverageNext, context[1].spanCoverageNext) << round;
-        ASSERT_EQ(context[0].spanTailCoverage, context[1].spanTailCoverage) << round;
+            ASSERT_EQ(pixels[0][i], pixels[1][i]) << "pixel " << i << " round " << round << "\n"
+                                                  << before;
+        ASSERT_EQ(context[0].spanCoverageNext, context[1].spanCoverageNext) << before;
+        ASSERT_EQ(context[0].spanTailCoverage, context[1].spanTailCoverage) << before;
+    }
+}
+
+// By the refined rules a pixel is the same however its row is cut into spans.
+TEST_P(PaintStrip, RefinedPixelsDependOnNoCuts)
+{
+    if (GetParam() >= 5) return;
+    for (int round = 0; round < 3000; ++round) {
+        hostile = oneIn(4);
+        const bool translucent = oneIn(2);
+        makeSpan();
+        if (GetParam() < 3)
+            makeColour();
+        else if (GetParam() < 5)
+            makeGradient(GetParam() == 4);
+        else
+            makePattern();
+        paint.patternHasAlpha = GetParam() >= 5 && translucent;
+        const Coverage coverage = within(0, 255 << 16);
+        for (MMContext2D& c : context) {
+            c.refined = 1;
+            c.currentPaint = paint;
+            c.spanStart = 0;
+            c.spanEnd = kWidth << 16;
+            c.spanCoverage = c.spanCoverageNext = coverage;
+            c.spanCoverageStep = c.spanTailCoverage = 0;
+        }
+        const Paint& filler = kPaints[GetParam()];
+        const auto draw = [&](MMContext2D& c) {
+            (c.*(translucent ? filler.translucent : filler.opaque))();
+        };
+        draw(context[0]);
+        for (int x = 0; x < kWidth;) {
+            const int end = std::min(kWidth, x + within(1, oneIn(2) ? 8 : kWidth));
+            context[1].spanStart = (x << 16) | within(0, 0xFFFF);
+            context[1].spanEnd = (end << 16) | within(0, 0xFFFF);
+            draw(context[1]);
+            x = end;
+        }
+        for (size_t i = 0; i < pixels[0].size(); ++i)
+            ASSERT_EQ(pixels[0][i], pixels[1][i]) << "pixel " << i << " round " << round << "\n"
+                                                  << input();
+    }
+}
+
+// The quick following of circles against its plain twin, over fields of every size.
+TEST(CircleFollower, QuickStepsMatchPlainOnes)
+{
+    std::mt19937 random(7);
+    const auto within = [&](Fixed low, Fixed high) {
+        return std::uniform_int_distribution<Fixed>(low, high)(random);
+    };
+    for (int round = 0; round < 20000; ++round) {
+        const bool whole = round % 2 != 0;
+        const Fixed mask = whole ? ~0x7FFF : ~0;
+        CircleFollower plain = {};
+        plain.a = whole ? 0x10000 << within(0, 3) : within(0x1000, 0x80000);
+        plain.dx = within(-0x4000000, 0x4000000) & ~0xFFFF;
+        plain.vertex = within(-0x1000000, 0x1000000) & mask;
+        plain.b = fixMul(plain.vertex, -2 * plain.a);
+        plain.r = within(0x10000, round % 3 == 0 ? 0x8FFFFFF : 0x1000000) & mask;
+        if (plain.dx >= plain.vertex) {
+            plain.direction = kFixedOne;
+            plain.risingMask = -1;
+        }
+        plain.start();
+        const Fixed low = plain.r / 2, high = 2 * plain.r;
+        RadialColour plainColour = {};
+        plainColour.step = Channels{1000, 77, 0, 0xFFFFFF00};
+        plainColour.halfStep = Channels{500, 38, 0, 0xFFFFFF80};
+        const CircleFollower first = plain;
+        CircleFollower quick = plain;
+        RadialColour quickColour = plainColour;
+        bool crossed = false;
+        for (int i = 0; i < 200 && !crossed;) {
+            Channels colours[16];
+            const int steps = quick.advanceUsual(quickColour, low, high, colours, 16);
+            for (int k = 0; k < steps; ++k, ++i) {
+                const Channels plainValue = plainColour.value;
+                ASSERT_EQ(std::memcmp(&colours[k], &plainValue, sizeof plainValue), 0);
+                ASSERT_FALSE(plain.advance(plainColour));
+            }
+            if (steps == 0) {
+                crossed = quick.advance(quickColour);
+                ASSERT_EQ(plain.advance(plainColour), crossed);
+                ++i;
+            }
+            ASSERT_TRUE(plain.r == quick.r && plain.error == quick.error && plain.dx == quick.dx)
+                << "from dx " << first.dx << " vertex " << first.vertex << " a " << first.a << " r "
+                << first.r << " after " << i;
+            // The plain stepping learns how many steps are usual.
+            quick.guess = plain.guess;
+        }
     }
 }
 

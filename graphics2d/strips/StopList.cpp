@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The colours of gradients.
-#include "graphics2d/strips/GradientStops.h"
+#include "graphics2d/strips/StopList.h"
+
+#include "math/FixedMath.h"
 
 namespace KAVO {
 namespace Graphics2D {
@@ -16,13 +18,6 @@ Channels Segment::at(Fixed position) const
     const Fixed fraction = fixDiv(wrapSub(position, offset), length);
     return start +
            mapChannels(difference, [fraction](int32_t change) { return fixMul(fraction, change); });
-}
-
-void GradientTarget::pad(Pixel colour, int32_t count)
-{
-    if (translucent_) return run_.drawColour(colour, count);
-    fillPixels(pixels_, count, colour);
-    pixels_ += count;
 }
 
 } // namespace Graphics2D

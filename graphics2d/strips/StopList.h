@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The colour stops of a gradient as its strip fillers read them, and where the fillers draw to.
-// Internal.
+// The colour stops of a gradient as its strip fillers read them. Internal.
 #pragma once
 
-#include "graphics2d/strips/StripMachinery.h"
+#include "graphics2d/MMPaint.h"
+#include "graphics2d/strips/Channels.h"
 
 namespace KAVO {
 namespace Graphics2D {
@@ -37,26 +37,6 @@ struct Segment {
 
     // The colour at a position of the gradient.
     Channels at(Fixed position) const;
-};
-
-// The current span as a gradient's walk fills it from left to right: opaquely, or blended by the
-// coverage and the colours' alpha. Each gradient adds how it draws its ramp.
-class GradientTarget {
-public:
-    GradientTarget(MMContext2D& context, bool translucent)
-        : run_(context), pixels_(spanFirstPixel(context)), translucent_(translucent)
-    {
-    }
-
-    // Draws count pixels of one colour, which keeps its alpha.
-    void pad(Pixel colour, int32_t count);
-
-    bool takeTail() { return translucent_ && run_.takeTail(); }
-
-protected:
-    TranslucentRun run_; // changes nothing in the context unless it is drawn with
-    Pixel* pixels_;      // the next one, of an opaque target
-    const bool translucent_;
 };
 
 } // namespace Graphics2D

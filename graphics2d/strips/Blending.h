@@ -1,0 +1,212 @@
+// SPDX-License-Identifier: MIT
+// How a weight moves a pixel of the target toward a source pixel, by either mode's rules. Internal.
+//
+// Pixels are 0xAARRGGBB, and all four channels are moved alike. Each rule comes for one pixel, for
+// four, and, as FlatBlend, for many pixels of one colour and weight.
+#pragma once
+
+#include "graphics2d/strips/PixelLanes.h"
+#include "math/FixedInline.h"
+
+#include <algorithm>
+
+namespace KAVO {
+namespace Graphics2D {
+
+constexpr Pixel kOpaque = 0xFF000000; // the alpha of a pixel that hides its background
+
+// Two of a pixel's four channels, 16 bits apart.
+constexpr uint32_t kEvenChannels = 0x00FF00FFu;
+
+// --- Lanes ---------------------------------------------------------------------------------------
+
+// Blends four pixels. moveTwo(from, to, weights) moves the channels of two and leaves them in the
+// high bytes.
+template <class MoveTwo>
+inline U32x4 blendLanes(U32x4 destination, U32x4 source, U32x4 weights, MoveTwo moveTwo)
+{
+    const U32x4 pairs = weights | (weights << 16);
+    const U16x8 lowWeights = (U16x8)__builtin_shufflevector(pairs, pairs, 0, 0, 1, 1);
+    const U16x8 highWeights = (U16x8)__builtin_shufflevector(pairs, pairs, 2, 2, 3, 3);
+    return narrowHighBytes(moveTwo(widenLow(destination), widenLow(source), lowWeights),
+                           moveTwo(widenHigh(destination), widenHigh(source), highWeights));
+}
+
+// What a weight of 256 would move eight channels by: the difference, one higher above 128.
+inline U16x8 raisedDifference(U16x8 from, U16x8 to)
+{
+    const I16x8 difference = (I16x8)(to - from);
+    return (U16x8)(difference - (I16x8)(difference > 128)); // a true comparison is -1
+}
+
+// Moves eight channels by weight / 256; the results are the high bytes. This is the classic rule
+// times 256: with d' the raised difference, from * 256 + d' * weight lies between 0 and 65535, so
+// 16 bits that wrap on the way hold it exactly.
+inline U16x8 moveToward(U16x8 from, U16x8 to, U16x8 weight)
+{
+    return (from << 8) + raisedDifference(from, to) * weight;
+}
+
+// The same by the refined rule: from * (256 - weight) + to * weight + 128.
+inline U16x8 moveRounded(U16x8 from, U16x8 to, U16x8 weight)
+{
+    return (from << 8 | 128) + (to - from) * weight;
+}
+
+// Many pixels of one colour and weight by either rule: d * (256 - w) + s * w, plus a bias, and plus
+// w where d lies below a bound.
+class FlatBlend {
+public:
+    FlatBlend(Pixel colour, uint32_t weight, uint32_t bias, int16_t raiseBelow)
+        : raiseBelow_(I16x8{} + raiseBelow), weight_(all8(weight)), rest_(all8(256 - weight)),
+          share_(widenLow(all4(colour)) * weight_ + all8(bias))
+    {
+    }
+    // The bound lies so far below each channel of the colour.
+    FlatBlend(Pixel colour, uint32_t weight, int16_t raiseDistance)
+        : FlatBlend(colour, weight, 0, 0)
+    {
+        raiseBelow_ = (I16x8)widenLow(all4(colour)) - raiseDistance;
+    }
+
+    U32x4 operator()(U32x4 destination) const
+    {
+        return narrowHighBytes(moved(widenLow(destination)), moved(widenHigh(destination)));
+    }
+
+    // For copies of the same arithmetic on wider registers.
+    I16x8 raiseBelow() const { return raiseBelow_; }
+    U16x8 weight() const { return weight_; }
+    U16x8 rest() const { return rest_; }
+    U16x8 share() const { return share_; }
+
+private:
+    U16x8 moved(U16x8 from) const
+    {
+        const U16x8 raised = (U16x8)(raiseBelow_ > (I16x8)from) & weight_;
+        return from * rest_ + (share_ + raised);
+    }
+
+    I16x8 raiseBelow_;
+    U16x8 weight_;
+    U16x8 rest_;
+    U16x8 share_;
+};
+
+// --- The classic rule ----------------------------------------------------------------------------
+
+// The low byte of a product, one higher from 128 on, so that the full 255 * 255 / 256 = 254 acts as
+// 255.
+inline uint32_t raisedByte(int32_t product)
+{
+    const uint32_t weight = static_cast<uint32_t>(product) & 0xFFu;
+    return (weight + (weight >> 7)) & 0xFFu;
+}
+
+// The weight of a gradient's colour: the opacity times the 8.16 alpha, truncated.
+inline uint32_t gradientWeight(Coverage opacity, int32_t alpha)
+{
+    return raisedByte(fixMulSHRInline(opacity, alpha, 24));
+}
+
+// A 16.16 weight as a byte, rounded; 256.0 wraps to 0.
+inline uint32_t roundedWeight(int32_t weight)
+{
+    return static_cast<uint32_t>(wrapAdd(weight, 0x8000) >> 16) & 0xFFu;
+}
+
+// Weights are 0 to 255. The background of a pixel is its right-hand neighbour under gradients and
+// patterns, and a colour keeps its own alpha, toward which the target's is moved.
+struct ClassicBlend {
+    static constexpr int32_t kBackground = 1; // pixels to the right
+
+    // Moves two channels from the destination's values toward the source's by weight / 256,
+    // rounding toward minus infinity. Differences above 128 get one extra weight, so that a weight
+    // of 255 reaches the source exactly for large rises; falls reach it because the shift floors.
+    static uint32_t pair(uint32_t destination, uint32_t source, uint32_t weight)
+    {
+        // A lane holds 512 + source - destination - 129: bit 9 is set when the difference is above
+        // 128.
+        const uint32_t raised =
+            (((source | 0x02000200u) - 0x00810081u - destination) >> 9) & 0x10001u;
+        // d * 256 + (s - d + raised) * w of each lane, which lies between 0 and 65535.
+        return ((destination * (256 - weight) + (source + raised) * weight) >> 8) & kEvenChannels;
+    }
+
+    static U32x4 four(U32x4 destination, U32x4 source, U32x4 weights)
+    {
+        return blendLanes(destination, source, weights, moveToward);
+    }
+
+    static FlatBlend flat(Pixel colour, uint32_t weight) { return {colour, weight, 128}; }
+
+    static Pixel sourceOf(Pixel colour) { return colour; }
+    static uint32_t weightOf(Pixel colour, Coverage opacity)
+    {
+        return gradientWeight(opacity, static_cast<int32_t>(colour >> 24 << 16));
+    }
+};
+
+// --- The refined rule ----------------------------------------------------------------------------
+
+// 8.8 of a coverage, which has 16 fraction bits.
+inline uint32_t coarseCoverage(Coverage coverage)
+{
+    return static_cast<uint32_t>(std::clamp(coverage, 0, 0x00FF0000)) >> 8;
+}
+
+constexpr uint32_t kWholeAlpha = 0xFF00; // 255 in 8.8
+
+// The weight of 0 to 256 that a coverage and an alpha have together, both 8.8 on the scale to 255.
+// This is the one rounding of opacity, coverage and alpha: a / 255 * c / 255 * 256 to nearest.
+inline uint32_t refinedWeight(uint32_t coverage, uint32_t alpha)
+{
+    return ((coverage * alpha >> 16) + 127) * 258 >> 16;
+}
+
+// The same for eight at a time.
+inline U16x8 refinedWeights(U16x8 coverage, U16x8 alpha)
+{
+    return mulHigh(mulHigh(coverage, alpha) + 127, U16x8{} + 258);
+}
+
+// Weights are 0 to 256. A pixel is blended over itself, rounded to nearest and monotonely, so that
+// no channel of a premultiplied pixel comes to exceed its alpha; a colour's alpha is part of its
+// weight, and moves the target's toward 255.
+struct RefinedBlend {
+    static constexpr int32_t kBackground = 0;
+
+    static uint32_t pair(uint32_t destination, uint32_t source, uint32_t weight)
+    {
+        return ((destination * (256 - weight) + source * weight + 0x00800080u) >> 8) &
+               kEvenChannels;
+    }
+
+    static U32x4 four(U32x4 destination, U32x4 source, U32x4 weights)
+    {
+        return blendLanes(destination, source, weights, moveRounded);
+    }
+
+    static FlatBlend flat(Pixel colour, uint32_t weight)
+    {
+        return {colour, weight, 128, INT16_MIN};
+    }
+
+    static Pixel sourceOf(Pixel colour) { return colour | kOpaque; }
+    static uint32_t weightOf(Pixel colour, Coverage opacity)
+    {
+        return refinedWeight(coarseCoverage(opacity), colour >> 24 << 8);
+    }
+};
+
+// One pixel by either rule.
+template <class Rule>
+inline Pixel blendPixel(Pixel destination, Pixel source, uint32_t weight)
+{
+    return Rule::pair(destination & kEvenChannels, source & kEvenChannels, weight) |
+           Rule::pair((destination >> 8) & kEvenChannels, (source >> 8) & kEvenChannels, weight)
+               << 8;
+}
+
+} // namespace Graphics2D
+} // namespace KAVO

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+// The distance of a radial gradient, followed along a row as in incremental circle drawing.
+// Internal.
+//
+// r is the distance of the current pixel and q = a dx * dx + b dx + c its true square, a parabola
+// along the row whose c does not change. One pixel to the right changes q by (2 dx + 1) a + b. A
+// unit step of r changes r * r by 1 + 2r while rising and by 1 - 2r while falling, a half step by
+// 1/4 + r and 1/4 - r.
+//
+// Invariant: r * r + error - q stays what it was when the following began, but for rounding. Each
+// pixel adds its change of q to the error; then r takes unit steps, and at most one half step, each
+// of which takes its own change of r * r off the error again, until error <= 0, and while falling
+// also error > 1 - 2r. So r keeps up with q to half a unit.
+//
+// One pixel: at (30, 40) with a = 1 and b = 0 the distance is 50; let the error be 0. The step to
+// dx = 31 adds 2 * 30 + 1 = 61 to it. That is above 0, so r rises to 51 for 1 + 2 * 50 = 101, which
+// leaves an error of -40: no further step. The true distance is 50.6.
+//
+// advance() is the plain stepping, one pixel at a time. advanceUsual() is its quick twin for runs
+// of pixels that take about the same number of steps; a test holds it to the plain one.
+#pragma once
+
+#include "graphics2d/strips/Channels.h"
+#include "math/FixedMath.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+// The colour along the ramp.
+struct RadialColour {
+    Channels value;
+    Channels step;     // per unit step of r
+    Channels halfStep; // and per half one
+};
+
+struct CircleFollower {
+    Fixed dx;     // offset from the centre, device pixels
+    Fixed vertex; // the dx of the smallest r
+    Fixed a;      // r * r = a dx * dx + b dx + what does not change along the row
+    Fixed b;
+    Fixed r = 0;
+    Fixed error = 0;
+    Fixed change = 0;             // of r * r over the next pixel
+    Fixed direction = -kFixedOne; // one unit step of r
+    int32_t risingMask = 0;       // all ones once the ramp is drawn past the vertex
+    int32_t guess = 0;            // unit steps that a pixel takes at least, as of late
+
+    // Sets what follows from dx.
+    void start() { change = wrapAdd(fixMul(doubled(dx), a), b); }
+
+    // The plain stepping: one pixel, whatever the numbers. True when it crossed the vertex: the
+    // next one needs the colour steps of the other side.
+    bool advance(RadialColour& colour);
+
+    // Writes up to count colours as long as r is within [low, high) and the next pixel is a usual
+    // one; returns how many. Quick, and the same as that many plain steps.
+    int32_t advanceUsual(RadialColour& colour, Fixed low, Fixed high, Channels* out, int32_t count);
+
+private:
+    static constexpr int32_t kGreatestGuess = 4;
+    static constexpr Fixed kLeastR = 16 * kFixedOne;
+    static constexpr Fixed kMostR = 2048 * kFixedOne;
+    static constexpr uint32_t kGreatestError = 0x50000000; // 4 * (2r + 4) more or less still fits
+    static constexpr Fixed kFarthest = 0x3F000000;
+
+    static Fixed doubled(Fixed dx) { return wrapAdd(wrapAdd(dx, dx), kFixedOne); }
+
+    // How many pixels of count can be advanced with dx staying below a bound.
+    int32_t pixelsBefore(Fixed bound, int32_t count) const
+    {
+        const int64_t pixels = (int64_t{bound} - dx - 1) >> 16;
+        return pixels < 0 ? 0 : pixels < count ? static_cast<int32_t>(pixels) : count;
+    }
+
+    template <bool kFalling>
+    int32_t advanceByGuess(RadialColour& colour, Fixed low, Fixed high, Channels* out,
+                           int32_t count);
+
+    bool isFalling() const { return direction < 0; }
+
+    // The mask and the low bit negate r in two's complement.
+    Fixed signedBy(Fixed v) const { return wrapAdd(v ^ risingMask, risingMask & 1); }
+
+    int32_t stepOneByOne();
+    bool halfStep();
+};
+
+} // namespace Graphics2D
+} // namespace KAVO

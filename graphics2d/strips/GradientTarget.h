@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+// The current span as a gradient's walk fills it from left to right. Internal.
+#pragma once
+
+#include "graphics2d/strips/TranslucentRun.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+// Pixels are written opaquely, or blended by the coverage and the colours' alpha. Each gradient
+// adds how it draws its ramp.
+template <class Rule>
+class GradientTarget {
+public:
+    GradientTarget(MMContext2D& context, bool translucent)
+        : run_(context), pixels_(spanFirstPixel(context)), translucent_(translucent)
+    {
+    }
+
+    // Draws count pixels of one colour, which keeps its alpha as far as the rule lets it.
+    void pad(Pixel colour, int32_t count)
+    {
+        if (translucent_) return run_.drawColour(colour, count);
+        fillPixels(pixels_, count, Rule::sourceOf(colour));
+        pixels_ += count;
+    }
+
+    bool takeTail() { return translucent_ && run_.takeTail(); }
+
+protected:
+    TranslucentRun<Rule> run_; // changes nothing in the context unless it is drawn with
+    Pixel* pixels_;            // the next one, of an opaque target
+    const bool translucent_;
+};
+
+// Whose ramps have the weight of each pixel's own alpha.
+class RefinedGradientTarget : public GradientTarget<RefinedBlend> {
+public:
+    using GradientTarget::GradientTarget;
+
+    // Draws count pixels. write(colours, alphas, length) gives the next opaque colours and, unless
+    // alphas is null, their 8.8 alphas; there is room up to the next multiple of eight.
+    template <class Write>
+    void ramp(int32_t count, Write write)
+    {
+        PaintPiece piece;
+        while (count > 0) {
+            const int32_t length = count < kPieceLength ? count : kPieceLength;
+            write(piece.colours, translucent_ ? piece.weights : nullptr, length);
+            if (translucent_) {
+                weighAlphas(piece, run_.coverage, length);
+                run_.drawPiece(piece, length);
+            } else {
+                std::memcpy(pixels_, piece.colours, static_cast<size_t>(length) * sizeof(Pixel));
+                pixels_ += length;
+            }
+            count -= length;
+        }
+    }
+};
+
+} // namespace Graphics2D
+} // namespace KAVO

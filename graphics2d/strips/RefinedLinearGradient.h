@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: MIT
+// The linear gradient by the refined rules. Internal.
+#pragma once
+
+#include "graphics2d/MMContext2D.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+void drawRefinedLinearGradient(MMContext2D& context, bool translucent);
+
+} // namespace Graphics2D
+} // namespace KAVO

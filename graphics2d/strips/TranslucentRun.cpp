@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+// Blending source pixels into the current span.
+#include "graphics2d/strips/TranslucentRun.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+void weighAlphas(PaintPiece& piece, CoverageSequence& coverage, int32_t count)
+{
+    if (coverage.isFlat()) {
+        const U16x8 opacity = all8(coarseCoverage(coverage.current()));
+        for (int32_t i = 0; i < count; i += 4) // the upper halves are 0 and stay so
+            store4(piece.weights + i,
+                   (U32x4)refinedWeights(opacity, (U16x8)load4(piece.weights + i)));
+        coverage.advance(count);
+        return;
+    }
+    for (int32_t i = 0; i < count; ++i) {
+        piece.weights[i] = refinedWeight(coarseCoverage(coverage.current()), piece.weights[i]);
+        coverage.advance(1);
+    }
+}
+
+template <class Rule>
+TranslucentRun<Rule>::TranslucentRun(MMContext2D& context)
+    : coverage(context), context_(context), pixels_(spanFirstPixel(context))
+{
+    const MMPixmap& target = context.target;
+    const uint32_t lastRow = target.height != 0 ? target.height - 1u : 0u;
+    targetEnd_ = reinterpret_cast<uintptr_t>(target.pixels) +
+                 static_cast<uintptr_t>(lastRow) * target.rowBytes +
+                 static_cast<uintptr_t>(target.width) * sizeof(Pixel);
+}
+
+template <class Rule>
+bool TranslucentRun<Rule>::takeTail()
+{
+    if (context_.spanTailCoverage <= 0) return false;
+    coverage.restartAt(context_.spanTailCoverage);
+    context_.spanTailCoverage = 0;
+    return true;
+}
+
+template <class Rule>
+void TranslucentRun<Rule>::drawColour(Pixel colour, int32_t count)
+{
+    while (count > 0) {
+        const int32_t length = coverage.isFlat() ? count : 1;
+        drawFlat(Rule::sourceOf(colour), Rule::weightOf(colour, coverage.current()), length);
+        coverage.advance(length);
+        count -= length;
+    }
+}
+
+template <class Rule>
+void TranslucentRun<Rule>::drawPiece(const PaintPiece& piece, int32_t count)
+{
+    blend(
+        piece.colours, [&](int32_t i) { return load4(piece.weights + i); }, count);
+}
+
+template <class Rule>
+void TranslucentRun<Rule>::drawFlat(Pixel colour, uint32_t weight, int32_t count)
+{
+    const int32_t pairs = pixelsWithBackground(count);
+    int32_t i = 0;
+    if (pairs >= 4) {
+        const FlatBlend blended = Rule::flat(colour, weight);
+        for (; i + 4 <= pairs; i += 4)
+            store4(pixels_ + i, blended(load4(pixels_ + i + Rule::kBackground)));
+    }
+    for (; i < count; ++i)
+        pixels_[i] =
+            blendPixel<Rule>(pixels_[i < pairs ? i + Rule::kBackground : i], colour, weight);
+    pixels_ += count;
+}
+
+template class TranslucentRun<ClassicBlend>;
+template class TranslucentRun<RefinedBlend>;
+
+} // namespace Graphics2D
+} // namespace KAVO

@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: MIT
+// The current span as the target of a translucent gradient or pattern. Internal.
+//
+// Paints work in pieces: they write up to kPieceLength source pixels and weights into a PaintPiece,
+// as if they drew opaquely, and TranslucentRun blends the piece into the target. So the paint's own
+// code knows nothing of backgrounds, and the blending nothing of paints.
+#pragma once
+
+#include "graphics2d/strips/Blending.h"
+#include "graphics2d/strips/Span.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+constexpr int32_t kPieceLength = 128; // a multiple of four
+
+// Source pixels on their way into the target.
+struct PaintPiece {
+    Pixel colours[kPieceLength];
+    uint32_t weights[kPieceLength]; // on the rule's scale
+};
+
+// Turns the 8.8 alphas of a piece, which stand in place of its weights, into the refined rule's
+// weights, and moves the coverage on.
+void weighAlphas(PaintPiece& piece, CoverageSequence& coverage, int32_t count);
+
+// Pixels are drawn from left to right by one of the rules of Blending.h. Where the background of a
+// pixel would be the word past the end of the target's last row, the pixel reads itself.
+template <class Rule>
+class TranslucentRun {
+public:
+    explicit TranslucentRun(MMContext2D& context);
+    ~TranslucentRun() { context_.spanCoverageNext = coverage.next(); }
+    TranslucentRun(const TranslucentRun&) = delete;
+    TranslucentRun& operator=(const TranslucentRun&) = delete;
+
+    // True once when the span has a tail pixel, whose coverage is then the current one.
+    bool takeTail();
+
+    // Blends count pixels of one colour and its own alpha.
+    void drawColour(Pixel colour, int32_t count);
+
+    // Blends the first count pixels of a piece. The coverage is the caller's to advance.
+    void drawPiece(const PaintPiece& piece, int32_t count);
+
+    // The same with four weights from weightsAt(i) at a time. Colours and weights are read up to
+    // the next multiple of four.
+    template <class WeightsAt>
+    void blend(const Pixel* colours, WeightsAt weightsAt, int32_t count)
+    {
+        blendBy(count, [=](U32x4 backgrounds, int32_t i) {
+            return Rule::four(backgrounds, load4(colours + i), weightsAt(i));
+        });
+    }
+
+    // Replaces count pixels by four results of blended(backgrounds, i) at a time.
+    template <class Blended>
+    void blendBy(int32_t count, Blended blended)
+    {
+        const int32_t pairs = pixelsWithBackground(count);
+        Pixel* to = pixels_; // a copy: a store of pixels may alias the member
+        int32_t i = 0;
+        for (; i + 4 <= pairs; i += 4)
+            store4(to + i, blended(load4(to + i + Rule::kBackground), i));
+        for (; i < count; i += 4) {
+            Pixel backgrounds[4] = {};
+            const int32_t rest = count - i < 4 ? count - i : 4;
+            for (int32_t k = 0; k < rest; ++k)
+                backgrounds[k] = to[i + k < pairs ? i + k + Rule::kBackground : i + k];
+            storeFew(to + i, blended(load4(backgrounds), i), rest);
+        }
+        pixels_ += count;
+    }
+
+    // The next pixels, for a caller that replaces count of them itself.
+    Pixel* take(int32_t count)
+    {
+        Pixel* const taken = pixels_;
+        pixels_ += count;
+        return taken;
+    }
+
+    CoverageSequence coverage;
+
+private:
+    void drawFlat(Pixel colour, uint32_t weight, int32_t count);
+
+    // count, or one less when the background of the last pixel lies past the target.
+    int32_t pixelsWithBackground(int32_t count) const
+    {
+        if (Rule::kBackground == 0) return count;
+        const bool atEnd = reinterpret_cast<uintptr_t>(pixels_ + count) == targetEnd_;
+        return atEnd && count > 0 ? count - 1 : count;
+    }
+
+    MMContext2D& context_;
+    Pixel* pixels_;
+    uintptr_t targetEnd_;
+};
+
+extern template class TranslucentRun<ClassicBlend>;
+extern template class TranslucentRun<RefinedBlend>;
+
+} // namespace Graphics2D
+} // namespace KAVO
