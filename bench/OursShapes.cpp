@@ -3,11 +3,15 @@
 #include "Scene.h"
 
 #include "graphics2d/MMContext2D.h"
-#include "svg2png/PathEncoder.h"
+#include "svg/geometry/PathEncoder.h"
 
 #include <memory>
 
 using namespace KAVO;
+
+using KAVO::Svg::encodePath;
+using KAVO::Svg::PathSpace;
+using KAVO::Svg::toFixed;
 
 namespace {
 

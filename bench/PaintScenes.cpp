@@ -4,7 +4,7 @@
 
 #include "graphics2d/MMContext2D.h"
 #include "graphics2d/PaintSetup.h"
-#include "svg2png/PathEncoder.h"
+#include "svg/geometry/PathEncoder.h"
 
 #ifdef MM2D_BENCH_CAIRO
 #include <cairo.h>
@@ -13,6 +13,8 @@
 #include <memory>
 
 using namespace KAVO;
+
+using KAVO::Svg::toFixed;
 
 namespace {
 

@@ -6,7 +6,7 @@
 // is drawing.
 #pragma once
 
-#include "svg2png/Outline.h"
+#include "svg/geometry/Outline.h"
 
 #include <cstdint>
 #include <functional>
@@ -14,6 +14,11 @@
 #include <vector>
 
 constexpr int kSceneSize = 1000; // pixels a side of every target
+
+using KAVO::Svg::Affine;
+using KAVO::Svg::Box;
+using KAVO::Svg::Outline;
+using KAVO::Svg::Point;
 
 using Draw = std::function<void()>;
 

@@ -2,7 +2,7 @@
 // Scenes from shapes, and shapes from SVG files.
 #include "Scene.h"
 
-#include "svg2png/PathParser.h"
+#include "svg/values/PathParser.h"
 
 #include <pugixml.hpp>
 
@@ -19,6 +19,8 @@ Scene shapeScene(std::string name, const std::vector<Shape>& shapes)
 #endif
     return scene;
 }
+
+using KAVO::Svg::parsePath;
 
 namespace {
 

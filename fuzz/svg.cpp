@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Drawings, through the parts of the example program, into a picture in memory.
+// Documents, through the engine, into a picture in memory; then an element is looked for.
 #include "common/FontFolder.h"
-#include "svg2png/Renderer.h"
+#include "svg/MMSvgDocument.h"
 
 #include <string_view>
 
@@ -9,9 +9,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     static const FontFolder font(FUZZ_FONT);
     constexpr int kSide = 48;
-    SvgDocument document;
-    if (!document.parse({reinterpret_cast<const char*>(data), size}).empty()) return 0;
-    Picture picture(kSide, kSide, 0xFFFFFFFF);
-    Renderer(document, picture, RenderOptions{}).draw({kSide, kSide});
+    static KAVO::Pixel pixels[kSide * kSide];
+    KAVO::Svg::LoadOptions options;
+    options.files = false;
+    KAVO::Svg::MMSvgDocument document(options);
+    if (!document.loadBytes({reinterpret_cast<const char*>(data), size})) return 0;
+    document.render({kSide, kSide, kSide * 4, 0, pixels, 0}, {0, 0, kSide, kSide});
+    document.elementAt({0, 0, kSide, kSide}, kSide / 2, kSide / 2);
     return 0;
 }

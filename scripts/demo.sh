@@ -24,7 +24,7 @@ $build/examples/hello $pictures/hello.ppm
 $build/examples/gallery $pictures/gallery.png
 for drawing in examples/drawings/*.svg; do
     # Everything in them is meant to be drawn, with a glyph for every character.
-    if ! complaints=$($build/examples/svg2png --size 800 --background white "$drawing" \
+    if ! complaints=$($build/tools/svg2png --size 800 --background white "$drawing" \
         "$pictures/$(basename "$drawing" .svg).png" 2>&1) || [ -n "$complaints" ]; then
         echo "$complaints" >&2
         exit 1

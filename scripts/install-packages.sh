@@ -16,7 +16,7 @@ for group in "$@"; do
             packages+=(libgtest-dev googletest valgrind g++-i686-linux-gnu qemu-user
                 fonts-dejavu-core fonts-wqy-microhei fonts-tlwg-garuda-ttf) ;;
         examples)
-            packages+=(libpugixml-dev libpng-dev
+            packages+=(libpugixml-dev libpng-dev libjpeg62-turbo-dev zlib1g-dev
                 librsvg2-bin librsvg2-tests openclipart-svg
                 fonts-dejavu-core fonts-wqy-microhei fonts-tlwg-garuda-ttf) ;;
         bench)

@@ -15,6 +15,7 @@ if [ $# != 2 ]; then
     exit 2
 fi
 programs=$(realpath "$1")/examples
+svg2png=$(realpath "$1")/tools/svg2png
 mkdir -p "$2"
 cd "$2"
 
@@ -41,7 +42,7 @@ cat icons.txt clipart.txt | awk '{ printf "%04d %s\n", NR, $0 }' > files.txt
 
 render_one() {
     local number=$1 file=$2 out=pictures/$1 status=0
-    timeout 60 "$programs/svg2png" --size "$side" --background white "$file" "$out.png" \
+    timeout 60 "$svg2png" --size "$side" --background white "$file" "$out.png" \
         2> "$out.log" || status=$?
     echo $status > "$out.status"
     [ $status = 0 ] || return 0
@@ -50,7 +51,7 @@ render_one() {
         rm -f "$out-peer.png"
 }
 export -f render_one
-export programs side
+export svg2png side
 xargs -P "$(nproc)" -d '\n' -n 1 bash -c 'render_one "${0%% *}" "${0#* }"' < files.txt
 
 # --- The verdict ---------------------------------------------------------------------------------

@@ -40,26 +40,6 @@ std::string finishReading(PngImage& png, Picture& picture)
     return "";
 }
 
-int channel(uint32_t pixel, int shift)
-{
-    return static_cast<int>(pixel >> shift & 0xFF);
-}
-
-uint32_t separatePixel(uint32_t black, uint32_t white)
-{
-    int ground = 0; // three times how much of it shows
-    for (int shift = 0; shift < 24; shift += 8)
-        ground += std::clamp(channel(white, shift) - channel(black, shift), 0, 255);
-    const int alpha = 255 - (ground + 1) / 3;
-    if (alpha == 0) return 0;
-    uint32_t pixel = static_cast<uint32_t>(alpha) << 24;
-    for (int shift = 0; shift < 24; shift += 8) {
-        const int value = std::min(255, (channel(black, shift) * 255 + alpha / 2) / alpha);
-        pixel |= static_cast<uint32_t>(value) << shift;
-    }
-    return pixel;
-}
-
 } // namespace
 
 std::string readPng(const std::string& fileName, Picture& picture)
@@ -92,13 +72,4 @@ void makeOpaque(Picture& picture)
 {
     for (uint32_t& pixel : picture.pixels)
         pixel |= 0xFF000000;
-}
-
-Picture separateFromGround(const Picture& overBlack, const Picture& overWhite)
-{
-    Picture result(overBlack.width, overBlack.height, 0);
-    for (size_t i = 0; i < result.pixels.size(); ++i)
-        result.pixels[i] = separatePixel(overBlack.pixels[i], overWhite.pixels[i]);
-    result.hasAlpha = true;
-    return result;
 }

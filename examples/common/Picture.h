@@ -39,7 +39,3 @@ std::string writePng(const std::string& fileName, const Picture& picture);
 // The alpha of a picture that was drawn into means nothing: paints mix it like a colour. Drawing
 // over an opaque ground and then calling this gives an opaque picture.
 void makeOpaque(Picture& picture);
-
-// What lets the ground show through is transparent: the same drawing over black and over white
-// makes a picture with alpha.
-Picture separateFromGround(const Picture& overBlack, const Picture& overWhite);

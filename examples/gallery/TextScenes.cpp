@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Text: sizes, styles, paints, and paragraphs in three scripts.
-#include "common/Glyphs.h"
 #include "gallery/Canvas.h"
 #include "graphics2d/PaintSetup.h"
 #include "platform/freetype/LightHinting.h"
+#include "svg/text/Glyphs.h"
 #include "util/WideString.h"
 
 #include <cstdlib>
@@ -45,7 +45,7 @@ void setFont(MMContext2D& context, double size, uint8_t weight = 4, uint32_t sty
 void requireGlyphs(Canvas& canvas, const uint16_t* text)
 {
     for (; *text != 0; ++text) {
-        if (*text != '\n' && !hasGlyph(canvas.context(), *text))
+        if (*text != '\n' && !KAVO::Svg::hasGlyph(canvas.context(), *text))
             canvas.problem = "no glyph for character " + std::to_string(*text);
     }
 }

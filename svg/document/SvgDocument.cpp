@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: MIT
+#include "svg/document/SvgDocument.h"
+
+#include "svg/document/Entities.h"
+#include "svg/document/Namespaces.h"
+#include "svg/document/References.h"
+#include "svg/geometry/ViewBox.h"
+#include "svg/values/TextScanner.h"
+
+#include <algorithm>
+
+namespace KAVO {
+namespace Svg {
+
+namespace {
+
+// Of a drawing that says nothing about its size.
+constexpr double kDefaultWidth = 300;
+constexpr double kDefaultHeight = 150;
+
+// White space matters between the words of a text.
+constexpr unsigned kParseFlags = pugi::parse_default | pugi::parse_ws_pcdata;
+
+bool isCss(pugi::xml_node style)
+{
+    const std::string_view type = style.attribute("type").value();
+    return type.empty() || type.substr(0, 8) == "text/css";
+}
+
+} // namespace
+
+std::string SvgDocument::parse(std::string text)
+{
+    if (text.size() > options_.limits.documentBytes) return "is too large";
+    if (!decompress(text, options_.limits.documentBytes)) return "is damaged or too large";
+    if (!expandEntities(text, options_.limits.documentBytes)) return "has entities without end";
+    for (size_t at = text.find('\n'); at != text.npos; at = text.find('\n', at + 1))
+        lineEnds_.push_back(static_cast<std::ptrdiff_t>(at));
+    const pugi::xml_parse_result result =
+        document_.load_buffer(text.data(), text.size(), kParseFlags);
+    if (!result) return result.description();
+    return readRoot();
+}
+
+std::string SvgDocument::readRoot()
+{
+    root_ = document_.document_element();
+    resolveNamespaces(root_);
+    if (root_.name() != std::string_view("svg")) return "not an SVG drawing";
+
+    struct IdCollector : pugi::xml_tree_walker {
+        std::unordered_map<std::string_view, pugi::xml_node>& byId;
+        size_t count = 0;
+        explicit IdCollector(std::unordered_map<std::string_view, pugi::xml_node>& map) : byId(map)
+        {
+        }
+        bool for_each(pugi::xml_node& node) override
+        {
+            ++count;
+            if (const pugi::xml_attribute id = node.attribute("id")) byId.emplace(id.value(), node);
+            return true;
+        }
+    };
+    IdCollector collector(byId_);
+    document_.traverse(collector);
+    nodeCount_ = collector.count;
+    readSheets();
+
+    // A side that is not given follows from the view box, and from the other side by its
+    // proportions.
+    const std::optional<Box> box = parseViewBox(root_.attribute("viewBox").value());
+    Viewport viewport;
+    viewport.width = box ? box->width() : kDefaultWidth;
+    viewport.height = box ? box->height() : kDefaultHeight;
+    const LengthContext lengths{viewport};
+    const Properties properties(root_, sheet_);
+    const std::string_view widthText = properties[Property::Width];
+    const std::string_view heightText = properties[Property::Height];
+    const std::optional<double> width = findLength(widthText, lengths, Axis::X);
+    const std::optional<double> height = findLength(heightText, lengths, Axis::Y);
+    size_.width = width.value_or(viewport.width);
+    size_.height = height.value_or(viewport.height);
+    const auto isShare = [](std::string_view text) { return !text.empty() && text.back() == '%'; };
+    if (box && width && !height && !isShare(widthText))
+        size_.height = size_.width * box->height() / box->width();
+    if (box && height && !width && !isShare(heightText))
+        size_.width = size_.height * box->width() / box->height();
+    if (!(size_.width > 0 && size_.height > 0)) return "drawing has no size";
+    return "";
+}
+
+void SvgDocument::readSheets()
+{
+    const StyleSheet::Import import = [this](const std::string& reference) {
+        std::string text;
+        resources_.read(reference, text);
+        return text;
+    };
+    struct StyleCollector : pugi::xml_tree_walker {
+        std::vector<pugi::xml_node> styles;
+        bool for_each(pugi::xml_node& node) override
+        {
+            if (node.name() == std::string_view("style") && isCss(node)) styles.push_back(node);
+            return true;
+        }
+    };
+    StyleCollector collector;
+    document_.traverse(collector);
+    for (const pugi::xml_node style : collector.styles) {
+        std::string text;
+        for (const pugi::xml_node child : style.children())
+            text += child.value();
+        sheet_.add(std::move(text), import);
+    }
+}
+
+Box SvgDocument::viewBox() const
+{
+    const Box whole{0, 0, size_.width, size_.height};
+    return parseViewBox(root_.attribute("viewBox").value()).value_or(whole);
+}
+
+pugi::xml_node SvgDocument::find(std::string_view id) const
+{
+    const auto found = byId_.find(id);
+    return found == byId_.end() ? pugi::xml_node() : found->second;
+}
+
+pugi::xml_node SvgDocument::target(pugi::xml_node node) const
+{
+    const std::string_view href = trimmed(hrefOf(node));
+    return href.size() > 1 && href[0] == '#' ? find(href.substr(1)) : pugi::xml_node();
+}
+
+Style SvgDocument::styleOf(pugi::xml_node node, const Viewport& viewport) const
+{
+    std::vector<pugi::xml_node> path;
+    for (; node && node.type() == pugi::node_element; node = node.parent())
+        path.push_back(node);
+    Style style;
+    while (!path.empty()) {
+        style = style.child(Properties(path.back(), sheet_), viewport);
+        path.pop_back();
+    }
+    return style;
+}
+
+uint32_t SvgDocument::lineOf(pugi::xml_node node) const
+{
+    const auto found = std::lower_bound(lineEnds_.begin(), lineEnds_.end(), node.offset_debug());
+    return static_cast<uint32_t>(found - lineEnds_.begin()) + 1;
+}
+
+} // namespace Svg
+} // namespace KAVO

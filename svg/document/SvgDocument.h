@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+// An SVG document: its elements, found by id, its style sheet, and how large it wants to be.
+#pragma once
+
+#include "svg/MMSvgDocument.h"
+#include "svg/document/Resources.h"
+#include "svg/geometry/Affine.h"
+#include "svg/style/Style.h"
+#include "svg/style/StyleSheet.h"
+
+#include <pugixml.hpp>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace KAVO {
+namespace Svg {
+
+class SvgDocument {
+public:
+    SvgDocument(const LoadOptions& options, Resources resources)
+        : options_(options), resources_(std::move(resources))
+    {
+    }
+
+    // Returns an empty string, or what is wrong with the document.
+    std::string parse(std::string text);
+
+    pugi::xml_node root() const { return root_; }
+    size_t nodeCount() const { return nodeCount_; }
+    const LoadOptions& options() const { return options_; }
+    const Resources& resources() const { return resources_; }
+    const StyleSheet& sheet() const { return sheet_; }
+
+    // The element with that id, or a null node.
+    pugi::xml_node find(std::string_view id) const;
+    // The element that the href attribute of this one names, or a null node.
+    pugi::xml_node target(pugi::xml_node node) const;
+
+    // The style that an element has where it stands, whoever refers to it.
+    Style styleOf(pugi::xml_node node, const Viewport& viewport) const;
+
+    // Size in user units that the root element asks for.
+    Size size() const { return size_; }
+    // What its own coordinates span.
+    Box viewBox() const;
+
+    uint32_t lineOf(pugi::xml_node node) const; // from 1 on
+
+private:
+    std::string readRoot();
+    void readSheets();
+
+    LoadOptions options_;
+    Resources resources_;
+    pugi::xml_document document_;
+    pugi::xml_node root_;
+    std::unordered_map<std::string_view, pugi::xml_node> byId_;
+    std::vector<std::ptrdiff_t> lineEnds_;
+    StyleSheet sheet_;
+    size_t nodeCount_ = 0;
+    Size size_;
+};
+
+} // namespace Svg
+} // namespace KAVO

@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: MIT
+#include "svg/geometry/PathEncoder.h"
+
+namespace KAVO {
+namespace Svg {
+
+using namespace Graphics2D;
+
+namespace {
+
+constexpr double kTolerance = 1.0 / 16; // pixels between a curve and the chord that replaces it
+constexpr double kMostPieces = 64;
+
+class Encoder {
+public:
+    explicit Encoder(const PathSpace& space) : space_(space) {}
+
+    void add(const Outline::Segment& segment);
+
+    MMPathBuilder path;
+
+private:
+    void addCurve(Point p0, Point c1, Point c2, Point p3);
+
+    const PathSpace& space_;
+    Point current_;
+};
+
+// A curve stays within an eighth of its largest second derivative of its chord, and cutting it into
+// n equal pieces divides that by n * n.
+void Encoder::addCurve(Point p0, Point c1, Point c2, Point p3)
+{
+    const Point bend1 = p0 - c1 * 2 + c2;
+    const Point bend2 = c1 - c2 * 2 + p3;
+    const double bend =
+        std::max(std::hypot(bend1.x, bend1.y), std::hypot(bend2.x, bend2.y)) * space_.pixelSize;
+    const int pieces = static_cast<int>(
+        std::clamp(std::ceil(std::sqrt(0.75 * bend / kTolerance)), 1.0, kMostPieces));
+    for (int left = pieces; left > 0; --left) {
+        const double t = 1.0 / left; // the first of the pieces that are left
+        const Point a = p0 + (c1 - p0) * t;
+        const Point b = c1 + (c2 - c1) * t;
+        const Point c = c2 + (p3 - c2) * t;
+        const Point ab = a + (b - a) * t;
+        const Point bc = b + (c - b) * t;
+        const Point middle = left == 1 ? p3 : ab + (bc - ab) * t;
+        const MMPoint2D control1 = space_.point(a);
+        const MMPoint2D control2 = space_.point(ab);
+        const MMPoint2D end = space_.point(middle);
+        path.cubicTo(control1.x, control1.y, control2.x, control2.y, end.x, end.y);
+        p0 = middle;
+        c1 = bc;
+        c2 = c;
+    }
+}
+
+void Encoder::add(const Outline::Segment& segment)
+{
+    const Point* p = segment.points;
+    const MMPoint2D end = space_.point(p[0]);
+    switch (segment.verb) {
+    case Outline::Move:
+        path.moveTo(end.x, end.y);
+        current_ = p[0];
+        break;
+    case Outline::Line:
+        path.lineTo(end.x, end.y);
+        current_ = p[0];
+        break;
+    case Outline::Curve:
+        addCurve(current_, p[0], p[1], p[2]);
+        current_ = p[2];
+        break;
+    case Outline::Close:
+        path.close();
+        break;
+    }
+}
+
+} // namespace
+
+Fixed toFixed(double value)
+{
+    constexpr double kLimit = 32767.0;
+    const double notBelow = value > -kLimit ? value : -kLimit; // also when it is not a number
+    return static_cast<Fixed>(std::lround(std::min(notBelow, kLimit) * 65536));
+}
+
+std::optional<PathSpace> PathSpace::make(const Affine& userToDevice, Point pictureCentre)
+{
+    const std::optional<Affine> inverse = userToDevice.inverse();
+    if (!inverse || !inverse->isFinite()) return std::nullopt;
+    int exponent = 0;
+    std::frexp(userToDevice.norm(), &exponent);
+    PathSpace space;
+    space.scale = std::ldexp(1.0, exponent);
+    space.origin = inverse->map(pictureCentre);
+    space.pixelSize = userToDevice.norm();
+    space.transform = {toFixed(userToDevice.a / space.scale),
+                       toFixed(userToDevice.b / space.scale),
+                       toFixed(userToDevice.c / space.scale),
+                       toFixed(userToDevice.d / space.scale),
+                       toFixed(pictureCentre.x),
+                       toFixed(pictureCentre.y)};
+    return space;
+}
+
+Fixed PathSpace::length(double userLength) const
+{
+    return toFixed(std::clamp(userLength * scale, 0.0, kReach));
+}
+
+MMPoint2D PathSpace::point(Point user) const
+{
+    const Point p = (user - origin) * scale;
+    const auto held = [](double v) { return toFixed(std::max(-kReach, std::min(kReach, v))); };
+    return {held(p.x), held(p.y)};
+}
+
+MMPathBuilder encodePath(const Outline& outline, const PathSpace& space)
+{
+    Encoder encoder(space);
+    for (const Outline::Segment& segment : outline.segments())
+        encoder.add(segment);
+    return std::move(encoder.path);
+}
+
+} // namespace Svg
+} // namespace KAVO

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+#include "svg/images/ImageStore.h"
+
+#include "svg/images/Decoders.h"
+
+namespace KAVO {
+namespace Svg {
+
+namespace {
+
+LoadedImage read(const SvgDocument& document, const std::string& href, uint64_t pixelsLeft)
+{
+    LoadedImage image;
+    std::string bytes;
+    if (!document.resources().read(href, bytes)) {
+        image.problem = "cannot be read";
+        return image;
+    }
+    const std::string_view kind = kindOf(bytes);
+    if (kind == "png") {
+        image.problem = decodePng(bytes, pixelsLeft, image.picture);
+    } else if (kind == "jpeg") {
+        image.problem = decodeJpeg(bytes, pixelsLeft, image.picture);
+    } else if (kind == "svg") {
+        image.drawing =
+            std::make_unique<SvgDocument>(document.options(), document.resources().beside(href));
+        image.problem = image.drawing->parse(std::move(bytes));
+    } else {
+        image.problem = kind.empty() ? "is of an unknown kind" : "is " + std::string(kind);
+    }
+    spreadColours(image.picture);
+    return image;
+}
+
+} // namespace
+
+const LoadedImage& ImageStore::load(const std::string& href, uint64_t& pixelsLeft)
+{
+    auto found = images_.find(href);
+    if (found == images_.end()) {
+        found = images_.emplace(href, read(document_, href, pixelsLeft)).first;
+        pixelsLeft -= std::min<uint64_t>(pixelsLeft, found->second.picture.pixels.size());
+    }
+    return found->second;
+}
+
+} // namespace Svg
+} // namespace KAVO

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+// Linear and radial gradients.
+#pragma once
+
+#include "graphics2d/PaintSetup.h"
+#include "svg/document/SvgDocument.h"
+#include "svg/images/Picture.h"
+
+#include <vector>
+
+namespace KAVO {
+namespace Svg {
+
+// A gradient element with everything that it takes from those it refers to.
+struct Gradient {
+    enum Spread { Pad, Repeat, Reflect };
+    struct Stop {
+        double offset; // 0 to 1, ascending
+        Pixel colour;  // not premultiplied
+    };
+
+    bool radial = false;
+    bool inBox = true; // coordinates are fractions of the shape's bounding box
+    Affine transform;
+    Point start; // of a radial gradient the centre of the inner circle
+    Point end;   // of a radial gradient the centre of the outer circle
+    double innerRadius = 0;
+    double radius = 0;
+    Spread spread = Pad;
+    std::vector<Stop> stops; // none: nothing is painted
+
+    // Where a point of the gradient's space lies between start and end; nothing outside of a cone.
+    std::optional<double> parameterAt(Point p) const;
+    // The colour at a parameter, by the spread.
+    Pixel colourAt(double parameter) const;
+};
+
+Gradient readGradient(const SvgDocument& document, pugi::xml_node node, const Viewport& viewport);
+
+// A gradient made ready for the library; the paint points into it.
+class GradientPaint {
+public:
+    // toDevice maps the shape's user space to device pixels, which lie shift from where the library
+    // draws; visible is the part of the device that matters. False when nothing is to be painted.
+    bool set(MMPaint& paint, Gradient gradient, const Affine& toDevice, double shift,
+             const Box& shapeBounds, const Box& visible, bool forText);
+
+private:
+    void setRamp(MMPaint& paint, const Gradient& gradient, const Affine& toDevice, bool forText);
+    bool setPicture(MMPaint& paint, const Gradient& gradient, const Affine& toDevice,
+                    const Box& visible, bool forText);
+
+    std::vector<Pixel> colours_;
+    std::vector<Fixed> offsets_;
+    std::vector<Pixel> rampColours_;
+    std::vector<Fixed> rampOffsets_;
+    Picture picture_;
+};
+
+} // namespace Svg
+} // namespace KAVO

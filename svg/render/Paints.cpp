@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+// The context's paints from the values of fill and stroke.
+#include "graphics2d/PaintSetup.h"
+#include "svg/render/Renderer.h"
+
+#include <cmath>
+
+namespace KAVO {
+namespace Svg {
+
+using namespace Graphics2D;
+
+namespace {
+
+uint8_t byteOf(double opacity)
+{
+    return static_cast<uint8_t>(std::lround(opacity * 255));
+}
+
+} // namespace
+
+// Each sets up the paint for something with these bounds in user space; false when it paints
+// nothing.
+bool Renderer::setFill(const State& state, const Box& userBounds)
+{
+    const Style& style = state.style;
+    return setPaint(context_.fillPaint, fillStore_, style.fill, style.fillOpacity * style.opacity,
+                    state, userBounds);
+}
+
+bool Renderer::setStroke(const State& state, const Box& userBounds)
+{
+    const Style& style = state.style;
+    context_.strokePaint.paintType = kPaintNone;
+    return style.strokeWidth > 0 &&
+           setPaint(context_.strokePaint, strokeStore_, style.stroke,
+                    style.strokeOpacity * style.opacity, state, userBounds);
+}
+
+bool Renderer::setPaint(MMPaint& paint, PaintStore& store, const PaintValue& value, double opacity,
+                        const State& state, const Box& userBounds)
+{
+    paint.paintType = kPaintNone;
+    if (value.kind == PaintValue::None || byteOf(opacity) == 0) return false;
+    if (value.kind == PaintValue::ContextFill || value.kind == PaintValue::ContextStroke) {
+        if (!state.contextPaints) return false;
+        // Of the element that the marker or the use stands for, in its own space.
+        const ContextPaints& paints = *state.contextPaints;
+        const Style& style = paints.state.style;
+        const bool fill = value.kind == PaintValue::ContextFill;
+        return setPaint(paint, store, fill ? style.fill : style.stroke, opacity, paints.state,
+                        paints.bounds.empty() ? userBounds : paints.bounds);
+    }
+    if (session_.pick) {
+        paint.paintType = kPaintPicking;
+        paint.paintOpacity = 255;
+        return true;
+    }
+    if (value.kind == PaintValue::Server) {
+        const pugi::xml_node server = document_.find(value.server);
+        const std::string_view name = server.name();
+        if (name == "linearGradient" || name == "radialGradient" || name == "pattern")
+            return setServer(paint, store, server, state, userBounds, opacity);
+        if (server)
+            note("paint from <" + std::string(name) + ">", server);
+        else if (!value.hasFallback && !value.fallbackNone)
+            note("paint that is not there", current_);
+        if (!value.hasFallback) return false;
+    }
+    // The library takes no notice of a colour's own alpha.
+    paint.paintType = kPaintSolid;
+    paint.paintColour = value.colour | 0xFF000000;
+    paint.paintOpacity = byteOf(opacity * (value.colour >> 24) / 255);
+    return paint.paintOpacity > 0;
+}
+
+// A gradient or a pattern.
+bool Renderer::setServer(MMPaint& paint, PaintStore& store, pugi::xml_node server,
+                         const State& state, const Box& userBounds, double opacity)
+{
+    // Seen through glyphs, these paints take their opacity twice.
+    paint.paintOpacity = byteOf(state.glyphOverhang > 0 ? std::sqrt(opacity) : opacity);
+    context_.patternFilter = kFilterNearest; // for what lies pixel on pixel
+    if (server.name() == std::string_view("pattern"))
+        return setTiles(paint, store.tiles, server, state, userBounds);
+    Gradient gradient = readGradient(document_, server, state.viewport);
+    if (gradient.stops.empty()) return false;
+    const double shift = context_.antiAlias ? -0.5 : 0;
+    return store.gradient.set(paint, std::move(gradient), state.toDevice, shift, userBounds,
+                              visiblePart(userBounds, state), state.glyphOverhang > 0);
+}
+
+// The device pixels that a paint may be asked for.
+Box Renderer::visiblePart(const Box& userBounds, const State& state) const
+{
+    const Style& style = state.style;
+    const double width = style.strokeWidth * std::max(1.5, style.miterLimit);
+    const double reach =
+        (width + state.glyphOverhang) * (style.fixedStroke ? 1 : state.toDevice.norm()) + 1;
+    const Box box = state.toDevice.mapBox(userBounds);
+    return {std::max<double>(box.left - reach, context_.clipLeft),
+            std::max<double>(box.top - reach, context_.clipTop),
+            std::min<double>(box.right + reach, context_.clipRight),
+            std::min<double>(box.bottom + reach, context_.clipBottom)};
+}
+
+} // namespace Svg
+} // namespace KAVO

@@ -1,0 +1,241 @@
+// SPDX-License-Identifier: MIT
+// The walk over the elements of a document.
+#include "svg/render/Renderer.h"
+
+#include "svg/document/References.h"
+#include "svg/geometry/ViewBox.h"
+#include "svg/render/ClipGuard.h"
+#include "svg/values/TextScanner.h"
+#include "svg/values/TransformParser.h"
+
+#include <algorithm>
+
+namespace KAVO {
+namespace Svg {
+
+namespace {
+
+template <size_t N>
+bool contains(const std::string_view (&names)[N], std::string_view name)
+{
+    return std::find(std::begin(names), std::end(names), name) != std::end(names);
+}
+
+// Elements that draw nothing of their own, or that only other elements refer to.
+bool isSilent(std::string_view name)
+{
+    static constexpr std::string_view kSilent[] = {
+        "",       "clipPath",   "color-profile", "cursor",    "defs",
+        "desc",   "filter",     "font",          "font-face", "linearGradient",
+        "marker", "mask",       "metadata",      "pattern",   "radialGradient",
+        "script", "solidColor", "stop",          "style",     "symbol",
+        "title",  "view"};
+    return contains(kSilent, name) || name.find(':') != name.npos;
+}
+
+bool isAnimation(std::string_view name)
+{
+    static constexpr std::string_view kAnimations[] = {"animate", "animateColor", "animateMotion",
+                                                       "animateTransform", "set"};
+    return contains(kAnimations, name);
+}
+
+// One of the wanted languages is, or is the beginning of, one of the list.
+bool listsLanguage(std::string_view list, const std::vector<std::string>& wanted)
+{
+    while (!list.empty()) {
+        const size_t comma = list.find(',');
+        const std::string_view language = trimmed(list.substr(0, comma));
+        for (const std::string& want : wanted) {
+            if (equalsIgnoringCase(language.substr(0, want.size()), want) &&
+                (language.size() == want.size() || language[want.size()] == '-'))
+                return true;
+        }
+        list = comma == list.npos ? std::string_view() : list.substr(comma + 1);
+    }
+    return false;
+}
+
+// Where a transform's origin lies in the box: keywords, percentages of it, or lengths.
+std::optional<Point> transformOrigin(std::string_view text, const Box& box,
+                                     const LengthContext& lengths)
+{
+    double x = box.left;
+    double y = box.top;
+    std::string_view words[3] = {"0", "0", "0"};
+    size_t count = 0;
+    forWords(text, [&](std::string_view word) {
+        if (count < 3) words[count] = word;
+        ++count;
+    });
+    if (count == 0) return Point{x, y};
+    if (count > 3) return std::nullopt;
+    if (count == 1) words[1] = "center";
+    if (words[0] == "top" || words[0] == "bottom" || words[1] == "left" || words[1] == "right")
+        std::swap(words[0], words[1]);
+    const auto place = [&](std::string_view word, double size, Axis axis) -> std::optional<double> {
+        if (word == "left" || word == "top") return 0;
+        if (word == "center") return size / 2;
+        if (word == "right" || word == "bottom") return size;
+        const Viewport viewport{box.width(), box.height(), lengths.viewport.windowWidth,
+                                lengths.viewport.windowHeight};
+        return findLength(word, {viewport, lengths.fontSize}, axis);
+    };
+    const std::optional<double> dx = place(words[0], box.width(), Axis::X);
+    const std::optional<double> dy = place(words[1], box.height(), Axis::Y);
+    if (!dx || !dy) return std::nullopt;
+    return Point{x + *dx, y + *dy};
+}
+
+} // namespace
+
+Renderer::Renderer(const SvgDocument& document, Graphics2D::MMContext2D& context, Session& session,
+                   Report& report)
+    : document_(document), context_(context), session_(session), report_(report), images_(document)
+{
+}
+
+bool Renderer::isActive(pugi::xml_node node) const
+{
+    return std::find(active_.begin(), active_.end(), node) != active_.end();
+}
+
+void Renderer::drawChildren(pugi::xml_node node, const State& state)
+{
+    for (const pugi::xml_node child : node.children())
+        drawElement(child, state);
+}
+
+void Renderer::drawElement(pugi::xml_node node, const State& parent)
+{
+    const std::string_view name = node.name();
+    if (isSilent(name)) return;
+    if (isAnimation(name)) {
+        note("animation", node);
+        return;
+    }
+    const Properties properties(node, document_.sheet());
+    State state = parent;
+    if (enter(node, properties, state)) drawEntered(node, properties, state);
+}
+
+bool Renderer::enter(pugi::xml_node node, const Properties& properties, State& state)
+{
+    if (session_.elementsLeft == 0) {
+        note("more elements than the limit, through uses of uses", node);
+        return false;
+    }
+    --session_.elementsLeft;
+    if (static_cast<uint32_t>(state.depth) >= session_.limits.depth) {
+        note("elements nested too deeply", node);
+        return false;
+    }
+    ++state.depth;
+    state.style = state.style.child(properties, state.viewport);
+    if (!state.style.displayed || !meetsConditions(node)) return false;
+    if (properties.needsCalc()) {
+        note("a value that calc() computes", node);
+        return false;
+    }
+    noteUndrawn(node, properties);
+    return applyTransform(node, properties, state);
+}
+
+// A transform that cannot be read counts as none.
+bool Renderer::applyTransform(pugi::xml_node node, const Properties& properties, State& state)
+{
+    const Style& style = state.style;
+    if (style.transform.empty() && style.transformOrigin.empty()) return true;
+    const LengthContext lengths = style.lengths(state.viewport);
+    Box box{0, 0, state.viewport.width, state.viewport.height};
+    if (style.transformBox == "fill-box" || style.transformBox == "content-box" ||
+        style.transformBox == "stroke-box" || style.transformBox == "border-box")
+        box = boundsOf(node, properties, state);
+    const std::optional<Affine> transform = parseTransform(style.transform, lengths, box);
+    if (!transform) {
+        note("malformed transform", node);
+        return true;
+    }
+    const std::optional<Point> origin = transformOrigin(style.transformOrigin, box, lengths);
+    if (!origin) note("malformed transform-origin", node);
+    const Point o = style.transformOrigin.empty() ? Point() : origin.value_or(Point());
+    state.toDevice = state.toDevice * translation(o.x, o.y) * *transform * translation(-o.x, -o.y);
+    return true;
+}
+
+bool Renderer::meetsConditions(pugi::xml_node node) const
+{
+    if (const pugi::xml_attribute languages = node.attribute("systemLanguage")) {
+        if (!listsLanguage(languages.value(), document_.options().languages)) return false;
+    }
+    return !node.attribute("requiredExtensions");
+}
+
+void Renderer::drawEntered(pugi::xml_node node, const Properties& properties, const State& state)
+{
+    const std::string_view name = node.name();
+    const pugi::xml_node outer = current_;
+    current_ = node;
+    if (name == "g" || name == "a")
+        drawChildren(node, state);
+    else if (name == "svg")
+        drawSvg(node, properties, state);
+    else if (name == "use")
+        drawUse(node, properties, state);
+    else if (name == "switch")
+        drawSwitch(node, state);
+    else if (name == "text")
+        drawText(node, state);
+    else if (name == "textArea")
+        drawTextArea(node, state);
+    else if (name == "image")
+        drawImage(node, properties, state);
+    else if (isShape(name))
+        drawShape(node, properties, state);
+    else
+        note("<" + std::string(name) + ">", node);
+    current_ = outer;
+}
+
+// The first child whose conditions are met, but for what we could not draw.
+void Renderer::drawSwitch(pugi::xml_node node, const State& state)
+{
+    for (const pugi::xml_node child : node.children()) {
+        const std::string_view name = child.name();
+        if (isSilent(name) || isAnimation(name) || name == "foreignObject") continue;
+        if (!meetsConditions(child)) continue;
+        drawElement(child, state);
+        return;
+    }
+}
+
+void Renderer::noteUndrawn(pugi::xml_node node, const Properties& properties)
+{
+    static constexpr struct {
+        Property property;
+        const char* name;
+    } kUndrawn[] = {{Property::ClipPath, "clip-path"},
+                    {Property::Mask, "mask"},
+                    {Property::Filter, "filter"},
+                    {Property::MixBlendMode, "mix-blend-mode"},
+                    {Property::WritingMode, "writing-mode"},
+                    {Property::TextLength, "textLength"},
+                    {Property::DominantBaseline, "dominant-baseline"},
+                    {Property::BaselineShift, "baseline-shift"},
+                    {Property::FontVariant, "font-variant"}};
+    for (const auto& undrawn : kUndrawn) {
+        const std::string_view value = properties[undrawn.property];
+        static constexpr std::string_view kPlain[] = {
+            "",         "none",       "normal",  "auto", "lr-tb", "lr", "horizontal-tb",
+            "baseline", "alphabetic", "inherit", "0"};
+        if (!contains(kPlain, value)) note(undrawn.name, node);
+    }
+    // What stands inside a shape is not walked through.
+    if (!isShape(node.name())) return;
+    for (const pugi::xml_node child : node.children()) {
+        if (isAnimation(child.name())) note("animation", child);
+    }
+}
+
+} // namespace Svg
+} // namespace KAVO

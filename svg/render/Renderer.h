@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: MIT
+// Draws an SVG document through a context.
+#pragma once
+
+#include "graphics2d/MMContext2D.h"
+#include "svg/document/SvgDocument.h"
+#include "svg/geometry/PathEncoder.h"
+#include "svg/geometry/Shapes.h"
+#include "svg/images/ImageStore.h"
+#include "svg/images/Picture.h"
+#include "svg/paint/Gradients.h"
+#include "svg/render/Session.h"
+#include "svg/text/Text.h"
+
+namespace KAVO {
+namespace Svg {
+
+class Renderer {
+public:
+    // The context's target is opaque; what is drawn mixes with what it holds.
+    Renderer(const SvgDocument& document, Graphics2D::MMContext2D& context, Session& session,
+             Report& report);
+
+    // Draws the whole document; frame maps the root element's viewport of the given size to the
+    // target. aspectRatio goes before the root's own unless it is null; opacity and depth are those
+    // of what the document is drawn inside.
+    void draw(const Affine& frame, const Size& viewport, const char* aspectRatio,
+              double opacity = 1, int depth = 0);
+
+private:
+    struct ContextPaints;
+
+    // What an element hands down to its children.
+    struct State {
+        Style style;
+        Affine toDevice;
+        Viewport viewport;
+        double glyphOverhang = 0; // above 0: what is painted are glyphs, which reach this far
+                                  // beyond the bounds, user units
+        int depth = 0;
+        const ContextPaints* contextPaints = nullptr; // null: there are none
+    };
+
+    // What context-fill and context-stroke stand for inside a marker or a used element.
+    struct ContextPaints {
+        const State& state;
+        Box bounds; // user space of that state
+    };
+
+    struct TextRun;
+    struct Tiling;
+    struct TileRange;
+
+    // What a paint of the context points into.
+    struct PaintStore {
+        GradientPaint gradient;
+        Picture tiles;
+    };
+
+    // A pattern counts as several levels of nesting, as each takes a picture of its own.
+    static constexpr int kPatternDepth = 50;
+
+    // Keeps an element from drawing itself, while an object of this class lives.
+    class Active {
+    public:
+        Active(Renderer& renderer, pugi::xml_node node) : renderer_(renderer)
+        {
+            renderer.active_.push_back(node);
+        }
+        ~Active() { renderer_.active_.pop_back(); }
+        Active(const Active&) = delete;
+        Active& operator=(const Active&) = delete;
+
+    private:
+        Renderer& renderer_;
+    };
+    bool isActive(pugi::xml_node node) const;
+
+    // --- The tree: Renderer.cpp, Viewports.cpp
+    // An element on its own: its style and transform within its parent's. False when it draws
+    // nothing.
+    bool enter(pugi::xml_node node, const Properties& properties, State& state);
+    bool applyTransform(pugi::xml_node node, const Properties& properties, State& state);
+    bool meetsConditions(pugi::xml_node node) const;
+    void drawElement(pugi::xml_node node, const State& parent);
+    void drawEntered(pugi::xml_node node, const Properties& properties, const State& state);
+    void drawChildren(pugi::xml_node node, const State& state);
+    void drawSwitch(pugi::xml_node node, const State& state);
+    void drawUse(pugi::xml_node node, const Properties& properties, const State& state);
+    void drawSvg(pugi::xml_node node, const Properties& properties, const State& state);
+    void drawViewport(pugi::xml_node node, State state, const Size& size, const Affine& place);
+    void noteOverhang(pugi::xml_node node, const State& state, const Affine& viewport,
+                      const Size& size);
+    Box boundsOf(pugi::xml_node node, const Properties& properties, const State& state);
+
+    // --- Shapes: Shapes.cpp, Markers.cpp, Paints.cpp
+    void drawShape(pugi::xml_node node, const Properties& properties, const State& state);
+    void drawOutline(const Shape& shape, const State& state, bool markers);
+    void drawFill(const Shape& shape, const PathSpace& space, const State& state,
+                  const Box& bounds);
+    void drawStroke(const Shape& shape, const PathSpace& space, const State& state,
+                    const Box& bounds);
+    void drawMarkers(const Outline& outline, const State& state);
+    void drawMarker(pugi::xml_node marker, const struct Vertex& vertex, bool first,
+                    const State& state, const ContextPaints& paints);
+    void drawGeometry(const Shape& shape, const PathSpace& space, const Box& deviceBox);
+    void drawPath(const Outline& outline, const PathSpace& space);
+    bool drawRoundedBox(const RoundedBox& box, const PathSpace& space);
+    bool setFill(const State& state, const Box& userBounds);
+    bool setStroke(const State& state, const Box& userBounds);
+    bool setPaint(MMPaint& paint, PaintStore& store, const PaintValue& value, double opacity,
+                  const State& state, const Box& userBounds);
+    bool setServer(MMPaint& paint, PaintStore& store, pugi::xml_node server, const State& state,
+                   const Box& userBounds, double opacity);
+    bool setTiles(MMPaint& paint, Picture& tiles, pugi::xml_node pattern, const State& state,
+                  const Box& userBounds);
+    Picture drawTiles(const Tiling& tiling, const TileRange& range, State state, uint32_t ground);
+    Tiling readTiling(pugi::xml_node pattern, const State& state, const Box& userBounds) const;
+    void setPen(const State& state, const PathSpace& space);
+    void setDashes(const Style& style, const PathSpace& space);
+    Box visiblePart(const Box& userBounds, const State& state) const;
+
+    // --- Images: Images.cpp
+    void drawImage(pugi::xml_node node, const Properties& properties, const State& state);
+    void drawPicture(const Picture& picture, const Affine& frame, const Size& size,
+                     const char* aspectRatio, const Style& style);
+
+    // --- Text: TextDrawing.cpp
+    void drawText(pugi::xml_node node, const State& state);
+    void drawTextArea(pugi::xml_node node, const State& state);
+    void drawRun(const TextRun& run, const State& state);
+    void pickRun(const TextRun& run, const Affine& toDevice, const PathSpace& space);
+    void drawUnderline(const TextRun& run, const State& state);
+    void anchorChunk(std::vector<TextRun>& runs, size_t first);
+    void setFont(const Style& style, const PathSpace& space);
+    bool setTextPaint(const Style& style, State state, const Box& bounds, double overhang);
+    void noteMissingGlyphs(pugi::xml_node node, const TextContent& content);
+    bool affordsGlyphs(pugi::xml_node node, const TextContent& content, const PathSpace& space);
+
+    // --- The target: Target.cpp
+    void setTransform(const PathSpace& space);
+    void clipTo(const Box& deviceBox);
+    void clearBounds();
+    void uniteBounds(bool shifted);
+    Point targetCentre() const;
+    bool isOutside(const Box& deviceBox) const;
+
+    void note(const std::string& what, pugi::xml_node node) { report_.note(what, document_, node); }
+    void noteUndrawn(pugi::xml_node node, const Properties& properties);
+
+    const SvgDocument& document_;
+    Graphics2D::MMContext2D& context_;
+    Session& session_;
+    Report& report_;
+    ImageStore images_;
+    PaintStore fillStore_;
+    PaintStore strokeStore_;
+    std::vector<Fixed> dashes_;
+    std::vector<Pixel> shadow_;          // for ShiftedTarget
+    std::vector<pugi::xml_node> active_; // elements that are being drawn by reference
+    pugi::xml_node current_;             // the element that is being drawn
+};
+
+} // namespace Svg
+} // namespace KAVO

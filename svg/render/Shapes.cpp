@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: MIT
+// Shapes: their fills, strokes and pens.
+#include "svg/geometry/Shapes.h"
+
+#include "svg/render/Renderer.h"
+#include "svg/render/ShiftedTarget.h"
+
+namespace KAVO {
+namespace Svg {
+
+using namespace Graphics2D;
+
+namespace {
+
+bool mixesWithNeighbours(const MMPaint& paint)
+{
+    return paint.paintType != kPaintSolid && paint.paintType != kPaintNone &&
+           paint.paintType != kPaintPicking;
+}
+
+// Anti-aliasing off for the length of a scope, if wanted.
+class CrispEdges {
+public:
+    CrispEdges(MMContext2D& context, bool wanted) : context_(context), before_(context.antiAlias)
+    {
+        if (wanted) context.antiAlias = 0;
+    }
+    ~CrispEdges() { context_.antiAlias = before_; }
+    CrispEdges(const CrispEdges&) = delete;
+    CrispEdges& operator=(const CrispEdges&) = delete;
+
+private:
+    MMContext2D& context_;
+    uint8_t before_;
+};
+
+} // namespace
+
+void Renderer::drawShape(pugi::xml_node node, const Properties& properties, const State& state)
+{
+    const Shape shape = makeShape(node, properties, state.style.lengths(state.viewport));
+    if (shape.malformed) note("malformed path data", node);
+    const std::string_view name = node.name();
+    if (!shape.outline.empty())
+        drawOutline(shape, state,
+                    name == "path" || name == "line" || name == "polyline" || name == "polygon");
+}
+
+void Renderer::drawOutline(const Shape& shape, const State& state, bool markers)
+{
+    const std::optional<PathSpace> space = PathSpace::make(state.toDevice, targetCentre());
+    const Box bounds = shape.outline.bounds();
+    const CrispEdges crisp(context_, state.style.crisp);
+    for (const PaintStep step : state.style.paintOrder) {
+        if (step == PaintStep::Markers && markers) drawMarkers(shape.outline, state);
+        if (!state.style.visible || !space) continue;
+        if (step == PaintStep::Fill) drawFill(shape, *space, state, bounds);
+        if (step == PaintStep::Stroke) drawStroke(shape, *space, state, bounds);
+    }
+}
+
+void Renderer::drawFill(const Shape& shape, const PathSpace& space, const State& state,
+                        const Box& bounds)
+{
+    const Box deviceBox = state.toDevice.mapBox(bounds);
+    if (isOutside(deviceBox) || !setFill(state, bounds)) return;
+    context_.strokePaint.paintType = kPaintNone;
+    context_.fillRule = state.style.evenOdd ? kFillEvenOdd : kFillNonZero;
+    drawGeometry(shape, space, deviceBox);
+}
+
+void Renderer::drawStroke(const Shape& shape, const PathSpace& space, const State& state,
+                          const Box& bounds)
+{
+    const Style& style = state.style;
+    if (style.strokeWidth <= 0 || style.stroke.kind == PaintValue::None) return;
+    const double reach = style.strokeWidth * std::max(style.miterLimit, 1.5);
+    const Box drawn{bounds.left - reach, bounds.top - reach, bounds.right + reach,
+                    bounds.bottom + reach};
+    if (style.fixedStroke) {
+        // The pen is a circle of device pixels.
+        Shape mapped;
+        mapped.outline = shape.outline.mapped(state.toDevice);
+        const Box box = mapped.outline.bounds();
+        const std::optional<PathSpace> device = PathSpace::make(Affine(), targetCentre());
+        if (!setStroke(state, bounds)) return;
+        setPen(state, *device);
+        context_.fillPaint.paintType = kPaintNone;
+        drawGeometry(mapped, *device,
+                     {box.left - reach, box.top - reach, box.right + reach, box.bottom + reach});
+        return;
+    }
+    const Box deviceBox = state.toDevice.mapBox(drawn);
+    if (isOutside(deviceBox) || !setStroke(state, bounds)) return;
+    setPen(state, space);
+    context_.fillPaint.paintType = kPaintNone;
+    drawGeometry(shape, space, deviceBox);
+}
+
+// With one of the paints set.
+void Renderer::drawGeometry(const Shape& shape, const PathSpace& space, const Box& deviceBox)
+{
+    std::optional<ShiftedTarget> shifted;
+    if (mixesWithNeighbours(context_.fillPaint) || mixesWithNeighbours(context_.strokePaint))
+        shifted.emplace(context_, shadow_, deviceBox);
+    setTransform(space);
+    clearBounds();
+    const bool dashed = context_.strokePaint.paintType != kPaintNone && context_.dashArray;
+    if (!(shape.box && !dashed && drawRoundedBox(*shape.box, space)))
+        drawPath(shape.outline, space);
+    uniteBounds(true);
+}
+
+void Renderer::drawPath(const Outline& outline, const PathSpace& space)
+{
+    const MMPathBuilder path = encodePath(outline, space);
+    if (path.outOfMemory()) context_.outOfMemory |= kScratchExhausted;
+    context_.drawPath(path.words());
+}
+
+// By the library's own operation, unless the box reaches too far out.
+bool Renderer::drawRoundedBox(const RoundedBox& box, const PathSpace& space)
+{
+    const Point centre = (box.centre - space.origin) * space.scale;
+    const double halfWidth = box.halfWidth * space.scale;
+    const double halfHeight = box.halfHeight * space.scale;
+    if (!(std::fabs(centre.x) + halfWidth < PathSpace::kReach &&
+          std::fabs(centre.y) + halfHeight < PathSpace::kReach))
+        return false;
+    context_.drawEllipticalRect(toFixed(centre.x), toFixed(centre.y), toFixed(halfWidth),
+                                toFixed(halfHeight), toFixed(box.rx * space.scale),
+                                toFixed(box.ry * space.scale));
+    return true;
+}
+
+void Renderer::setPen(const State& state, const PathSpace& space)
+{
+    const Style& style = state.style;
+    context_.strokeHalfWidth = std::max(1, space.length(style.strokeWidth / 2));
+    context_.miterLimit = toFixed(style.miterLimit);
+    context_.joinStyle = style.join;
+    context_.capStyle = style.cap;
+    setDashes(style, space);
+}
+
+void Renderer::setDashes(const Style& style, const PathSpace& space)
+{
+    dashes_.clear();
+    context_.dashArray = nullptr;
+    if (!style.dashes) return;
+    double period = 0;
+    for (size_t rounds = style.dashes->size() % 2 == 0 ? 1 : 2; rounds > 0; --rounds) {
+        for (const double dash : *style.dashes) {
+            dashes_.push_back(space.length(dash));
+            period += dash;
+        }
+    }
+    if (dashes_.size() > 0xFFFF) return;
+    context_.dashArray = dashes_.data();
+    context_.dashCount = static_cast<uint16_t>(dashes_.size());
+    const double offset = std::fmod(style.dashOffset, period);
+    context_.dashOffset = toFixed((offset < 0 ? offset + period : offset) * space.scale);
+    // For the library a first dash without length is over before the line begins; SVG draws it.
+    if (dashes_[0] == 0 && context_.dashOffset == 0) context_.dashOffset = -1;
+}
+
+} // namespace Svg
+} // namespace KAVO

@@ -1,0 +1,206 @@
+// SPDX-License-Identifier: MIT
+// Viewports: the whole drawing, nested svg elements, symbols, and what use elements bring in.
+#include "svg/document/References.h"
+#include "svg/geometry/ViewBox.h"
+#include "svg/render/ClipGuard.h"
+#include "svg/render/Renderer.h"
+
+namespace KAVO {
+namespace Svg {
+
+namespace {
+
+bool isViewport(std::string_view name)
+{
+    return name == "svg" || name == "symbol";
+}
+
+bool isWithin(pugi::xml_node node, pugi::xml_node outer)
+{
+    for (; node; node = node.parent()) {
+        if (node == outer) return true;
+    }
+    return false;
+}
+
+// A length, or one of three places in a box from 0 to size.
+double referencePoint(std::string_view text, const LengthContext& lengths, Axis axis, double size)
+{
+    if (text == "left" || text == "top") return 0;
+    if (text == "center") return size / 2;
+    if (text == "right" || text == "bottom") return size;
+    return parseLength(text, lengths, axis, 0);
+}
+
+} // namespace
+
+void Renderer::draw(const Affine& frame, const Size& viewport, const char* aspectRatio,
+                    double opacity, int depth)
+{
+    const pugi::xml_node root = document_.root();
+    const Box box = document_.viewBox();
+    State state;
+    state.toDevice = frame;
+    state.depth = depth;
+    state.style.opacity = opacity;
+    state.viewport = {box.width(), box.height(), document_.size().width, document_.size().height};
+    const Properties properties(root, document_.sheet());
+    const ClipGuard guard(context_);
+    clipTo(frame.mapBox({0, 0, viewport.width, viewport.height}));
+    if (!enter(root, properties, state)) return;
+    if (!aspectRatio) aspectRatio = root.attribute("preserveAspectRatio").value();
+    state.toDevice = state.toDevice * fitViewBox(aspectRatio, box, viewport.width, viewport.height);
+    const Active active(*this, root);
+    drawChildren(root, state);
+}
+
+// A nested one; as large as the viewport around it unless it says otherwise.
+void Renderer::drawSvg(pugi::xml_node node, const Properties& properties, const State& state)
+{
+    const LengthContext lengths = state.style.lengths(state.viewport);
+    const Viewport& outer = state.viewport;
+    const double x = parseLength(properties[Property::X], lengths, Axis::X, 0);
+    const double y = parseLength(properties[Property::Y], lengths, Axis::Y, 0);
+    const Size size{parseLength(properties[Property::Width], lengths, Axis::X, outer.width),
+                    parseLength(properties[Property::Height], lengths, Axis::Y, outer.height)};
+    drawViewport(node, state, size, translation(x, y));
+}
+
+// Draws the children of an svg or symbol element into a viewport of its own, clipped.
+void Renderer::drawViewport(pugi::xml_node node, State state, const Size& size, const Affine& place)
+{
+    if (!(size.width > 0 && size.height > 0)) return;
+    state.toDevice = state.toDevice * place;
+    const Affine outer = state.toDevice;
+    state.viewport.width = size.width;
+    state.viewport.height = size.height;
+    if (const std::optional<Box> box = parseViewBox(node.attribute("viewBox").value())) {
+        state.toDevice = outer * fitViewBox(node.attribute("preserveAspectRatio").value(), *box,
+                                            size.width, size.height);
+        state.viewport.width = box->width();
+        state.viewport.height = box->height();
+    }
+    const LengthContext lengths = state.style.lengths(state.viewport);
+    const double x =
+        referencePoint(node.attribute("refX").value(), lengths, Axis::X, state.viewport.width);
+    const double y =
+        referencePoint(node.attribute("refY").value(), lengths, Axis::Y, state.viewport.height);
+    const Affine fit = state.toDevice;
+    state.toDevice = fit * translation(-x, -y);
+
+    const ClipGuard guard(context_);
+    const std::string_view overflow = state.style.overflow;
+    if (overflow != "visible" && overflow != "auto") {
+        // The viewport moves along with the point that refX and refY name.
+        const Point moved = fit.mapVector({-x, -y});
+        clipTo((translation(moved.x, moved.y) * outer).mapBox({0, 0, size.width, size.height}));
+        if (outer.b != 0 && outer.a != 0)
+            noteOverhang(node, state, translation(moved.x, moved.y) * outer, size);
+    }
+    drawChildren(node, state);
+}
+
+// The clip is a rectangle of the device: of what a turned viewport should hide, some is seen.
+void Renderer::noteOverhang(pugi::xml_node node, const State& state, const Affine& viewport,
+                            const Size& size)
+{
+    State inner = state;
+    inner.toDevice = Affine();
+    const Properties none(pugi::xml_node(), document_.sheet());
+    const std::optional<Affine> back = viewport.inverse();
+    if (!back) return;
+    const Box drawn = (*back * state.toDevice).mapBox(boundsOf(node, none, inner));
+    constexpr double kSlack = 1e-6;
+    if (!(drawn.left >= -kSlack && drawn.top >= -kSlack && drawn.right <= size.width + kSlack &&
+          drawn.bottom <= size.height + kSlack) &&
+        !drawn.empty())
+        note("sharp clip of a turned viewport", node);
+}
+
+// The target is drawn as if it were a child of the use element, whose style it inherits.
+void Renderer::drawUse(pugi::xml_node node, const Properties& properties, const State& outer)
+{
+    const pugi::xml_node target = document_.target(node);
+    if (!target) {
+        const bool elsewhere = *hrefOf(node) != '\0' && *hrefOf(node) != '#';
+        note(elsewhere ? "use of another document" : "use of something that is not there", node);
+        return;
+    }
+    if (isActive(target) || isWithin(node, target)) {
+        note("use of an element inside itself", node);
+        return;
+    }
+    const Active active(*this, target);
+    const LengthContext lengths = outer.style.lengths(outer.viewport);
+    State state = outer;
+    state.toDevice =
+        state.toDevice * translation(parseLength(properties[Property::X], lengths, Axis::X, 0),
+                                     parseLength(properties[Property::Y], lengths, Axis::Y, 0));
+    const ContextPaints paints{outer, {}};
+    state.contextPaints = &paints;
+    if (!isViewport(target.name())) {
+        drawElement(target, state);
+        return;
+    }
+
+    // A size that the use element gives goes before the target's own.
+    const Properties ofTarget(target, document_.sheet());
+    if (!enter(target, ofTarget, state)) return;
+    const bool nested = target.name() == std::string_view("svg");
+    const LengthContext inner = state.style.lengths(state.viewport);
+    const auto length = [&](Property property, Axis axis, double fallback) {
+        if (const auto given = findLength(properties[property], lengths, axis)) return *given;
+        return parseLength(ofTarget[property], inner, axis, fallback);
+    };
+    const Size size{length(Property::Width, Axis::X, outer.viewport.width),
+                    length(Property::Height, Axis::Y, outer.viewport.height)};
+    const Affine place = nested ? translation(parseLength(ofTarget[Property::X], inner, Axis::X, 0),
+                                              parseLength(ofTarget[Property::Y], inner, Axis::Y, 0))
+                                : Affine();
+    const pugi::xml_node before = current_;
+    current_ = target;
+    drawViewport(target, state, size, place);
+    current_ = before;
+}
+
+// The box of what an element fills, in its own user space; empty for what has no geometry.
+Box Renderer::boundsOf(pugi::xml_node node, const Properties& properties, const State& state)
+{
+    const LengthContext lengths = state.style.lengths(state.viewport);
+    if (isShape(node.name())) return makeShape(node, properties, lengths).outline.bounds();
+    if (node.name() == std::string_view("image")) {
+        const double x = parseLength(properties[Property::X], lengths, Axis::X, 0);
+        const double y = parseLength(properties[Property::Y], lengths, Axis::Y, 0);
+        return {x, y, x + parseLength(properties[Property::Width], lengths, Axis::X, 0),
+                y + parseLength(properties[Property::Height], lengths, Axis::Y, 0)};
+    }
+    Box box;
+    const bool isUse = node.name() == std::string_view("use");
+    if (state.depth >= static_cast<int>(session_.limits.depth)) return box;
+    const auto include = [&](pugi::xml_node child) {
+        if (child.type() != pugi::node_element || session_.elementsLeft == 0) return;
+        --session_.elementsLeft;
+        const Properties ofChild(child, document_.sheet());
+        State inner = state;
+        inner.toDevice = Affine();
+        ++inner.depth;
+        inner.style = state.style.child(ofChild, state.viewport);
+        if (!inner.style.displayed) return;
+        applyTransform(child, ofChild, inner);
+        const Box bounds = boundsOf(child, ofChild, inner);
+        if (!bounds.empty()) box.include(inner.toDevice.mapBox(bounds));
+    };
+    if (isUse) {
+        include(document_.target(node));
+        const double x = parseLength(properties[Property::X], lengths, Axis::X, 0);
+        const double y = parseLength(properties[Property::Y], lengths, Axis::Y, 0);
+        if (!box.empty()) box = translation(x, y).mapBox(box);
+    } else {
+        for (const pugi::xml_node child : node.children())
+            include(child);
+    }
+    return box;
+}
+
+} // namespace Svg
+} // namespace KAVO

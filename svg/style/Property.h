@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+// The properties that elements can set, by attributes and in style sheets.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace KAVO {
+namespace Svg {
+
+enum class Property : uint8_t {
+    BaselineShift,
+    ClipPath,
+    ClipRule,
+    Color,
+    Cx,
+    Cy,
+    Direction,
+    Display,
+    DominantBaseline,
+    Fill,
+    FillOpacity,
+    FillRule,
+    Filter,
+    FontFamily,
+    FontSize,
+    FontStyle,
+    FontVariant,
+    FontWeight,
+    Height,
+    ImageRendering,
+    LetterSpacing,
+    MarkerEnd,
+    MarkerMid,
+    MarkerStart,
+    Mask,
+    MixBlendMode,
+    Opacity,
+    Overflow,
+    PaintOrder,
+    R,
+    Rx,
+    Ry,
+    ShapeRendering,
+    StopColor,
+    StopOpacity,
+    Stroke,
+    StrokeDasharray,
+    StrokeDashoffset,
+    StrokeLinecap,
+    StrokeLinejoin,
+    StrokeMiterlimit,
+    StrokeOpacity,
+    StrokeWidth,
+    TextAnchor,
+    TextDecoration,
+    TextLength,
+    Transform,
+    TransformBox,
+    TransformOrigin,
+    VectorEffect,
+    Visibility,
+    Width,
+    WordSpacing,
+    WritingMode,
+    X,
+    XmlSpace,
+    Y,
+    Count
+};
+
+constexpr size_t kPropertyCount = static_cast<size_t>(Property::Count);
+
+// By the name of an attribute or of a declaration; nothing for names that mean nothing to us.
+std::optional<Property> findProperty(std::string_view name);
+
+} // namespace Svg
+} // namespace KAVO

@@ -1,0 +1,251 @@
+// SPDX-License-Identifier: MIT
+#include "svg/style/Style.h"
+
+#include "graphics2d/MMContext2D.h"
+#include "svg/values/TextScanner.h"
+
+#include <algorithm>
+
+namespace KAVO {
+namespace Svg {
+
+using namespace Graphics2D;
+
+namespace {
+
+// Sets value to what the keyword stands for, and leaves it for any other text.
+template <class T>
+struct Keyword {
+    std::string_view name;
+    T value;
+};
+
+template <class T, size_t N>
+void setKeyword(T& value, std::string_view text, const Keyword<T> (&keywords)[N])
+{
+    for (const Keyword<T>& keyword : keywords) {
+        if (keyword.name == text) value = keyword.value;
+    }
+}
+
+void setPaint(PaintValue& paint, std::string_view text, uint32_t currentColour)
+{
+    if (text.empty() || text == "inherit") return;
+    PaintValue result;
+    std::string_view rest = text;
+    result.server = referenceIn(text, &rest);
+    if (text.substr(0, 4) == "url(") {
+        result.kind = PaintValue::Server;
+        text = trimmed(rest);
+        result.fallbackNone = text == "none";
+        if (const std::optional<uint32_t> colour = findColour(text, currentColour)) {
+            result.colour = *colour;
+            result.hasFallback = true;
+        }
+    } else if (text == "context-fill") {
+        result.kind = PaintValue::ContextFill;
+    } else if (text == "context-stroke") {
+        result.kind = PaintValue::ContextStroke;
+    } else if (text != "none") {
+        const std::optional<uint32_t> colour = findColour(text, currentColour);
+        if (!colour) return; // an error: what was inherited stays
+        result.kind = PaintValue::Colour;
+        result.colour = *colour;
+    }
+    paint = result;
+}
+
+void setDashes(Style& style, std::string_view text, const LengthContext& lengths)
+{
+    if (text.empty() || text == "inherit") return;
+    std::optional<std::vector<double>> dashes = parseLengths(text, lengths, Axis::Diagonal);
+    style.dashes = nullptr;
+    if (!dashes || dashes->empty()) return;
+    double sum = 0;
+    for (const double dash : *dashes) {
+        if (dash < 0) return;
+        sum += dash;
+    }
+    if (sum > 0) style.dashes = std::make_shared<const std::vector<double>>(std::move(*dashes));
+}
+
+void setFontWeight(int& weight, std::string_view text)
+{
+    const int inherited = weight;
+    const Keyword<int> keywords[] = {{"normal", 400},
+                                     {"bold", 700},
+                                     {"bolder", inherited < 400   ? 400
+                                                : inherited < 600 ? 700
+                                                                  : 900},
+                                     {"lighter", inherited < 600   ? 100
+                                                 : inherited < 800 ? 400
+                                                                   : 700}};
+    setKeyword(weight, text, keywords);
+    const std::vector<double> numbers = parseNumbers(text);
+    if (!numbers.empty()) weight = static_cast<int>(std::clamp(numbers[0], 100.0, 900.0));
+}
+
+void setFontSize(double& size, std::string_view text, const Viewport& viewport)
+{
+    static constexpr Keyword<double> kSizes[] = {{"xx-small", 9}, {"x-small", 10}, {"small", 13},
+                                                 {"medium", 16},  {"large", 18},   {"x-large", 24},
+                                                 {"xx-large", 32}};
+    const double inherited = size;
+    setKeyword(size, text, kSizes);
+    const Keyword<double> relative[] = {{"larger", inherited * 1.2}, {"smaller", inherited / 1.2}};
+    setKeyword(size, text, relative);
+    // Percentages are of the inherited size.
+    const Viewport parent{inherited, inherited, viewport.windowWidth, viewport.windowHeight};
+    const double length = parseLength(text, {parent, inherited}, Axis::X, size);
+    if (length >= 0) size = length;
+}
+
+// A list of kinds of lines; the underline is the one that is drawn.
+void setDecoration(bool& underline, std::string_view text)
+{
+    if (text == "none") underline = false;
+    if (text.find("underline") != text.npos) underline = true;
+}
+
+// The steps named first come first, the others in their usual order.
+void setPaintOrder(Style& style, std::string_view text)
+{
+    if (text.empty() || text == "inherit") return;
+    static constexpr Keyword<PaintStep> kSteps[] = {
+        {"fill", PaintStep::Fill}, {"stroke", PaintStep::Stroke}, {"markers", PaintStep::Markers}};
+    std::vector<PaintStep> order;
+    const auto add = [&](PaintStep step) {
+        if (std::find(order.begin(), order.end(), step) == order.end()) order.push_back(step);
+    };
+    TextScanner scanner(text);
+    for (scanner.skipSpace(); !scanner.atEnd(); scanner.skipSpace()) {
+        const std::string_view word = scanner.word();
+        if (word == "normal" && order.empty()) continue;
+        const auto* found = std::find_if(std::begin(kSteps), std::end(kSteps),
+                                         [&](const auto& step) { return step.name == word; });
+        if (found == std::end(kSteps)) return;
+        add(found->value);
+    }
+    for (const auto& step : kSteps)
+        add(step.value);
+    std::copy(order.begin(), order.end(), style.paintOrder);
+}
+
+void setMarker(std::string_view& marker, std::string_view text)
+{
+    if (text.empty() || text == "inherit") return;
+    marker = referenceIn(text);
+}
+
+} // namespace
+
+std::string_view referenceIn(std::string_view text, std::string_view* rest)
+{
+    const size_t end = text.find(')');
+    if (text.substr(0, 4) != "url(" || end == text.npos) return {};
+    if (rest) *rest = text.substr(end + 1);
+    text = trimmed(text.substr(4, end - 4));
+    if (text.size() >= 2 && (text.front() == '"' || text.front() == '\'') &&
+        text.front() == text.back())
+        text = trimmed(text.substr(1, text.size() - 2));
+    return !text.empty() && text.front() == '#' ? text.substr(1) : std::string_view();
+}
+
+double parseOpacity(std::string_view text, double fallback)
+{
+    TextScanner scanner(text);
+    double value = 0;
+    if (!scanner.number(value)) return fallback;
+    if (scanner.character('%')) value /= 100;
+    return scanner.atEnd() ? std::clamp(value, 0.0, 1.0) : fallback;
+}
+
+Style Style::child(const Properties& p, const Viewport& viewport) const
+{
+    static constexpr Keyword<bool> kFillRules[] = {{"nonzero", false}, {"evenodd", true}};
+    static constexpr Keyword<bool> kVisibility[] = {
+        {"visible", true}, {"hidden", false}, {"collapse", false}};
+    static constexpr Keyword<bool> kCrisp[] = {{"auto", false},
+                                               {"geometricPrecision", false},
+                                               {"crispEdges", true},
+                                               {"optimizeSpeed", true}};
+    static constexpr Keyword<uint8_t> kJoins[] = {{"miter", kJoinMiter},
+                                                  {"miter-clip", kJoinMiter},
+                                                  {"arcs", kJoinMiter},
+                                                  {"round", kJoinRound},
+                                                  {"bevel", kJoinBevel}};
+    static constexpr Keyword<uint8_t> kCaps[] = {
+        {"butt", kCapButt}, {"round", kCapRound}, {"square", kCapSquare}};
+    static constexpr Keyword<bool> kSlants[] = {
+        {"normal", false}, {"italic", true}, {"oblique", true}};
+    static constexpr Keyword<int> kAnchors[] = {{"start", 0}, {"middle", 1}, {"end", 2}};
+    static constexpr Keyword<double> kSpacings[] = {{"normal", 0}};
+    static constexpr Keyword<bool> kSpaces[] = {{"default", false}, {"preserve", true}};
+    static constexpr Keyword<ImageFilter> kFilters[] = {
+        {"auto", ImageFilter::Bilinear},           {"optimizeSpeed", ImageFilter::Nearest},
+        {"pixelated", ImageFilter::Nearest},       {"crisp-edges", ImageFilter::Nearest},
+        {"optimizeQuality", ImageFilter::Bicubic}, {"smooth", ImageFilter::Bicubic},
+        {"high-quality", ImageFilter::Bicubic}};
+
+    Style s = *this;
+    setFontSize(s.fontSize, p[Property::FontSize], viewport);
+    const LengthContext lengths = s.lengths(viewport);
+    const auto length = [&](Property property, double fallback) {
+        return parseLength(p[property], lengths, Axis::Diagonal, fallback);
+    };
+
+    s.colour = findColour(p[Property::Color], colour).value_or(colour);
+    setPaint(s.fill, p[Property::Fill], s.colour);
+    setPaint(s.stroke, p[Property::Stroke], s.colour);
+    s.fillOpacity = parseOpacity(p[Property::FillOpacity], fillOpacity);
+    s.strokeOpacity = parseOpacity(p[Property::StrokeOpacity], strokeOpacity);
+    setKeyword(s.evenOdd, p[Property::FillRule], kFillRules);
+    setKeyword(s.visible, p[Property::Visibility], kVisibility);
+    setKeyword(s.crisp, p[Property::ShapeRendering], kCrisp);
+    setPaintOrder(s, p[Property::PaintOrder]);
+
+    const double width = length(Property::StrokeWidth, strokeWidth);
+    if (width >= 0) s.strokeWidth = width;
+    TextScanner limit(p[Property::StrokeMiterlimit]);
+    double miter = 0;
+    if (limit.number(miter) && limit.atEnd() && miter >= 1) s.miterLimit = miter;
+    setKeyword(s.join, p[Property::StrokeLinejoin], kJoins);
+    setKeyword(s.cap, p[Property::StrokeLinecap], kCaps);
+    setDashes(s, p[Property::StrokeDasharray], lengths);
+    s.dashOffset = length(Property::StrokeDashoffset, dashOffset);
+    setMarker(s.markers[0], p[Property::MarkerStart]);
+    setMarker(s.markers[1], p[Property::MarkerMid]);
+    setMarker(s.markers[2], p[Property::MarkerEnd]);
+
+    setFontWeight(s.fontWeight, p[Property::FontWeight]);
+    setKeyword(s.slanted, p[Property::FontStyle], kSlants);
+    setKeyword(s.textAnchor, p[Property::TextAnchor], kAnchors);
+    setKeyword(s.letterSpacing, p[Property::LetterSpacing], kSpacings);
+    s.letterSpacing = length(Property::LetterSpacing, s.letterSpacing);
+    setKeyword(s.wordSpacing, p[Property::WordSpacing], kSpacings);
+    s.wordSpacing = length(Property::WordSpacing, s.wordSpacing);
+    setKeyword(s.preserveSpace, p[Property::XmlSpace], kSpaces);
+    setDecoration(s.underline, p[Property::TextDecoration]);
+    setKeyword(s.imageFilter, p[Property::ImageRendering], kFilters);
+
+    const Style initial;
+    s.ownOpacity =
+        p.inherits(Property::Opacity) ? ownOpacity : parseOpacity(p[Property::Opacity], 1);
+    s.opacity = opacity * s.ownOpacity;
+    s.displayed = p.inherits(Property::Display) ? displayed : p[Property::Display] != "none";
+    s.fixedStroke = p[Property::VectorEffect] == "non-scaling-stroke";
+    if (!p.inherits(Property::StopColor))
+        s.stopColour = findColour(p[Property::StopColor], s.colour).value_or(initial.stopColour);
+    if (!p.inherits(Property::StopOpacity))
+        s.stopOpacity = parseOpacity(p[Property::StopOpacity], 1);
+    for (auto [target, property] : {std::pair{&s.transform, Property::Transform},
+                                    std::pair{&s.transformOrigin, Property::TransformOrigin},
+                                    std::pair{&s.transformBox, Property::TransformBox},
+                                    std::pair{&s.overflow, Property::Overflow}}) {
+        if (!p.inherits(property)) *target = p[property];
+    }
+    return s;
+}
+
+} // namespace Svg
+} // namespace KAVO

@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: MIT
+// The computed style of an element.
+#pragma once
+
+#include "svg/style/Properties.h"
+#include "svg/values/Colour.h"
+#include "svg/values/Length.h"
+
+#include <memory>
+#include <string>
+
+namespace KAVO {
+namespace Svg {
+
+// What to fill or stroke with.
+struct PaintValue {
+    enum Kind { None, Colour, Server, ContextFill, ContextStroke };
+    Kind kind = None;
+    uint32_t colour = 0xFF000000; // of a Server: to be used when there is no such server
+    bool hasFallback = false;     // of a Server: the colour was given
+    bool fallbackNone = false;    // of a Server: none was given instead
+    std::string_view server;      // id of a gradient or pattern
+};
+
+enum class ImageFilter { Nearest, Bilinear, Bicubic };
+enum class Marker { Start, Mid, End };
+enum class PaintStep : uint8_t { Fill, Stroke, Markers };
+
+struct Style {
+    // Inherited.
+    uint32_t colour = 0xFF000000; // currentColor
+    PaintValue fill{PaintValue::Colour, 0xFF000000, false, false, {}};
+    PaintValue stroke;
+    double fillOpacity = 1;
+    double strokeOpacity = 1;
+    bool evenOdd = false;
+    bool visible = true;
+    bool crisp = false; // no anti-aliasing for shapes
+    PaintStep paintOrder[3] = {PaintStep::Fill, PaintStep::Stroke, PaintStep::Markers};
+
+    double strokeWidth = 1;
+    double miterLimit = 4;
+    uint8_t join = 0;                                  // MMJoinStyle
+    uint8_t cap = 0;                                   // MMCapStyle
+    std::shared_ptr<const std::vector<double>> dashes; // null: none
+    double dashOffset = 0;
+    std::string_view markers[3]; // ids, by Marker
+
+    double fontSize = 16;
+    int fontWeight = 400;
+    bool slanted = false;
+    int textAnchor = 0; // 0 start, 1 middle, 2 end
+    double letterSpacing = 0;
+    double wordSpacing = 0;
+    bool preserveSpace = false;
+    bool underline = false; // handed down here although the standard paints it from outside
+    ImageFilter imageFilter = ImageFilter::Bilinear;
+
+    // Not inherited.
+    double opacity = 1; // of the element and of all around it, multiplied
+    double ownOpacity = 1;
+    bool displayed = true;
+    bool fixedStroke = false; // vector-effect: non-scaling-stroke
+    uint32_t stopColour = 0xFF000000;
+    double stopOpacity = 1;
+    std::string_view transform;
+    std::string_view transformOrigin;
+    std::string_view transformBox;
+    std::string_view overflow;
+
+    // The style of a child with these properties; viewport is what percentages refer to.
+    Style child(const Properties& properties, const Viewport& viewport) const;
+
+    LengthContext lengths(const Viewport& viewport) const { return {viewport, fontSize}; }
+};
+
+// A number from 0 to 1 or a percentage; fallback when the text is neither.
+double parseOpacity(std::string_view text, double fallback);
+
+// The id in "url(#id)"; empty when the text is no such reference. rest gets what follows.
+std::string_view referenceIn(std::string_view text, std::string_view* rest = nullptr);
+
+} // namespace Svg
+} // namespace KAVO

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+// Style sheets: rules of selectors and declarations.
+#pragma once
+
+#include "svg/style/Properties.h"
+#include "svg/style/Selector.h"
+
+#include <deque>
+#include <functional>
+#include <string>
+#include <unordered_map>
+
+namespace KAVO {
+namespace Svg {
+
+class StyleSheet {
+public:
+    // Finds the text of an imported sheet; empty when it cannot be had.
+    using Import = std::function<std::string(const std::string& reference)>;
+
+    // Appends the rules of a text. Rules that are not understood are passed over, as the
+    // standard wants it; of the rules for certain media those for all and for screens count.
+    void add(std::string text, const Import& import);
+
+    bool empty() const { return rules_.empty(); }
+
+    // Appends the declarations that apply to the element, the most specific ones last.
+    void match(pugi::xml_node node, std::vector<Declaration>& declarations) const;
+
+private:
+    struct Rule {
+        Selector selector;
+        size_t first; // of its declarations
+        size_t last;
+    };
+    void parse(std::string_view text, const Import& import, int depth);
+    void parseAtRule(std::string_view& text, const Import& import, int depth);
+    void addRule(std::string_view selectors, std::string_view body);
+
+    std::deque<std::string> texts_; // that the declarations point into
+    std::vector<Declaration> declarations_;
+    std::vector<Rule> rules_;
+    // Rules by the id, class or element name that their last part asks for: "#id", ".class",
+    // "name", or "" for all others.
+    std::unordered_map<std::string, std::vector<size_t>> byKey_;
+};
+
+} // namespace Svg
+} // namespace KAVO

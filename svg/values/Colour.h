@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+// Colours as SVG and CSS write them.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace KAVO {
+namespace Svg {
+
+// #rgb, #rgba, #rrggbb, #rrggbbaa, rgb(), rgba(), hsl(), hsla() and hwb() with commas or with
+// spaces and a slash, numbers or percentages; the colour keywords and transparent in any case, and
+// currentColor, which is current. What follows the colour is left in rest, or must be nothing but
+// an icc-color() when rest is null. The result is 0xAArrggbb, not premultiplied.
+std::optional<uint32_t> findColour(std::string_view text, uint32_t current,
+                                   std::string_view* rest = nullptr);
+
+// The colour with its alpha multiplied by the opacity, 0 to 1.
+uint32_t withOpacity(uint32_t argb, double opacity);
+
+// For text the library mixes a paint's pixel into transparent black, which weighs its alpha by
+// itself, and then lays the result over the background. This is the pixel that comes out as the
+// given one.
+uint32_t forGlyphs(uint32_t argb);
+
+} // namespace Svg
+} // namespace KAVO

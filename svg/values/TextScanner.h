@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+// Reads the little languages inside SVG attributes: numbers, words and separators.
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+namespace KAVO {
+namespace Svg {
+
+class TextScanner {
+public:
+    explicit TextScanner(std::string_view text) : rest_(text) {}
+
+    bool atEnd() const { return rest_.empty(); }
+    char peek() const { return rest_.empty() ? '\0' : rest_.front(); }
+    std::string_view rest() const { return rest_; }
+
+    void skip(size_t count) { rest_.remove_prefix(count); }
+    void skipSpace();
+    void skipSeparator(); // white space with at most one comma in it
+
+    // Each consumes what it found, and nothing when it returns false.
+    bool character(char c);
+    bool number(double& value); // sign, digits, fraction, exponent; kept within a billion
+    bool flag(bool& value);     // a single 0 or 1
+    std::string_view word();    // letters, digits, '-', '_'; may be empty
+
+private:
+    std::string_view rest_;
+};
+
+std::string_view trimmed(std::string_view text);
+
+// Numbers between separators, up to the first thing that is none.
+std::vector<double> parseNumbers(std::string_view text);
+
+// For keywords and units.
+bool equalsIgnoringCase(std::string_view a, std::string_view b);
+
+} // namespace Svg
+} // namespace KAVO

@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: MIT
+#include "svg/values/TransformParser.h"
+
+#include "svg/values/TextScanner.h"
+
+#include <vector>
+
+namespace KAVO {
+namespace Svg {
+
+namespace {
+
+constexpr size_t kMostValues = 6;
+const double kDegree = std::acos(-1.0) / 180;
+
+// A number and its unit.
+struct Value {
+    double number = 0;
+    std::string_view unit;
+};
+
+std::optional<double> degreesOf(const Value& value)
+{
+    if (value.unit.empty() || value.unit == "deg") return value.number;
+    if (value.unit == "rad") return value.number / kDegree;
+    if (value.unit == "grad") return value.number * 0.9;
+    if (value.unit == "turn") return value.number * 360;
+    return std::nullopt;
+}
+
+Affine shear(double x, double y)
+{
+    return {1, std::tan(y * kDegree), std::tan(x * kDegree), 1, 0, 0};
+}
+
+// One function of a list.
+class Item {
+public:
+    Item(std::string_view name, const LengthContext& lengths, const Box& box)
+        : name_(name), lengths_(lengths), box_(box)
+    {
+    }
+    bool readValues(TextScanner& scanner);
+    std::optional<Affine> transform();
+
+private:
+    bool isNamed(std::string_view name, size_t fewest, size_t most) const
+    {
+        return name_ == name && count_ >= fewest && count_ <= most;
+    }
+    double number(size_t i, double fallback = 0) const
+    {
+        return i < count_ ? values_[i].number : fallback;
+    }
+    double factor(size_t i) const
+    {
+        return values_[i].unit == "%" ? values_[i].number / 100 : values_[i].number;
+    }
+    double length(size_t i, Axis axis);
+    double angle(size_t i);
+
+    std::string_view name_;
+    const LengthContext& lengths_;
+    const Box& box_;
+    Value values_[kMostValues];
+    size_t count_ = 0;
+    bool valid_ = true;
+};
+
+bool Item::readValues(TextScanner& scanner)
+{
+    scanner.skipSpace();
+    while (count_ < kMostValues && scanner.number(values_[count_].number)) {
+        values_[count_].unit = scanner.character('%') ? "%" : scanner.word();
+        ++count_;
+        scanner.skipSeparator();
+    }
+    return count_ > 0 && scanner.character(')');
+}
+
+double Item::length(size_t i, Axis axis)
+{
+    if (i >= count_) return 0;
+    if (values_[i].unit == "%")
+        return values_[i].number / 100 * (axis == Axis::X ? box_.width() : box_.height());
+    const std::optional<double> size = unitSize(values_[i].unit, lengths_, axis);
+    valid_ = valid_ && size;
+    return values_[i].number * size.value_or(0);
+}
+
+double Item::angle(size_t i)
+{
+    if (i >= count_) return 0;
+    const std::optional<double> degrees = degreesOf(values_[i]);
+    valid_ = valid_ && degrees;
+    return degrees.value_or(0);
+}
+
+std::optional<Affine> Item::transform()
+{
+    Affine result;
+    if (isNamed("translate", 1, 2))
+        result = translation(length(0, Axis::X), length(1, Axis::Y));
+    else if (isNamed("translateX", 1, 1))
+        result = translation(length(0, Axis::X), 0);
+    else if (isNamed("translateY", 1, 1))
+        result = translation(0, length(0, Axis::Y));
+    else if (isNamed("scale", 1, 2))
+        result = {factor(0), 0, 0, factor(count_ - 1), 0, 0};
+    else if (isNamed("scaleX", 1, 1))
+        result = {factor(0), 0, 0, 1, 0, 0};
+    else if (isNamed("scaleY", 1, 1))
+        result = {1, 0, 0, factor(0), 0, 0};
+    else if (isNamed("rotate", 1, 1) || isNamed("rotate", 3, 3))
+        result = translation(number(1), number(2)) * rotation(angle(0)) *
+                 translation(-number(1), -number(2));
+    else if (isNamed("skewX", 1, 1))
+        result = shear(angle(0), 0);
+    else if (isNamed("skewY", 1, 1))
+        result = shear(0, angle(0));
+    else if (isNamed("skew", 1, 2))
+        result = shear(angle(0), angle(1));
+    else if (isNamed("matrix", 6, 6))
+        result = {number(0), number(1), number(2), number(3), number(4), number(5)};
+    else
+        return std::nullopt;
+    if (!valid_) return std::nullopt;
+    return result;
+}
+
+} // namespace
+
+std::optional<Affine> parseTransform(std::string_view text, const LengthContext& lengths,
+                                     const Box& box)
+{
+    text = trimmed(text);
+    Affine result;
+    if (text == "none") return result;
+    TextScanner scanner(text);
+    scanner.skipSeparator();
+    while (!scanner.atEnd()) {
+        Item item(scanner.word(), lengths, box);
+        scanner.skipSpace();
+        if (!scanner.character('(') || !item.readValues(scanner)) return std::nullopt;
+        const std::optional<Affine> transform = item.transform();
+        if (!transform) return std::nullopt;
+        result = result * *transform;
+        scanner.skipSeparator();
+    }
+    return result;
+}
+
+} // namespace Svg
+} // namespace KAVO

@@ -1,0 +1,207 @@
+// SPDX-License-Identifier: MIT
+// Where svg2png puts the characters of text elements, and what they look like.
+#include "common/FontFolder.h"
+#include "svg/text/Text.h"
+#include "tests/svg/Drawing.h"
+
+#include <sstream>
+
+using namespace KAVO::Svg;
+
+namespace {
+
+constexpr int kSide = 80;
+
+// Each character with what is said about its place.
+std::string described(const TextContent& content)
+{
+    std::ostringstream text;
+    for (const TextCharacter& character : content.characters) {
+        text << static_cast<char>(character.code == '\n' ? '|' : character.code);
+        if (character.x) text << " x" << *character.x;
+        if (character.y) text << " y" << *character.y;
+        if (character.dx) text << " dx" << *character.dx;
+        if (character.dy) text << " dy" << *character.dy;
+        if (character.rotate) text << " r" << *character.rotate;
+        text << ';';
+    }
+    return text.str();
+}
+
+TEST(SvgText, ListsGoOnThroughSpansWhichGoBefore)
+{
+    const std::pair<const char*, const char*> cases[] = {
+        {"<text x='10 20 30' dx='1 2 3 4'>a<tspan x='5' dx='9'>bc</tspan>d</text>",
+         "a x10 dx1;b x5 dx9;c x30 dx3;d dx4;"},
+        {"<text rotate='10 20'>a<tspan>b</tspan>c<tspan rotate='5'>de</tspan></text>",
+         "a r10;b r20;c r20;d r5;e r5;"},
+        {"<text x='50%' y='50%' dx='1em' dy='10%'>a</text>", "a x200 y50 dx16 dy10;"},
+        {"<text>  a <tspan x='1'> b </tspan> c\n</text>", "a; ;b x1; ;c;"},
+        {"<text xml:space='preserve'>a\t <tspan xml:space='default'>  b</tspan></text>",
+         "a; ; ;b;"},
+        {"<textArea>a <tbreak/> b <tbreak/></textArea>", "a;|;b;|;"}};
+    for (const auto& [text, expected] : cases) {
+        SvgDocument document({}, {"", false, 0});
+        ASSERT_EQ(document.parse("<svg>" + std::string(text) + "</svg>"), "");
+        const pugi::xml_node node = document.root().first_child();
+        const Viewport viewport{400, 100};
+        const Style style = document.styleOf(node, viewport);
+        EXPECT_EQ(described(readText(document, node, style, viewport)), expected) << text;
+    }
+}
+
+TEST(SvgText, FontProperties)
+{
+    struct Case {
+        const char* css;
+        double size; // where 20 is inherited
+        int weight;  // where 700 is inherited
+        bool underline;
+    };
+    const Case cases[] = {{"font-size: 150%; font-weight: lighter", 30, 400, true},
+                          {"font-size: -5px; font-weight: bolder", 20, 900, true},
+                          {"font-size: 2em; text-decoration: none", 40, 700, false},
+                          {"text-decoration: overline underline; font-weight: 300", 20, 300, true}};
+    for (const Case& c : cases) {
+        pugi::xml_document document;
+        pugi::xml_node node = document.append_child("text");
+        node.append_attribute("style") = c.css;
+        Style parent;
+        parent.fontSize = 20;
+        parent.fontWeight = 700;
+        parent.underline = true;
+        const Style style = parent.child(Properties(node, StyleSheet()), Viewport());
+        EXPECT_EQ(style.fontSize, c.size) << c.css;
+        EXPECT_EQ(style.fontWeight, c.weight) << c.css;
+        EXPECT_EQ(style.underline, c.underline) << c.css;
+    }
+}
+
+// With the text drawn by an installed font.
+class SvgTextDrawing : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        if (*LATIN_FONT == '\0') GTEST_SKIP() << "no font";
+        ASSERT_EQ(font_.problem(), "");
+    }
+
+    Picture drawn(const std::string& elements)
+    {
+        MMSvgDocument document;
+        EXPECT_TRUE(document.loadBytes("<svg width='80' height='80'>" + elements + "</svg>"));
+        const Picture picture = ::drawn(document, kSide, kSide);
+        const MMFixedRegion& box = document.result().bounds;
+        bounds = {box.x0 / 65536.0, box.y0 / 65536.0, box.x1 / 65536.0, box.y1 / 65536.0};
+        shortcomings = document.shortcomings();
+        return picture;
+    }
+    Box boundsOf(const std::string& elements)
+    {
+        drawn(elements);
+        return bounds;
+    }
+
+    Box bounds;
+    std::vector<Shortcoming> shortcomings;
+
+private:
+    FontFolder font_{LATIN_FONT};
+};
+
+TEST_F(SvgTextDrawing, TurnedCharactersStandWhereUprightOnesDo)
+{
+    const auto text = [](const char* rotate, const char* characters) {
+        return "<text x='20' y='30' " + std::string(rotate) + ">" + characters + "</text>";
+    };
+    for (const char* rotate : {"rotate='90'", "rotate='180'", "rotate='-60 -60'"}) {
+        const double upright = boundsOf(text("", "MM")).right - boundsOf(text("", "M")).right;
+        const Box one = boundsOf(text(rotate, "M"));
+        const Box two = boundsOf(text(rotate, "MM"));
+        EXPECT_NEAR(two.right - one.right, upright, 1) << rotate;
+        EXPECT_NEAR(two.bottom, one.bottom, 1) << rotate;
+        // Under a mirroring transform a turn goes the other way round.
+        const Box mirrored =
+            boundsOf("<g transform='translate(80) scale(-1 1)'>" + text(rotate, "MM") + "</g>");
+        EXPECT_NEAR(mirrored.left, 80 - two.right, 1) << rotate;
+        EXPECT_NEAR(mirrored.bottom, two.bottom, 1) << rotate;
+    }
+}
+
+int worstDifference(const Picture& a, const Picture& b)
+{
+    int worst = 0;
+    for (size_t i = 0; i < a.pixels.size(); ++i)
+        for (int shift = 0; shift < 24; shift += 8)
+            worst = std::max(worst, std::abs(static_cast<int>(a.pixels[i] >> shift & 255) -
+                                             static_cast<int>(b.pixels[i] >> shift & 255)));
+    return worst;
+}
+
+TEST_F(SvgTextDrawing, LettersStandApartBySpacing)
+{
+    const auto text = [](const char* spacing) {
+        return "<text x='5' y='30'><tspan letter-spacing='" + std::string(spacing) +
+               "'>iii</tspan>i</text>";
+    };
+    const double normal = boundsOf(text("normal")).right;
+    EXPECT_NEAR(boundsOf(text("5")).right, normal + 15, 1);
+    EXPECT_NEAR(boundsOf(text("-1px")).right, normal - 3, 1);
+}
+
+// A gradient or pattern of one colour looks like that colour.
+TEST_F(SvgTextDrawing, EveryPaintReachesAllGlyphsWithItsOpacity)
+{
+    const auto text = [](const char* paint, double opacity) {
+        std::ostringstream elements;
+        elements << "<defs><linearGradient id='l'><stop stop-color='#08f'/></linearGradient>"
+                    "<radialGradient id='r'><stop stop-color='#08f'/></radialGradient>"
+                    "<pattern id='p' width='9' height='9' patternUnits='userSpaceOnUse'>"
+                    "<rect width='9' height='9' fill='#08f'/></pattern>"
+                    "<linearGradient id='half-l'><stop stop-color='#08f' stop-opacity='.5'/>"
+                    "</linearGradient><pattern id='half-p' width='9' height='9' "
+                    "patternUnits='userSpaceOnUse'><rect width='9' height='9' fill='#08f' "
+                    "fill-opacity='.5'/></pattern></defs>"
+                    "<path d='M0 22H80M40 0V80' stroke='red' stroke-width='5'/>"
+                    "<text x='20' y='40' rotate='0 40' font-size='24' font-style='italic' "
+                    "text-decoration='underline' fill='"
+                 << paint << "' fill-opacity='" << opacity << "'>\u00c5ff</text>";
+        return elements.str();
+    };
+    for (const double opacity : {1.0, 0.5, 0.2}) {
+        const Picture solid = drawn(text("#08f", opacity));
+        EXPECT_EQ(bounds.left, std::floor(bounds.left)); // no shift by half a pixel
+        for (const char* paint : {"url(#l)", "url(#r)", "url(#p)"})
+            EXPECT_LE(worstDifference(drawn(text(paint, opacity)), solid), 6) << paint << opacity;
+        if (opacity > 0.5) continue;
+        for (const char* paint : {"url(#half-l)", "url(#half-p)"})
+            EXPECT_LE(worstDifference(drawn(text(paint, 2 * opacity)), solid), 6)
+                << paint << opacity;
+    }
+}
+
+TEST_F(SvgTextDrawing, TextAreaShowsWholeLinesAndTranslucentUnderlines)
+{
+    const Picture picture =
+        drawn("<textArea width='80' height='40' font-size='12' "
+              "line-increment='16' fill-opacity='.5' "
+              "text-decoration='underline'>aa<tbreak/>bb<tbreak/>MM</textArea>");
+    uint32_t darkest = 255;
+    for (int y = 0; y < kSide; ++y)
+        for (int x = 0; x < kSide; ++x) {
+            const uint32_t green = picture.at(x, y) >> 8 & 255;
+            darkest = std::min(darkest, green);
+            EXPECT_TRUE(y < 32 || green == 255) << x << ", " << y;
+        }
+    EXPECT_NEAR(darkest, 127, 2);
+}
+
+TEST_F(SvgTextDrawing, MissingCharactersAreReported)
+{
+    drawn("<text y='20'>abc</text>");
+    EXPECT_EQ(shortcomings.size(), 0u);
+    drawn("<text y='20'>ab\ufffe</text>");
+    EXPECT_EQ(shortcomings.size(), 1u);
+}
+
+} // namespace

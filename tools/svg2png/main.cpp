@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: MIT
+// svg2png: renders SVG files to PNG files.
+#include "common/FontFolder.h"
+#include "common/Picture.h"
+#include "svg/MMSvgDocument.h"
+#include "svg/text/Glyphs.h"
+#include "svg2png/Arguments.h"
+
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <optional>
+#include <unistd.h>
+
+using namespace KAVO;
+
+namespace {
+
+bool complain(const std::string& message)
+{
+    std::fprintf(stderr, "svg2png: %s\n", message.c_str());
+    return false;
+}
+
+// Size of the picture in pixels: whole ones, in the drawing's proportions unless both are given.
+Svg::Size pictureSize(const Arguments& arguments, const Svg::Size& drawing)
+{
+    Svg::Size size{arguments.width, arguments.height};
+    if (arguments.height == 0) {
+        const double longer = std::max(drawing.width, drawing.height);
+        const double scale = arguments.width != 0 ? arguments.width / longer : arguments.scale;
+        size = {drawing.width * scale, drawing.height * scale};
+    }
+    return {std::max(1.0, std::round(size.width)), std::max(1.0, std::round(size.height))};
+}
+
+void separateAlpha(Picture& picture)
+{
+    for (uint32_t& pixel : picture.pixels) {
+        const uint32_t alpha = pixel >> 24;
+        if (alpha == 0 || alpha == 255) continue;
+        uint32_t result = alpha << 24;
+        for (int shift = 0; shift < 24; shift += 8)
+            result |= std::min(255u, ((pixel >> shift & 0xFF) * 255 + alpha / 2) / alpha) << shift;
+        pixel = result;
+    }
+}
+
+uint32_t premultiplied(uint32_t pixel)
+{
+    const uint32_t alpha = pixel >> 24;
+    uint32_t result = alpha << 24;
+    for (int shift = 0; shift < 24; shift += 8)
+        result |= ((pixel >> shift & 0xFF) * alpha + 127) / 255 << shift;
+    return result;
+}
+
+void printStats(const Svg::RenderResult& result, double milliseconds)
+{
+    const auto number = [](Fixed value) { return value / 65536.0; };
+    std::printf("time            %.2f ms\n", milliseconds);
+    std::printf("peak scratch    %u words\n", result.peakScratchWords);
+    const MMFixedRegion& b = result.bounds;
+    if (b.x0 > b.x1)
+        std::printf("bounds          nothing drawn\n");
+    else
+        std::printf("bounds          %.2f %.2f to %.2f %.2f\n", number(b.x0), number(b.y0),
+                    number(b.x1), number(b.y1));
+}
+
+// False when the picture could not be made, or is not whole although it has to be.
+bool run(const Arguments& arguments, const Arguments::Job& job)
+{
+    Svg::LoadOptions options;
+    options.languages = arguments.languages;
+    Svg::MMSvgDocument document(options);
+    if (!document.loadFile(job.input)) return complain(job.input + ": " + document.problem());
+
+    const Svg::Size size = pictureSize(arguments, document.size());
+    if (!(size.width <= kLargestSide && size.height <= kLargestSide)) {
+        char message[128];
+        std::snprintf(message, sizeof message, ": a picture of %.0f x %.0f pixels is out of range",
+                      size.width, size.height);
+        return complain(job.input + message);
+    }
+    Picture picture(static_cast<int>(size.width), static_cast<int>(size.height),
+                    premultiplied(arguments.background));
+    const auto width = static_cast<uint16_t>(picture.width);
+    const auto height = static_cast<uint16_t>(picture.height);
+    const MMPixmap target = {width, height, width * 4u, 0, picture.pixels.data(), 0};
+    const auto start = std::chrono::steady_clock::now();
+    document.render(target, {0, 0, size.width, size.height}, {arguments.antiAlias});
+    const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
+    separateAlpha(picture);
+
+    const std::vector<Svg::Shortcoming> shortcomings = document.shortcomings();
+    for (const Svg::Shortcoming& s : shortcomings)
+        complain(job.input + ":" + std::to_string(s.line) + ": not drawn: " + s.what + " (<" +
+                 s.element + ">)");
+    if (document.result().outOfMemory) return complain(job.input + ": out of memory");
+    const std::string writing = writePng(job.output, picture);
+    if (!writing.empty()) return complain(job.output + ": " + writing);
+    if (arguments.stats) printStats(document.result(), time.count());
+    return shortcomings.empty() || !arguments.strict;
+}
+
+// All of them, with a line that says how far it is when somebody watches.
+bool runAll(const Arguments& arguments)
+{
+    const size_t count = arguments.jobs.size();
+    const bool watched = count > 1 && isatty(STDERR_FILENO);
+    bool good = true;
+    for (size_t i = 0; i < count; ++i) {
+        if (watched)
+            std::fprintf(stderr, "\r\x1B[K%zu of %zu: %s", i + 1, count,
+                         arguments.jobs[i].input.c_str());
+        if (watched) std::fprintf(stderr, "\r\x1B[K");
+        good = run(arguments, arguments.jobs[i]) && good;
+    }
+    return good;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    Arguments arguments;
+    arguments.font = DEFAULT_FONT;
+    const std::string problem = parseArguments(argc, argv, arguments);
+    if (!problem.empty()) return complain(problem + "; --help lists the options"), 1;
+    if (arguments.help) {
+        std::fputs(kUsage, stdout);
+        return 0;
+    }
+    std::optional<FontFolder> font;
+    if (!arguments.font.empty()) {
+        font.emplace(arguments.font);
+        if (!font->problem().empty()) return complain(font->problem()), 1;
+        Graphics2D::MMContext2D context;
+        if (!Svg::hasAnyGlyph(context)) return complain(arguments.font + ": not a usable font"), 1;
+    }
+    return runAll(arguments) ? 0 : 1;
+}
