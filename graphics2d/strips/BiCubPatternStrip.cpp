@@ -5,7 +5,7 @@
 // they are all positive and smooth, so that nothing overshoots, and even texels that pixels hit
 // exactly are mixed with their neighbours. The sample point is that of the bilinear filter. Left
 // and top of the image its first column and row repeat, but right and bottom of it the last but
-// one.
+// one by the classic rules.
 //
 // The opaque filler ignores the texels' alpha and writes 255; the translucent one sums it up like a
 // colour for the weight, and moves the target's alpha toward 255.
@@ -138,9 +138,31 @@ inline Channels weightedSum(const Column* columns, uint64_t x, uint64_t y)
                   __builtin_shufflevector(lower, lower, 3, 3, 3, 3));
 }
 
-// The texels of an axis that are read instead of the index and its neighbours.
-void tapsOf(const TexelAxis& axis, int64_t (&taps)[4])
+// Premultiplies the channels of two texels in turn.
+inline U16x8 premultipliedPairs(U16x8 channels)
 {
+    constexpr U16x8 kWhole = {0, 0, 0, 0, 0, 0, 255, 255};
+    const U16x8 alphas = __builtin_shufflevector(channels, channels, 6, 7, 6, 7, 6, 7, 6, 7);
+    return productBy255(channels, alphas | kWhole);
+}
+
+template <bool kPremultiply>
+inline void prepareColumns(const Pixel* texels, int32_t width, Column* columns)
+{
+    loadColumns(texels, width, columns);
+    if (!kPremultiply) return;
+    for (int32_t i = 0; i < 4; ++i)
+        columns[i] = {premultipliedPairs(columns[i].upper), premultipliedPairs(columns[i].lower)};
+}
+
+// The texels of an axis that are read instead of the index and its neighbours.
+void tapsOf(const TexelAxis& axis, bool isRefined, int64_t (&taps)[4])
+{
+    if (isRefined) {
+        for (int32_t i = 0; i < 4; ++i)
+            taps[i] = axis.tap(i - 1);
+        return;
+    }
     const int64_t position = axis.position();
     const int64_t lastButOne = axis.size() - 2;
     for (int32_t i = 0; i < 4; ++i) {
@@ -151,16 +173,17 @@ void tapsOf(const TexelAxis& axis, int64_t (&taps)[4])
     }
 }
 
+template <bool kPremultiply>
 void gatherColumns(const PatternWalk& walk, Column* columns)
 {
     int64_t x[4];
     int64_t y[4];
-    tapsOf(walk.u, x);
-    tapsOf(walk.v, y);
+    tapsOf(walk.u, walk.isRefined, x);
+    tapsOf(walk.v, walk.isRefined, y);
     Pixel texels[16];
     for (int32_t i = 0; i < 16; ++i)
         texels[i] = walk.texelAt(x[i & 3], y[i >> 2]);
-    loadColumns(texels, 4, columns);
+    prepareColumns<kPremultiply>(texels, 4, columns);
 }
 
 // The fractions of the next eight pixels.
@@ -204,6 +227,7 @@ inline void sumPixels(PatternWalk walk, Pixel* colours, uint32_t* alphas, int32_
 }
 
 // Texels from four rows, and no more columns than pixels: each is prepared once.
+template <bool kPremultiply>
 void magnifyRows(PatternWalk walk, Pixel* colours, uint32_t* alphas, int32_t count)
 {
     Column columns[kPrepared + 3];
@@ -212,9 +236,9 @@ void magnifyRows(PatternWalk walk, Pixel* colours, uint32_t* alphas, int32_t cou
         const TexelRange range(walk.u, length);
         const Pixel* texels = walk.row(walk.v.indexPosition()) - walk.width() - 1 + range.first;
         for (int32_t i = 0; i < range.count - 1; i += 4)
-            loadColumns(texels + i, walk.width(), columns + i);
+            prepareColumns<kPremultiply>(texels + i, walk.width(), columns + i);
         const int32_t last = range.count - 1;
-        loadColumns(texels + last, walk.width(), columns + last);
+        prepareColumns<kPremultiply>(texels + last, walk.width(), columns + last);
         Fixed u = range.start;
         const Fixed uStep = walk.u.step();
         sumPixels(walk, colours, alphas, length, [&] {
@@ -229,23 +253,25 @@ void magnifyRows(PatternWalk walk, Pixel* colours, uint32_t* alphas, int32_t cou
     }
 }
 
+template <bool kPremultiply>
 void sampleBicubic(const PatternWalk& walk, bool inside, Pixel* colours, uint32_t* alphas,
                    int32_t count)
 {
     if (inside && walk.v.step() == 0 && magnitudeOf(walk.u.step()) <= kFixedOne &&
         count > kFewPixels)
-        return magnifyRows(walk, colours, alphas, count);
+        return magnifyRows<kPremultiply>(walk, colours, alphas, count);
     PatternWalk at = walk;
     Column columns[4];
     Fixed u = walk.u.indexPosition();
     Fixed v = walk.v.indexPosition();
     sumPixels(walk, colours, alphas, count, [&]() -> const Column* {
         if (inside) {
-            loadColumns(walk.row(v) + fixFloor(u) - walk.width() - 1, walk.width(), columns);
+            prepareColumns<kPremultiply>(walk.row(v) + fixFloor(u) - walk.width() - 1, walk.width(),
+                                         columns);
             u = wrapAdd(u, walk.u.step());
             v = wrapAdd(v, walk.v.step());
         } else {
-            gatherColumns(at, columns);
+            gatherColumns<kPremultiply>(at, columns);
             at.advance(1);
         }
         return columns;
@@ -274,24 +300,35 @@ void weighBySums(PaintPiece& piece, CoverageSequence& coverage, int32_t count)
     }
 }
 
-constexpr PatternFilter kBicubic = {1, 2, sampleBicubic, weighBySums};
-
-PatternWalk walkOf(const MMContext2D& context)
+void sampleRefinedBicubic(const PatternWalk& walk, bool inside, Pixel* colours, uint32_t*,
+                          int32_t count)
 {
-    return PatternWalk(context.currentPaint, context.spanStart, fixFromInt(context.spanRow));
+    if (walk.alpha == TexelAlpha::kMadeWhole)
+        return sampleBicubic<false>(walk, inside, colours, nullptr, count);
+    uint32_t alphas[kPieceLength];
+    sampleBicubic<true>(walk, inside, colours, alphas, count);
+    for (int32_t i = 0; i < count; ++i) {
+        const uint32_t alpha = (alphas[i] + kChannelHalf) >> 16;
+        colours[i] = (colours[i] & ~kOpaque) | alpha << 24;
+    }
 }
+
+constexpr PatternFilter kBicubic = {
+    1, 2, sampleBicubic<false>, weighBySums, sampleRefinedBicubic, -kFixedHalf, true};
 
 } // namespace
 
 void MMContext2D::drawBiCubPatternStrip()
 {
-    PatternWalk walk = walkOf(*this);
+    if (refined != 0) return drawRefinedPattern(*this, kBicubic, false);
+    PatternWalk walk = PatternWalk::fromCorner(*this);
     drawPattern(*this, walk, kBicubic);
 }
 
 void MMContext2D::drawBiCubPatternTStrip()
 {
-    PatternWalk walk = walkOf(*this);
+    if (refined != 0) return drawRefinedPattern(*this, kBicubic, true);
+    PatternWalk walk = PatternWalk::fromCorner(*this);
     drawTranslucentPattern(*this, walk, kBicubic);
 }
 

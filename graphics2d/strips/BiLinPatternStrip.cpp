@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Strip fillers of the image pattern with bilinear sampling.
 //
-// The sample point is the span's exact left end on the row's top edge, without the half pixel of
-// the nearest filter, and a texel's colour lies at its whole coordinates: a 1:1 image is copied.
-// Four texels are interpolated first along the rows, then across, all channels alike. The weights
-// are the top eight bits of the coordinates' fractions.
+// By the classic rules the sample point is the span's exact left end on the row's top edge, without
+// the half pixel of the nearest filter, and a texel's colour lies at its whole coordinates: a 1:1
+// image is copied. By the refined ones it is the pixel's centre, and the colour lies at the texel's
+// centre. Four texels are interpolated first along the rows, then across, all channels alike. The
+// weights are the top eight bits of the coordinates' fractions.
 #include "graphics2d/strips/PatternSampling.h"
 
 namespace KAVO {
@@ -15,31 +16,59 @@ namespace {
 constexpr int32_t kPrepared = 64; // texels that are prepared at once
 
 // What the interpolation along the upper and the lower row starts from: the left texels times 256
-// and the differences to the right ones.
+// and what a weight of 256 would move them by to the right ones.
 struct RowStep {
     U16x8 from;
     U16x8 change;
+
+    U16x8 mixed(U16x8 fraction) const { return (from + change * (fraction >> 8)) >> 8; }
+};
+
+// How colours are mixed by the classic rules.
+struct ClassicMix {
+    static constexpr bool kPremultiplies = false;
 
     static RowStep between(U16x8 left, U16x8 right)
     {
         return {left << 8, raisedDifference(left, right)};
     }
-    // The texel at an address and its neighbours to the right, below, and both.
-    static RowStep at(const Pixel* upper, int32_t width)
-    {
-        const U32x4 texels = load2And2(upper, upper + width);
-        const U32x4 columns = __builtin_shufflevector(texels, texels, 0, 2, 1, 3);
-        return between(widenLow(columns), widenHigh(columns));
-    }
-    U16x8 mixed(U16x8 fraction) const { return (from + change * (fraction >> 8)) >> 8; }
+    static U16x8 moved(U16x8 from, U16x8 to, U16x8 weight) { return moveToward(from, to, weight); }
+    static U16x8 prepared(U16x8 texels) { return texels; }
+    static U32x4 finished(U32x4 pixels) { return pixels; }
 };
 
+// By the refined ones: rounded to nearest each time.
+struct RefinedMix {
+    bool premultiplies;
+    Pixel alphaBits; // set in all pixels
+
+    explicit RefinedMix(TexelAlpha alpha)
+        : premultiplies(alpha == TexelAlpha::kPremultiplied),
+          alphaBits(alpha == TexelAlpha::kMadeWhole ? kOpaque : 0)
+    {
+    }
+    static RowStep between(U16x8 left, U16x8 right) { return {left << 8 | 128, right - left}; }
+    static U16x8 moved(U16x8 from, U16x8 to, U16x8 weight) { return moveRounded(from, to, weight); }
+    U16x8 prepared(U16x8 texels) const { return premultiplies ? premultiplied(texels) : texels; }
+    U32x4 finished(U32x4 pixels) const { return pixels | alphaBits; }
+};
+
+// The step from the texel at an address to its right-hand neighbour, and from the one below.
+template <class Mix>
+inline RowStep stepAt(const Mix& mix, const Pixel* upper, int32_t width)
+{
+    const U32x4 texels = load2And2(upper, upper + width);
+    const U32x4 columns = __builtin_shufflevector(texels, texels, 0, 2, 1, 3);
+    return Mix::between(mix.prepared(widenLow(columns)), mix.prepared(widenHigh(columns)));
+}
+
 // Two pixels between the upper and the lower row; the results are the high bytes.
+template <class Mix>
 inline U16x8 mixedRows(U16x8 first, U16x8 second, U16x8 fraction)
 {
     const U16x8 upper = __builtin_shufflevector(first, second, 0, 1, 2, 3, 8, 9, 10, 11);
     const U16x8 lower = __builtin_shufflevector(first, second, 4, 5, 6, 7, 12, 13, 14, 15);
-    return moveToward(upper, lower, fraction >> 8);
+    return Mix::moved(upper, lower, fraction >> 8);
 }
 
 // The fractions of two pixels, the first in the lower lanes.
@@ -52,9 +81,9 @@ inline U16x8 fractionsOfTwo(const TexelAxis& axis)
 // Interpolates count pixels, four at a time and at least four. texels.next() gives the RowStep of
 // one after the other, texels.goBack(pixels) returns to earlier ones. v are the fractions of two
 // pixels, vStep that of one.
-template <class Texels>
-inline void mixPixels(const TexelAxis& axis, Texels texels, U16x8 v, U16x8 vStep, Pixel* out,
-                      int32_t count)
+template <class Mix, class Texels>
+inline void mixPixels(const Mix& mix, const TexelAxis& axis, Texels texels, U16x8 v, U16x8 vStep,
+                      Pixel* out, int32_t count)
 {
     const U16x8 uStep = all8(fixFraction(axis.step()));
     U16x8 u = all8(axis.fraction());
@@ -62,9 +91,9 @@ inline void mixPixels(const TexelAxis& axis, Texels texels, U16x8 v, U16x8 vStep
         U16x8 rows[4];
         for (int i = 0; i < 4; ++i, u += uStep)
             rows[i] = texels.next().mixed(u);
-        const U16x8 firstTwo = mixedRows(rows[0], rows[1], v);
-        const U16x8 lastTwo = mixedRows(rows[2], rows[3], v + vStep + vStep);
-        store4(out, narrowHighBytes(firstTwo, lastTwo));
+        const U16x8 firstTwo = mixedRows<Mix>(rows[0], rows[1], v);
+        const U16x8 lastTwo = mixedRows<Mix>(rows[2], rows[3], v + vStep + vStep);
+        store4(out, mix.finished(narrowHighBytes(firstTwo, lastTwo)));
         v += 4 * vStep;
         out += 4;
         count -= 4;
@@ -81,7 +110,9 @@ inline void mixPixels(const TexelAxis& axis, Texels texels, U16x8 v, U16x8 vStep
 }
 
 // Anywhere inside the image.
+template <class Mix>
 struct TexelsInside {
+    const Mix& mix;
     const PatternWalk& walk;
     Fixed u;
     Fixed v;
@@ -91,7 +122,7 @@ struct TexelsInside {
         const Pixel* texel = walk.row(v) + fixFloor(u);
         u = wrapAdd(u, walk.u.step());
         v = wrapAdd(v, walk.v.step());
-        return RowStep::at(texel, walk.width());
+        return stepAt(mix, texel, walk.width());
     }
     void goBack(int32_t pixels)
     {
@@ -116,7 +147,8 @@ struct PreparedTexels {
 };
 
 // Texels from two rows, and no more of them than pixels: each is prepared once.
-void magnifyRows(PatternWalk walk, Pixel* out, int32_t count)
+template <class Mix>
+void magnifyRows(const Mix& mix, PatternWalk walk, Pixel* out, int32_t count)
 {
     RowStep steps[kPrepared];
     while (count > 0) {
@@ -125,79 +157,96 @@ void magnifyRows(PatternWalk walk, Pixel* out, int32_t count)
         const TexelRange range(walk.u, length);
         const Pixel* upper = walk.row(walk.v.indexPosition()) + range.first;
         const Pixel* lower = upper + walk.width();
-        U16x8 left = widenLow(U32x4{upper[0], lower[0], 0, 0});
+        U16x8 left = mix.prepared(widenLow(U32x4{upper[0], lower[0], 0, 0}));
         for (int32_t i = 0; i < range.count; ++i) {
-            const U16x8 right = widenLow(U32x4{upper[i + 1], lower[i + 1], 0, 0});
-            steps[i] = RowStep::between(left, right);
+            const U16x8 right = mix.prepared(widenLow(U32x4{upper[i + 1], lower[i + 1], 0, 0}));
+            steps[i] = Mix::between(left, right);
             left = right;
         }
         const PreparedTexels texels = {steps, static_cast<uint32_t>(range.start),
                                        static_cast<uint32_t>(walk.u.step())};
-        mixPixels(walk.u, texels, all8(walk.v.fraction()), U16x8{}, out, length);
+        mixPixels(mix, walk.u, texels, all8(walk.v.fraction()), U16x8{}, out, length);
         walk.advance(length);
         out += length;
         count -= length;
     }
 }
 
-// The texels before and after a position, both the outermost one beyond the image.
-void tapsOf(const TexelAxis& axis, int64_t (&taps)[2])
-{
-    const int32_t texel = axis.texel();
-    const int32_t last = axis.size() - 1;
-    taps[0] = axis.indexOffset() + (texel < 0 ? 0 : texel < last ? texel : last);
-    taps[1] = taps[0] + (texel >= 0 && texel < last ? 1 : 0);
-}
-
 // A few pixels anywhere.
-void sampleFew(PatternWalk walk, Pixel* out, int32_t count)
+template <class Mix>
+void sampleFew(const Mix& mix, PatternWalk walk, Pixel* out, int32_t count)
 {
     RowStep steps[kFewPixels] = {};
     Pixel pixels[kFewPixels];
     const U16x8 v = fractionsOfTwo(walk.v);
     const TexelAxis uAxis = walk.u;
     for (int32_t i = 0; i < count; ++i) {
-        int64_t x[2];
-        int64_t y[2];
-        tapsOf(walk.u, x);
-        tapsOf(walk.v, y);
+        const int64_t x[2] = {walk.u.tap(0), walk.u.tap(1)};
+        const int64_t y[2] = {walk.v.tap(0), walk.v.tap(1)};
         const Pixel texels[4] = {walk.texelAt(x[0], y[0]), walk.texelAt(x[1], y[0]),
                                  walk.texelAt(x[0], y[1]), walk.texelAt(x[1], y[1])};
-        steps[i] = RowStep::at(texels, 2);
+        steps[i] = stepAt(mix, texels, 2);
         walk.advance(1);
     }
     const PreparedTexels texels = {steps, 0, kFixedOne};
-    mixPixels(uAxis, texels, v, all8(fixFraction(walk.v.step())), pixels, count <= 4 ? 4 : 8);
+    mixPixels(mix, uAxis, texels, v, all8(fixFraction(walk.v.step())), pixels, count <= 4 ? 4 : 8);
     std::memcpy(out, pixels, static_cast<size_t>(count) * sizeof(Pixel));
+}
+
+template <class Mix>
+void samplePixels(const Mix& mix, const PatternWalk& walk, bool inside, Pixel* out, int32_t count)
+{
+    if (!inside || count < 4) return sampleFew(mix, walk, out, count);
+    if (walk.v.step() == 0 && magnitudeOf(walk.u.step()) <= kFixedOne && count > kFewPixels)
+        return magnifyRows(mix, walk, out, count);
+    const TexelsInside<Mix> texels = {mix, walk, walk.u.indexPosition(), walk.v.indexPosition()};
+    mixPixels(mix, walk.u, texels, fractionsOfTwo(walk.v), all8(fixFraction(walk.v.step())), out,
+              count);
 }
 
 void sampleBilinear(const PatternWalk& walk, bool inside, Pixel* out, uint32_t*, int32_t count)
 {
-    if (!inside || count < 4) return sampleFew(walk, out, count);
-    if (walk.v.step() == 0 && magnitudeOf(walk.u.step()) <= kFixedOne && count > kFewPixels)
-        return magnifyRows(walk, out, count);
-    const TexelsInside texels = {walk, walk.u.indexPosition(), walk.v.indexPosition()};
-    mixPixels(walk.u, texels, fractionsOfTwo(walk.v), all8(fixFraction(walk.v.step())), out, count);
+    samplePixels(ClassicMix(), walk, inside, out, count);
 }
 
-constexpr PatternFilter kBilinear = {0, 1, sampleBilinear, nullptr};
-
-PatternWalk walkOf(const MMContext2D& context)
+// One texel per pixel, hit in its centre.
+bool isRowCopy(const PatternWalk& walk)
 {
-    return PatternWalk(context.currentPaint, context.spanStart, fixFromInt(context.spanRow));
+    return walk.u.step() == kFixedOne && walk.v.step() == 0 &&
+           ((walk.u.fraction() | walk.v.fraction()) & 0xFF00) == 0;
 }
+
+void sampleRefinedBilinear(const PatternWalk& walk, bool inside, Pixel* out, uint32_t*,
+                           int32_t count)
+{
+    const RefinedMix mix(walk.alpha);
+    if (!inside || !isRowCopy(walk) || mix.premultiplies)
+        return samplePixels(mix, walk, inside, out, count);
+    const Pixel* texels = walk.row(walk.v.indexPosition()) + fixFloor(walk.u.indexPosition());
+    int32_t i = 0;
+    for (; i + 4 <= count; i += 4)
+        store4(out + i, mix.finished(load4(texels + i)));
+    for (; i < count; ++i)
+        out[i] = texels[i] | mix.alphaBits;
+}
+
+// Half a texel to the corner, and half a weight so that fractions are rounded rather than cut.
+constexpr PatternFilter kBilinear = {
+    0, 1, sampleBilinear, nullptr, sampleRefinedBilinear, 0x80 - kFixedHalf, true};
 
 } // namespace
 
 void MMContext2D::drawBiLinPatternStrip()
 {
-    PatternWalk walk = walkOf(*this);
+    if (refined != 0) return drawRefinedPattern(*this, kBilinear, false);
+    PatternWalk walk = PatternWalk::fromCorner(*this);
     drawPattern(*this, walk, kBilinear);
 }
 
 void MMContext2D::drawBiLinPatternTStrip()
 {
-    PatternWalk walk = walkOf(*this);
+    if (refined != 0) return drawRefinedPattern(*this, kBilinear, true);
+    PatternWalk walk = PatternWalk::fromCorner(*this);
     drawTranslucentPattern(*this, walk, kBilinear);
 }
 

@@ -28,15 +28,15 @@ inline U32x4 patternWeights(U32x4 colours, U16x8 opacity)
 }
 
 // Samples count pixels: in long runs inside the image, in short ones where tap offsets are needed.
-void sample(PatternWalk& walk, const PatternFilter& filter, Pixel* colours, uint32_t* alphas,
-            int32_t count)
+void sample(PatternWalk& walk, const PatternFilter& filter, SampleTexels sampleTexels,
+            Pixel* colours, uint32_t* alphas, int32_t count)
 {
     while (count > 0) {
         int32_t length = walk.u.pixelsInside(filter.before, filter.after, count);
         if (length > 0) length = walk.v.pixelsInside(filter.before, filter.after, length);
         const bool inside = length > 0;
         if (!inside) length = count < kFewPixels ? count : kFewPixels;
-        filter.sample(walk, inside, colours, alphas, length);
+        sampleTexels(walk, inside, colours, alphas, length);
         walk.advance(length);
         colours += length;
         if (alphas != nullptr) alphas += length;
@@ -44,18 +44,30 @@ void sample(PatternWalk& walk, const PatternFilter& filter, Pixel* colours, uint
     }
 }
 
-// At least one colour.
-bool areOpaque(const Pixel* colours, int32_t count)
+// All alphas of at least one colour combined by op, which takes pixels and fours of them.
+template <class Op>
+uint32_t combinedAlphas(const Pixel* colours, int32_t count, Op op)
 {
-    if (colours[0] >> 24 != 0xFF) return false;
     U32x4 common = all4(colours[0]);
     int32_t i = 0;
     for (; i + 4 <= count; i += 4)
-        common &= load4(colours + i);
-    Pixel all = common[0] & common[1] & common[2] & common[3];
+        common = op(common, load4(colours + i));
+    Pixel all = op(op(common[0], common[1]), op(common[2], common[3]));
     for (; i < count; ++i)
-        all &= colours[i];
-    return all >> 24 == 0xFF;
+        all = op(all, colours[i]);
+    return all >> 24;
+}
+
+bool areOpaque(const Pixel* colours, int32_t count)
+{
+    if (colours[0] >> 24 != 0xFF) return false;
+    return combinedAlphas(colours, count, [](auto a, auto b) { return a & b; }) == 0xFF;
+}
+
+bool areTransparent(const Pixel* colours, int32_t count)
+{
+    if (colours[0] >> 24 != 0) return false;
+    return combinedAlphas(colours, count, [](auto a, auto b) { return a | b; }) == 0;
 }
 
 void drawByAlpha(TranslucentRun<ClassicBlend>& run, PaintPiece& piece, int32_t count)
@@ -81,24 +93,105 @@ void drawByAlpha(TranslucentRun<ClassicBlend>& run, PaintPiece& piece, int32_t c
     run.drawPiece(piece, count);
 }
 
+// Weights of the coverage alone, for a piece whose colours hold all else.
+void weighByCoverage(PaintPiece& piece, CoverageSequence& coverage, int32_t count)
+{
+    fillPixels(piece.weights, (count + 3) & ~3, kWholeAlpha);
+    weighAlphas(piece, coverage, count);
+}
+
+void blendOpaque(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, int32_t count)
+{
+    const uint32_t weight = refinedWeight(coarseCoverage(run.coverage.current()), kWholeAlpha);
+    if (run.coverage.isFlat() && weight == 256) {
+        std::memcpy(run.take(count), piece.colours, static_cast<size_t>(count) * sizeof(Pixel));
+        run.coverage.advance(count);
+        return;
+    }
+    weighByCoverage(piece, run.coverage, count);
+    run.drawPiece(piece, count);
+}
+
+// Each channel of a premultiplied colour times the weight of its coverage, over what the colour's
+// alpha leaves of the background. That weight times the alpha is rounded to a multiple of 255, so
+// the sum stays below 2^16.
+inline U16x8 movePremultiplied(U16x8 from, U16x8 colour, U16x8 weight)
+{
+    const U16x8 share = colour * weight;
+    const U16x8 alphaShare = __builtin_shufflevector(share, share, 3, 3, 3, 3, 7, 7, 7, 7);
+    const U16x8 hidden = mulHigh(alphaShare + 128, U16x8{} + 257); // by 255
+    return from * (256 - hidden) + (share + 128);
+}
+
+void blendPremultiplied(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, int32_t count)
+{
+    weighByCoverage(piece, run.coverage, count);
+    run.blendBy(count, [&](U32x4 backgrounds, int32_t i) {
+        return blendLanes(backgrounds, load4(piece.colours + i), load4(piece.weights + i),
+                          movePremultiplied);
+    });
+}
+
+// Colours with an alpha of their own that none of their channels has been multiplied with.
+void blendStraight(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, int32_t count)
+{
+    for (int32_t i = 0; i < count; i += 4)
+        store4(piece.weights + i, load4(piece.colours + i) >> 24 << 8);
+    weighAlphas(piece, run.coverage, count);
+    run.blendBy(count, [&](U32x4 backgrounds, int32_t i) {
+        return RefinedBlend::four(backgrounds, load4(piece.colours + i) | kOpaque,
+                                  load4(piece.weights + i));
+    });
+}
+
+void blendRefined(TranslucentRun<RefinedBlend>& run, TexelAlpha alpha, PaintPiece& piece,
+                  int32_t count)
+{
+    if (alpha == TexelAlpha::kMadeWhole || areOpaque(piece.colours, count))
+        return blendOpaque(run, piece, count);
+    if (areTransparent(piece.colours, count)) {
+        run.take(count);
+        run.coverage.advance(count);
+        return;
+    }
+    if (alpha == TexelAlpha::kPremultiplied) return blendPremultiplied(run, piece, count);
+    blendStraight(run, piece, count);
+}
+
 } // namespace
 
-PatternWalk::PatternWalk(const MMPaint& paint, Fixed x, Fixed y)
-    : PatternWalk(paint, mapped(paint.patternTransform, x, y))
+PatternWalk::PatternWalk(const MMPaint& paint, TexelAxis uAxis, TexelAxis vAxis)
+    : u(uAxis), v(vAxis), pixels_(paint.patternImage.pixels)
 {
 }
 
-PatternWalk::PatternWalk(const MMPaint& paint, MMPoint2D start)
-    : u(start.x, paint.patternTransform.a, paint.patternImage.width),
-      v(start.y, paint.patternTransform.b, paint.patternImage.height),
-      pixels_(paint.patternImage.pixels)
+PatternWalk PatternWalk::classic(const MMPaint& paint, Fixed x, Fixed y)
 {
+    const Matrix2D& m = paint.patternTransform;
+    const MMPixmap& image = paint.patternImage;
+    const MMPoint2D start = mapped(m, x, y);
+    return {paint, {start.x, m.a, image.width}, {start.y, m.b, image.height}};
+}
+
+PatternWalk PatternWalk::refined(const MMContext2D& context, Fixed offset)
+{
+    const MMPaint& paint = context.currentPaint;
+    const Matrix2D& m = paint.patternTransform;
+    const MMPixmap& image = paint.patternImage;
+    const int64_t column = fixFloor(context.spanStart);
+    const int64_t row = context.spanRow;
+    const int64_t u = m.a * column + m.c * row + ((int64_t{m.a} + m.c) >> 1) + m.e + offset;
+    const int64_t v = m.b * column + m.d * row + ((int64_t{m.b} + m.d) >> 1) + m.f + offset;
+    PatternWalk walk(paint, TexelAxis::refined(u, m.a, image.width),
+                     TexelAxis::refined(v, m.b, image.height));
+    walk.isRefined = true;
+    return walk;
 }
 
 void drawPattern(const MMContext2D& context, PatternWalk& walk, const PatternFilter& filter)
 {
     if (walk.isEmpty()) return;
-    sample(walk, filter, spanFirstPixel(context), nullptr, spanLength(context));
+    sample(walk, filter, filter.sample, spanFirstPixel(context), nullptr, spanLength(context));
 }
 
 void drawTranslucentPattern(MMContext2D& context, PatternWalk& walk, const PatternFilter& filter)
@@ -110,13 +203,37 @@ void drawTranslucentPattern(MMContext2D& context, PatternWalk& walk, const Patte
     do {
         while (count > 0) {
             const int32_t length = count < kPieceLength ? count : kPieceLength;
-            sample(walk, filter, piece.colours, piece.weights, length);
+            sample(walk, filter, filter.sample, piece.colours, piece.weights, length);
             if (filter.weigh != nullptr) {
                 filter.weigh(piece, run.coverage, length);
                 run.drawPiece(piece, length);
             } else {
                 drawByAlpha(run, piece, length);
             }
+            count -= length;
+        }
+        count = 1;
+    } while (run.takeTail());
+}
+
+void drawRefinedPattern(MMContext2D& context, const PatternFilter& filter, bool translucent)
+{
+    PatternWalk walk = PatternWalk::refined(context, filter.refinedOffset);
+    if (walk.isEmpty()) return;
+    int32_t count = spanLength(context);
+    walk.alpha = TexelAlpha::kMadeWhole;
+    if (!translucent)
+        return sample(walk, filter, filter.sampleRefined, spanFirstPixel(context), nullptr, count);
+
+    if (context.currentPaint.patternHasAlpha != 0)
+        walk.alpha = filter.mixes ? TexelAlpha::kPremultiplied : TexelAlpha::kKept;
+    TranslucentRun<RefinedBlend> run(context);
+    PaintPiece piece;
+    do {
+        while (count > 0) {
+            const int32_t length = count < kPieceLength ? count : kPieceLength;
+            sample(walk, filter, filter.sampleRefined, piece.colours, nullptr, length);
+            blendRefined(run, walk.alpha, piece, length);
             count -= length;
         }
         count = 1;

@@ -12,6 +12,7 @@
 
 #include "graphics2d/strips/TranslucentRun.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace KAVO {
@@ -26,14 +27,30 @@ public:
     {
     }
 
+    // By the refined rules the index is the whole part of the coordinate, always and everywhere.
+    static TexelAxis refined(int64_t start, Fixed step, int32_t size)
+    {
+        TexelAxis axis(0, step, size);
+        axis.distance_ = start;
+        axis.bias_ = 0;
+        axis.wraps_ = false;
+        return axis;
+    }
+
     // The coordinate is kept modulo 2^32, the index is not.
     Fixed position() const { return static_cast<Fixed>(static_cast<uint32_t>(distance_)); }
     Fixed step() const { return step_; }
     int32_t size() const { return size_; }
-    int32_t texel() const { return fixFloor(position()); }
+    int64_t texel() const { return wraps_ ? fixFloor(position()) : index(); }
     int64_t index() const { return (distance_ + bias_) >> 16; }
     // From a texel of the coordinate to one of the index.
     int64_t indexOffset() const { return index() - texel(); }
+    // A texel that many after the one of the coordinate, as an index; the outermost one beyond the
+    // image.
+    int64_t tap(int32_t offset) const
+    {
+        return indexOffset() + std::clamp<int64_t>(texel() + offset, 0, size_ - 1);
+    }
     // The position whose whole part is the index, as long as the coordinate has not wrapped.
     Fixed indexPosition() const { return static_cast<Fixed>(distance_ + bias_); }
     uint32_t fraction() const { return fixFraction(position()); }
@@ -57,8 +74,9 @@ public:
 private:
     int64_t distance_; // 16.16 texels, exact for any span
     Fixed step_;
-    int32_t size_; // texels
-    Fixed bias_;   // of the index
+    int32_t size_;      // texels
+    Fixed bias_;        // of the index
+    bool wraps_ = true; // as classic coordinates do
 };
 
 // The texels that the next pixels of an axis point at; all of them inside the image.
@@ -78,10 +96,25 @@ struct TexelRange {
     }
 };
 
+// What becomes of the texels' alpha. Where texels are mixed, colours of little alpha must count for
+// as little: they are premultiplied before.
+enum class TexelAlpha { kKept, kPremultiplied, kMadeWhole };
+
 class PatternWalk {
 public:
-    // Starts where the device point (x, y) falls.
-    PatternWalk(const MMPaint& paint, Fixed x, Fixed y);
+    // The classic walk, from where the device point (x, y) falls.
+    static PatternWalk classic(const MMPaint& paint, Fixed x, Fixed y);
+
+    // The classic walk of the filters that mix: from the span's exact left end on the row's top
+    // edge.
+    static PatternWalk fromCorner(const MMContext2D& context)
+    {
+        return classic(context.currentPaint, context.spanStart, fixFromInt(context.spanRow));
+    }
+
+    // The refined one: from the centre of the span's first column, moved by an offset along both
+    // axes. It is the same for a pixel wherever its span begins.
+    static PatternWalk refined(const MMContext2D& context, Fixed offset);
 
     bool isEmpty() const { return pixels_ == nullptr || u.size() == 0 || v.size() == 0; }
     int32_t width() const { return u.size(); }
@@ -114,30 +147,42 @@ public:
     TexelAxis u;
     TexelAxis v;
 
+    TexelAlpha alpha = TexelAlpha::kKept;
+    bool isRefined = false;
+
 private:
-    PatternWalk(const MMPaint& paint, MMPoint2D start);
+    PatternWalk(const MMPaint& paint, TexelAxis uAxis, TexelAxis vAxis);
 
     const Pixel* pixels_;
 };
+
+// Writes the colours of the next count pixels. Either all of them are inside the image, where no
+// tap offsets are needed, or they are at most kFewPixels that may be anywhere. alphas is null for
+// the opaque filler; filters whose colours have no alpha leave it there.
+using SampleTexels = void (*)(const PatternWalk& walk, bool inside, Pixel* colours,
+                              uint32_t* alphas, int32_t count);
+
+constexpr int32_t kFewPixels = 8;
 
 // What makes a filter.
 struct PatternFilter {
     int32_t before; // texels it reads before and after the one it points at
     int32_t after;
-    // Writes the colours of the next count pixels. Either all of them are inside the image, where
-    // no tap offsets are needed, or they are at most kFewPixels that may be anywhere. alphas is
-    // null for the opaque filler; filters whose colours have no alpha leave it there.
-    void (*sample)(const PatternWalk& walk, bool inside, Pixel* colours, uint32_t* alphas,
-                   int32_t count);
+    SampleTexels sample;
     // Turns alphas into weights; moves the coverage on. Null when the colours have their alpha.
     void (*weigh)(PaintPiece& piece, CoverageSequence& coverage, int32_t count);
-};
 
-constexpr int32_t kFewPixels = 8;
+    // By the refined rules all colours have the alpha that the walk says.
+    SampleTexels sampleRefined;
+    Fixed refinedOffset; // from a pixel's centre to the point whose whole part is the texel
+    bool mixes;          // several texels into one colour
+};
 
 // The strip fillers.
 void drawPattern(const MMContext2D& context, PatternWalk& walk, const PatternFilter& filter);
 void drawTranslucentPattern(MMContext2D& context, PatternWalk& walk, const PatternFilter& filter);
+
+void drawRefinedPattern(MMContext2D& context, const PatternFilter& filter, bool translucent);
 
 } // namespace Graphics2D
 } // namespace KAVO

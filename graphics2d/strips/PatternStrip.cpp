@@ -21,7 +21,30 @@ bool isRowCopy(const PatternWalk& walk, int32_t count)
     return shortfall <= walk.u.fraction();
 }
 
+// A texel as it is, or opaque.
+template <bool kMakeOpaque, class Pixels>
+inline Pixels taken(Pixels texels)
+{
+    return kMakeOpaque ? texels | kOpaque : texels;
+}
+
+// Texels that follow each other.
+template <bool kMakeOpaque>
+void copyRow(const Pixel* texels, Pixel* out, int32_t count)
+{
+    if (!kMakeOpaque) {
+        std::memcpy(out, texels, static_cast<size_t>(count) * sizeof(Pixel));
+        return;
+    }
+    int32_t i = 0;
+    for (; i + 4 <= count; i += 4)
+        store4(out + i, load4(texels + i) | kOpaque);
+    for (; i < count; ++i)
+        out[i] = texels[i] | kOpaque;
+}
+
 // All texels from one row.
+template <bool kMakeOpaque>
 void scaleRow(const PatternWalk& walk, Pixel* out, int32_t count)
 {
     const Pixel* row = walk.row(walk.v.indexPosition());
@@ -34,61 +57,62 @@ void scaleRow(const PatternWalk& walk, Pixel* out, int32_t count)
         const Pixel third = row[fixFloor(u)];
         const Pixel fourth = row[fixFloor(wrapAdd(u, step))];
         u = wrapAdd(u, wrapAdd(step, step));
-        store4(out, U32x4{first, second, third, fourth});
+        store4(out, taken<kMakeOpaque>(U32x4{first, second, third, fourth}));
     }
     for (; count > 0; --count, u = wrapAdd(u, step))
-        *out++ = row[fixFloor(u)];
+        *out++ = taken<kMakeOpaque>(row[fixFloor(u)]);
 }
 
-// The nearest texel within the axis.
-int64_t clamped(const TexelAxis& axis)
-{
-    const int32_t texel = axis.texel();
-    const int32_t last = axis.size() - 1;
-    return axis.indexOffset() + (texel < 0 ? 0 : texel < last ? texel : last);
-}
-
+template <bool kMakeOpaque>
 void sampleNearest(const PatternWalk& walk, bool inside, Pixel* out, uint32_t*, int32_t count)
 {
     if (!inside) {
         PatternWalk at = walk;
         for (int32_t i = 0; i < count; ++i, at.advance(1))
-            out[i] = at.texelAt(clamped(at.u), clamped(at.v));
+            out[i] = taken<kMakeOpaque>(at.texelAt(at.u.tap(0), at.v.tap(0)));
         return;
     }
     Fixed u = walk.u.indexPosition();
     Fixed v = walk.v.indexPosition();
-    if (isRowCopy(walk, count)) {
-        std::memcpy(out, walk.row(v) + fixFloor(u), static_cast<size_t>(count) * sizeof(Pixel));
-        return;
-    }
-    if (walk.v.step() == 0) return scaleRow(walk, out, count);
+    if (isRowCopy(walk, count)) return copyRow<kMakeOpaque>(walk.row(v) + fixFloor(u), out, count);
+    if (walk.v.step() == 0) return scaleRow<kMakeOpaque>(walk, out, count);
     for (int32_t i = 0; i < count; ++i) {
-        out[i] = walk.row(v)[fixFloor(u)];
+        out[i] = taken<kMakeOpaque>(walk.row(v)[fixFloor(u)]);
         u = wrapAdd(u, walk.u.step());
         v = wrapAdd(v, walk.v.step());
     }
 }
 
-constexpr PatternFilter kNearest = {0, 0, sampleNearest, nullptr};
+void sampleRefinedNearest(const PatternWalk& walk, bool inside, Pixel* out, uint32_t* alphas,
+                          int32_t count)
+{
+    if (walk.alpha == TexelAlpha::kMadeWhole)
+        return sampleNearest<true>(walk, inside, out, alphas, count);
+    sampleNearest<false>(walk, inside, out, alphas, count);
+}
+
+constexpr PatternFilter kNearest = {0, 0,    sampleNearest<false>, nullptr, sampleRefinedNearest,
+                                    0, false};
 
 PatternWalk walkOf(const MMContext2D& context)
 {
-    return PatternWalk(context.currentPaint,
-                       wrapAdd(fixFromInt(fixFloor(context.spanStart)), kFixedHalf),
-                       wrapAdd(fixFromInt(context.spanRow), kFixedHalf));
+    return PatternWalk::classic(context.currentPaint,
+                                wrapAdd(fixFromInt(fixFloor(context.spanStart)), kFixedHalf),
+                                wrapAdd(fixFromInt(context.spanRow), kFixedHalf));
 }
 
 } // namespace
 
 void MMContext2D::drawPatternStrip()
 {
+    if (refined != 0) return drawRefinedPattern(*this, kNearest, false);
     PatternWalk walk = walkOf(*this);
     drawPattern(*this, walk, kNearest);
 }
 
 void MMContext2D::drawPatternTStrip()
 {
+    if (refined != 0) return drawRefinedPattern(*this, kNearest, true);
     PatternWalk walk = walkOf(*this);
     drawTranslucentPattern(*this, walk, kNearest);
 }

@@ -128,6 +128,21 @@ inline U32x4 multiplyAddPairs(U16x8 a, U16x8 b)
 #endif
 }
 
+// Bytes times bytes by 255, rounded.
+inline U16x8 productBy255(U16x8 a, U16x8 b)
+{
+    const U16x8 product = a * b + 128;
+    return (product + (product >> 8)) >> 8;
+}
+
+// The channels of two pixels multiplied with their alpha, which stays.
+inline U16x8 premultiplied(U16x8 channels)
+{
+    constexpr U16x8 kWhole = {0, 0, 0, 255, 0, 0, 0, 255};
+    const U16x8 alphas = __builtin_shufflevector(channels, channels, 3, 3, 3, 3, 7, 7, 7, 7);
+    return productBy255(channels, alphas | kWhole);
+}
+
 // Four pixels from the high bytes of sixteen 16-bit lanes.
 inline U32x4 narrowHighBytes(U16x8 low, U16x8 high)
 {

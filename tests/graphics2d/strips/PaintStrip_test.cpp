@@ -231,7 +231,6 @@ TEST_P(PaintStrip, MatchesThePlainModel)
 // By the refined rules a pixel is the same however its row is cut into spans.
 TEST_P(PaintStrip, RefinedPixelsDependOnNoCuts)
 {
-    if (GetParam() >= 5) return;
     for (int round = 0; round < 3000; ++round) {
         hostile = oneIn(4);
         const bool translucent = oneIn(2);
