@@ -169,10 +169,11 @@ public:
     // transform and the opacity behind in currentPaint and give back its paint type alone: the
     // parameters of the paint that was there are gone.
     //
-    // Draw upright images with antiAlias off. With it the edges are those of any shape, and an
-    // image of 16 by 16 at whole coordinates has half covered pixels all around. Inside the edges
-    // every filter puts texel (i, j) of an image of its own size on pixel (i, j), with and without
-    // antiAlias; bicubic blurs it a little.
+    // Draw upright images with antiAlias off and the nearest filter: at its own size and at whole
+    // coordinates an image is copied texel for texel. The other filters sample from where the span
+    // of each row starts in 16.16, half a pixel right of the image's left edge, and blur it along
+    // its rows. With antiAlias the edges are those of any shape, half covered pixels all around
+    // that image; between them spans start at whole columns, and bilinear all but copies it too.
 
     // Draws through the transform into the rectangle of w by h at (x, y) in user space. Without
     // offsetByPosition the image lies at the user space's origin; with it, it is moved by (x, y)
@@ -276,8 +277,8 @@ public:
     void drawRadialGradientTStrip();
 
     // Image patterns by nearest, bilinear and bicubic sampling; coverage and background as for the
-    // gradients. The nearest ones sample at pixel centres, the others at the pixel's top left
-    // corner, from where the span starts. Bicubic ones want an image of at least 2 by 2 texels.
+    // gradients. The nearest ones sample at pixel centres, the others on the top edge of the row,
+    // the first pixel at spanStart. Bicubic ones want an image of at least 2 by 2 texels.
     void drawPatternStrip();
     void drawPatternTStrip();
     void drawBiLinPatternStrip();
@@ -305,7 +306,7 @@ public:
     uint16_t* fontMetrics; // record of the font engine, owned; null: no text
 
     // SET: font and pen. Drawing text moves the pen.
-    Fixed lineHeight;    // distance between baselines, user units; default: fontSize
+    Fixed lineHeight;    // distance between baselines, user units; default: 12.0. See updateFont
     Fixed fontSize;      // user units per em; default: 12.0
     uint32_t fontStyle;  // MMFontStyle; default: upright
     uint32_t textAnchor; // MMTextAnchor; default: start
@@ -365,7 +366,8 @@ public:
     MMPaint currentPaint;
 
     // INNER: the current span, from the rasteriser to the strip filler. The first pixel is column
-    // spanStart >> 16, the one after the last spanEnd >> 16.
+    // spanStart >> 16, the one after the last spanEnd >> 16. Without antiAlias both are exact:
+    // where the shape, half a pixel further right, meets the row; with it they are whole columns.
     Fixed spanStart;
     Fixed spanEnd;
     int32_t spanRow;
@@ -391,7 +393,8 @@ public:
     uint8_t drawSuppressed; // not 0: polygons only set the bounds
     MMPixmap target;        // default: no pixels, background 0xFFFFFFFF
 
-    // SET: the point that kPaintPicking looks for; it hits only when pickY is a whole row.
+    // SET: the point that kPaintPicking looks for. It is hit by a span from spanStart to spanEnd,
+    // both included, when pickY is just that row, without a fraction.
     Fixed pickX;
     Fixed pickY;
 

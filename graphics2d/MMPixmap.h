@@ -12,5 +12,6 @@ struct MMPixmap {
                        // and text is drawn, by width * 4 instead
     KAVO::Pixel backgroundColour; // what panPixmap leaves in uncovered areas
     KAVO::Pixel* pixels;          // row 0, column 0
-    uint32_t pixmapExtra; // low byte: the image has alpha (drawImage); otherwise free for callers
+    uint32_t pixmapExtra; // low byte: the image has alpha (drawImage, setPattern); otherwise free
+                          // for callers
 };
