@@ -137,8 +137,8 @@ public:
     // The same cut into dashes; one without length is a dot, a square one turned with its edge.
     // Without a usable pattern (no dashArray, no entries, a negative one, or only zeros), or where
     // one would make more than 65,535 dashes and gaps, the line is stroked whole. A subpath of one
-    // record with one point draws nothing, and three words of scratch memory stay taken until the
-    // context ends.
+    // record with one point draws nothing; three words of scratch memory then stay counted in
+    // usedWords until the context ends.
     void drawDashArray(MMLinkPath* records, uint16_t segmentCount, uint8_t closed);
 
     // Fills and strokes a rectangle with elliptical corners, or an ellipse (radii equal to the half

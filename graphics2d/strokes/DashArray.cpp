@@ -283,7 +283,8 @@ void dashSubpath(MMContext2D& context, const DevicePen& pen, const MMLinkPath* r
     if (pointCount == 0) return;
     if (recordCount == 1 && pointCount == 1) {
         // A lone point has nothing to cut. Its words stay counted on the scratch stack: the stack's
-        // counts are public, and callers who compare them from one drawing to the next count it in.
+        // counts are public, and callers who compare them from one drawing to the next count these
+        // in.
         void* room = context.scratchStack.Alloc(scratchWordsFor<MMPoint2D>(1));
         if (room == nullptr) noteOutOfMemory(context);
         context.scratchStack.Abandon(room);
