@@ -96,9 +96,10 @@ public:
 
     // --- Paths, in user space -------------------------------------------------------------------
 
-    // Fills and strokes an encoded path. The first word is the header: the number of subpaths in
-    // its low half, the number of segments in its high half (a hint, not relied on). Commands
-    // follow:
+    // Fills and strokes an encoded path. Strokes meet at the tangents of curves, unless they are
+    // dashed, and are round inside them whatever joinStyle says. The first word is the header: the
+    // number of subpaths in its low half, the number of segments in its high half (a hint, not
+    // relied on). Commands follow:
     //   bits 0-27   number of items that follow
     //   bits 28-29  0: points (x, y each), 1: cubic curves (two control points and the end each),
     //               2 and 3: ignored, without words of their own
@@ -130,8 +131,9 @@ public:
     // transform, and is filled as one polygon by the non-zero rule. A subpath without length leaves
     // a dot with round caps, a square along the user space's axes with square caps and nothing with
     // butt caps; a half width of 0 or less, no records and no points draw nothing. Without
-    // anti-aliasing a stroke is at least one device pixel wide. Sets the bounds fields to the
-    // outline's, empty when nothing was drawn.
+    // anti-aliasing a stroke is at least one device pixel wide, and lights a pixel however short it
+    // is, butt caps aside. Sets pointStep to 1, and the bounds fields to the outline's, empty when
+    // nothing was drawn.
     void drawPolyline(MMLinkPath* records, int16_t segmentCount, uint8_t closed);
 
     // The same cut into dashes; one without length is a dot, a square one turned with its edge.
@@ -343,8 +345,8 @@ public:
     // SET: stroke style.
     Fixed strokeHalfWidth;  // user units; default: 0.5
     Fixed miterLimit;       // greatest miter length by stroke width; default: 4.0
-    uint8_t joinStyle;      // MMJoinStyle; default: miter
-    uint8_t capStyle;       // MMCapStyle; default: butt
+    uint8_t joinStyle;      // MMJoinStyle; default, and for unknown values: miter
+    uint8_t capStyle;       // MMCapStyle; default, and for unknown values: butt
     const Fixed* dashArray; // lengths on and off alternately, user units; null: no dashes
     Fixed dashOffset;       // distance into the pattern at which a subpath starts
     uint16_t dashCount;     // entries of dashArray

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Circular arcs as runs of points, filled and stroked.
-#include "graphics2d/BoundsUnion.h"
+#include "graphics2d/OutOfMemory.h"
 #include "graphics2d/paths/ShapePainting.h"
 #include "graphics2d/strokes/CircleSteps.h"
 #include "math/FixedMath.h"
@@ -95,7 +95,7 @@ void MMContext2D::drawCircularArc(MMPoint2D* centre, Fixed radius, Degrees start
     if (centre == nullptr || radius <= 0) return;
     ScratchArray<MMPoint2D> points(scratchStack, kMaxArcPoints + 2); // both ends, or the centre
     if (!points) {
-        outOfMemory |= kScratchExhausted;
+        noteOutOfMemory(*this);
         return;
     }
 
@@ -116,15 +116,13 @@ void MMContext2D::drawCircularArc(MMPoint2D* centre, Fixed radius, Degrees start
     }
 
     if (fills) {
-        if (!fillShape(*this, points.data(), count, kFillNonZero)) {
-            outOfMemory |= kScratchExhausted;
+        if (!fillShape(*this, points.data(), count, kFillNonZero, bounds)) {
+            noteOutOfMemory(*this);
             return;
         }
-        bounds.addBoundsOf(*this);
     }
     if (strokes) {
-        strokeShape(*this, points.data(), count, whole || outline == 0, joinStyle);
-        bounds.addBoundsOf(*this);
+        bounds.add(strokeShape(*this, points.data(), count, whole || outline == 0, joinStyle));
     }
     bounds.storeTo(*this);
 }

@@ -4,7 +4,7 @@
 // The outline is built in user space from eight cubic curves of 45 degrees, two for each corner,
 // and then filled and stroked like any other.
 #include "graphics2d/BoundsUnion.h"
-#include "graphics2d/MMContext2D.h"
+#include "graphics2d/OutOfMemory.h"
 #include "graphics2d/paths/BezierFlattening.h"
 #include "graphics2d/paths/ShapePainting.h"
 #include "math/FixedMath.h"
@@ -75,35 +75,33 @@ struct Corners {
     }
 };
 
-void strokeOutline(MMContext2D& context, MMPoint2D* outline, uint32_t count)
-{
-    // Dashes alone leave a visible fill in the bounds.
-    BoundsUnion bounds;
-    if (context.dashArray != nullptr && context.fillPaint.paintType != kPaintNone)
-        bounds.addBoundsOf(context);
-    strokeShape(context, outline, count, true, kJoinRound);
-    bounds.addBoundsOf(context);
-    bounds.storeTo(context);
-}
-
 // False when the outline has more points than room.
 bool drawCorners(MMContext2D& context, const Corners& corners, uint32_t room)
 {
     ScratchArray<MMPoint2D> outline(context.scratchStack, room);
     if (!outline) {
-        context.outOfMemory |= kScratchExhausted;
+        noteOutOfMemory(context);
         return true;
     }
     const uint32_t count = corners.writeOutline(context.transform, outline.data(), room);
     if (count == 0) return false;
     outline.resize(count); // shrinks in place
 
-    // A fill without memory ends the drawing. outOfMemory here stands for the outline alone.
-    const bool goesOn =
-        context.fillPaint.paintType == kPaintNone ||
-        fillShape(context, outline.data(), count, static_cast<MMFillRule>(context.fillRule));
-    if (goesOn && context.strokePaint.paintType != kPaintNone && context.strokeHalfWidth != 0)
-        strokeOutline(context, outline.data(), count);
+    if (context.fillPaint.paintType != kPaintNone) {
+        BoundsUnion bounds;
+        // A fill without memory ends the drawing. outOfMemory here stands for the outline alone.
+        if (!fillShape(context, outline.data(), count, static_cast<MMFillRule>(context.fillRule),
+                       bounds))
+            return true;
+        bounds.storeUnlessEmpty(context);
+    }
+    if (context.strokePaint.paintType != kPaintNone && context.strokeHalfWidth != 0) {
+        BoundsUnion bounds = strokeShape(context, outline.data(), count, true, kJoinRound);
+        // Dashes alone leave a visible fill in the bounds.
+        if (context.dashArray != nullptr && context.fillPaint.paintType != kPaintNone)
+            bounds.addBoundsOf(context);
+        bounds.storeTo(context);
+    }
     return true;
 }
 

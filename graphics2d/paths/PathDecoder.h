@@ -1,43 +1,13 @@
 // SPDX-License-Identifier: MIT
 // From the words of an encoded path to its points. Internal.
-//
-// The format stands at MMContext2D::drawPath and in MMPathWords.h.
 #pragma once
 
 #include "graphics2d/MMContext2D.h"
-#include "graphics2d/MMPathWords.h"
+#include "graphics2d/PathCommand.h"
 #include "memory/ScratchArray.h"
 
 namespace KAVO {
 namespace Graphics2D {
-
-// A command word of an encoded path.
-struct PathCommand {
-    uint32_t word;
-
-    constexpr uint32_t itemCount() const { return word & kPathItemMask; }
-    constexpr uint32_t kind() const { return word & kPathKindMask; }
-    constexpr bool endsSubpath() const { return (word & kPathEnd) != 0; }
-    constexpr bool closes() const { return (word & kPathClose) != 0; }
-
-    // Words of one item behind the command; the ignored kinds have none.
-    constexpr uint32_t wordsPerItem() const
-    {
-        return kind() == kPathPoints ? 2 : kind() == kPathCurves ? 6 : 0;
-    }
-    constexpr uint32_t itemWords() const { return itemCount() * wordsPerItem(); }
-};
-
-constexpr uint32_t subpathCountOf(uint32_t header)
-{
-    return header & kPathSubpathMask;
-}
-
-// Pairs of words as points. The strokers take segments that are not const but do not write them.
-inline MMPoint2D* pathPoints(const uint32_t* words)
-{
-    return reinterpret_cast<MMPoint2D*>(const_cast<uint32_t*>(words));
-}
 
 // The flattened curves of one path: a scratch block for each, given back in reverse order.
 class CurveBuffers {

@@ -5,7 +5,7 @@
 // repeated at its end, then the first points again in reverse order. Every connecting edge is so
 // walked once each way, and the pairs cancel. Strokes take the subpaths one by one.
 #include "graphics2d/BoundsUnion.h"
-#include "graphics2d/MMContext2D.h"
+#include "graphics2d/OutOfMemory.h"
 #include "graphics2d/paths/PathDecoder.h"
 #include "graphics2d/raster/Rasteriser.h"
 #include "graphics2d/strokes/DashArray.h"
@@ -70,20 +70,28 @@ bool fillPath(MMContext2D& context, DecodedPath& path)
     return true;
 }
 
-void strokePath(MMContext2D& context, DecodedPath& path)
+void strokePath(MMContext2D& context, DecodedPath& path, const uint32_t* words)
 {
     context.currentPaint = context.strokePaint;
     const DevicePen pen(context);
     const MMLinkPath* segment = path.segments();
-    BoundsUnion bounds;
+    const uint32_t* commands = words + 1;
+    BoundsUnion last;
+    BoundsUnion all;
     for (uint32_t i = 0; i < path.subpathCount(); ++i) {
         const uint32_t count = path.segmentCount(i);
-        if (count == 0) continue;
-        strokeOrDashSubpath(context, pen, segment, count, path.isClosed(i));
-        bounds.addBoundsOf(context);
+        if (count != 0 && segment == path.segments()) commands = firstPoints(commands);
+        last = {};
+        if (count != 0)
+            last = strokeOrDashSubpath(context, pen, {segment, count, path.isClosed(i), commands});
+        all.add(last);
         segment += count;
+        commands = nextSubpath(commands);
     }
-    if (context.accumulateBounds != 0) bounds.storeTo(context);
+    if (context.accumulateBounds != 0)
+        all.storeTo(context);
+    else if (path.subpathCount() > 0)
+        last.storeTo(context);
 }
 
 } // namespace
@@ -94,7 +102,7 @@ void MMContext2D::drawPath(const uint32_t* path)
     pointStep = 1;
     DecodedPath decoded(*this, path);
     if (!decoded) {
-        outOfMemory |= kScratchExhausted;
+        noteOutOfMemory(*this);
         return;
     }
     if ((renderFlags & kRenderBoundsOnly) != 0) {
@@ -103,10 +111,10 @@ void MMContext2D::drawPath(const uint32_t* path)
     }
     if (fillPaint.paintType != kPaintNone && decoded.totalPoints() >= 3 &&
         !fillPath(*this, decoded)) {
-        outOfMemory |= kScratchExhausted;
+        noteOutOfMemory(*this);
         return;
     }
-    if (strokePaint.paintType != kPaintNone) strokePath(*this, decoded);
+    if (strokePaint.paintType != kPaintNone) strokePath(*this, decoded, path);
 }
 
 } // namespace Graphics2D

@@ -10,22 +10,23 @@
 namespace KAVO {
 namespace Graphics2D {
 
-bool fillShape(MMContext2D& context, const MMPoint2D* points, uint32_t count, MMFillRule rule)
+bool fillShape(MMContext2D& context, const MMPoint2D* points, uint32_t count, MMFillRule rule,
+               BoundsUnion& bounds)
 {
     context.currentPaint = context.fillPaint;
     ScratchArray<MMPoint2D> polygon(context.scratchStack, count);
     if (!polygon) return false;
     transformPoints(context.transform, polygon.data(), points, count);
-    fillPolygon(context, polygon.data(), count, rule).storeUnlessEmpty(context);
+    bounds = fillPolygon(context, polygon.data(), count, rule);
     return true;
 }
 
-void strokeShape(MMContext2D& context, MMPoint2D* points, uint32_t count, bool closed,
-                 uint8_t joinStyle)
+BoundsUnion strokeShape(MMContext2D& context, MMPoint2D* points, uint32_t count, bool closed,
+                        uint8_t joinStyle)
 {
     context.currentPaint = context.strokePaint;
     const MMLinkPath record = {points, count};
-    strokeOrDashSubpath(context, DevicePen(context, joinStyle), &record, 1, closed);
+    return strokeOrDashSubpath(context, DevicePen(context, joinStyle), {&record, 1, closed});
 }
 
 } // namespace Graphics2D

@@ -3,14 +3,16 @@
 //
 // One walk over the subpath's edges cuts them at the boundaries of the dash pattern. What lies in
 // an "on" entry is gathered in a scratch buffer and stroked as an open polyline of its own; the
-// buffer never holds more than all vertices and the two ends of a dash.
+// buffer never holds more than all vertices and the two ends of a dash. A dash that cannot be seen
+// is only built where the bounds depend on it. Dashes know nothing of curves: their joins and caps
+// follow the chords.
 #include "graphics2d/strokes/DashArray.h"
 
-#include "graphics2d/BoundsUnion.h"
 #include "graphics2d/OutOfMemory.h"
+#include "graphics2d/raster/ClipWindow.h"
 #include "graphics2d/strokes/PathEdge.h"
 #include "math/FixedMath.h"
-#include "math/WideMath.h"
+#include "math/Points.h"
 #include "memory/ScratchArray.h"
 
 #include <algorithm>
@@ -24,21 +26,6 @@ namespace {
 // A pattern that cuts a subpath into more pieces, dashes and gaps counted, is drawn as a plain
 // stroke: the work would be out of proportion to anything that can be seen of it.
 constexpr uint64_t kMaxPieces = 65535;
-
-// A subpath across its records.
-struct Subpath {
-    const MMLinkPath* records;
-    uint32_t recordCount;
-    bool closed;
-
-    uint64_t pointCount() const
-    {
-        uint64_t count = 0;
-        for (uint32_t i = 0; i < recordCount; ++i)
-            count += records[i].count;
-        return count;
-    }
-};
 
 // The points of a subpath that has any, from the first on; when it is closed, that comes last too.
 class PointWalk {
@@ -202,9 +189,11 @@ private:
 // Walks a subpath's edges, gathers the points of the current piece and strokes the dashes.
 class DashPen {
 public:
+    // Each of the two buffers has room for the points of any piece.
     DashPen(MMContext2D& context, const DevicePen& pen, uint64_t pieces, MMPoint2D* buffer,
-            const DashPhase& phase, const MMPoint2D& start)
-        : context_(context), pen_(pen), phase_(phase), at_(start), points_(buffer)
+            MMPoint2D* unseenBuffer, const DashPhase& phase, const MMPoint2D& start)
+        : context_(context), window_(context), pen_(pen), reach_(pen.reach(context)), phase_(phase),
+          at_(start), points_(buffer), unseen_(unseenBuffer)
     {
         pen_.step = pen.stepFor(pieces);
         restartAt(start);
@@ -221,10 +210,12 @@ public:
         if (points_[count_ - 1] != to) points_[count_++] = to;
     }
 
-    void finish()
+    // Returns the bounds of the last dash, or of all of them when the context accumulates.
+    BoundsUnion finish()
     {
         if (phase_.isOn()) strokePiece();
-        if (context_.accumulateBounds != 0) bounds_.storeTo(context_);
+        if (unseenCount_ != 0) stroke(unseen_, unseenCount_, unseenDirection_);
+        return context_.accumulateBounds != 0 ? all_ : last_;
     }
 
 private:
@@ -255,85 +246,108 @@ private:
 
     void strokePiece()
     {
-        const MMLinkPath piece = {points_, count_};
         // A dash without length is a dot in the direction of its edge.
-        if (points_[0] == points_[count_ - 1])
-            pen_.direction = polarOf(along_.x, along_.y).direction;
-        strokeSubpath(context_, pen_, &piece, 1, false);
-        bounds_.addBoundsOf(context_);
+        const UnitVector direction = points_[0] == points_[count_ - 1]
+                                         ? polarOf(along_.x, along_.y).direction
+                                         : pen_.direction;
+        unseenCount_ = 0;
+        if (canBeSeen()) {
+            stroke(points_, count_, direction);
+        } else if (context_.accumulateBounds == 0) { // the bounds are this one's if it is the last
+            std::swap(points_, unseen_);
+            unseenCount_ = count_;
+            unseenDirection_ = direction;
+        }
+    }
+
+    // True when what the piece covers can touch the clip rectangle, or widen the bounds of all.
+    bool canBeSeen() const
+    {
+        BoundsUnion line;
+        for (uint32_t i = 0; i < count_; ++i)
+            line.addPoint(mappedSaturated(context_.transform, points_[i]));
+        const int64_t minX = line.minX - reach_;
+        const int64_t minY = line.minY - reach_;
+        const int64_t maxX = line.maxX + reach_;
+        const int64_t maxY = line.maxY + reach_;
+        if (window_.sidesOf(minX, minY, maxX, maxY) == 0) return true;
+        return context_.accumulateBounds != 0 &&
+               (minX < all_.minX || minY < all_.minY || maxX > all_.maxX || maxY > all_.maxY);
+    }
+
+    void stroke(MMPoint2D* points, uint32_t count, const UnitVector& direction)
+    {
+        const MMLinkPath piece = {points, count};
+        pen_.direction = direction;
+        last_ = strokeSubpath(context_, pen_, {&piece, 1, false});
+        all_.add(last_);
     }
 
     MMContext2D& context_;
+    const ClipWindow window_;
     DevicePen pen_;
+    const int64_t reach_;
     DashPhase phase_;
     MMPoint2D at_;
     MMPoint2D along_ = {0, 0}; // the current edge
     MMPoint2D* points_;
     uint32_t count_ = 0;
-    BoundsUnion bounds_;
+    MMPoint2D* unseen_; // the last dash, while it has not been built
+    uint32_t unseenCount_ = 0;
+    UnitVector unseenDirection_ = {kOne30, 0};
+    BoundsUnion last_;
+    BoundsUnion all_;
 };
 
 // As MMContext2D::drawDashArray.
-void dashSubpath(MMContext2D& context, const DevicePen& pen, const MMLinkPath* records,
-                 uint32_t recordCount, bool closed)
+BoundsUnion dashSubpath(MMContext2D& context, const DevicePen& pen, const Subpath& subpath)
 {
-    BoundsUnion().storeTo(context); // what a subpath without a dash leaves
-    const Subpath subpath = {records, recordCount, closed};
     const uint64_t pointCount = subpath.pointCount();
-    if (pointCount == 0) return;
-    if (recordCount == 1 && pointCount == 1) {
+    if (pointCount == 0) return {};
+    if (subpath.recordCount == 1 && pointCount == 1) {
         // A lone point has nothing to cut. Its words stay counted on the scratch stack: the stack's
         // counts are public, and callers who compare them from one drawing to the next count these
         // in.
         void* room = context.scratchStack.Alloc(scratchWordsFor<MMPoint2D>(1));
         if (room == nullptr) noteOutOfMemory(context);
         context.scratchStack.Abandon(room);
-        return;
+        return {};
     }
 
     const DashPattern pattern(context);
-    if (!pattern.isDrawable()) {
-        strokeSubpath(context, pen, records, recordCount, closed);
-        return;
-    }
+    if (!pattern.isDrawable()) return strokeSubpath(context, pen, subpath);
     const DashPhase start(pattern, context.dashOffset);
     uint64_t pieces = start.piecesWithin(lengthBoundOf(subpath));
     if (pieces > kMaxPieces) pieces = start.piecesWithin(lengthOf(subpath));
-    if (pieces > kMaxPieces) {
-        strokeSubpath(context, pen, records, recordCount, closed);
-        return;
-    }
+    if (pieces > kMaxPieces) return strokeSubpath(context, pen, subpath);
 
     // Beside the vertices, a piece holds the closing point and a boundary.
-    const uint64_t room = std::min<uint64_t>(pointCount + 2, UINT32_MAX);
-    ScratchArray<MMPoint2D> buffer(context.scratchStack, static_cast<uint32_t>(room));
-    if (!buffer) {
-        context.outOfMemory |= kScratchExhausted;
-        return;
+    const uint64_t room = std::min<uint64_t>(pointCount + 2, UINT32_MAX / 2);
+    ScratchArray<MMPoint2D> buffers(context.scratchStack, 2 * static_cast<uint32_t>(room));
+    if (!buffers) {
+        noteOutOfMemory(context);
+        return {};
     }
     PointWalk walk(subpath);
-    DashPen dashPen(context, pen, pieces, buffer.data(), start, walk.at());
+    DashPen dashPen(context, pen, pieces, buffers.data(), buffers.data() + room, start, walk.at());
     while (walk.advance())
         dashPen.walkTo(walk.at());
-    dashPen.finish();
+    return dashPen.finish();
 }
 
 } // namespace
 
-void strokeOrDashSubpath(MMContext2D& context, const DevicePen& pen, const MMLinkPath* records,
-                         uint32_t recordCount, bool closed)
+BoundsUnion strokeOrDashSubpath(MMContext2D& context, const DevicePen& pen, const Subpath& subpath)
 {
-    if (context.dashArray != nullptr)
-        dashSubpath(context, pen, records, recordCount, closed);
-    else
-        strokeSubpath(context, pen, records, recordCount, closed);
+    return context.dashArray != nullptr ? dashSubpath(context, pen, subpath)
+                                        : strokeSubpath(context, pen, subpath);
 }
 
 void MMContext2D::drawDashArray(MMLinkPath* records, uint16_t segmentCount, uint8_t closed)
 {
     pointStep = 1;
-    dashSubpath(*this, DevicePen(*this), records, readableRecords(records, segmentCount),
-                (closed & 1) != 0);
+    const uint32_t count = readableRecords(records, segmentCount);
+    dashSubpath(*this, DevicePen(*this), {records, count, (closed & 1) != 0}).storeTo(*this);
 }
 
 } // namespace Graphics2D

@@ -7,9 +7,9 @@
 namespace KAVO {
 namespace Graphics2D {
 
-// As strokeSubpath, cut into dashes when the context has a dash array.
-void strokeOrDashSubpath(MMContext2D& context, const DevicePen& pen, const MMLinkPath* records,
-                         uint32_t recordCount, bool closed);
+// As strokeSubpath, cut into dashes when the context has a dash array. The bounds are those of the
+// last dash, or of all with accumulateBounds.
+BoundsUnion strokeOrDashSubpath(MMContext2D& context, const DevicePen& pen, const Subpath& subpath);
 
 } // namespace Graphics2D
 } // namespace KAVO

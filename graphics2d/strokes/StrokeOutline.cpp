@@ -12,10 +12,16 @@
 // to the point where their inner sides meet. That takes away a kite once, which both rectangles
 // contain. As a kite reaches no farther than half of either edge, it meets no other kite in a
 // rectangle: any point keeps at least half of its rectangles, so it keeps one.
+//
+// Where a curve ends, its true tangent is an edge without length between the last chord and what
+// comes after: a smooth join leads from the chord to it, and the join or cap proper is built on it.
+//
+// Points leave this file mapped to the device. Three in a row on one side of all that can be seen
+// are two: the outline of a vast pen takes memory for what touches the clip rectangle only.
 #include "graphics2d/strokes/StrokeOutline.h"
 
 #include "graphics2d/MMContext2D.h"
-#include "math/WideMath.h"
+#include "math/Points.h"
 
 #include <algorithm>
 
@@ -41,9 +47,34 @@ int64_t leastMiterOf(Fixed limit)
     return std::max(static_cast<int64_t>((uint64_t{1} << 63) / square), kLeastMiter);
 }
 
+// A run of equal points: one vertex.
+struct VertexRun {
+    uint32_t first;
+    uint32_t last;
+
+    uint32_t next() const { return last + 1; }
+};
+
+// The vertex that begins with the given point; count is more than that.
+VertexRun vertexAt(const MMPoint2D* points, uint32_t first, uint32_t count)
+{
+    uint32_t last = first;
+    while (last + 1 < count && points[last + 1] == points[first])
+        ++last;
+    return {first, last};
+}
+
 Polar edgeBetween(const MMPoint2D& from, const MMPoint2D& to)
 {
     return polarOf(int64_t{to.x} - from.x, int64_t{to.y} - from.y);
+}
+
+constexpr int64_t kNoEdge = INT64_MAX;
+
+// A tangent as an edge to join a chord with.
+Polar tangent(const UnitVector& direction)
+{
+    return {direction, kNoEdge};
 }
 
 uint32_t fitted(uint64_t count)
@@ -53,11 +84,12 @@ uint32_t fitted(uint64_t count)
 
 } // namespace
 
-StrokeOutline::StrokeOutline(MMStackContext& stack, const StrokePen& pen, uint32_t vertexCount)
-    : pen_(pen), stepCosine_(rotationBy(pen.greatestStep).x),
+StrokeOutline::StrokeOutline(MMStackContext& stack, const StrokePen& pen, uint32_t pointCount,
+                             const Matrix2D& toDevice, const ClipWindow& window)
+    : pen_(pen), toDevice_(toDevice), window_(window), stepCosine_(rotationBy(pen.greatestStep).x),
       leastMiter_(leastMiterOf(pen.miterLimit)),
       room_(static_cast<uint32_t>(kDegrees360 / pen.greatestStep) + 8),
-      capacity_(fitted(uint64_t{vertexCount} * 4 + room_ * 2)), back_(capacity_),
+      capacity_(fitted(uint64_t{pointCount} * 4 + room_ * 2)), back_(capacity_),
       points_(stack, capacity_)
 {
 }
@@ -76,7 +108,23 @@ bool StrokeOutline::grow()
 
 void StrokeOutline::put(Side side, const MMPoint2D& vertex, const Offset& offset)
 {
-    const MMPoint2D point = {saturated(vertex.x + offset.x), saturated(vertex.y + offset.y)};
+    putDevice(side, mappedSaturated(toDevice_, {saturated(vertex.x + offset.x),
+                                                saturated(vertex.y + offset.y)}));
+}
+
+void StrokeOutline::putDevice(Side side, const MMPoint2D& point)
+{
+    bounds_.addPoint(point);
+    const uint32_t written = side == kLeft ? front_ : capacity_ - keptFree_ - back_;
+    const ClipWindow::Sides sides = window_.sidesOf(point);
+    if (sides != 0 && written >= 2) {
+        MMPoint2D& last = side == kLeft ? points_[front_ - 1] : points_[back_];
+        const MMPoint2D& before = side == kLeft ? points_[front_ - 2] : points_[back_ + 1];
+        if ((sides & window_.sidesOf(last) & window_.sidesOf(before)) != 0) {
+            last = point;
+            return;
+        }
+    }
     points_[side == kLeft ? front_++ : --back_] = point;
 }
 
@@ -101,23 +149,33 @@ void StrokeOutline::putArc(Side side, const MMPoint2D& centre, const UnitVector&
     }
 }
 
+// A detour on the left side round the unit square at a point.
+void StrokeOutline::putMark(const MMPoint2D& centre)
+{
+    const MMPoint2D from = points_[front_ - 1];
+    constexpr int64_t kHalf = kFixedHalf;
+    const Offset corners[] = {
+        {-kHalf, -kHalf}, {kHalf, -kHalf}, {kHalf, kHalf}, {-kHalf, kHalf}, {-kHalf, -kHalf}};
+    for (const Offset& corner : corners)
+        put(kLeft, centre, corner);
+    putDevice(kLeft, from);
+}
+
 // True when the outer sides are drawn out to where they meet: for miters, and instead of an arc or
 // a bevel that nobody could tell from it.
-bool StrokeOutline::meetsAtTip(Fixed30 dot) const
+bool StrokeOutline::meetsAtTip(Fixed30 dot, uint8_t joinStyle) const
 {
     const bool smooth = dot >= kSmoothCosine;
-    if (pen_.joinStyle == kJoinMiter && (smooth || kOne30 + int64_t{dot} >= leastMiter_))
-        return true;
-    return dot >= stepCosine_ && (smooth || pen_.joinStyle == kJoinRound);
+    if (joinStyle == kJoinMiter && (smooth || kOne30 + int64_t{dot} >= leastMiter_)) return true;
+    return dot >= stepCosine_ && (smooth || joinStyle == kJoinRound);
 }
 
-bool StrokeOutline::joinsRound(Fixed30 dot) const
+// A join of two edges. A smooth one lies inside a curve: it is round where it turns too far for a
+// flattened curve, whatever the pen's style. False when the scratch stack is exhausted.
+bool StrokeOutline::putJoin(const MMPoint2D& vertex, const Polar& before, const Polar& after,
+                            bool smooth)
 {
-    return pen_.joinStyle == kJoinRound || dot >= kSmoothCosine;
-}
-
-void StrokeOutline::putJoin(const MMPoint2D& vertex, const Polar& before, const Polar& after)
-{
+    if (!reserve()) return false;
     const UnitVector& d1 = before.direction;
     const UnitVector& d2 = after.direction;
     const Fixed30 cross = crossOf(d1, d2);
@@ -131,7 +189,9 @@ void StrokeOutline::putJoin(const MMPoint2D& vertex, const Polar& before, const 
     const bool shortCut =
         dot > kSharpestShortCut &&
         reach <= std::min(before.length, after.length) * std::min<int64_t>(onePlusDot, kOne30);
-    const bool tip = meetsAtTip(dot);
+    const bool flat = dot >= kSmoothCosine;
+    const uint8_t joinStyle = smooth && !flat ? uint8_t{kJoinRound} : pen_.joinStyle;
+    const bool tip = meetsAtTip(dot, joinStyle);
 
     const Side outer = cross >= 0 ? kLeft : kRight;
     const Side inner = cross >= 0 ? kRight : kLeft;
@@ -147,16 +207,54 @@ void StrokeOutline::putJoin(const MMPoint2D& vertex, const Polar& before, const 
         put(outer, vertex, meeting);
     } else {
         putAlong(outer, vertex, out1);
-        if (joinsRound(dot)) putArc(outer, vertex, out1, angleBetween(dot, cross));
+        if (flat || joinStyle == kJoinRound) putArc(outer, vertex, out1, angleBetween(dot, cross));
         putAlong(outer, vertex, out2);
     }
-    if (shortCut) {
+    if (before.length == kNoEdge || after.length == kNoEdge) {
+        putChordEnd(inner, vertex, before, after, dot);
+    } else if (shortCut) {
         put(inner, vertex, {-meeting.x, -meeting.y});
     } else {
         putAlong(inner, vertex, opposite(out1));
         put(inner, vertex, {0, 0});
         putAlong(inner, vertex, opposite(out2));
     }
+    if (pen_.marksCorners && !flat) putMark(vertex);
+    return true;
+}
+
+// The inner side of a smooth join of a chord and the tangent at its end: where the chord's side
+// meets the line through the vertex across the tangent, on which the curve ends.
+void StrokeOutline::putChordEnd(Side side, const MMPoint2D& vertex, const Polar& before,
+                                const Polar& after, Fixed30 dot)
+{
+    const bool chordFirst = after.length == kNoEdge;
+    const UnitVector& along = chordFirst ? after.direction : before.direction;
+    const UnitVector across = side == kLeft ? turnedLeft(along) : turnedRight(along);
+    const int64_t chord = chordFirst ? before.length : after.length;
+    const int64_t cross = static_cast<int64_t>(magnitudeOf(crossOf(before.direction, along))) +
+                          static_cast<int64_t>(magnitudeOf(crossOf(along, after.direction)));
+    if (dot > kOne30 / 2 && pen_.halfWidth * cross <= chord * dot) {
+        put(side, vertex,
+            {int64_t{across.x} * pen_.halfWidth / dot, int64_t{across.y} * pen_.halfWidth / dot});
+        return;
+    }
+    const UnitVector& first = before.direction;
+    const UnitVector& second = after.direction;
+    putAlong(side, vertex, side == kLeft ? turnedLeft(first) : turnedRight(first));
+    put(side, vertex, {0, 0});
+    putAlong(side, vertex, side == kLeft ? turnedLeft(second) : turnedRight(second));
+}
+
+// What joins two edges at a vertex, with the tangents of curves between them.
+bool StrokeOutline::putCorner(const MMPoint2D& vertex, const Polar& before,
+                              const CurveCorner& corner, const Polar& after)
+{
+    const Polar arriving = corner.arrives ? Polar{corner.before, 0} : before;
+    const Polar leaving = corner.leaves ? Polar{corner.after, 0} : after;
+    return (!corner.arrives || putJoin(vertex, before, tangent(corner.before), true)) &&
+           putJoin(vertex, arriving, leaving, corner.inside) &&
+           (!corner.leaves || putJoin(vertex, tangent(corner.after), after, true));
 }
 
 // The points between the ends of a cap, clockwise, on the left side.
@@ -182,28 +280,50 @@ bool StrokeOutline::putEnd(const MMPoint2D& end, const UnitVector& outward, Side
     return true;
 }
 
-bool StrokeOutline::buildOpen(const MMPoint2D* points, uint32_t count)
+bool StrokeOutline::buildOpen(const StrokeLine& line)
 {
-    Polar edge = edgeBetween(points[0], points[1]);
-    if (!putEnd(points[0], opposite(edge.direction), kRight, kLeft)) return false;
-    for (uint32_t i = 1; i + 1 < count; ++i) {
-        if (!reserve()) return false;
-        const Polar next = edgeBetween(points[i], points[i + 1]);
-        putJoin(points[i], edge, next);
+    const MMPoint2D* points = line.points;
+    CurveWalk curves(line.subpath);
+    VertexRun at = vertexAt(points, 0, line.count);
+    Polar edge = edgeBetween(points[0], points[at.next()]);
+    CurveCorner corner = curves.cornerAt(at.first, at.last);
+    const UnitVector start = corner.leaves ? corner.after : edge.direction;
+    if (!putEnd(points[0], opposite(start), kRight, kLeft)) return false;
+    if (corner.leaves && !putJoin(points[0], tangent(start), edge, true)) return false;
+    int64_t length = edge.length;
+    for (at = vertexAt(points, at.next(), line.count); at.next() < line.count;
+         at = vertexAt(points, at.next(), line.count)) {
+        const MMPoint2D& vertex = points[at.first];
+        const Polar next = edgeBetween(vertex, points[at.next()]);
+        if (!putCorner(vertex, edge, curves.cornerAt(at.first, at.last), next)) return false;
         edge = next;
+        length += edge.length;
     }
-    return putEnd(points[count - 1], edge.direction, kLeft, kRight);
+    const MMPoint2D& end = points[at.first];
+    corner = curves.cornerAt(at.first, at.last);
+    if (corner.arrives && !putJoin(end, edge, tangent(corner.before), true)) return false;
+    if (!reserve()) return false;
+    if (pen_.marksCorners && length < 2 * int64_t{kFixedOne}) putMark(points[0]);
+    return putEnd(end, corner.arrives ? corner.before : edge.direction, kLeft, kRight);
 }
 
-bool StrokeOutline::buildClosed(const MMPoint2D* points, uint32_t count)
+// kept points are left without those at the end that equal the first.
+bool StrokeOutline::buildClosed(const StrokeLine& line, uint32_t kept)
 {
-    --back_; // for the right side's last point once more
-    Polar edge = edgeBetween(points[count - 1], points[0]);
-    for (uint32_t i = 0; i < count; ++i) {
-        if (!reserve()) return false;
-        const Polar next = edgeBetween(points[i], points[i + 1 < count ? i + 1 : 0]);
-        putJoin(points[i], edge, next);
+    const MMPoint2D* points = line.points;
+    keptFree_ = 1; // for the right side's last point once more
+    --back_;
+    CurveWalk curves(line.subpath);
+    Polar edge = edgeBetween(points[kept - 1], points[0]);
+    for (uint32_t first = 0; first < kept;) {
+        const VertexRun at = vertexAt(points, first, kept);
+        const Polar next = edgeBetween(points[at.first], points[at.next() < kept ? at.next() : 0]);
+        const CurveCorner corner = first == 0
+                                       ? CurveWalk::cornerAtStart(line.subpath, kept, at.last)
+                                       : curves.cornerAt(at.first, at.last);
+        if (!putCorner(points[at.first], edge, corner, next)) return false;
         edge = next;
+        first = at.next();
     }
     if (!reserve()) return false;
     points_[front_++] = points_[0];
@@ -232,12 +352,16 @@ void StrokeOutline::closeGap()
     front_ = static_cast<uint32_t>(end - begin);
 }
 
-bool StrokeOutline::build(const MMPoint2D* points, uint32_t count, bool closed)
+bool StrokeOutline::build(const StrokeLine& line)
 {
     if (!points_) return false;
-    const bool built = count == 1 ? buildDot(points[0])
-                       : closed   ? buildClosed(points, count)
-                                  : buildOpen(points, count);
+    uint32_t kept = line.count;
+    while (kept > 1 && line.points[kept - 1] == line.points[0] && line.closed)
+        --kept;
+    const bool isDot = vertexAt(line.points, 0, kept).next() == kept;
+    const bool built = isDot         ? buildDot(line.points[0])
+                       : line.closed ? buildClosed(line, kept)
+                                     : buildOpen(line);
     if (built) closeGap();
     return built;
 }

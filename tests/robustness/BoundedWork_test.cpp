@@ -96,8 +96,11 @@ TEST(BoundedWork, AHundredThousandCharactersTakeAGlyphForEachOnceAndAFewCallsEac
 uint32_t outlineVertices(MMContext2D& context, const std::vector<MMPoint2D>& line,
                          const StrokePen& pen)
 {
-    StrokeOutline outline(context.scratchStack, pen, static_cast<uint32_t>(line.size()));
-    EXPECT_TRUE(outline.build(line.data(), static_cast<uint32_t>(line.size()), false));
+    const uint32_t count = static_cast<uint32_t>(line.size());
+    const Subpath noCurves = {nullptr, 0, false};
+    const ClipWindow window(context);
+    StrokeOutline outline(context.scratchStack, pen, count, context.transform, window);
+    EXPECT_TRUE(outline.build({line.data(), count, false, noCurves}));
     return outline.count();
 }
 

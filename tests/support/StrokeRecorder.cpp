@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/StrokeRecorder.h"
 
-#include "graphics2d/BoundsUnion.h"
-
 using namespace KAVO::Graphics2D;
 
 namespace {
@@ -21,28 +19,27 @@ StrokeRecorder::~StrokeRecorder()
     recorder = nullptr;
 }
 
-// The linker leads calls of strokeSubpath here. Its name is the same with 4-byte pointers.
+// The linker leads calls of strokeSubpath here.
 #define STROKE_SUBPATH                                                                             \
-    "_ZN4KAVO10Graphics2D13strokeSubpathERNS0_11MMContext2DERKNS0_9DevicePenEPK10MMLinkPathjb"
+    "_ZN4KAVO10Graphics2D13strokeSubpathERNS0_11MMContext2DERKNS0_9DevicePenERKNS0_7SubpathE"
 
-void strokeReally(MMContext2D& context, const DevicePen& pen, const MMLinkPath* records,
-                  uint32_t recordCount, bool closed) __asm__("__real_" STROKE_SUBPATH);
+BoundsUnion strokeReally(MMContext2D& context, const DevicePen& pen,
+                         const Subpath& subpath) __asm__("__real_" STROKE_SUBPATH);
 
-void record(MMContext2D& context, const DevicePen& pen, const MMLinkPath* records,
-            uint32_t recordCount, bool closed) __asm__("__wrap_" STROKE_SUBPATH);
+BoundsUnion record(MMContext2D& context, const DevicePen& pen,
+                   const Subpath& subpath) __asm__("__wrap_" STROKE_SUBPATH);
 
-void record(MMContext2D& context, const DevicePen& pen, const MMLinkPath* records,
-            uint32_t recordCount, bool closed)
+BoundsUnion record(MMContext2D& context, const DevicePen& pen, const Subpath& subpath)
 {
-    if (recorder == nullptr) return strokeReally(context, pen, records, recordCount, closed);
+    if (recorder == nullptr) return strokeReally(context, pen, subpath);
     StrokeRecorder::Stroke stroke = {
-        {}, recordCount, closed, pen.joinStyle, context.currentPaint.paintColour};
-    for (uint32_t i = 0; i < recordCount; ++i)
-        stroke.points.insert(stroke.points.end(), records[i].points,
-                             records[i].points + records[i].count);
+        {}, subpath.recordCount, subpath.closed, pen.joinStyle, context.currentPaint.paintColour};
     BoundsUnion bounds;
-    for (const MMPoint2D& p : stroke.points)
-        bounds.addPoint(p);
-    bounds.storeTo(context);
+    for (uint32_t i = 0; i < subpath.recordCount; ++i)
+        for (uint32_t j = 0; j < subpath.records[i].count; ++j) {
+            stroke.points.push_back(subpath.records[i].points[j]);
+            bounds.addPoint(stroke.points.back());
+        }
     recorder->strokes.push_back(std::move(stroke));
+    return bounds;
 }

@@ -98,6 +98,19 @@ TEST_F(ImageDrawing, APartIsScaledIntoTheDestination)
     EXPECT_EQ(context.transform.e, 0);
 }
 
+// The clip rectangle cannot reach beyond 32,767.
+TEST_F(ImageDrawing, ADestinationMayBeWiderThanTheClipRectangle)
+{
+    std::vector<Pixel> row(40000, kBlank);
+    const MMPixmap canvas = {40000, 1, 160000, 0, row.data(), 0};
+    const MMFixedRegion source = {0, 0, fx(4), fx(1)}, rect = {fx(32760), 0, fx(32764), fx(1)};
+    context.drawImage(&image, &source, &canvas, &rect, 0);
+    EXPECT_EQ(context.clipRight, 32767);
+    EXPECT_EQ(context.clipBottom, 1);
+    for (int i = -1; i <= 4; ++i)
+        EXPECT_EQ(row[static_cast<size_t>(32760 + i)], i >= 0 && i < 4 ? texel(i, 0) : kBlank);
+}
+
 TEST_F(ImageDrawing, AnAngleTurnsAboutTheTopLeftCornerAgainstTheClock)
 {
     const MMFixedRegion source = {0, 0, fx(4), fx(3)};

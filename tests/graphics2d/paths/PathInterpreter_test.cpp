@@ -77,6 +77,21 @@ TEST(PathFill, CurvesStartAtTheEndOfTheSegmentBefore)
     expectFillsAs(path, {outline});
 }
 
+// It starts where the subpath before it ended, at a point that is no part of it.
+TEST(PathFill, ACurveMayOpenALaterSubpath)
+{
+    const Points curve = {at(40, 0), at(45, 20), at(12, 40)};
+    EncodedPath path;
+    path.points(kOuter, EncodedPath::kClosed).curves(curve, EncodedPath::kClosed);
+    MMContext2D flattener;
+    flattener.transform = kSlanted;
+    Points run(1024);
+    run.resize(static_cast<size_t>(
+        flattener.getBezierPts(run.data(), kOuter.back(), curve[0], curve[1], curve[2])));
+    EXPECT_GT(run.size(), 3u);
+    expectFillsAs(path, {kOuter, run});
+}
+
 TEST(PathFill, MalformedCommandsDrawWhatIsSoundInThem)
 {
     const Points curve = {at(20, 0), at(40, 10), at(35, 30)};
@@ -107,8 +122,10 @@ TEST(PathFill, NothingToFill)
     for (const EncodedPath* path : {&none, &two, &curveOnly, &unpainted}) {
         Picture picture;
         if (path == &unpainted) picture.context.fillPaint.paintType = kPaintNone;
+        picture.context.boundsMinX = 77;
         picture.context.drawPath(path->data());
         EXPECT_TRUE(picture.blank());
+        EXPECT_EQ(picture.context.boundsMinX, 77);
     }
 }
 
@@ -189,14 +206,37 @@ TEST(PathStroke, HandsOnEachSubpathInUserSpace)
     picture.wordsKept = 3; // the lone point's block
 }
 
+// Without accumulateBounds a stroke leaves the bounds of the last subpath, whatever is in it.
+TEST(PathStroke, AnEmptySubpathLeavesEmptyBounds)
+{
+    const Fixed dashes[] = {fx(3)};
+    EncodedPath empty, emptyLast;
+    empty.bare(EncodedPath::kClosed);
+    emptyLast.points(kOuter, EncodedPath::kOpen).points({}, EncodedPath::kOpen);
+    for (const EncodedPath* path : {&empty, &emptyLast})
+        for (bool dashed : {false, true}) {
+            Picture picture;
+            MMContext2D& context = picture.context;
+            context.boundsMinX = context.boundsMaxX = 77;
+            context.fillPaint.paintType = kPaintNone;
+            context.strokePaint.paintType = kPaintSolid;
+            context.dashArray = dashed ? dashes : nullptr;
+            context.dashCount = 1;
+            context.drawPath(path->data());
+            EXPECT_TRUE(picture.emptyBounds());
+            EXPECT_EQ(picture.blank(), path == &empty);
+        }
+}
+
 TEST(PathKeyPoints, CountsPointsCurveEndsAndClosings)
 {
     MMContext2D context;
     EncodedPath path;
     path.points({at(0, 0), at(1, 0), at(2, 0)}).curves(Points(6, at(3, 3)), EncodedPath::kClosed);
     EXPECT_EQ(context.getPathKeyPointCount(path.stored().data()), 3u + 2 + 1);
-    path.bare(3u << 28).points({at(0, 0)}, EncodedPath::kOpen);
-    EXPECT_EQ(context.getPathKeyPointCount(path.stored().data()), 6u + 1);
+    path.bare(3u << 28 | 70).bare(2u << 28 | 5).points({at(0, 0)}, EncodedPath::kOpen);
+    EXPECT_EQ(context.getPathKeyPointCount(path.stored().data()), 6u + 75 + 1)
+        << "no words of them";
     path.points(kOuter, EncodedPath::kClosed).header() = 0; // no subpath: one command is counted
     EXPECT_EQ(context.getPathKeyPointCount(path.stored().data()), 3u);
 }

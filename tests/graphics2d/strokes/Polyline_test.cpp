@@ -130,6 +130,14 @@ TEST(Polyline, LineWithoutLengthLeavesItsCaps)
                 }
 }
 
+TEST(Polyline, StepsFromPointToPoint)
+{
+    Picture picture(kSize);
+    picture.context.pointStep = 5;
+    stroke(picture.context, Line{{5, 6}, {20, 9}});
+    EXPECT_EQ(picture.context.pointStep, 1);
+}
+
 TEST(Polyline, LineThatIsADotOnTheDeviceAddsNothingToItsPen)
 {
     Picture picture(kSize);
