@@ -26,8 +26,6 @@ struct RowStep {
 
 // How colours are mixed by the classic rules.
 struct ClassicMix {
-    static constexpr bool kPremultiplies = false;
-
     static RowStep between(U16x8 left, U16x8 right)
     {
         return {left << 8, raisedDifference(left, right)};
