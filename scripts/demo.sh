@@ -21,6 +21,8 @@ cmake --build $build --parallel "$(nproc)" >> $build/build.log ||
 
 echo "== gallery and example drawings"
 $build/examples/hello $pictures/hello.ppm
+$build/examples/piechart $pictures/piechart.png
+$build/examples/guide $pictures/guide.png
 $build/examples/gallery $pictures/gallery.png
 for drawing in examples/drawings/*.svg; do
     # Everything in them is meant to be drawn, with a glyph for every character.
