@@ -96,10 +96,12 @@ public:
 
     // --- Paths, in user space -------------------------------------------------------------------
 
-    // Fills and strokes an encoded path. Strokes meet at the tangents of curves, unless they are
-    // dashed, and are round inside them whatever joinStyle says. The first word is the header: the
-    // number of subpaths in its low half, the number of segments in its high half (a hint, not
-    // relied on). Commands follow:
+    // Fills an encoded path with fillPaint, all subpaths as one shape, and then strokes each with
+    // strokePaint. A path of fewer than three points is not filled. Strokes meet at the tangents of
+    // curves, unless they are dashed, and are round inside them whatever joinStyle says.
+    //
+    // The first word is the header: the number of subpaths in its low half, the number of segments
+    // in its high half (a hint, not relied on). Commands follow:
     //   bits 0-27   number of items that follow
     //   bits 28-29  0: points (x, y each), 1: cubic curves (two control points and the end each),
     //               2 and 3: ignored, without words of their own
@@ -144,7 +146,7 @@ public:
     void drawDashArray(MMLinkPath* records, uint16_t segmentCount, uint8_t closed);
 
     // Fills and strokes a rectangle with elliptical corners, or an ellipse (radii equal to the half
-    // sizes).
+    // sizes). Its stroke has round joins whatever joinStyle says.
     void drawEllipticalRect(Fixed cx, Fixed cy, Fixed halfWidth, Fixed halfHeight, Fixed rx,
                             Fixed ry);
 
@@ -352,7 +354,7 @@ public:
     uint16_t dashCount;     // entries of dashArray
 
     // SET: images, and what the bounds cover.
-    uint8_t patternFilter;    // MMPatternFilter; default: bilinear
+    uint8_t patternFilter;    // MMPatternFilter; default: bilinear. Unknown values draw no image
     uint8_t imageOpacity;     // taken over into paintOpacity by drawImage; default: 255
     uint8_t accumulateBounds; // strokes and text unite the bounds of all their pieces
     uint8_t reservedFlag;     // nothing reads it; default: 1
@@ -410,7 +412,7 @@ public:
     // SET: positions between the points that getBezierPts and getCircularArcPts write. Paths,
     // strokes and rounded rectangles put its default back: 1.
     int32_t pointStep;
-    uint8_t fillRule; // SET: MMFillRule of fills; default: non-zero. Strokes are always non-zero
+    uint8_t fillRule; // SET: MMFillRule of fills; default, and for unknown values: non-zero
 
     // SET: the rules that everything is drawn by. 0: the classic ones, the same to the bit for
     // good. 1: refined drawing, closer to the ideal picture; it may change as it becomes better.
