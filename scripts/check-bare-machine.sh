@@ -49,6 +49,7 @@ logged() {
 }
 
 echo "== a bare $release"
+# shellcheck disable=SC2016 # apt-get expands it
 source=$(apt-get indextargets --format '$(CODENAME) $(COMPONENT) $(REPO_URI)' 'Created-By: Packages' |
     awk -v release=$release '$1 == release && $2 == "main" && !found++ { print $3 }')
 [ -n "$source" ] || { echo "apt has no source for $release" >&2; exit 1; }

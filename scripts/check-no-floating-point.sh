@@ -15,7 +15,7 @@ cd "$(dirname "$0")/.."
 
 sources=()
 for folder in graphics2d math memory util; do
-    [ -d $folder ] && sources+=($folder)
+    [ -d "$folder" ] && sources+=("$folder")
 done
 status=0
 

@@ -52,6 +52,7 @@ render_one() {
 }
 export -f render_one
 export svg2png side
+# shellcheck disable=SC2016 # the inner shell expands it
 xargs -P "$(nproc)" -d '\n' -n 1 bash -c 'render_one "${0%% *}" "${0#* }"' < files.txt
 
 # --- The verdict ---------------------------------------------------------------------------------
