@@ -143,7 +143,6 @@ HalfChord halfChord(int64_t dx, int64_t dy, uint64_t rx, uint64_t ry)
     Vector v = {upperDigits(x, exponent), upperDigits(y, exponent)};
     const uint64_t length = squareRoot(static_cast<uint64_t>(v.x * v.x + v.y * v.y));
     const uint64_t divisor = denominator.digits >> 31;
-    // Neither radius is 0, so the product's digits are 62. NOLINTNEXTLINE(*-core.DivideZero)
     const uint64_t ratio = ((length << 30) + divisor / 2) / divisor; // 29 to 32 bits
     const int32_t shift = exponent - (denominator.exponent + 31);
     HalfChord half;

@@ -44,7 +44,6 @@ public:
     int32_t step() const
     {
         if (columns() <= kShortRamp) return static_cast<int32_t>(coverageSlope_ << 8);
-        // So many columns are not crossed without travel. NOLINTNEXTLINE(*-core.DivideZero)
         return static_cast<int32_t>((uint64_t{1} << 40) / travel());
     }
 
