@@ -91,7 +91,9 @@ public:
     void rasterComplexPolygon(MMPoint2D* points, uint16_t count);
 
     // Draws the edge pixels and the interior of one anti-aliased row from the span and the edge
-    // state below. For callers with rows of their own; the rasterisers do without it.
+    // state below. For callers with rows of their own: the rasterisers draw rows between two
+    // straight edges as this does, but from values that they hold, and cut rows with vertices into
+    // slabs.
     void smoothEdges();
 
     // --- Paths, in user space -------------------------------------------------------------------
@@ -381,8 +383,10 @@ public:
     Coverage spanCoverageStep; // added per pixel from the second on
     Coverage spanTailCoverage; // of one more pixel right of the span; 0 or less: none
 
-    // INNER: the edge state of the current row, for smoothEdges. The edges' x at the bottom of the
-    // row are spanStart and spanEnd.
+    // INNER: the edge state of a row. Only smoothEdges reads it; rasterMonotonePolygon leaves here
+    // the last anti-aliased row that it drew between two straight edges. The edges' x at the bottom
+    // of the row are spanStart and spanEnd. Where the alphas differ each edge takes its own, and
+    // what lies between the edges, or in a column of both, the lesser one.
     Fixed leftPreviousX; // x at the top of the row
     Fixed rightPreviousX;
     Fixed leftSlope; // x per row

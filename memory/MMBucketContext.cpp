@@ -37,27 +37,43 @@ MMBucketContext::~MMBucketContext()
 uint32_t MMBucketContext::Resize(uint32_t count)
 {
     std::free(buffer);
-    buffer = nullptr;
-    slots = nullptr;
-    itemCount = 0;
-    searchStart = 0;
+    Return();
+    const uint32_t words = wordsFor(itemWords, count);
+    if (words == UINT32_MAX) return 1;
+    void* block = std::malloc((words != 0 ? words : 1) * sizeof(uint32_t));
+    if (block == nullptr) return 1;
+    Borrow(static_cast<uint32_t*>(block), count);
+    return 0;
+}
 
+void MMBucketContext::Borrow(uint32_t* block, uint32_t count)
+{
     const uint32_t bitmapWords = bitmapWordsFor(count);
-    const uint64_t slotWords = uint64_t{itemWords} + 1;
-    // Indices of words are 32 bits wide.
-    if (slotWords * count + bitmapWords > UINT32_MAX / sizeof(uint32_t)) return 1;
-    const size_t words = static_cast<size_t>(slotWords) * count + bitmapWords;
-    buffer = static_cast<uint32_t*>(std::malloc((words != 0 ? words : 1) * sizeof(uint32_t)));
-    if (buffer == nullptr) return 1;
-
+    buffer = block;
     slots = buffer + bitmapWords;
     itemCount = count;
+    searchStart = 0;
     std::memset(buffer, 0xFF, bitmapWords * sizeof(uint32_t));
     // Bits beyond the last slot are no slots.
     if (count % kBitsPerWord != 0) buffer[bitmapWords - 1] = (1u << (count % kBitsPerWord)) - 1;
     for (uint32_t i = 0; i < count; ++i)
-        slots[i * slotWords] = i;
-    return 0;
+        slots[i * (itemWords + 1)] = i;
+}
+
+void MMBucketContext::Return()
+{
+    buffer = nullptr;
+    slots = nullptr;
+    itemCount = 0;
+    searchStart = 0;
+}
+
+uint32_t MMBucketContext::wordsFor(uint32_t wordsPerItem, uint32_t count)
+{
+    const uint64_t slotWords = uint64_t{wordsPerItem} + 1;
+    const uint32_t bitmapWords = bitmapWordsFor(count);
+    if (slotWords * count + bitmapWords > UINT32_MAX / sizeof(uint32_t)) return UINT32_MAX;
+    return static_cast<uint32_t>(slotWords * count + bitmapWords);
 }
 
 void* MMBucketContext::Alloc()

@@ -6,9 +6,9 @@
 
 #pragma GCC visibility push(default)
 
-// The complex polygon rasteriser keeps its active edges here: items come and go in any order while
-// the scan proceeds, and there is one heap call for all of them. The lowest free slot is always
-// taken first. Sizes are in 32-bit words.
+// The complex polygon rasteriser keeps its active edges here. Items come and go in any order, and
+// there is one heap call for all of them, or none when the pool borrows its block. The lowest free
+// slot is always taken first. Sizes are in 32-bit words.
 class MMBucketContext {
 public:
     explicit MMBucketContext(uint32_t wordsPerItem);
@@ -19,6 +19,15 @@ public:
     // Makes room for count items and drops all that were held. Returns 0, or 1 when the heap
     // refused (the pool is then empty).
     uint32_t Resize(uint32_t count);
+
+    // The same in a block of the caller's, wordsFor(itemWords, count) words long, in place of one
+    // from the heap. The pool is empty again, and lets go of the block, when it is returned; that
+    // must happen before the pool is resized or ends.
+    void Borrow(uint32_t* block, uint32_t count);
+    void Return();
+
+    // Words of a pool's block; UINT32_MAX for more than indices of words can name.
+    static uint32_t wordsFor(uint32_t wordsPerItem, uint32_t count);
 
     // An item of itemWords words, or null when none is free.
     void* Alloc();

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Drawing of encoded paths.
 //
-// A path is filled as one polygon through all its subpaths: each in turn with its first point
-// repeated at its end, then the first points again in reverse order. Every connecting edge is so
-// walked once each way, and the pairs cancel. Strokes take the subpaths one by one.
+// A path is filled as one shape whose contours are the subpaths, each closed by itself. Strokes
+// take the subpaths one by one.
 #include "graphics2d/BoundsUnion.h"
 #include "graphics2d/OutOfMemory.h"
 #include "graphics2d/paths/PathDecoder.h"
@@ -29,43 +28,36 @@ BoundsUnion boundsOf(DecodedPath& path)
     return bounds;
 }
 
-uint32_t countSubpathsWithPoints(const DecodedPath& path)
-{
-    uint32_t count = 0;
-    for (uint32_t i = 0; i < path.subpathCount(); ++i)
-        count += path.segmentCount(i) > 0 ? 1 : 0;
-    return count;
-}
-
-// Writes the polygon of a path in device space: its points, and two more for each subpath that has
-// any, count in all.
-void writePolygon(const Matrix2D& transform, DecodedPath& path, MMPoint2D* polygon, uint32_t count)
+// Writes the subpaths that have points as contours in device space. Returns how many they are.
+uint32_t writeContours(const Matrix2D& transform, DecodedPath& path, MMPoint2D* points,
+                       uint32_t* ends)
 {
     const MMLinkPath* segment = path.segments();
-    MMPoint2D* front = polygon;
-    MMPoint2D* back = polygon + count;
+    uint32_t written = 0;
+    uint32_t count = 0;
     for (uint32_t i = 0; i < path.subpathCount(); ++i) {
-        const MMPoint2D* first = front;
+        const uint32_t start = written;
         for (uint32_t k = path.segmentCount(i); k > 0; --k, ++segment) {
-            transformPoints(transform, front, segment->points, segment->count);
-            front += segment->count;
+            transformPoints(transform, points + written, segment->points, segment->count);
+            written += segment->count;
         }
-        if (front == first) continue;
-        *front++ = *first;
-        *--back = *first;
+        if (written != start) ends[count++] = written;
     }
+    return count;
 }
 
 // False when the scratch stack is exhausted.
 bool fillPath(MMContext2D& context, DecodedPath& path)
 {
-    const uint64_t total = path.totalPoints() + 2 * uint64_t{countSubpathsWithPoints(path)};
-    const uint32_t count = static_cast<uint32_t>(std::min<uint64_t>(total, UINT32_MAX));
-    ScratchArray<MMPoint2D> polygon(context.scratchStack, count);
-    if (!polygon) return false;
-    writePolygon(context.transform, path, polygon.data(), count);
+    const uint32_t total =
+        static_cast<uint32_t>(std::min<uint64_t>(path.totalPoints(), UINT32_MAX));
+    ScratchArray<MMPoint2D> points(context.scratchStack, total);
+    ScratchArray<uint32_t> ends(context.scratchStack, path.subpathCount());
+    if (!points || !ends) return false;
+    const uint32_t count = writeContours(context.transform, path, points.data(), ends.data());
     context.currentPaint = context.fillPaint;
-    fillPolygon(context, polygon.data(), count, static_cast<MMFillRule>(context.fillRule))
+    fillContours(context, {points.data(), ends.data(), count},
+                 static_cast<MMFillRule>(context.fillRule), ThinShapes::kOneSpan)
         .storeUnlessEmpty(context);
     return true;
 }

@@ -22,6 +22,11 @@ public:
     // False when there was no memory; nothing else may be called then.
     explicit operator bool() const { return deltas_ && touched_; }
 
+    // Where the visible columns begin and end. What lies left of them only counts for its height,
+    // what lies right of them not at all.
+    Fixed startX() const { return fixFromInt(left_); }
+    Fixed endX() const { return fixFromInt(left_ + columns_); }
+
     // A piece from (topX, level) to (bottomX, level + height) within the row. Height is in 1/65536
     // of the row, 0 to 0x10000; sign is 1 for a left edge and -1 for a right edge.
     void addPiece(Fixed topX, Fixed bottomX, uint32_t height, int32_t sign);

@@ -12,10 +12,11 @@
 // exactly in a CoverageRow.
 //
 // The list is the only memory taken: the vertices, and one row of coverage.
+#include "graphics2d/raster/RasterMonotone.h"
+
 #include "graphics2d/OutOfMemory.h"
 #include "graphics2d/raster/EdgeLine.h"
 #include "graphics2d/raster/EdgeRow.h"
-#include "graphics2d/raster/Rasteriser.h"
 #include "graphics2d/raster/SlabFill.h"
 #include "graphics2d/raster/ThinPolygon.h"
 #include "memory/ScratchArray.h"
@@ -76,10 +77,10 @@ private:
 };
 
 // One of the two chains: the edge it is on, and the vertices still to come.
-class SideChain {
+class WalkedChain {
 public:
     // Runs from one vertex toward another, step +1 or -1 at a time.
-    SideChain(const MMPoint2D* from, const MMPoint2D* to, int32_t step)
+    WalkedChain(const MMPoint2D* from, const MMPoint2D* to, int32_t step)
         : vertex_(from), end_(to), step_(step), line_(EdgeLine::at(*from))
     {
     }
@@ -132,45 +133,48 @@ private:
     Fixed coverageSlope_ = 0; // 0: not computed yet
 };
 
-void drawSharp(RowPainter& painter, SideChain& left, SideChain& right, Fixed top, Fixed bottom)
+void drawSharp(RowPainter& painter, WalkedChain& forward, WalkedChain& backward, Fixed top,
+               Fixed bottom)
 {
     const PixelBox& visible = painter.visible();
     int32_t row = std::max(fixFloor(top), visible.top);
     while (row < visible.bottom) {
         Fixed boundary = fixFromInt(row + 1);
         if (boundary > bottom) return;
-        if (!left.advance(boundary, true) || !right.advance(boundary, true)) return;
-        Fixed leftX = left.xAt(boundary);
-        Fixed rightX = right.xAt(boundary);
-        const Fixed lowest = std::min({left.endY(), right.endY(), fixFromInt(visible.bottom)});
+        if (!forward.advance(boundary, true) || !backward.advance(boundary, true)) return;
+        Fixed forwardX = forward.xAt(boundary);
+        Fixed backwardX = backward.xAt(boundary);
+        const Fixed lowest =
+            std::min({forward.endY(), backward.endY(), fixFromInt(visible.bottom)});
         // Rows to the end of the nearer edge; both edges continue straight.
         for (;;) {
             painter.beginRow(row++);
-            painter.drawSharp(std::min(leftX, rightX), std::max(leftX, rightX));
+            painter.drawSharp(std::min(forwardX, backwardX), std::max(forwardX, backwardX));
             if (boundary > lowest - kFixedOne) break;
             boundary += kFixedOne;
-            leftX = left.endY() == boundary ? left.xAt(boundary) : wrapAdd(leftX, left.slope());
-            rightX =
-                right.endY() == boundary ? right.xAt(boundary) : wrapAdd(rightX, right.slope());
+            forwardX = forward.endY() == boundary ? forward.xAt(boundary)
+                                                  : wrapAdd(forwardX, forward.slope());
+            backwardX = backward.endY() == boundary ? backward.xAt(boundary)
+                                                    : wrapAdd(backwardX, backward.slope());
         }
-        left.moveTo(boundary, leftX);
-        right.moveTo(boundary, rightX);
+        forward.moveTo(boundary, forwardX);
+        backward.moveTo(boundary, backwardX);
     }
 }
 
 // Sums up the part of a row from level on, slab by slab, and draws it. Returns the level reached.
-Fixed drawSlabs(RowPainter& painter, CoverageRow& coverage, SlabFill& slabs, SideChain& left,
-                SideChain& right, Fixed level, Fixed bottom)
+Fixed drawSlabs(RowPainter& painter, CoverageRow& coverage, SlabFill& slabs, WalkedChain& forward,
+                WalkedChain& backward, Fixed level, Fixed bottom)
 {
     const Fixed rowBottom = std::min(fixFromInt(fixFloor(level) + 1), bottom);
-    painter.expect(fixFloor(level) + 2, left.endX());
-    painter.expect(fixFloor(level) + 2, right.endX());
-    while (level < rowBottom && left.advance(level, false) && right.advance(level, false)) {
-        const Fixed slabBottom = std::min({rowBottom, left.endY(), right.endY()});
-        SlabEdge edges[] = {{left.xAt(level), left.xAt(slabBottom), 1},
-                            {right.xAt(level), right.xAt(slabBottom), -1}};
+    painter.expect(fixFloor(level) + 2, forward.endX());
+    painter.expect(fixFloor(level) + 2, backward.endX());
+    while (level < rowBottom && forward.advance(level, false) && backward.advance(level, false)) {
+        const Fixed slabBottom = std::min({rowBottom, forward.endY(), backward.endY()});
+        SlabEdge edges[] = {{forward.xAt(level), forward.xAt(slabBottom), 1},
+                            {backward.xAt(level), backward.xAt(slabBottom), -1}};
         const uint32_t height = static_cast<uint32_t>(slabBottom - level);
-        if (edges[0].top <= edges[1].top && edges[0].bottom <= edges[1].bottom)
+        if (edges[0].topX <= edges[1].topX && edges[0].bottomX <= edges[1].bottomX)
             slabs.addOrdered(edges, 2, 0, height);
         else
             slabs.add(edges, 2, 0, height);
@@ -180,100 +184,126 @@ Fixed drawSlabs(RowPainter& painter, CoverageRow& coverage, SlabFill& slabs, Sid
     return rowBottom;
 }
 
-// Draws whole rows while no vertex lies in them. Returns the number of rows drawn.
-int32_t drawWholeRows(RowPainter& painter, SideChain& left, SideChain& right, int32_t row,
-                      int32_t count)
+// An edge in a row that it crosses wholly.
+struct RowEdge {
+    Fixed topX;
+    Fixed bottomX;
+    Fixed slope;
+    Fixed coverageSlope;
+};
+
+// Leaves in the context what smoothEdges would draw the same row from.
+void storeEdges(MMContext2D& context, const RowEdge& left, const RowEdge& right)
 {
-    Fixed leftX = left.xAt(fixFromInt(row));
-    Fixed rightX = right.xAt(fixFromInt(row));
-    const Fixed leftSlope = left.slope();
-    const Fixed rightSlope = right.slope();
-    const Fixed leftCoverage = left.coverageSlope();
-    const Fixed rightCoverage = right.coverageSlope();
+    context.spanStart = left.bottomX;
+    context.spanEnd = right.bottomX;
+    context.leftPreviousX = left.topX;
+    context.rightPreviousX = right.topX;
+    context.leftSlope = left.slope;
+    context.rightSlope = right.slope;
+    context.leftCoverageSlope = left.coverageSlope;
+    context.rightCoverageSlope = right.coverageSlope;
+    context.leftEdgeAlpha = 255;
+    context.rightEdgeAlpha = 255;
+}
+
+EdgeRamp rampOf(const RowEdge& edge)
+{
+    return EdgeRamp(edge.topX, edge.bottomX, edge.coverageSlope);
+}
+
+// Draws whole rows while no vertex lies in them. Returns the number of rows drawn.
+int32_t drawWholeRows(MMContext2D& context, RowPainter& painter, WalkedChain& forward,
+                      WalkedChain& backward, int32_t row, int32_t count)
+{
+    RowEdge a = {0, forward.xAt(fixFromInt(row)), forward.slope(), forward.coverageSlope()};
+    RowEdge b = {0, backward.xAt(fixFromInt(row)), backward.slope(), backward.coverageSlope()};
     int32_t drawn = 0;
     while (drawn < count) {
-        const Fixed leftNext = wrapAdd(leftX, leftSlope);
-        const Fixed rightNext = wrapAdd(rightX, rightSlope);
-        if ((leftX > rightX) != (leftNext > rightNext) && leftX != rightX) break; // they cross
-        const EdgeRamp a(leftX, leftNext, leftCoverage);
-        const EdgeRamp b(rightX, rightNext, rightCoverage);
-        const bool exchanged = leftX > rightX || leftNext > rightNext;
+        a.topX = a.bottomX;
+        b.topX = b.bottomX;
+        const Fixed nextA = wrapAdd(a.topX, a.slope);
+        const Fixed nextB = wrapAdd(b.topX, b.slope);
+        if ((a.topX > b.topX) != (nextA > nextB) && a.topX != b.topX) break; // they cross
+        a.bottomX = nextA;
+        b.bottomX = nextB;
+        const bool exchanged = a.topX > b.topX || a.bottomX > b.bottomX;
+        const RowEdge& left = exchanged ? b : a;
+        const RowEdge& right = exchanged ? a : b;
+        const EdgeRamp leftRamp = rampOf(left);
+        const EdgeRamp rightRamp = rampOf(right);
         // Between upright edges all rows are alike.
-        const int32_t end = leftSlope == 0 && rightSlope == 0 ? count : drawn + 1;
+        const int32_t end = a.slope == 0 && b.slope == 0 ? count : drawn + 1;
         for (; drawn < end; ++drawn) {
             painter.beginRow(row + drawn);
-            painter.expect(row + drawn + 2, leftNext);
-            painter.expect(row + drawn + 2, rightNext);
-            drawEdgeRow(painter, exchanged ? b : a, exchanged ? a : b);
+            painter.expect(row + drawn + 2, left.bottomX);
+            painter.expect(row + drawn + 2, right.bottomX);
+            storeEdges(context, left, right);
+            drawEdgeRow(painter, leftRamp, rightRamp, 255, 255);
         }
-        leftX = leftNext;
-        rightX = rightNext;
     }
-    left.moveTo(fixFromInt(row + drawn), leftX);
-    right.moveTo(fixFromInt(row + drawn), rightX);
+    forward.moveTo(fixFromInt(row + drawn), a.bottomX);
+    backward.moveTo(fixFromInt(row + drawn), b.bottomX);
     return drawn;
 }
 
-void drawSmooth(RowPainter& painter, CoverageRow& coverage, SlabFill& slabs, SideChain& left,
-                SideChain& right, Fixed top, Fixed bottom)
+void drawSmooth(MMContext2D& context, RowPainter& painter, CoverageRow& coverage, SlabFill& slabs,
+                WalkedChain& forward, WalkedChain& backward, Fixed top, Fixed bottom)
 {
     const PixelBox& visible = painter.visible();
     Fixed level = std::max(top, fixFromInt(visible.top));
     while (level < bottom && fixFloor(level) < visible.bottom) {
-        if (!left.advance(level, false) || !right.advance(level, false)) return;
+        if (!forward.advance(level, false) || !backward.advance(level, false)) return;
         const int32_t row = fixFloor(level);
         if (fixFraction(level) == 0) {
             const int32_t end =
-                std::min(fixFloor(std::min(left.endY(), right.endY())), visible.bottom);
+                std::min(fixFloor(std::min(forward.endY(), backward.endY())), visible.bottom);
             if (end > row) {
-                level = fixFromInt(row + drawWholeRows(painter, left, right, row, end - row));
+                level = fixFromInt(
+                    row + drawWholeRows(context, painter, forward, backward, row, end - row));
                 if (fixFloor(level) == end) continue;
             }
         }
         painter.beginRow(fixFloor(level));
-        level = drawSlabs(painter, coverage, slabs, left, right, level, bottom);
+        level = drawSlabs(painter, coverage, slabs, forward, backward, level, bottom);
     }
 }
 
 // False when scratch memory ran out.
-bool drawChains(MMContext2D& context, const PixelBox& visible, const BoundsUnion& bounds,
+bool drawChains(MMContext2D& context, const PixelBox& visible, Fixed bottom, bool cutLongEdges,
                 const MMPoint2D* points, uint32_t count)
 {
     RowPainter painter(context, visible);
     if (!painter.draws()) return true;
-    VertexList list(context.scratchStack, spansTooFar(bounds), points, count);
+    VertexList list(context.scratchStack, cutLongEdges, points, count);
     if (!list) return false;
-    SideChain left(list.first(), list.last(), 1);
-    SideChain right(list.last(), list.first(), -1);
+    WalkedChain forward(list.first(), list.last(), 1);
+    WalkedChain backward(list.last(), list.first(), -1);
     const Fixed top = list.first()->y;
-    const Fixed bottom = shiftedByHalf(bounds.maxY);
     if ((context.antiAlias & 1) == 0) {
-        drawSharp(painter, left, right, top, bottom);
+        drawSharp(painter, forward, backward, top, bottom);
         return true;
     }
     CoverageRow coverage(context.scratchStack, visible);
     if (!coverage) return false;
     // Between two edges is inside, whichever way round the polygon runs.
     SlabFill slabs(context, coverage, kFillNonZero);
-    drawSmooth(painter, coverage, slabs, left, right, top, bottom);
+    drawSmooth(context, painter, coverage, slabs, forward, backward, top, bottom);
     return true;
 }
 
 } // namespace
 
-BoundsUnion fillMonotonePolygon(MMContext2D& context, const MMPoint2D* points, uint32_t count,
-                                ThinShapes thinShapes)
+void drawMonotone(MMContext2D& context, const MMPoint2D* points, uint32_t count,
+                  const BoundsUnion& bounds, bool cutLongEdges, ThinShapes thinShapes)
 {
-    if (count < 3) return {};
-    const BoundsUnion bounds = boundsOfPolygon(points, count);
     const PixelBox visible = reachableBox(context, bounds);
-    if (visible.empty()) return bounds;
+    if (visible.empty()) return;
     const bool smooth = (context.antiAlias & 1) != 0;
     if (smooth && thinShapes == ThinShapes::kOneSpan && isThinPolygon(bounds))
         drawThinPolygon(context, bounds, visible);
-    else if (!drawChains(context, visible, bounds, points, count))
+    else if (!drawChains(context, visible, shiftedByHalf(bounds.maxY), cutLongEdges, points, count))
         noteOutOfMemory(context);
-    return bounds;
 }
 
 } // namespace Graphics2D

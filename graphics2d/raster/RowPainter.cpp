@@ -15,11 +15,21 @@ bool isPartial(Area area)
 // How far an area may lie from the arithmetic run it is drawn with: a tenth of a weight.
 constexpr Area kRunTolerance = 26;
 
+// Coverage from which an opaque colour has a weight of 128 or more: 128 * 256 / 255, rounded up.
+constexpr Coverage kHalfWeight = 0x80000000u / 255 + 1;
+
+RunLimits limitsFor(const MMPaint& paint)
+{
+    if (paint.paintType != kPaintLinearGradient) return RunLimits::kNone;
+    return paint.paintHasAlpha != 0 ? RunLimits::kThreePixels : RunLimits::kHalfWeight;
+}
+
 } // namespace
 
 RowPainter::RowPainter(MMContext2D& context, const PixelBox& visible)
     : context_(context), visible_(visible), span_(chooseSpanFiller(context)),
       edge_(chooseEdgeFiller(context)), opacity_(context.currentPaint.paintOpacity),
+      limits_(limitsFor(context.currentPaint)),
       edgeIgnoresCoverage_(context.currentPaint.paintType == kPaintXOR ||
                            context.currentPaint.paintType == kPaintPicking)
 {
@@ -59,13 +69,64 @@ void RowPainter::drawPartial(int32_t first, int32_t count, Area start, Area next
                              Area tail)
 {
     if (edge_ == nullptr) return;
-    context_.spanStart = fixFromInt(first);
-    context_.spanEnd = fixFromInt(first + count + (edgeIgnoresCoverage_ && tail > 0 ? 1 : 0));
-    context_.spanCoverage = start * opacity_;
-    context_.spanCoverageNext = next * opacity_;
-    context_.spanCoverageStep = static_cast<Coverage>(static_cast<int64_t>(step) * opacity_ >> 8);
-    context_.spanTailCoverage = tail * opacity_;
+    const Run run = {first,
+                     count,
+                     start * opacity_,
+                     next * opacity_,
+                     static_cast<Coverage>(static_cast<int64_t>(step) * opacity_ >> 8),
+                     tail * opacity_};
+    if (limits_ == RunLimits::kNone)
+        drawRun(run);
+    else if (limits_ == RunLimits::kHalfWeight)
+        drawInHalves(run);
+    else
+        drawInThrees(run);
+}
+
+void RowPainter::drawRun(const Run& run)
+{
+    const int32_t end = run.first + run.count;
+    context_.spanStart = fixFromInt(run.first);
+    context_.spanEnd = fixFromInt(end + (edgeIgnoresCoverage_ && run.tail > 0 ? 1 : 0));
+    context_.spanCoverage = run.start;
+    context_.spanCoverageNext = run.next;
+    context_.spanCoverageStep = run.step;
+    context_.spanTailCoverage = run.tail;
     (context_.*edge_)();
+}
+
+// Some of the run's pixels; with the last of them comes its tail.
+RowPainter::Run RowPainter::Run::part(int32_t from, int32_t length) const
+{
+    return {first + from, length, at(from), at(from + 1), step, from + length == count ? tail : 0};
+}
+
+// In two parts, where the pixels from the second on pass half of the weights.
+void RowPainter::drawInHalves(const Run& run)
+{
+    int32_t split = run.count; // the first pixel on the other side
+    if (run.step > 0 && run.next < kHalfWeight)
+        split = 1 + (kHalfWeight - run.next + run.step - 1) / run.step;
+    else if (run.step < 0 && run.next >= kHalfWeight)
+        split = 1 + (run.next - kHalfWeight) / -run.step + 1;
+    if (split >= run.count) {
+        drawRun(run);
+        return;
+    }
+    drawRun(run.part(0, split));
+    drawRun(run.part(split, run.count - split));
+}
+
+// Three pixels at a time and a fourth as their tail, which the filler computes anew.
+void RowPainter::drawInThrees(const Run& run)
+{
+    for (int32_t i = 0; i < run.count; i += 4) {
+        const int32_t left = run.count - i;
+        Run part = run.part(i, std::min(left, 3));
+        if (left > 3) part.tail = run.at(i + 3);
+        drawRun(part);
+        if (left == 4 && run.tail > 0) drawRun({run.first + run.count, 1, run.tail, 0, 0, 0});
+    }
 }
 
 void RowPainter::addAreas(int32_t first, const Area* areas, int32_t count)

@@ -24,6 +24,15 @@ constexpr Area kWholeArea = 0x10000;
 constexpr Area kLeastArea = 129;
 constexpr Area kMostArea = kWholeArea - 128;
 
+// How far the filler of linear gradients can be trusted with an arithmetic run: it computes the
+// weights of a run's first three pixels and extrapolates the others.
+enum class RunLimits {
+    kNone,       // no such filler: any run
+    kHalfWeight, // opaque colours: exact while the weights stay on one side of 128, where all count
+                 // one more
+    kThreePixels // fading colours, whose weights are products of two ramps
+};
+
 class RowPainter {
 public:
     RowPainter(MMContext2D& context, const PixelBox& visible);
@@ -81,6 +90,22 @@ public:
     }
 
 private:
+    // Coverage of a run: of its first, second and every further pixel, and of one more.
+    struct Run {
+        int32_t first;
+        int32_t count;
+        Coverage start;
+        Coverage next;
+        Coverage step;
+        Coverage tail;
+
+        Coverage at(int32_t i) const { return i == 0 ? start : next + (i - 1) * step; }
+        Run part(int32_t from, int32_t length) const;
+    };
+
+    void drawRun(const Run& run);
+    void drawInHalves(const Run& run);
+    void drawInThrees(const Run& run);
     void addWhole(int32_t first, int32_t end)
     {
         if (wholeEnd_ != first) {
@@ -97,6 +122,7 @@ private:
     SpanFiller span_;
     StripFiller edge_;
     int32_t opacity_;
+    RunLimits limits_;
     bool edgeIgnoresCoverage_; // exclusive-or and picking: no tail pixel either
 
     // The run of whole pixels not drawn yet.

@@ -16,21 +16,16 @@ constexpr uint32_t kFewEdges = 16;
 bool isSortedByBottom(const SlabEdge* edges, uint32_t count)
 {
     for (uint32_t i = 1; i < count; ++i)
-        if (edges[i].bottom < edges[i - 1].bottom) return false;
+        if (edges[i].bottomX < edges[i - 1].bottomX) return false;
     return true;
 }
 
 } // namespace
 
-void sortSlabEdges(SlabEdge* edges, uint32_t count)
-{
-    sortNearlySorted(edges, count);
-}
-
 void SlabFill::add(SlabEdge* edges, uint32_t count, int32_t winding, uint32_t height)
 {
     if (isDeepInside(winding, count)) return;
-    sortSlabEdges(edges, count);
+    sortNearlySorted(edges, count);
     if (isSortedByBottom(edges, count))
         addOrdered(edges, count, winding, height);
     else
@@ -43,7 +38,7 @@ void SlabFill::addOrdered(const SlabEdge* edges, uint32_t count, int32_t winding
         const bool was = inside(winding);
         winding += edges[i].winding;
         if (inside(winding) != was)
-            coverage_.addPiece(edges[i].top, edges[i].bottom, height, was ? -1 : 1);
+            coverage_.addPiece(edges[i].topX, edges[i].bottomX, height, was ? -1 : 1);
     }
 }
 
@@ -55,16 +50,16 @@ void SlabFill::addGroups(const SlabEdge* edges, uint32_t count, int32_t winding,
         fail();
         return;
     }
-    leastBottom[count - 1] = edges[count - 1].bottom;
+    leastBottom[count - 1] = edges[count - 1].bottomX;
     for (uint32_t i = count - 1; i-- > 0;)
-        leastBottom[i] = std::min(edges[i].bottom, leastBottom[i + 1]);
+        leastBottom[i] = std::min(edges[i].bottomX, leastBottom[i + 1]);
 
     for (uint32_t first = 0; first < count;) {
-        Fixed greatest = edges[first].bottom;
+        Fixed greatest = edges[first].bottomX;
         int32_t after = winding + edges[first].winding;
         uint32_t end = first + 1;
         for (; end < count && leastBottom[end] < greatest; ++end) {
-            greatest = std::max(greatest, edges[end].bottom);
+            greatest = std::max(greatest, edges[end].bottomX);
             after += edges[end].winding;
         }
         if (end - first == 1)
@@ -82,14 +77,14 @@ void SlabFill::addCrossedPair(const SlabEdge* edges, int32_t winding, uint32_t h
 {
     const SlabEdge& a = edges[0];
     const SlabEdge& b = edges[1];
-    const uint32_t topGap = static_cast<uint32_t>(b.top) - static_cast<uint32_t>(a.top);
-    const uint32_t bottomGap = static_cast<uint32_t>(a.bottom) - static_cast<uint32_t>(b.bottom);
+    const uint32_t topGap = static_cast<uint32_t>(b.topX) - static_cast<uint32_t>(a.topX);
+    const uint32_t bottomGap = static_cast<uint32_t>(a.bottomX) - static_cast<uint32_t>(b.bottomX);
     const uint64_t gaps = static_cast<uint64_t>(topGap) + bottomGap;
     const uint32_t upper = static_cast<uint32_t>(height * static_cast<uint64_t>(topGap) / gaps);
-    const int64_t travel = static_cast<int64_t>(a.bottom) - a.top;
-    const Fixed meeting = static_cast<Fixed>(a.top + travel * upper / height);
-    const SlabEdge above[] = {{a.top, meeting, a.winding}, {b.top, meeting, b.winding}};
-    const SlabEdge below[] = {{meeting, b.bottom, b.winding}, {meeting, a.bottom, a.winding}};
+    const int64_t travel = static_cast<int64_t>(a.bottomX) - a.topX;
+    const Fixed meeting = static_cast<Fixed>(a.topX + travel * upper / height);
+    const SlabEdge above[] = {{a.topX, meeting, a.winding}, {b.topX, meeting, b.winding}};
+    const SlabEdge below[] = {{meeting, b.bottomX, b.winding}, {meeting, a.bottomX, a.winding}};
     addOrdered(above, 2, winding, upper);
     addOrdered(below, 2, winding, height - upper);
 }
@@ -108,9 +103,9 @@ void SlabFill::bisect(const SlabEdge* edges, uint32_t count, int32_t winding, ui
     for (int part = 0; part < 2; ++part) {
         for (uint32_t i = 0; i < count; ++i) {
             const SlabEdge& edge = edges[i];
-            const Fixed middle = middleOf(edge.top, edge.bottom);
-            half[i] = part == 0 ? SlabEdge{edge.top, middle, edge.winding}
-                                : SlabEdge{middle, edge.bottom, edge.winding};
+            const Fixed middle = middleOf(edge.topX, edge.bottomX);
+            half[i] = part == 0 ? SlabEdge{edge.topX, middle, edge.winding}
+                                : SlabEdge{middle, edge.bottomX, edge.winding};
         }
         add(half.data(), count, winding, part == 0 ? height / 2 : height - height / 2);
     }
@@ -119,16 +114,16 @@ void SlabFill::bisect(const SlabEdge* edges, uint32_t count, int32_t winding, ui
 // Takes crossing edges in the order of their middles.
 void SlabFill::addByMiddles(const SlabEdge* edges, uint32_t count, int32_t winding, uint32_t height)
 {
-    ScratchArray<SlabEdge> order(context_.scratchStack, count);
+    ScratchArray<MiddleX> order(context_.scratchStack, count);
     if (!order) {
         fail();
         return;
     }
     for (uint32_t i = 0; i < count; ++i)
-        order[i] = {middleOf(edges[i].top, edges[i].bottom), static_cast<Fixed>(i), 0};
-    sortSlabEdges(order.data(), count);
+        order[i] = {middleOf(edges[i].topX, edges[i].bottomX), static_cast<int32_t>(i)};
+    sortNearlySorted(order.data(), count);
     for (uint32_t i = 0; i < count; ++i) {
-        const SlabEdge& edge = edges[order[i].bottom];
+        const SlabEdge& edge = edges[order[i].index];
         addOrdered(&edge, 1, winding, height);
         winding += edge.winding;
     }

@@ -10,19 +10,26 @@ namespace Graphics2D {
 
 // An edge through a slab.
 struct SlabEdge {
-    Fixed top;       // x at the slab's upper end
-    Fixed bottom;    // x at its lower end
+    Fixed topX;      // at the slab's upper end
+    Fixed bottomX;   // at its lower end
     int32_t winding; // what it adds to the winding number right of it
 };
 
 inline bool isBefore(const SlabEdge& a, const SlabEdge& b)
 {
-    return a.top != b.top ? a.top < b.top : a.bottom < b.bottom;
+    return a.topX != b.topX ? a.topX < b.topX : a.bottomX < b.bottomX;
 }
 
-// Sorts by top, then by bottom. Lists of other records that are to be sorted by two numbers borrow
-// the first two fields.
-void sortSlabEdges(SlabEdge* edges, uint32_t count);
+// Where an edge or a chain is half way down, for those that are taken in this order.
+struct MiddleX {
+    Fixed x;
+    int32_t index; // of the edge or the chain in its list
+};
+
+inline bool isBefore(const MiddleX& a, const MiddleX& b)
+{
+    return a.x != b.x ? a.x < b.x : a.index < b.index;
+}
 
 // The middle of two places, without wrapping on the way.
 inline Fixed middleOf(Fixed a, Fixed b)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The anti-aliased rows of any polygon. Internal.
+// The anti-aliased rows of any shape. Internal.
 #pragma once
 
 #include "graphics2d/raster/ActiveEdges.h"
@@ -10,7 +10,7 @@ namespace Graphics2D {
 
 // Draws all rows. When scratch memory runs out it notes so in the context and stops.
 void drawSmoothRows(MMContext2D& context, RowPainter& painter, CoverageRow& coverage,
-                    const VertexRing& ring, ActiveEdges& active, MMFillRule rule);
+                    ActiveEdges& active, MMFillRule rule);
 
 } // namespace Graphics2D
 } // namespace KAVO

@@ -333,39 +333,4 @@ TEST(RasterLimits, LongEdgesDoNotWrap)
         }
 }
 
-// Edges as they pass a row: x at its top and at its bottom.
-TEST(SmoothEdges, DrawsTheTrapezoidBetweenTheEdges)
-{
-    const struct {
-        double leftTop, leftBottom, rightTop, rightBottom;
-        uint8_t alpha;
-        int expected[8];
-    } cases[] = {
-        {1, 4, 4, 7, 255, {0, 43, 128, 213, 213, 128, 43, 0}},
-        {6, 6, 2.5, 1.5, 255, {0, 0, 0, 0, 0, 0, 0, 0}}, // right of left: nothing
-        {2, 4, 6, 6, 64, {0, 0, 16, 48, 64, 64, 0, 0}},  // a quarter of a row
-    };
-    for (const auto& c : cases) {
-        const auto slope = [share = c.alpha / 255.0](double from, double to) {
-            return from == to ? 0 : toFixed(share / std::abs(from - to)); // in a whole row
-        };
-        RasterPicture picture;
-        MMContext2D& context = picture.context;
-        context.spanRow = 0;
-        context.spanPixels = context.target.pixels;
-        context.leftPreviousX = toFixed(c.leftTop);
-        context.spanStart = toFixed(c.leftBottom);
-        context.rightPreviousX = toFixed(c.rightTop);
-        context.spanEnd = toFixed(c.rightBottom);
-        context.leftEdgeAlpha = context.rightEdgeAlpha = c.alpha;
-        context.leftCoverageSlope = slope(c.leftTop, c.leftBottom);
-        context.rightCoverageSlope = slope(c.rightTop, c.rightBottom);
-        context.smoothEdges();
-        for (int x = 0; x < 8; ++x)
-            EXPECT_NEAR(picture.coverage(x, 0), c.expected[x], 1) << c.leftTop << " at " << x;
-        EXPECT_EQ(context.spanStart, toFixed(c.leftBottom));
-        EXPECT_EQ(context.spanEnd, toFixed(c.rightBottom));
-    }
-}
-
 } // namespace

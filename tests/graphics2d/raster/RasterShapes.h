@@ -25,6 +25,15 @@ inline Polygon star(double cx, double cy, double radius, int count, int step)
     return p;
 }
 
+// All edges cross all others within a sixteenth of a row.
+inline Polygon flatStar()
+{
+    Polygon p = star(64, 0, 50, 41, 20);
+    for (MMPoint2D& point : p)
+        point.y = toFixed(20.53) + point.y / 2000;
+    return p;
+}
+
 inline Polygon circle(double cx, double cy, double radius, int count)
 {
     return star(cx, cy, radius, count, 1);
@@ -137,6 +146,7 @@ inline std::vector<Shape> shapes()
         {"bar behind an upright one", bridged({rectangle(20, 2, 30, 30), early}), kUsual},
         {"comb", comb(), kUsual},
         {"saw within one row", sawWithinOneRow(), kUsual},
+        {"star within a sixteenth of a row", flatStar(), {4.5, 16}},
         {"tangle in three rows", tangle(9, 110, 20, 2.75), {0.8, 16}},
         {"tangle in one row", tangle(9, 110, 19.6, 0.8), {1.0, 16}},
         {"tangle of 40", tangle(7, 120, 2, 120), {0.8, 16}},

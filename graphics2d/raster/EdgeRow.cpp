@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
-// One anti-aliased row between two edges.
-//
 // Where the edges touch different columns the row is three pieces: the ramp of the left edge, whole
 // pixels, the ramp of the right edge. Where they share columns, or leave the visible part of the
 // row, each column gets the difference of the two ramps.
 #include "graphics2d/raster/EdgeRow.h"
+
 #include "math/FixedMath.h"
 
 namespace KAVO {
@@ -19,19 +18,29 @@ bool isPlain(const EdgeRamp& left, const EdgeRamp& right, const PixelBox& visibl
            right.endColumn() <= visible.right;
 }
 
-// The share of each column between the edges, reduced to the height of the row that they cross.
-void addDifference(RowPainter& painter, const EdgeRamp& left, const EdgeRamp& right, Area height)
+// The share of an area within the height of a row that an edge alpha stands for.
+Area withinHeight(Area area, uint8_t alpha)
+{
+    const int32_t height = (alpha + (alpha >> 7)) << 8;
+    return static_cast<Area>(static_cast<int64_t>(area) * height >> 16);
+}
+
+// Each column by the difference of the two ramps. A column that only one ramp passes through takes
+// this edge's height, the others the lesser one.
+void addDifference(RowPainter& painter, const EdgeRamp& left, const EdgeRamp& right,
+                   uint8_t leftAlpha, uint8_t rightAlpha)
 {
     const int32_t first = std::max(left.firstColumn(), painter.visible().left);
     const int32_t end = std::min(right.endColumn(), painter.visible().right);
+    const uint8_t lesserAlpha = std::min(leftAlpha, rightAlpha);
     for (int32_t column = first; column < end;) {
+        const bool inLeft = column < left.endColumn();
+        const bool inRight = column >= right.firstColumn();
         // Nothing changes between the ramps.
-        int32_t next = column + 1;
-        if (column >= left.endColumn() && column < right.firstColumn())
-            next = std::min(end, right.firstColumn());
-        const Area area = left.areaOf(column) - right.areaOf(column);
+        const int32_t next = inLeft || inRight ? column + 1 : std::min(end, right.firstColumn());
+        const uint8_t alpha = inLeft == inRight ? lesserAlpha : inLeft ? leftAlpha : rightAlpha;
         painter.addConstant(column, next,
-                            static_cast<Area>(static_cast<int64_t>(area) * height >> 16));
+                            withinHeight(left.areaOf(column) - right.areaOf(column), alpha));
         column = next;
     }
     painter.flush();
@@ -82,20 +91,22 @@ void drawRightRamp(RowPainter& painter, const EdgeRamp& ramp)
                  -ramp.step(), last);
 }
 
-// The ramp of an edge whose coverage slope is known for a whole row only.
-EdgeRamp rampBetween(Fixed topX, Fixed bottomX, Fixed coverageSlope, bool wholeRow)
+// The ramp of an edge whose coverage slope is that of its height.
+EdgeRamp rampBetween(Fixed topX, Fixed bottomX, Fixed coverageSlope, uint8_t alpha)
 {
     const Fixed travel = static_cast<Fixed>(magnitudeOf(wrapSub(bottomX, topX)));
-    if (!wholeRow && travel != 0) coverageSlope = fixDiv(kFixedOne, travel);
+    if (alpha != 255 && travel != 0) coverageSlope = fixDiv(kFixedOne, travel);
     return EdgeRamp(topX, bottomX, coverageSlope);
 }
 
 } // namespace
 
-void drawEdgeRow(RowPainter& painter, const EdgeRamp& left, const EdgeRamp& right)
+void drawEdgeRow(RowPainter& painter, const EdgeRamp& left, const EdgeRamp& right,
+                 uint8_t leftAlpha, uint8_t rightAlpha)
 {
-    if (!isPlain(left, right, painter.visible())) {
-        addDifference(painter, left, right, kWholeArea);
+    const bool isWhole = leftAlpha == 255 && rightAlpha == 255;
+    if (!isWhole || !isPlain(left, right, painter.visible())) {
+        addDifference(painter, left, right, leftAlpha, rightAlpha);
         return;
     }
     drawLeftRamp(painter, left);
@@ -110,13 +121,9 @@ void MMContext2D::smoothEdges()
     RowPainter painter(*this, visible);
     const Fixed leftX = spanStart;
     const Fixed rightX = spanEnd;
-    const bool wholeRow = leftEdgeAlpha == 255;
-    const EdgeRamp left = rampBetween(leftPreviousX, leftX, leftCoverageSlope, wholeRow);
-    const EdgeRamp right = rampBetween(rightPreviousX, rightX, rightCoverageSlope, wholeRow);
-    if (wholeRow)
-        drawEdgeRow(painter, left, right);
-    else
-        addDifference(painter, left, right, (leftEdgeAlpha + (leftEdgeAlpha >> 7)) << 8);
+    drawEdgeRow(painter, rampBetween(leftPreviousX, leftX, leftCoverageSlope, leftEdgeAlpha),
+                rampBetween(rightPreviousX, rightX, rightCoverageSlope, rightEdgeAlpha),
+                leftEdgeAlpha, rightEdgeAlpha);
     spanStart = leftX;
     spanEnd = rightX;
 }

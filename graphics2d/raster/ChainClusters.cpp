@@ -1,0 +1,287 @@
+// SPDX-License-Identifier: MIT
+#include "graphics2d/raster/ChainClusters.h"
+
+#include "graphics2d/raster/NearlySorted.h"
+
+#include <algorithm>
+
+namespace KAVO {
+namespace Graphics2D {
+
+namespace {
+
+// Clusters are halved down to this height, 1/16 of a row.
+constexpr Fixed kLeastHeight = static_cast<Fixed>(SlabFill::kLeastSlab);
+
+// Up to so many edges in all slabs it is not worth while to halve a cluster.
+constexpr uint32_t kFewEdges = 48;
+
+// The few levels inside a row at which a cluster's vertices lie, from top to bottom.
+class Levels {
+public:
+    static constexpr uint32_t kMost = 16;
+
+    void insert(Fixed level)
+    {
+        uint32_t at = count_;
+        while (at > 0 && levels_[at - 1] > level)
+            --at;
+        if (at > 0 && levels_[at - 1] == level) return;
+        if (count_ == kMost) {
+            tooMany_ = true;
+            return;
+        }
+        for (uint32_t i = count_++; i > at; --i)
+            levels_[i] = levels_[i - 1];
+        levels_[at] = level;
+    }
+    bool tooMany() const { return tooMany_; }
+    uint32_t count() const { return count_; }
+    Fixed operator[](uint32_t i) const { return levels_[i]; }
+
+private:
+    Fixed levels_[kMost];
+    uint32_t count_ = 0;
+    bool tooMany_ = false;
+};
+
+// What a chain takes up between two levels.
+struct ChainExtent {
+    Fixed minX;
+    Fixed maxX;
+    uint32_t chain;     // its index
+    uint32_t imbalance; // what it does to the winding number by starting or ending between
+    int32_t passed;     // its winding if it comes from above
+};
+
+inline bool isBefore(const ChainExtent& a, const ChainExtent& b)
+{
+    return a.minX != b.minX ? a.minX < b.minX : a.maxX < b.maxX;
+}
+
+// A level at which the winding number changes.
+struct WindingStep {
+    Fixed level;
+    int32_t winding;
+};
+
+inline bool isBefore(const WindingStep& a, const WindingStep& b)
+{
+    return a.level != b.level ? a.level < b.level : a.winding < b.winding;
+}
+
+class ChainClusters {
+public:
+    ChainClusters(SlabFill& slabs, const VertexRings& rings) : slabs_(slabs), rings_(rings) {}
+
+    void add(Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to);
+
+private:
+    bool measure(Chain chain, Fixed from, Fixed to, ChainExtent& extent) const;
+    void addCluster(Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to);
+    Levels levelsBetween(const Chain* chains, uint32_t count, Fixed from, Fixed to) const;
+    void addSlabs(Chain* chains, uint32_t count, const Levels& levels, int32_t winding, Fixed from,
+                  Fixed to);
+    void addByMiddles(const Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to);
+    void addHidden(const Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to);
+
+    SlabFill& slabs_;
+    const VertexRings& rings_;
+};
+
+// False when the chain does not reach into the height.
+bool ChainClusters::measure(Chain chain, Fixed from, Fixed to, ChainExtent& extent) const
+{
+    const Fixed start = std::max(chain.line.y, from);
+    if (start >= to || chain.line.endY <= from) return false;
+    const bool isBorn = chain.line.y > from;
+    extent.minX = extent.maxX = chain.line.xAt(start);
+    extent.passed = isBorn ? 0 : chain.winding;
+    extent.imbalance = isBorn ? mixed(chain.line.y) : 0;
+    for (;;) {
+        const Fixed x = chain.line.xAt(to);
+        extent.minX = std::min(extent.minX, x);
+        extent.maxX = std::max(extent.maxX, x);
+        if (chain.line.endY >= to) break;
+        if (!chain.step(rings_)) {
+            extent.imbalance -= mixed(chain.line.endY);
+            break;
+        }
+    }
+    if (chain.winding < 0) extent.imbalance = 0u - extent.imbalance;
+    return true;
+}
+
+void ChainClusters::add(Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to)
+{
+    ScratchArray<ChainExtent> extents(slabs_.scratch(), count);
+    ScratchArray<Chain> cluster(slabs_.scratch(), count);
+    if (!extents || !cluster) {
+        slabs_.fail();
+        return;
+    }
+    uint32_t crossing = 0;
+    for (uint32_t i = 0; i < count; ++i) {
+        chains[i].stepPast(rings_, from);
+        extents[crossing].chain = i;
+        if (measure(chains[i], from, to, extents[crossing])) ++crossing;
+    }
+    sortNearlySorted(extents.data(), crossing);
+    for (uint32_t i = 0; i < crossing;) {
+        Fixed reach = extents[i].maxX;
+        const Fixed start = extents[i].minX;
+        uint32_t open = 0;
+        int32_t after = winding;
+        uint32_t size = 0;
+        do {
+            reach = std::max(reach, extents[i].maxX);
+            open += extents[i].imbalance;
+            after += extents[i].passed;
+            cluster[size++] = chains[extents[i].chain];
+            ++i;
+        } while (i < crossing && (open != 0 || extents[i].minX < reach));
+        if (start >= slabs_.coverage().endX()) return;
+        if (reach <= slabs_.coverage().startX())
+            addHidden(cluster.data(), size, winding, from, to);
+        else if (!slabs_.isDeepInside(winding, size))
+            addCluster(cluster.data(), size, winding, from, to);
+        winding = after;
+    }
+}
+
+void ChainClusters::addCluster(Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to)
+{
+    if (count == 1) {
+        const bool was = slabs_.inside(winding);
+        if (slabs_.inside(winding + chains->winding) != was)
+            addAlong(slabs_.coverage(), rings_, *chains, from, to, was ? -1 : 1);
+        return;
+    }
+    const Levels levels = levelsBetween(chains, count, from, to);
+    const bool areFew = !levels.tooMany() && count * levels.count() <= kFewEdges;
+    if (!areFew && to - from > kLeastHeight) {
+        const Fixed middle = from + (to - from) / 2;
+        add(chains, count, winding, from, middle);
+        add(chains, count, winding, middle, to);
+    } else if (!levels.tooMany()) {
+        addSlabs(chains, count, levels, winding, from, to);
+    } else {
+        addByMiddles(chains, count, winding, from, to);
+    }
+}
+
+Levels ChainClusters::levelsBetween(const Chain* chains, uint32_t count, Fixed from, Fixed to) const
+{
+    Levels levels;
+    for (uint32_t i = 0; i < count && !levels.tooMany(); ++i) {
+        Chain chain = chains[i];
+        if (chain.line.y > from && chain.line.y < to) levels.insert(chain.line.y);
+        while (chain.line.endY > from && chain.line.endY < to && !levels.tooMany()) {
+            levels.insert(chain.line.endY);
+            if (!chain.step(rings_)) break;
+        }
+    }
+    return levels;
+}
+
+// Adds the slabs between the levels.
+void ChainClusters::addSlabs(Chain* chains, uint32_t count, const Levels& levels, int32_t winding,
+                             Fixed from, Fixed to)
+{
+    ScratchArray<SlabEdge> edges(slabs_.scratch(), count);
+    if (!edges) {
+        slabs_.fail();
+        return;
+    }
+    Fixed level = from;
+    for (uint32_t slab = 0; slab <= levels.count(); ++slab) {
+        const Fixed next = slab < levels.count() ? levels[slab] : to;
+        uint32_t crossing = 0;
+        for (uint32_t i = 0; i < count; ++i) {
+            Chain& chain = chains[i];
+            if (chain.line.y > level || !chain.stepPast(rings_, level)) continue;
+            edges[crossing++] = {chain.line.xAt(level), chain.line.xAt(next), chain.winding};
+        }
+        slabs_.add(edges.data(), crossing, winding, static_cast<uint32_t>(next - level));
+        level = next;
+    }
+}
+
+// Decides by the middles of the chains which of them lie between inside and outside.
+void ChainClusters::addByMiddles(const Chain* chains, uint32_t count, int32_t winding, Fixed from,
+                                 Fixed to)
+{
+    ScratchArray<MiddleX> order(slabs_.scratch(), count);
+    if (!order) {
+        slabs_.fail();
+        return;
+    }
+    for (uint32_t i = 0; i < count; ++i) {
+        Chain chain = chains[i];
+        const Fixed topX = chain.line.xAt(std::max(chain.line.y, from));
+        while (chain.line.endY < to && chain.step(rings_)) {
+        }
+        order[i] = {middleOf(topX, chain.line.xAt(to)), static_cast<int32_t>(i)};
+    }
+    sortNearlySorted(order.data(), count);
+    for (uint32_t i = 0; i < count; ++i) {
+        const Chain& chain = chains[order[i].index];
+        const bool was = slabs_.inside(winding);
+        winding += chain.winding;
+        if (slabs_.inside(winding) != was)
+            addAlong(slabs_.coverage(), rings_, chain, from, to, was ? -1 : 1);
+    }
+}
+
+// Of chains left of all that is visible only the winding number that they leave matters, level by
+// level.
+void ChainClusters::addHidden(const Chain* chains, uint32_t count, int32_t winding, Fixed from,
+                              Fixed to)
+{
+    ScratchArray<WindingStep> steps(slabs_.scratch(), 2 * count);
+    if (!steps) {
+        slabs_.fail();
+        return;
+    }
+    uint32_t size = 0;
+    const bool was = slabs_.inside(winding);
+    for (uint32_t i = 0; i < count; ++i) {
+        Chain chain = chains[i];
+        steps[size++] = {std::max(chain.line.y, from), chain.winding};
+        while (chain.line.endY < to && chain.step(rings_)) {
+        }
+        if (chain.line.endY < to) steps[size++] = {chain.line.endY, -chain.winding};
+    }
+    sortNearlySorted(steps.data(), size);
+    int32_t gain = 0; // height that is inside and was outside left of them, or the other way round
+    for (uint32_t i = 0; i < size; ++i) {
+        winding += steps[i].winding;
+        const Fixed end = i + 1 < size ? steps[i + 1].level : to;
+        if (slabs_.inside(winding) != was) gain += end - steps[i].level;
+    }
+    const Fixed x = slabs_.coverage().startX();
+    slabs_.coverage().addPiece(x, x, static_cast<uint32_t>(gain), was ? -1 : 1);
+}
+
+} // namespace
+
+void addChains(SlabFill& slabs, const VertexRings& rings, Chain* chains, uint32_t count,
+               int32_t winding, Fixed from, Fixed to)
+{
+    ChainClusters(slabs, rings).add(chains, count, winding, from, to);
+}
+
+void addAlong(CoverageRow& coverage, const VertexRings& rings, Chain chain, Fixed from, Fixed to,
+              int32_t sign)
+{
+    for (Fixed level = std::max(chain.line.y, from);;) {
+        const Fixed next = std::min(chain.line.endY, to);
+        coverage.addPiece(chain.line.xAt(level), chain.line.xAt(next),
+                          static_cast<uint32_t>(next - level), sign);
+        if (next == to || !chain.step(rings)) return;
+        level = next;
+    }
+}
+
+} // namespace Graphics2D
+} // namespace KAVO

@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: MIT
+// The entries of the rasterisers: classification of polygons.
+//
+// A polygon whose outline changes its vertical direction exactly twice meets every horizontal line
+// at most twice and takes the quick two-chain walk of RasterMonotone.cpp. All others go through the
+// active edges of RasterComplex.cpp.
+#include "graphics2d/raster/Rasteriser.h"
+
+#include "graphics2d/raster/RasterComplex.h"
+#include "graphics2d/raster/RasterMonotone.h"
+
+#include <algorithm>
+
+namespace KAVO {
+namespace Graphics2D {
+
+namespace {
+
+// Changes of vertical direction along the closed outline; horizontal edges keep the direction of
+// the edge before them. 0 when the whole outline lies on one horizontal line. Counting stops above
+// 2, for nobody asks further.
+uint32_t countDirectionChanges(const MMPoint2D* points, uint32_t count)
+{
+    uint32_t first = 1;
+    while (first < count && points[first].y == points[first - 1].y)
+        ++first;
+    if (first == count) return 0;
+
+    const bool firstRises = points[first].y < points[first - 1].y;
+    bool rises = firstRises;
+    uint32_t changes = 0;
+    Fixed y = points[first].y;
+    for (uint32_t i = first + 1; i < count; ++i) {
+        const Fixed next = points[i].y;
+        if (next == y) continue;
+        if ((next < y) != rises) {
+            rises = !rises;
+            if (++changes > 2) return changes;
+        }
+        y = next;
+    }
+    if (points[0].y != y && (points[0].y < y) != rises) {
+        rises = !rises;
+        ++changes;
+    }
+    return changes + (rises != firstRises ? 1 : 0);
+}
+
+bool hasThreeVertices(const MMPoint2D* begin, const MMPoint2D* end)
+{
+    if (begin == end) return false;
+    const MMPoint2D first = *begin;
+    const MMPoint2D* second =
+        std::find_if(begin, end, [&](const MMPoint2D& p) { return p != first; });
+    return std::any_of(second, end, [&](const MMPoint2D& p) { return p != first && p != *second; });
+}
+
+// The contours that can hold anything, as far as they have to be counted.
+struct UsefulContours {
+    uint32_t count = 0; // 2 for more
+    uint32_t last = 0;  // one of them
+};
+
+UsefulContours findUseful(const Contours& contours)
+{
+    UsefulContours useful;
+    for (uint32_t i = 0; i < contours.count && useful.count < 2; ++i)
+        if (hasThreeVertices(contours.begin(i), contours.end(i))) useful = {useful.count + 1, i};
+    return useful;
+}
+
+BoundsUnion fillOne(MMContext2D& context, const MMPoint2D* points, uint32_t count, MMFillRule rule,
+                    ThinShapes thinShapes)
+{
+    if (count < 3) return {};
+    const uint32_t changes = countDirectionChanges(points, count);
+    if (changes == 0) return {};
+    const BoundsUnion bounds = boundsOfPolygon(points, count);
+    if (changes == 2)
+        drawMonotone(context, points, count, bounds, spansTooFar(bounds), thinShapes);
+    else
+        drawContours(context, {points, &count, 1}, bounds, rule);
+    return bounds;
+}
+
+} // namespace
+
+BoundsUnion fillPolygon(MMContext2D& context, const MMPoint2D* points, uint32_t count,
+                        MMFillRule rule)
+{
+    return fillOne(context, points, count, rule, ThinShapes::kOneSpan);
+}
+
+BoundsUnion fillOutline(MMContext2D& context, const MMPoint2D* points, uint32_t count)
+{
+    return fillOne(context, points, count, kFillNonZero, ThinShapes::kExact);
+}
+
+BoundsUnion fillContours(MMContext2D& context, const Contours& contours, MMFillRule rule,
+                         ThinShapes thinShapes)
+{
+    const uint32_t total = contours.pointCount();
+    if (total < 3) return {};
+    const BoundsUnion bounds = boundsOfPolygon(contours.points, total);
+    if (bounds.minY == bounds.maxY) return {};
+    const UsefulContours useful = findUseful(contours);
+    if (useful.count == 1) {
+        const MMPoint2D* points = contours.begin(useful.last);
+        const uint32_t count = static_cast<uint32_t>(contours.end(useful.last) - points);
+        if (countDirectionChanges(points, count) == 2) {
+            drawMonotone(context, points, count, boundsOfPolygon(points, count),
+                         spansTooFar(bounds), thinShapes);
+            return bounds;
+        }
+    }
+    if (useful.count != 0) drawContours(context, contours, bounds, rule);
+    return bounds;
+}
+
+BoundsUnion fillMonotonePolygon(MMContext2D& context, const MMPoint2D* points, uint32_t count)
+{
+    if (count < 3) return {};
+    const BoundsUnion bounds = boundsOfPolygon(points, count);
+    drawMonotone(context, points, count, bounds, spansTooFar(bounds), ThinShapes::kOneSpan);
+    return bounds;
+}
+
+BoundsUnion fillComplexPolygon(MMContext2D& context, const MMPoint2D* points, uint32_t count,
+                               MMFillRule rule)
+{
+    if (count < 3) return {};
+    const BoundsUnion bounds = boundsOfPolygon(points, count);
+    drawContours(context, {points, &count, 1}, bounds, rule);
+    return bounds;
+}
+
+void MMContext2D::rasterPolygon(MMPoint2D* points, uint16_t count)
+{
+    if (points == nullptr) return;
+    fillPolygon(*this, points, count, static_cast<MMFillRule>(fillRule)).storeUnlessEmpty(*this);
+}
+
+void MMContext2D::rasterMonotonePolygon(MMPoint2D* points, uint16_t count)
+{
+    if (points == nullptr) return;
+    fillMonotonePolygon(*this, points, count).storeUnlessEmpty(*this);
+}
+
+void MMContext2D::rasterComplexPolygon(MMPoint2D* points, uint16_t count)
+{
+    if (points == nullptr) return;
+    fillComplexPolygon(*this, points, count, static_cast<MMFillRule>(fillRule))
+        .storeUnlessEmpty(*this);
+}
+
+} // namespace Graphics2D
+} // namespace KAVO

@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: MIT
+#include "graphics2d/raster/VertexRings.h"
+
+#include "graphics2d/raster/PolygonBounds.h"
+
+#include <algorithm>
+
+namespace KAVO {
+namespace Graphics2D {
+
+namespace {
+
+// Room for the points, twice as many where edges are cut, and the links.
+uint32_t roomFor(const Contours& contours, bool cutLongEdges)
+{
+    const uint64_t points = uint64_t{contours.pointCount()} * (cutLongEdges ? 2 : 1);
+    return static_cast<uint32_t>(std::min<uint64_t>(points + contours.count + 1, UINT32_MAX));
+}
+
+} // namespace
+
+VertexRings::VertexRings(MMStackContext& stack, bool cutLongEdges, const Contours& contours)
+    : cutLongEdges_(cutLongEdges), vertices_(stack, roomFor(contours, cutLongEdges))
+{
+    if (!vertices_) return;
+    appendLink(0);
+    for (uint32_t i = 0; i < contours.count; ++i)
+        appendRing(contours.begin(i), contours.end(i));
+    vertices_.resize(size_);
+    firstMinimum_ = sortedByY(firstMinimum_, minimumCount_);
+}
+
+void VertexRings::appendLink(uint32_t firstOfRing)
+{
+    vertices_[size_++] = {{static_cast<Fixed>(firstOfRing), kLinkY}, kNoVertex};
+}
+
+void VertexRings::appendRing(const MMPoint2D* points, const MMPoint2D* end)
+{
+    if (points == end) return;
+    const uint32_t first = size_;
+    append(*points, true);
+    for (const MMPoint2D* point = points + 1; point != end; ++point)
+        append(*point, false);
+    append(*points, false);
+    if (size_ > first + 1) --size_; // the closing copy of the first vertex
+    vertices_[first - 1].nextMinimum = size_ - 1;
+    appendLink(first);
+    if (!linkMinima(first)) size_ = first;
+}
+
+void VertexRings::append(const MMPoint2D& point, bool isFirst)
+{
+    const MMPoint2D vertex{shiftedByHalf(point.x), shiftedByHalf(point.y)};
+    if (!isFirst) {
+        const MMPoint2D& previous = vertices_[size_ - 1].point;
+        if (vertex == previous) return;
+        if (cutLongEdges_) vertices_[size_++].point = midPoint(previous, vertex);
+    }
+    vertices_[size_++].point = vertex;
+}
+
+// A minimum is the last vertex before the outline goes down again after it went up. False when the
+// ring that was appended last has none, for it lies on one horizontal line.
+bool VertexRings::linkMinima(uint32_t first)
+{
+    uint32_t start = size_ - 1; // the last vertex from which an edge is not horizontal
+    do {
+        if (start == first) return false;
+        --start;
+    } while (vertices_[start].point.y == vertices_[next(start, 1)].point.y);
+
+    const uint32_t count = size_ - 1 - first;
+    bool rose = vertices_[next(start, 1)].point.y < vertices_[start].point.y;
+    for (uint32_t n = 0, i = next(start, 1); n < count; ++n) {
+        const uint32_t following = next(i, 1);
+        const Fixed y = vertices_[i].point.y;
+        const Fixed followingY = vertices_[following].point.y;
+        if (followingY != y) {
+            if (rose && followingY > y) addMinimum(i);
+            rose = followingY < y;
+        }
+        i = following;
+    }
+    return true;
+}
+
+void VertexRings::addMinimum(uint32_t i)
+{
+    if (lastMinimum_ == kNoVertex)
+        firstMinimum_ = i;
+    else
+        vertices_[lastMinimum_].nextMinimum = i;
+    vertices_[i].nextMinimum = kNoVertex;
+    lastMinimum_ = i;
+    ++minimumCount_;
+}
+
+bool VertexRings::isAbove(uint32_t a, uint32_t b) const
+{
+    const MMPoint2D& p = vertices_[a].point;
+    const MMPoint2D& q = vertices_[b].point;
+    return p.y < q.y || (p.y == q.y && p.x < q.x);
+}
+
+// Merge sort of count linked minima; returns the new first one. The recursion is as deep as the
+// binary logarithm of the count.
+uint32_t VertexRings::sortedByY(uint32_t first, uint32_t count)
+{
+    if (count < 2) return first;
+    uint32_t middle = first;
+    for (uint32_t i = 1; i < count / 2; ++i)
+        middle = vertices_[middle].nextMinimum;
+    uint32_t b = vertices_[middle].nextMinimum;
+    vertices_[middle].nextMinimum = kNoVertex;
+    uint32_t a = sortedByY(first, count / 2);
+    b = sortedByY(b, count - count / 2);
+
+    uint32_t head = kNoVertex;
+    uint32_t* link = &head;
+    while (a != kNoVertex && b != kNoVertex) {
+        uint32_t& lesser = isAbove(b, a) ? b : a;
+        *link = lesser;
+        link = &vertices_[lesser].nextMinimum;
+        lesser = *link;
+    }
+    *link = a != kNoVertex ? a : b;
+    return head;
+}
+
+} // namespace Graphics2D
+} // namespace KAVO
