@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "graphics2d/BoundsUnion.h"
 
-#include <algorithm>
-
 namespace KAVO {
 namespace Graphics2D {
 

@@ -4,6 +4,8 @@
 
 #include "graphics2d/MMContext2D.h"
 
+#include <algorithm>
+
 namespace KAVO {
 namespace Graphics2D {
 
@@ -16,10 +18,10 @@ struct BoundsUnion {
 
     void addPoint(const MMPoint2D& p)
     {
-        if (p.x < minX) minX = p.x;
-        if (p.y < minY) minY = p.y;
-        if (p.x > maxX) maxX = p.x;
-        if (p.y > maxY) maxY = p.y;
+        minX = std::min(minX, p.x);
+        minY = std::min(minY, p.y);
+        maxX = std::max(maxX, p.x);
+        maxY = std::max(maxY, p.y);
     }
 
     void addBox(Fixed left, Fixed top, Fixed right, Fixed bottom)

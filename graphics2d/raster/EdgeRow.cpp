@@ -101,12 +101,10 @@ EdgeRamp rampBetween(Fixed topX, Fixed bottomX, Fixed coverageSlope, uint8_t alp
 
 } // namespace
 
-void drawEdgeRow(RowPainter& painter, const EdgeRamp& left, const EdgeRamp& right,
-                 uint8_t leftAlpha, uint8_t rightAlpha)
+void drawEdgeRow(RowPainter& painter, const EdgeRamp& left, const EdgeRamp& right)
 {
-    const bool isWhole = leftAlpha == 255 && rightAlpha == 255;
-    if (!isWhole || !isPlain(left, right, painter.visible())) {
-        addDifference(painter, left, right, leftAlpha, rightAlpha);
+    if (!isPlain(left, right, painter.visible())) {
+        addDifference(painter, left, right, 255, 255);
         return;
     }
     drawLeftRamp(painter, left);
@@ -121,9 +119,12 @@ void MMContext2D::smoothEdges()
     RowPainter painter(*this, visible);
     const Fixed leftX = spanStart;
     const Fixed rightX = spanEnd;
-    drawEdgeRow(painter, rampBetween(leftPreviousX, leftX, leftCoverageSlope, leftEdgeAlpha),
-                rampBetween(rightPreviousX, rightX, rightCoverageSlope, rightEdgeAlpha),
-                leftEdgeAlpha, rightEdgeAlpha);
+    const EdgeRamp left = rampBetween(leftPreviousX, leftX, leftCoverageSlope, leftEdgeAlpha);
+    const EdgeRamp right = rampBetween(rightPreviousX, rightX, rightCoverageSlope, rightEdgeAlpha);
+    if (leftEdgeAlpha == 255 && rightEdgeAlpha == 255)
+        drawEdgeRow(painter, left, right);
+    else
+        addDifference(painter, left, right, leftEdgeAlpha, rightEdgeAlpha);
     spanStart = leftX;
     spanEnd = rightX;
 }

@@ -192,13 +192,9 @@ struct RowEdge {
     Fixed coverageSlope;
 };
 
-// Leaves in the context what smoothEdges would draw the same row from.
-void storeEdges(MMContext2D& context, const RowEdge& left, const RowEdge& right)
+// Leaves in the context what smoothEdges would draw the same row from, but for the edges' x.
+void storeSlopes(MMContext2D& context, const RowEdge& left, const RowEdge& right)
 {
-    context.spanStart = left.bottomX;
-    context.spanEnd = right.bottomX;
-    context.leftPreviousX = left.topX;
-    context.rightPreviousX = right.topX;
     context.leftSlope = left.slope;
     context.rightSlope = right.slope;
     context.leftCoverageSlope = left.coverageSlope;
@@ -219,6 +215,7 @@ int32_t drawWholeRows(MMContext2D& context, RowPainter& painter, WalkedChain& fo
     RowEdge a = {0, forward.xAt(fixFromInt(row)), forward.slope(), forward.coverageSlope()};
     RowEdge b = {0, backward.xAt(fixFromInt(row)), backward.slope(), backward.coverageSlope()};
     int32_t drawn = 0;
+    bool wereExchanged = false;
     while (drawn < count) {
         a.topX = a.bottomX;
         b.topX = b.bottomX;
@@ -232,14 +229,19 @@ int32_t drawWholeRows(MMContext2D& context, RowPainter& painter, WalkedChain& fo
         const RowEdge& right = exchanged ? a : b;
         const EdgeRamp leftRamp = rampOf(left);
         const EdgeRamp rightRamp = rampOf(right);
+        if (drawn == 0 || exchanged != wereExchanged) storeSlopes(context, left, right);
+        wereExchanged = exchanged;
+        context.leftPreviousX = left.topX;
+        context.rightPreviousX = right.topX;
         // Between upright edges all rows are alike.
         const int32_t end = a.slope == 0 && b.slope == 0 ? count : drawn + 1;
         for (; drawn < end; ++drawn) {
             painter.beginRow(row + drawn);
             painter.expect(row + drawn + 2, left.bottomX);
             painter.expect(row + drawn + 2, right.bottomX);
-            storeEdges(context, left, right);
-            drawEdgeRow(painter, leftRamp, rightRamp, 255, 255);
+            drawEdgeRow(painter, leftRamp, rightRamp);
+            context.spanStart = left.bottomX;
+            context.spanEnd = right.bottomX;
         }
     }
     forward.moveTo(fixFromInt(row + drawn), a.bottomX);

@@ -108,7 +108,8 @@ BoundsUnion fillContours(MMContext2D& context, const Contours& contours, MMFillR
         const MMPoint2D* points = contours.begin(useful.last);
         const uint32_t count = static_cast<uint32_t>(contours.end(useful.last) - points);
         if (countDirectionChanges(points, count) == 2) {
-            drawMonotone(context, points, count, boundsOfPolygon(points, count),
+            drawMonotone(context, points, count,
+                         contours.count == 1 ? bounds : boundsOfPolygon(points, count),
                          spansTooFar(bounds), thinShapes);
             return bounds;
         }

@@ -65,25 +65,7 @@ void RowPainter::addConstant(int32_t first, int32_t end, Area area)
     }
 }
 
-void RowPainter::drawPartial(int32_t first, int32_t count, Area start, Area next, int32_t step,
-                             Area tail)
-{
-    if (edge_ == nullptr) return;
-    const Run run = {first,
-                     count,
-                     start * opacity_,
-                     next * opacity_,
-                     static_cast<Coverage>(static_cast<int64_t>(step) * opacity_ >> 8),
-                     tail * opacity_};
-    if (limits_ == RunLimits::kNone)
-        drawRun(run);
-    else if (limits_ == RunLimits::kHalfWeight)
-        drawInHalves(run);
-    else
-        drawInThrees(run);
-}
-
-void RowPainter::drawRun(const Run& run)
+[[gnu::always_inline]] inline void RowPainter::drawRun(const Run& run)
 {
     const int32_t end = run.first + run.count;
     context_.spanStart = fixFromInt(run.first);
@@ -93,6 +75,30 @@ void RowPainter::drawRun(const Run& run)
     context_.spanCoverageStep = run.step;
     context_.spanTailCoverage = run.tail;
     (context_.*edge_)();
+}
+
+void RowPainter::drawPartial(int32_t first, int32_t count, Area start, Area next, int32_t step,
+                             Area tail)
+{
+    if (edge_ == nullptr) return;
+    const auto run = [=] {
+        return Run{first,
+                   count,
+                   start * opacity_,
+                   next * opacity_,
+                   static_cast<Coverage>(static_cast<int64_t>(step) * opacity_ >> 8),
+                   tail * opacity_};
+    };
+    if (limits_ != RunLimits::kNone) return drawLimited(run());
+    drawRun(run());
+}
+
+[[gnu::noinline]] void RowPainter::drawLimited(const Run& run)
+{
+    if (limits_ == RunLimits::kHalfWeight)
+        drawInHalves(run);
+    else
+        drawInThrees(run);
 }
 
 // Some of the run's pixels; with the last of them comes its tail.

@@ -104,6 +104,7 @@ private:
     };
 
     void drawRun(const Run& run);
+    void drawLimited(const Run& run);
     void drawInHalves(const Run& run);
     void drawInThrees(const Run& run);
     void addWhole(int32_t first, int32_t end)

@@ -79,6 +79,8 @@ TEST(SmoothEdges, RowsOfMonotonePolygonsLeaveTheirEdgeState)
         EXPECT_NEAR(toDouble(context.rightPreviousX), xs[1 - first], 0.01);
         EXPECT_NEAR(toDouble(context.leftSlope), slopes[first], 0.001);
         EXPECT_NEAR(toDouble(context.rightSlope), slopes[1 - first], 0.001);
+        EXPECT_NEAR(toDouble(context.spanStart), xs[first] + slopes[first], 0.01);
+        EXPECT_NEAR(toDouble(context.spanEnd), xs[1 - first] + slopes[1 - first], 0.01);
         EXPECT_EQ(context.leftEdgeAlpha, 255);
         EXPECT_EQ(context.rightEdgeAlpha, 255);
 
@@ -89,8 +91,8 @@ TEST(SmoothEdges, RowsOfMonotonePolygonsLeaveTheirEdgeState)
         again.context.spanPixels = again.context.target.pixels + row * again.size;
         again.context.leftPreviousX = context.leftPreviousX;
         again.context.rightPreviousX = context.rightPreviousX;
-        again.context.spanStart = wrapAdd(context.leftPreviousX, context.leftSlope);
-        again.context.spanEnd = wrapAdd(context.rightPreviousX, context.rightSlope);
+        again.context.spanStart = context.spanStart;
+        again.context.spanEnd = context.spanEnd;
         again.context.leftCoverageSlope = context.leftCoverageSlope;
         again.context.rightCoverageSlope = context.rightCoverageSlope;
         again.context.leftEdgeAlpha = again.context.rightEdgeAlpha = 255;
