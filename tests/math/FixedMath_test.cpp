@@ -83,6 +83,30 @@ TEST(FixedMath, SqrtHasAnExactIntegerPart)
     }
 }
 
+// The eight fraction bits are those of a division of what the integer part leaves by twice the root
+// as far as it is known; each is set when its share of the divisor still goes in, also exactly.
+TEST(FixedMath, SqrtHasTheFractionOfALongDivision)
+{
+    int exactLastBits = 0;
+    Operands operands;
+    for (int i = 0; i < kRounds; ++i) {
+        const uint32_t x =
+            i < 70000 ? static_cast<uint32_t>(i) : static_cast<uint32_t>(operands.next());
+        const uint32_t whole = static_cast<uint32_t>(std::sqrt(static_cast<double>(x)));
+        uint64_t rest = uint64_t{x - whole * whole} << 8;
+        uint64_t root = uint64_t{whole} << 8;
+        for (int bit = 7; bit >= 0; --bit) {
+            const uint64_t share = root >> (7 - bit);
+            if (rest < share) continue;
+            if (bit == 0 && rest == share) ++exactLastBits;
+            rest -= share;
+            root |= 1u << bit;
+        }
+        ASSERT_EQ(static_cast<uint64_t>(fixSqrt(static_cast<Fixed>(x))), root) << x;
+    }
+    EXPECT_GT(exactLastBits, 100);
+}
+
 TEST(FixedMath, SineAndCosineFollowTheirChords)
 {
     EXPECT_EQ(fixSin(0), 1);

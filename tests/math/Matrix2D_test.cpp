@@ -151,6 +151,8 @@ TEST(Matrix2D, InvertComesBackWithinAUnitOrSo)
         {{kFixedOne, 0x20000, 0x20000, 0x40000, 5, 6}, {}, 0},
         // log2 of b and c add up to 40, so a' and d' cannot be formed; a d / b is 0 or 1.
         {{1, 1 << 20, 0x100400, 1, 0, 0}, {0, 0xFFC, 0xFFF, 0, 0, 0}, 0},
+        // b c / d is 2^32, one bit too many for a'; d' is the reciprocal of 1 - 2^32 / 1000.
+        {{1000, 1 << 16, 1 << 16, 1, 0, 0}, {0, 0xFFFF, 0xFFFF, -1000, 0, 0}, 0},
     };
     for (auto c : cases) {
         c.matrix.invert();
