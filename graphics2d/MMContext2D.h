@@ -273,6 +273,9 @@ public:
     void drawSolidTStrip();
     void drawTransStrip(); // blends with paintOpacity alone; for callers, no rasteriser uses it
 
+    // What follows is said of the classic rules; by the refined ones all of them sample at pixel
+    // centres and blend a pixel over itself, and colours written are opaque.
+
     // Gradients: the parameter is taken at the pixel's top left corner. The T fillers advance
     // spanCoverageNext over every pixel and use up the tail coverage; a span without pixels can
     // still have a tail. They blend each pixel with its right-hand neighbour as the background.

@@ -8,6 +8,7 @@
 #include "graphics2d/PaintSetup.h"
 
 #include "graphics2d/RampWriter.h"
+#include "math/Inverse.h"
 #include "math/WideMath.h"
 
 #include <algorithm>
@@ -85,33 +86,6 @@ int64_t greatestStep(std::initializer_list<Vector> vectors)
         while (step > 1 && std::max(absolute(v.x), absolute(v.y)) > (int64_t{1} << 61) / step)
             step >>= 1;
     return step;
-}
-
-// False for a matrix whose inverse does not exist or fit. Far translations end at the edge of the
-// range, where an image is off any target.
-bool invert(const Matrix2D& m, Matrix2D& inverse)
-{
-    // Halved like the products of mapped(), so that 1.0 is 2^31.
-    const int64_t determinant = (int64_t{m.a} * m.d >> 1) - (int64_t{m.b} * m.c >> 1);
-    if (determinant == 0) return false;
-    const int64_t one = determinant < 0 ? -(int64_t{1} << 31) : int64_t{1} << 31;
-    const int64_t size = absolute(determinant);
-    const int64_t a = divideRounded(m.d * one, size);
-    const int64_t b = divideRounded(-int64_t{m.b} * one, size);
-    const int64_t c = divideRounded(-int64_t{m.c} * one, size);
-    const int64_t d = divideRounded(m.a * one, size);
-    for (int64_t element : {a, b, c, d})
-        if (absolute(element) > kGreatestOffset) return false;
-    inverse = {static_cast<Fixed>(a),
-               static_cast<Fixed>(b),
-               static_cast<Fixed>(c),
-               static_cast<Fixed>(d),
-               0,
-               0};
-    const Vector origin = mapped(inverse, {-int64_t{m.e}, -int64_t{m.f}});
-    inverse.e = static_cast<Fixed>(std::clamp(origin.x, -kGreatestOffset, kGreatestOffset));
-    inverse.f = static_cast<Fixed>(std::clamp(origin.y, -kGreatestOffset, kGreatestOffset));
-    return true;
 }
 
 } // namespace
@@ -230,7 +204,7 @@ bool invert(const Matrix2D& m, Matrix2D& inverse)
     const MMPixmap pixmap = image;
     Matrix2D inverse;
     const bool drawable = pixmap.pixels != nullptr && pixmap.width != 0 && pixmap.height != 0 &&
-                          invert(transform, inverse);
+                          invertRounded(transform, inverse);
     paint.paintType = drawable ? kPaintPattern : kPaintNone;
     if (!drawable) return;
     paint.patternImage = pixmap;

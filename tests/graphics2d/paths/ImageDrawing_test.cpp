@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Drawing images through the transform, and parts of images scaled and turned into a pixmap.
+#include "graphics2d/ImageReduction.h"
+#include "tests/support/FailingHeap.h"
 #include "tests/support/Picture.h"
 #include "tests/support/UserUnits.h"
+
+#include <random>
 
 using namespace KAVO;
 
@@ -121,6 +125,156 @@ TEST_F(ImageDrawing, AnAngleTurnsAboutTheTopLeftCornerAgainstTheClock)
     expect([](int x, int y) {
         return x >= 10 && x < 13 && y >= 6 && y < 10 ? texel(9 - y, x - 10) : 0;
     });
+}
+
+// A target, a destination and an image may each be the context's own record.
+TEST_F(ImageDrawing, RecordsInsideTheContextAreReadBeforeTheyChange)
+{
+    std::vector<Pixel> copy(16, 0);
+    const MMPixmap destination = {4, 4, 16, 0, copy.data(), 0};
+    const MMFixedRegion rect = {0, 0, fx(4), fx(3)};
+    const MMPixmap canvas = context.target;
+    context.target = image;
+    context.currentPaint.patternHasAlpha = 0;
+    context.drawImage(&context.target, &rect, &destination, &rect, 0);
+    for (size_t i = 0; i < 12; ++i)
+        EXPECT_EQ(copy[i], texels[i]) << i;
+    EXPECT_EQ(copy[12], 0u);
+
+    context.target = canvas;
+    context.clipRight = context.clipBottom = size;
+    context.currentPaint.patternImage = image;
+    context.drawImage(&context.currentPaint.patternImage, 0, 0, fx(4), fx(3), 0);
+    expect([](int x, int y) { return x < 4 && y < 3 ? texel(x, y) : 0; });
+}
+
+TEST_F(ImageDrawing, UnknownFiltersDrawNothing)
+{
+    context.patternFilter = 3;
+    for (const uint8_t refined : {0, 1}) {
+        context.refined = refined;
+        context.drawImage(&image, 0, 0, fx(4), fx(3), 0);
+        EXPECT_TRUE(blank());
+    }
+}
+
+// --- By the refined rules ------------------------------------------------------------------------
+
+struct RefinedImage : ImageDrawing {
+    std::mt19937 random{9};
+    std::vector<Pixel> large;
+
+    RefinedImage()
+    {
+        context.refined = 1;
+        context.patternFilter = kFilterBilinear;
+    }
+    MMPixmap randomImage(int width, int height, bool hasAlpha)
+    {
+        large.clear();
+        for (int i = 0; i < width * height; ++i)
+            large.push_back(static_cast<Pixel>(random()) | (hasAlpha ? 0 : 0xFF000000));
+        return {static_cast<uint16_t>(width),
+                static_cast<uint16_t>(height),
+                0,
+                0,
+                large.data(),
+                hasAlpha};
+    }
+    // The mean of a block of side by side texels, weighted by their alpha, times that.
+    double mean(int width, int side, int x, int y, int channel) const
+    {
+        double sum = 0;
+        for (int i = 0; i < side * side; ++i) {
+            const int at = (y * side + i / side) * width + x * side + i % side;
+            const Pixel p = large[static_cast<size_t>(at)];
+            sum += (channel < 3 ? (p >> (8 * channel) & 0xFF) * ((p >> 24) / 255.0) : p >> 24);
+        }
+        return sum / (side * side);
+    }
+};
+
+TEST_F(RefinedImage, IsCopiedAtItsOwnSize)
+{
+    for (const MMPatternFilter filter : {kFilterNearest, kFilterBilinear}) {
+        context.patternFilter = filter;
+        fill(kBlank);
+        const MMPixmap copied = randomImage(20, 20, false);
+        context.transform = kIdentityMatrix;
+        context.transform.translate(fx(3), fx(5));
+        context.drawImage(&copied, 0, 0, fx(20), fx(20), 0);
+        for (int y = 0; y < size; ++y)
+            for (int x = 0; x < size; ++x) {
+                const bool inside = x >= 3 && x < 23 && y >= 5 && y < 25;
+                ASSERT_EQ(at(x, y), inside ? large[(y - 5) * 20 + x - 3] : kBlank) << x << ',' << y;
+            }
+    }
+}
+
+TEST_F(RefinedImage, BelowOneHalfIsTheMeanOfItsTexels)
+{
+    for (int round = 0; round < 40; ++round) {
+        const bool hasAlpha = round % 2 != 0, isPart = round % 4 >= 2;
+        const int side = 2 << round % 3;
+        const MMPixmap reduced = randomImage(8 * side, 8 * side, hasAlpha);
+        fill(hasAlpha ? 0 : kBlank);
+        const MMPixmap canvas = context.target;
+        if (isPart) {
+            const MMFixedRegion source = {0, 0, fx(8 * side), fx(8 * side)};
+            const MMFixedRegion rect = {0, 0, fx(8), fx(8)};
+            context.currentPaint.patternHasAlpha = hasAlpha;
+            context.drawImage(&reduced, &source, &canvas, &rect, 0);
+        } else {
+            context.transform = {0x10000 / side, 0, 0, 0x10000 / side, 0, 0};
+            context.drawImage(&reduced, 0, 0, fx(8 * side), fx(8 * side), 0);
+        }
+        for (int y = 0; y < 8; ++y)
+            for (int x = 0; x < 8; ++x)
+                for (int k = 0; k < 4; ++k)
+                    ASSERT_NEAR(at(x, y) >> (8 * k) & 0xFF, mean(8 * side, side, x, y, k),
+                                hasAlpha ? 3 : 1.5)
+                        << "round " << round << " at " << x << ',' << y;
+        EXPECT_EQ(context.currentPaint.patternImage.pixels, large.data()) << "left behind";
+        EXPECT_EQ(context.currentPaint.patternImage.width, 8 * side);
+    }
+}
+
+TEST_F(RefinedImage, IsReducedInTheCallersMemoryForAPattern)
+{
+    MMPixmap reduced = randomImage(37, 21, false);
+    Matrix2D transform = {0x4000, 0, 0, 0x3000, fx(2), 0};
+    std::vector<Pixel> room(reducedImageRoom(reduced, transform));
+    ASSERT_EQ(room.size(), 19u * 11);
+    reduceImage(reduced, transform, room.data());
+    EXPECT_EQ(reduced.width, 10); // 19 by 11, and halved again
+    EXPECT_EQ(reduced.height, 6);
+    EXPECT_EQ(transform.a, 0x10000);
+    EXPECT_EQ(transform.d, 0xC000);
+    EXPECT_EQ(transform.e, fx(2));
+    for (int k = 0; k < 3; ++k)
+        EXPECT_NEAR(room[0] >> (8 * k) & 0xFF, mean(37, 4, 0, 0, k), 1);
+    EXPECT_EQ(reducedImageRoom(reduced, transform), 0u);
+    const MMPixmap before = reduced;
+    reduceImage(reduced, transform, room.data());
+    EXPECT_EQ(reduced.width, before.width);
+}
+
+TEST_F(RefinedImage, IsDrawnFromItselfWithoutMemory)
+{
+    const MMPixmap reduced = randomImage(400, 400, false);
+    FailingHeap heap;
+    heap.failFrom(1);
+    context.transform = {0x1000, 0, 0, 0x1000, 0, 0};
+    context.drawImage(&reduced, 0, 0, fx(400), fx(400), 0);
+    heap.failAt(0);
+    EXPECT_EQ(context.outOfMemory, 0);
+    // The centre of the first pixel is the corner of texels 7 and 8.
+    const Pixel corners[] = {large[7 * 400 + 7], large[7 * 400 + 8], large[8 * 400 + 7],
+                             large[8 * 400 + 8]};
+    double sum = 0;
+    for (Pixel p : corners)
+        sum += p & 0xFF;
+    EXPECT_NEAR(at(0, 0) & 0xFF, sum / 4, 1.5);
 }
 
 } // namespace

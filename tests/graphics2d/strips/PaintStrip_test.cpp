@@ -3,6 +3,7 @@
 #include "GradientModel.h"
 #include "PaintModel.h"
 #include "graphics2d/strips/CircleFollower.h"
+#include "graphics2d/strips/StripDispatch.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -316,6 +317,28 @@ TEST(CircleFollower, QuickStepsMatchPlainOnes)
                 << first.r << " after " << i;
             // The plain stepping learns how many steps are usual.
             quick.guess = plain.guess;
+        }
+    }
+}
+
+// Also where the type and one more would wrap to solid.
+TEST(StripDispatch, UnknownPaintTypesAndFiltersDrawNothing)
+{
+    MMContext2D context;
+    MMPaint& paint = context.currentPaint;
+    for (const uint8_t opacity : {0, 254, 255}) {
+        paint.paintOpacity = opacity;
+        for (const uint32_t type :
+             {kPaintNone + 0u, 14u, 15u, 0x80000000u, 0xFFFFFFFEu, 0xFFFFFFFFu}) {
+            paint.paintType = type;
+            EXPECT_EQ(chooseSpanFiller(context).filler, nullptr) << type;
+            EXPECT_EQ(chooseEdgeFiller(context), nullptr) << type;
+        }
+        paint.paintType = kPaintPattern;
+        for (const int filter : {3, 255}) {
+            context.patternFilter = static_cast<uint8_t>(filter);
+            EXPECT_EQ(chooseSpanFiller(context).filler, nullptr) << filter;
+            EXPECT_EQ(chooseEdgeFiller(context), nullptr) << filter;
         }
     }
 }
