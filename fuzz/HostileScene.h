@@ -9,8 +9,6 @@
 #include <cstdio>
 #include <cstdlib>
 
-using namespace KAVO::Graphics2D;
-
 // What does not hold is a finding.
 inline void require(bool holds, const char* what)
 {
@@ -26,11 +24,13 @@ public:
     HostileScene(ByteReader& in, bool padded) : in_(in)
     {
         readTarget(padded);
-        MMContext2D& c = context;
+        KAVO::Graphics2D::MMContext2D& c = context;
         c.transform = readMatrix();
         readPaint(c.fillPaint);
         readPaint(c.strokePaint);
-        c.antiAlias = in.byte();
+        const uint8_t mode = in.byte();
+        c.antiAlias = mode & 1;
+        c.refined = mode >> 1 & 1;
         c.fillRule = in.byte();
         c.joinStyle = in.byte();
         c.capStyle = in.byte();
@@ -43,7 +43,7 @@ public:
         const uint8_t flags = in.byte();
         c.accumulateBounds = flags & 1;
         c.drawSuppressed = (flags & 0x0E) == 0x0E;
-        c.renderFlags = (flags & 0x70) == 0x70 ? kRenderBoundsOnly : 0;
+        c.renderFlags = (flags & 0x70) == 0x70 ? KAVO::Graphics2D::kRenderBoundsOnly : 0;
         c.pointStep = static_cast<int32_t>(in.fixed());
         c.patternFilter = in.byte();
         c.imageOpacity = in.byte();
@@ -82,21 +82,21 @@ public:
         paint.paintType = type == 255 ? UINT32_MAX : type;
         paint.paintOpacity = in_.byte();
         switch (paint.paintType) {
-        case kPaintLinearGradient:
+        case KAVO::Graphics2D::kPaintLinearGradient:
             readStops(paint);
             paint.gradientOriginX = in_.fixed();
             paint.gradientOriginY = in_.fixed();
             paint.gradientStepX = in_.fixed();
             paint.gradientStepY = in_.fixed();
             break;
-        case kPaintRadialGradient:
+        case KAVO::Graphics2D::kPaintRadialGradient:
             readStops(paint);
             for (KAVO::Fixed* field :
                  {&paint.radialXToU, &paint.radialXToV, &paint.radialYToU, &paint.radialYToV,
                   &paint.radialCenterX, &paint.radialCenterY})
                 *field = in_.fixed();
             break;
-        case kPaintPattern:
+        case KAVO::Graphics2D::kPaintPattern:
             paint.patternTransform = readMatrix();
             paint.patternImage = readImage();
             paint.patternHasAlpha = in_.byte();
@@ -121,7 +121,7 @@ public:
         require(context.outOfMemory == 0, "memory does not run out");
     }
 
-    MMContext2D context;
+    KAVO::Graphics2D::MMContext2D context;
 
 private:
     static constexpr KAVO::Pixel kGround = 0xA55A3CC3;

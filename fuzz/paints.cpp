@@ -6,6 +6,7 @@
 #include "graphics2d/strips/StripDispatch.h"
 
 using namespace KAVO;
+using namespace KAVO::Graphics2D;
 
 namespace {
 

@@ -3,6 +3,7 @@
 #include "fuzz/HostileScene.h"
 
 using namespace KAVO;
+using namespace KAVO::Graphics2D;
 
 namespace {
 

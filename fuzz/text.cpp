@@ -5,6 +5,7 @@
 #include "tests/support/FakeLayoutEngine.h"
 
 using namespace KAVO;
+using namespace KAVO::Graphics2D;
 
 namespace {
 

@@ -376,7 +376,8 @@ public:
 
     // INNER: the current span, from the rasteriser to the strip filler. The first pixel is column
     // spanStart >> 16, the one after the last spanEnd >> 16. Without antiAlias both are exact:
-    // where the shape, half a pixel further right, meets the row; with it they are whole columns.
+    // where the shape, half a pixel further right, meets the row; with it they are whole columns,
+    // but for polygons that lie within one row.
     Fixed spanStart;
     Fixed spanEnd;
     int32_t spanRow;
