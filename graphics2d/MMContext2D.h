@@ -23,6 +23,9 @@
 // one pixel. Only the last pixel of the target reads itself. Solid colours blend pixels over
 // themselves.
 //
+// Two modes. What stands here are the classic rules, the default. With refined set, rules that come
+// closer to the ideal picture take the place of those whose flaws show; docs/design.md lists them.
+//
 // Failure. Nothing throws and nothing is logged. An operation that cannot get memory sets bit 0 of
 // outOfMemory, gives back what it took and draws nothing (further); the bit stays until the caller
 // clears it. One case is silent: drawEllipticalRect without memory for its fill. No input makes the

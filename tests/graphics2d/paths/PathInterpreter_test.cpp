@@ -14,7 +14,7 @@ namespace {
 using namespace KAVO::Graphics2D;
 
 using Points = std::vector<MMPoint2D>;
-using rastertest::bridged;
+using model::bridged;
 
 const Matrix2D kSlanted = {fx(1.25), fx(0.25), fx(-0.5), fx(1.5), fx(7), fx(-2)};
 

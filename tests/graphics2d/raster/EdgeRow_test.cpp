@@ -10,7 +10,7 @@ using namespace KAVO;
 namespace {
 
 using namespace KAVO::Graphics2D;
-using namespace rastertest;
+using namespace model;
 
 // Edges as they pass a row: x at its top and at its bottom.
 TEST(SmoothEdges, DrawsTheTrapezoidBetweenTheEdges)

@@ -9,7 +9,7 @@ using namespace KAVO;
 namespace {
 
 using namespace KAVO::Graphics2D;
-using namespace rastertest;
+using namespace model;
 
 constexpr int kSize = 340;
 constexpr double kStart = 20, kLength = 300;

@@ -11,7 +11,7 @@ using namespace KAVO;
 namespace {
 
 using namespace KAVO::Graphics2D;
-using namespace rastertest;
+using namespace model;
 
 constexpr int kSize = 140;
 

@@ -6,9 +6,7 @@
 
 #include <random>
 
-namespace rastertest {
-
-using namespace model;
+namespace model {
 
 inline Polygon rectangle(double x0, double y0, double x1, double y1)
 {
@@ -153,4 +151,4 @@ inline std::vector<Shape> shapes()
     };
 }
 
-} // namespace rastertest
+} // namespace model
