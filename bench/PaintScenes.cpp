@@ -61,7 +61,7 @@ struct OursPaint {
     Pixel rampColours[gradientRampRoom(3)];
     Fixed rampOffsets[gradientRampRoom(3)];
     MMContext2D context;
-    std::vector<uint32_t> path;
+    MMPathBuilder path;
 
     explicit OursPaint(const PaintScene& scene) : texels(image(scene.hasAlpha, false))
     {
@@ -71,8 +71,8 @@ struct OursPaint {
         context.patternFilter = scene.filter;
         setPaint(scene);
         context.fillPaint.paintOpacity = scene.opacity;
-        const uint32_t end = static_cast<uint32_t>(toFixed(scene.size));
-        path = {0x00010001, 4u | 3u << 30, 0, 0, end, 0, end, end, 0, end};
+        const Fixed end = toFixed(scene.size);
+        path.rect(0, 0, end, end);
     }
 
     void setPaint(const PaintScene& scene)
@@ -167,7 +167,7 @@ Scene paintScene(const PaintScene& description)
     Scene scene;
     scene.name = description.name;
     auto ours = std::make_shared<OursPaint>(description);
-    scene.ours = [ours] { ours->context.drawPath(ours->path.data()); };
+    scene.ours = [ours] { ours->context.drawPath(ours->path.words()); };
 #ifdef MM2D_BENCH_CAIRO
     auto cairo = std::make_shared<CairoPaint>(description);
     scene.cairo = [cairo] { cairo->draw(); };

@@ -7,8 +7,7 @@
 // else the machine is doing falls on all of them alike.
 #include "Scene.h"
 
-#include "common/FontFolder.h"
-#include "graphics2d/MMContext2D.h"
+#include "graphics2d/convenience/MMText.h"
 
 #include <benchmark/benchmark.h>
 
@@ -150,11 +149,7 @@ void printRatio(double peer, double ours)
 
 int main(int argc, char** argv)
 {
-    const FontFolder font(MM2D_BENCH_FONT); // for the engine that the first context starts
-    if (!font.problem().empty()) {
-        std::fprintf(stderr, "mm2d_bench: %s\n", font.problem().c_str());
-        return 1;
-    }
+    if (!setFontFile(MM2D_BENCH_FONT)) return 1; // for the engine that the first context starts
     std::vector<Scene> scenes;
     for (auto family : {fillScenes, strokeScenes, paintScenes, textScenes})
         for (Scene& scene : family())

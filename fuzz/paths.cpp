@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Shapes of all kinds, above all encoded paths, drawn by a context in any state.
 #include "fuzz/HostileScene.h"
+#include "graphics2d/MMPathWords.h"
 
 using namespace KAVO;
 using namespace KAVO::Graphics2D;
@@ -12,20 +13,20 @@ namespace {
 std::vector<uint32_t> readPath(ByteReader& in)
 {
     std::vector<uint32_t> words = in.array<uint32_t>(2 + in.left() / 4);
-    constexpr uint32_t kWordsPerItem[] = {2, 6, 0, 0};
     uint32_t subpaths = 0;
     for (size_t at = 2; at < words.size();) {
         uint32_t& command = words[at++];
-        const uint32_t perItem = kWordsPerItem[command >> 28 & 3];
-        uint32_t items = command & 0x0FFFFFFF;
+        const uint32_t kind = command & kPathKindMask;
+        const uint32_t perItem = kind == kPathPoints ? 2 : kind == kPathCurves ? 6 : 0;
+        uint32_t items = command & kPathItemMask;
         if (perItem > 0) {
             items = static_cast<uint32_t>(std::min<size_t>(items, (words.size() - at) / perItem));
-            command = (command & 0xF0000000) | items;
+            command = (command & ~kPathItemMask) | items;
             at += items * perItem;
         }
-        subpaths += command >> 30 & 1;
+        subpaths += (command & kPathEnd) != 0;
     }
-    words[1] = (words[1] & 0xFFFF0000) | std::min(words[1] & 0xFFFF, subpaths);
+    words[1] = (words[1] & ~kPathSubpathMask) | std::min(words[1] & kPathSubpathMask, subpaths);
     return words;
 }
 

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Documents, through the engine, into a picture in memory; then an element is looked for.
-#include "common/FontFolder.h"
+#include "graphics2d/convenience/MMText.h"
 #include "svg/MMSvgDocument.h"
 
 #include <string_view>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    static const FontFolder font(FUZZ_FONT);
+    static const bool fontNamed = KAVO::Graphics2D::setFontFile(FUZZ_FONT);
+    if (!fontNamed) return 0;
     constexpr int kSide = 48;
     static KAVO::Pixel pixels[kSide * kSide];
     KAVO::Svg::LoadOptions options;

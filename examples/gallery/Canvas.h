@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
-// What the gallery draws with: a context on a picture, and encoded paths.
+// What the gallery draws with: a context on a picture, and stars.
 #pragma once
 
-#include "common/FontFolder.h"
 #include "common/Picture.h"
-#include "graphics2d/MMContext2D.h"
+#include "graphics2d/convenience/MMContextState.h"
+#include "graphics2d/convenience/MMPathBuilder.h"
+#include "graphics2d/convenience/MMText.h"
 
 #include <memory>
-#include <vector>
 
 // 16.16 from a plain number.
 constexpr KAVO::Fixed fixed(double value)
@@ -20,29 +20,10 @@ constexpr KAVO::Degrees degrees(double value)
     return fixed(value);
 }
 
-// Builds the words that MMContext2D::drawPath reads, one command for each point or curve.
-class PathBuilder {
-public:
-    PathBuilder& moveTo(double x, double y);
-    PathBuilder& lineTo(double x, double y);
-    PathBuilder& curveTo(double x1, double y1, double x2, double y2, double x3, double y3);
-    PathBuilder& close();
-    PathBuilder& circle(double cx, double cy, double r);
-    PathBuilder& star(double cx, double cy, double r, int points, int step);
-
-    // The finished path; a last subpath that was not closed ends here.
-    const uint32_t* words();
-    // The same with one word before it, for getPathPos.
-    const uint32_t* storedPath();
-
-private:
-    void begin(uint32_t kind);
-    void put(double x, double y);
-    void endSubpath(uint32_t flags);
-
-    std::vector<uint32_t> words_{0, 0}; // the word before the path, the header
-    size_t command_ = 0;                // index of the last command word of an open subpath, or 0
-};
+// Every step-th of so many points on a circle, the first at the top.
+void addStar(KAVO::Graphics2D::MMPathBuilder& path, double cx, double cy, double r, int points,
+             int step);
+KAVO::Graphics2D::MMPathBuilder star(double cx, double cy, double r, int points, int step);
 
 class Canvas {
 public:
@@ -73,13 +54,12 @@ public:
     void place(double x = 0, double y = 0, double scale = 1, double turn = 0);
     void placeUnshifted(double x = 0, double y = 0, double scale = 1, double turn = 0);
 
-    void draw(PathBuilder path) { context().drawPath(path.words()); }
+    void draw(const KAVO::Graphics2D::MMPathBuilder& path);
     void rectangle(double x, double y, double width, double height);
 
 private:
     void makeContext();
 
-    std::unique_ptr<FontFolder> font_;
     std::unique_ptr<KAVO::Graphics2D::MMContext2D> context_;
     bool outOfMemory_ = false;
     int panelX_ = 0;

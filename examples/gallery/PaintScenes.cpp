@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Every paint, opaque and translucent, and an image under the three filters.
 #include "gallery/Canvas.h"
-#include "graphics2d/PaintSetup.h"
+#include "graphics2d/convenience/MMGradient.h"
 
 #include <cmath>
 
@@ -39,15 +39,6 @@ MMPixmap pixmapOf(Picture& image)
     return {width, height, width * 4u, 0, image.pixels.data(), image.hasAlpha};
 }
 
-struct Ramp {
-    Pixel colours[gradientRampRoom(4)];
-    Fixed offsets[gradientRampRoom(4)];
-};
-
-const Pixel kColours[] = {0xFF540B0E, 0xFFE09F3E, 0xFFFFF3B0, 0xFF335C67};
-const Pixel kFadingColours[] = {0xFF540B0E, 0xC0E09F3E, 0x60FFF3B0, 0x00335C67};
-const Fixed kOffsets[] = {0, 0x5555, 0xAAAA, 0x10000};
-
 } // namespace
 
 // Pairs of an opaque paint and the same at 55 %, over stripes: solid, exclusive-or, linear; linear
@@ -61,10 +52,14 @@ void drawPaintScene(Canvas& canvas)
     MMContext2D& context = canvas.context();
     Picture image = makeImage(16, true);
     const MMPixmap pixmap = pixmapOf(image);
-    const GradientStops stops = {kColours, kOffsets, 4};
-    const GradientStops fading = {kFadingColours, kOffsets, 4};
-    Ramp ramp;
-    const GradientRamp room = {ramp.colours, ramp.offsets};
+    MMGradient solid({{0, 0xFF540B0E},
+                      {fixFromRatio(1, 3), 0xFFE09F3E},
+                      {fixFromRatio(2, 3), 0xFFFFF3B0},
+                      {1_fx, 0xFF335C67}});
+    MMGradient fading({{0, 0xFF540B0E},
+                       {fixFromRatio(1, 3), 0xC0E09F3E},
+                       {fixFromRatio(2, 3), 0x60FFF3B0},
+                       {1_fx, 0x00335C67}});
     constexpr double kRadius = 28;
     const MMPoint2D left = {fixed(-kRadius), 0};
     const MMPoint2D right = {fixed(kRadius), 0};
@@ -79,11 +74,9 @@ void drawPaintScene(Canvas& canvas)
         if (kind == 1)
             paint.paintType = kPaintXOR;
         else if (kind == 2 || kind == 3)
-            setLinearGradient(paint, left, right, context.transform, kind == 3 ? fading : stops,
-                              room);
+            (kind == 3 ? fading : solid).setLinear(context, paint, left, right);
         else if (kind == 4 || kind == 5)
-            setRadialGradient(paint, {0, 0}, fixed(kRadius), context.transform,
-                              kind == 5 ? fading : stops, room);
+            (kind == 5 ? fading : solid).setRadial(context, paint, {0, 0}, fixed(kRadius));
         if (kind >= 6) {
             const auto filter = static_cast<MMPatternFilter>(kind - 6);
             context.patternFilter = filter;
@@ -93,7 +86,11 @@ void drawPaintScene(Canvas& canvas)
         }
         // A disc with a star cut out: curved and straight edges, outside and in.
         context.fillRule = kFillEvenOdd;
-        canvas.draw(PathBuilder().circle(0, 0, kRadius).star(0, 0, 15, 8, 1).circle(0, 0, 5));
+        MMPathBuilder path;
+        path.circle(0, 0, fixed(kRadius));
+        addStar(path, 0, 0, 15, 8, 1);
+        path.circle(0, 0, 5_fx);
+        canvas.draw(path);
         context.fillRule = kFillNonZero;
     }
 }

@@ -23,10 +23,10 @@ void drawFillScene(Canvas& canvas)
         canvas.place(smooth ? 0 : 130);
         canvas.fill(kBlue);
         canvas.context().fillRule = kFillNonZero;
-        canvas.draw(PathBuilder().star(65, 52, 46, 7, 3));
+        canvas.draw(star(65, 52, 46, 7, 3));
         canvas.fill(kRed);
         canvas.context().fillRule = kFillEvenOdd;
-        canvas.draw(PathBuilder().star(65, 150, 46, 7, 3));
+        canvas.draw(star(65, 150, 46, 7, 3));
     }
     canvas.context().antiAlias = 1;
     canvas.context().fillRule = kFillNonZero;
@@ -36,13 +36,14 @@ void drawFillScene(Canvas& canvas)
     const double centres[][2] = {{60, 40}, {40, 74}, {80, 74}};
     for (int i = 0; i < 3; ++i) {
         canvas.fill(colours[i], 160);
-        canvas.draw(PathBuilder().circle(centres[i][0], centres[i][1], 36));
+        canvas.draw(MMPathBuilder().circle(fixed(centres[i][0]), fixed(centres[i][1]), 36_fx));
     }
     // Slivers: a fan of triangles that narrow to a point.
     canvas.fill(0xFF333333);
     for (int i = 0; i < 12; ++i) {
         canvas.place(260 + 60, 190, 1, -82.5 + 15 * i);
-        canvas.draw(PathBuilder().moveTo(0, 0).lineTo(-2, -56).lineTo(2, -56).close());
+        canvas.draw(
+            MMPathBuilder().moveTo(0, 0).lineTo(-2_fx, -56_fx).lineTo(2_fx, -56_fx).close());
     }
 }
 

@@ -14,18 +14,21 @@ constexpr Pixel kInk = 0xFF264653;
 constexpr Pixel kRed = 0xFFC8443C;
 constexpr Pixel kGreen = 0xFF2A9D8F;
 
-PathBuilder zigzag()
+MMPathBuilder zigzag()
 {
-    return PathBuilder().moveTo(0, 26).lineTo(12, 0).lineTo(24, 26).lineTo(32, 8);
+    MMPathBuilder path;
+    path.moveTo(0, 26_fx).lineTo(12_fx, 0).lineTo(24_fx, 26_fx).lineTo(32_fx, 8_fx);
+    return path;
 }
 
-PathBuilder wave()
+MMPathBuilder wave()
 {
-    return PathBuilder()
-        .moveTo(0, 0)
-        .curveTo(20, -24, 40, -24, 60, 0)
-        .curveTo(80, 24, 100, 24, 120, 0)
-        .curveTo(140, -24, 160, -24, 180, 0);
+    MMPathBuilder path;
+    path.moveTo(0, 0)
+        .cubicTo(20_fx, -24_fx, 40_fx, -24_fx, 60_fx, 0)
+        .cubicTo(80_fx, 24_fx, 100_fx, 24_fx, 120_fx, 0)
+        .cubicTo(140_fx, -24_fx, 160_fx, -24_fx, 180_fx, 0);
+    return path;
 }
 
 } // namespace
@@ -61,7 +64,7 @@ void drawDashScene(Canvas& canvas)
     for (int i = 0; i < 5; ++i) {
         canvas.place(10, 14 + 18 * i);
         context.dashOffset = fixed(7 * i);
-        canvas.draw(PathBuilder().moveTo(0, 0).lineTo(360, 0));
+        canvas.draw(MMPathBuilder().moveTo(0, 0).lineTo(360_fx, 0));
     }
     context.dashOffset = 0;
     static const Fixed dots[] = {0, fixed(9)};
@@ -81,7 +84,7 @@ void drawDashScene(Canvas& canvas)
     context.dashArray = pattern;
     context.dashCount = 4;
     canvas.place();
-    canvas.draw(PathBuilder().star(290, 150, 44, 5, 2));
+    canvas.draw(star(290, 150, 44, 5, 2));
     context.dashArray = nullptr;
 }
 
@@ -92,18 +95,26 @@ void drawHairlineScene(Canvas& canvas)
     for (int i = 0; i < 8; ++i) {
         const double offset = i / 8.0;
         canvas.stroke(0xFF000000, 1);
-        canvas.draw(PathBuilder().moveTo(10 + 22 * i + offset, 8).lineTo(10 + 22 * i + offset, 60));
-        canvas.draw(PathBuilder().moveTo(200, 8 + 7 * i + offset).lineTo(280, 8 + 7 * i + offset));
+        canvas.draw(MMPathBuilder()
+                        .moveTo(fixed(10 + 22 * i + offset), 8_fx)
+                        .lineTo(fixed(10 + 22 * i + offset), 60_fx));
+        canvas.draw(MMPathBuilder()
+                        .moveTo(200_fx, fixed(8 + 7 * i + offset))
+                        .lineTo(280_fx, fixed(8 + 7 * i + offset)));
         canvas.stroke(0xFF000000, 0.5);
-        canvas.draw(PathBuilder().moveTo(20 + 22 * i + offset, 8).lineTo(20 + 22 * i + offset, 60));
-        canvas.draw(PathBuilder().moveTo(290, 8 + 7 * i + offset).lineTo(370, 8 + 7 * i + offset));
+        canvas.draw(MMPathBuilder()
+                        .moveTo(fixed(20 + 22 * i + offset), 8_fx)
+                        .lineTo(fixed(20 + 22 * i + offset), 60_fx));
+        canvas.draw(MMPathBuilder()
+                        .moveTo(290_fx, fixed(8 + 7 * i + offset))
+                        .lineTo(370_fx, fixed(8 + 7 * i + offset)));
     }
     for (const bool smooth : {true, false}) {
         canvas.context().antiAlias = smooth;
         canvas.stroke(kInk, smooth ? 1 : 0.5);
         for (int i = 0; i < 36; ++i) {
             canvas.place(smooth ? 95 : 285, 132, 1, 10 * i + 2.5);
-            canvas.draw(PathBuilder().moveTo(6, 0).lineTo(62, 0));
+            canvas.draw(MMPathBuilder().moveTo(6_fx, 0).lineTo(62_fx, 0));
         }
     }
     canvas.context().antiAlias = 1;
@@ -116,13 +127,16 @@ void drawCrossingScene(Canvas& canvas)
     context.joinStyle = kJoinRound;
     context.capStyle = kCapRound;
     canvas.stroke(0xFF5F0F80, 16, 110);
-    canvas.draw(PathBuilder()
-                    .moveTo(20, 60)
-                    .curveTo(200, 20, 20, 220, 150, 170)
-                    .curveTo(180, 140, 80, 20, 30, 160));
-    canvas.draw(PathBuilder().star(250, 100, 66, 5, 2));
+    canvas.draw(MMPathBuilder()
+                    .moveTo(20_fx, 60_fx)
+                    .cubicTo(200_fx, 20_fx, 20_fx, 220_fx, 150_fx, 170_fx)
+                    .cubicTo(180_fx, 140_fx, 80_fx, 20_fx, 30_fx, 160_fx));
+    canvas.draw(star(250, 100, 66, 5, 2));
     canvas.stroke(kRed, 26, 140);
-    canvas.draw(PathBuilder().moveTo(334, 30).curveTo(370, 50, 370, 150, 334, 170).lineTo(352, 60));
+    canvas.draw(MMPathBuilder()
+                    .moveTo(334_fx, 30_fx)
+                    .cubicTo(370_fx, 50_fx, 370_fx, 150_fx, 334_fx, 170_fx)
+                    .lineTo(352_fx, 60_fx));
     context.joinStyle = kJoinMiter;
     context.capStyle = kCapButt;
 }
@@ -130,12 +144,12 @@ void drawCrossingScene(Canvas& canvas)
 // Dots at equal distances along a path, each with a tick in the direction of the path.
 void drawPositionScene(Canvas& canvas)
 {
-    PathBuilder path;
-    path.moveTo(20, 160)
-        .curveTo(60, -20, 140, -10, 130, 90)
-        .curveTo(120, 200, 220, 220, 230, 110)
-        .lineTo(300, 40)
-        .lineTo(360, 150);
+    MMPathBuilder path;
+    path.moveTo(20_fx, 160_fx)
+        .cubicTo(60_fx, -20_fx, 140_fx, -10_fx, 130_fx, 90_fx)
+        .cubicTo(120_fx, 200_fx, 220_fx, 220_fx, 230_fx, 110_fx)
+        .lineTo(300_fx, 40_fx)
+        .lineTo(360_fx, 150_fx);
     canvas.stroke(0xFF9AA5B1, 2);
     canvas.draw(path);
     MMPathPos position = {};
@@ -147,8 +161,8 @@ void drawPositionScene(Canvas& canvas)
         const double y = position.current.y / 65536.0;
         canvas.place(x, y, 1, direction / 65536.0);
         canvas.stroke(kGreen, 1.5);
-        canvas.draw(PathBuilder().moveTo(0, 0).lineTo(0, -12));
+        canvas.draw(MMPathBuilder().moveTo(0, 0).lineTo(0, -12_fx));
         canvas.fill(kRed);
-        canvas.draw(PathBuilder().circle(0, 0, 3.5));
+        canvas.draw(MMPathBuilder().circle(0, 0, 3.5_fx));
     }
 }

@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Text: sizes, styles, paints, and paragraphs in three scripts.
 #include "gallery/Canvas.h"
-#include "graphics2d/PaintSetup.h"
+#include "graphics2d/convenience/MMGradient.h"
 #include "platform/freetype/LightHinting.h"
-#include "svg/text/Glyphs.h"
-#include "util/WideString.h"
-
-#include <cstdlib>
-#include <cstring>
 
 using namespace KAVO;
 
@@ -16,23 +11,6 @@ using namespace KAVO::Graphics2D;
 namespace {
 
 constexpr Pixel kInk = 0xFF222222;
-
-// UTF-16 of the library's own making, freed with its scope.
-class WideText {
-public:
-    explicit WideText(const char* utf8)
-        : units_(MMstrUtf8ToWs(reinterpret_cast<const uint8_t*>(utf8),
-                               static_cast<uint32_t>(std::strlen(utf8))))
-    {
-    }
-    ~WideText() { std::free(units_); }
-    WideText(const WideText&) = delete;
-    WideText& operator=(const WideText&) = delete;
-    uint16_t* units() { return units_; }
-
-private:
-    uint16_t* units_;
-};
 
 void setFont(MMContext2D& context, double size, uint8_t weight = 4, uint32_t style = 0)
 {
@@ -45,7 +23,7 @@ void setFont(MMContext2D& context, double size, uint8_t weight = 4, uint32_t sty
 void requireGlyphs(Canvas& canvas, const uint16_t* text)
 {
     for (; *text != 0; ++text) {
-        if (*text != '\n' && !KAVO::Svg::hasGlyph(canvas.context(), *text))
+        if (*text != '\n' && !hasGlyph(canvas.context(), *text))
             canvas.problem = "no glyph for character " + std::to_string(*text);
     }
 }
@@ -53,7 +31,7 @@ void requireGlyphs(Canvas& canvas, const uint16_t* text)
 // The text is drawn through the transform without the shift of anti-aliased paths.
 void drawLine(Canvas& canvas, const char* utf8, double x, double y)
 {
-    WideText text(utf8);
+    MMText text(utf8);
     requireGlyphs(canvas, text.units());
     canvas.context().drawText(text.units(), fixed(x), fixed(y));
 }
@@ -64,7 +42,7 @@ void drawParagraph(Canvas& canvas, const char* fontFile, const char* utf8, doubl
 {
     canvas.useFont(fontFile);
     MMContext2D& context = canvas.context();
-    WideText text(utf8);
+    MMText text(utf8);
     requireGlyphs(canvas, text.units());
     canvas.fill(kInk);
     canvas.placeUnshifted();
@@ -131,13 +109,9 @@ void drawLetterScene(Canvas& canvas)
     canvas.placeUnshifted(240, 12, 1, 15);
     drawLine(canvas, "downhill", 0, 20);
 
-    const Pixel colours[] = {0xFFD00000, 0xFFE09F3E, 0xFF1C77C3};
-    const Fixed offsets[] = {0, 0x8000, 0x10000};
-    Pixel rampColours[gradientRampRoom(3)];
-    Fixed rampOffsets[gradientRampRoom(3)];
+    MMGradient gradient({{0, 0xFFD00000}, {0.5_fx, 0xFFE09F3E}, {1_fx, 0xFF1C77C3}});
     canvas.placeUnshifted();
-    setLinearGradient(context.fillPaint, {fixed(10), 0}, {fixed(370), 0}, context.transform,
-                      {colours, offsets, 3}, {rampColours, rampOffsets});
+    gradient.setLinear(context, context.fillPaint, {10_fx, 0}, {370_fx, 0});
     setFont(context, 48, 7);
     drawLine(canvas, "Gradient", 14, 112);
 

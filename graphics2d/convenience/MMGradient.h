@@ -33,15 +33,18 @@ public:
     MMGradient(const MMGradient&) = delete;
     MMGradient& operator=(const MMGradient&) = delete;
 
-    // Points and radius are in the context's user space as it is now. The paint's opacity is best
+    // Points and radius are in the context's user space as it is now, for the rules of drawing that
+    // it goes by (refined). The paint's opacity is best
     // set before, see PaintSetup.h, where everything else is told too.
     void setLinear(const MMContext2D& context, MMPaint& paint, MMPoint2D start, MMPoint2D end)
     {
-        setLinearGradient(paint, start, end, context.transform, stops(), ramp());
+        setLinearGradient(paint, start, end, context.transform, stops(), ramp(),
+                          context.refined != 0);
     }
     void setRadial(const MMContext2D& context, MMPaint& paint, MMPoint2D centre, Fixed radius)
     {
-        setRadialGradient(paint, centre, radius, context.transform, stops(), ramp());
+        setRadialGradient(paint, centre, radius, context.transform, stops(), ramp(),
+                          context.refined != 0);
     }
 
 private:

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Text: positioned runs of characters, and paragraphs.
+#include "graphics2d/convenience/MMText.h"
 #include "svg/render/ClipGuard.h"
 #include "svg/render/Renderer.h"
 #include "svg/render/ShiftedTarget.h"
-#include "svg/text/Glyphs.h"
 
 namespace KAVO {
 namespace Svg {

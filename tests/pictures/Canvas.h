@@ -3,7 +3,7 @@
 #pragma once
 
 #include "graphics2d/PaintSetup.h"
-#include "tests/support/EncodedPath.h"
+#include "graphics2d/convenience/MMPathBuilder.h"
 #include "tests/support/TextScene.h"
 #include "tests/support/UserUnits.h"
 
@@ -114,23 +114,31 @@ struct Canvas : FreshEngine {
         context.rasterPolygon(corners.data(), static_cast<uint16_t>(corners.size()));
     }
 
-    void path(const EncodedPath& encoded) { context.drawPath(encoded.data()); }
+    void path(const KAVO::Graphics2D::MMPathBuilder& built)
+    {
+        if (built.outOfMemory()) context.outOfMemory |= kScratchExhausted;
+        context.drawPath(built.words());
+    }
 
     void line(const std::vector<MMPoint2D>& points, bool closed = false)
     {
-        path(EncodedPath().points(points, closed ? EncodedPath::kClosed : EncodedPath::kOpen));
+        KAVO::Graphics2D::MMPathBuilder lines;
+        for (const MMPoint2D& p : points)
+            &p == &points.front() ? lines.moveTo(p.x, p.y) : lines.lineTo(p.x, p.y);
+        if (closed) lines.close();
+        path(lines);
     }
 
     // With a drop, and a sliver at its side.
     void star()
     {
-        EncodedPath star;
-        star.points({at(40, 4), at(58, 74), at(5, 30), at(76, 30), at(20, 75)},
-                    EncodedPath::kClosed)
-            .points({at(66, 60)})
-            .curves({at(92, 40), at(92, 90), at(66, 88), at(50, 90), at(52, 62), at(66, 60)},
-                    EncodedPath::kClosed)
-            .points({at(82, 4), at(84, 3), at(94, 50)}, EncodedPath::kClosed);
+        using KAVO::operator""_fx;
+        KAVO::Graphics2D::MMPathBuilder star;
+        star.moveTo(40_fx, 4_fx).lineTo(58_fx, 74_fx).lineTo(5_fx, 30_fx).lineTo(76_fx, 30_fx);
+        star.lineTo(20_fx, 75_fx).close();
+        star.moveTo(66_fx, 60_fx).cubicTo(92_fx, 40_fx, 92_fx, 90_fx, 66_fx, 88_fx);
+        star.cubicTo(50_fx, 90_fx, 52_fx, 62_fx, 66_fx, 60_fx).close();
+        star.moveTo(82_fx, 4_fx).lineTo(84_fx, 3_fx).lineTo(94_fx, 50_fx).close();
         evenOdd();
         path(star);
     }
@@ -144,11 +152,11 @@ struct Canvas : FreshEngine {
 
     void blob()
     {
-        EncodedPath curves;
-        curves.points({at(10, 50)})
-            .curves({at(0, 0), at(60, -20), at(48, 40), at(40, 80), at(110, 10), at(90, 60)})
-            .points({at(70, 70)})
-            .curves({at(60, 110), at(20, 100), at(30, 60)}, EncodedPath::kClosed);
+        using KAVO::operator""_fx;
+        KAVO::Graphics2D::MMPathBuilder curves;
+        curves.moveTo(10_fx, 50_fx).cubicTo(0, 0, 60_fx, -20_fx, 48_fx, 40_fx);
+        curves.cubicTo(40_fx, 80_fx, 110_fx, 10_fx, 90_fx, 60_fx).lineTo(70_fx, 70_fx);
+        curves.cubicTo(60_fx, 110_fx, 20_fx, 100_fx, 30_fx, 60_fx).close();
         path(curves);
     }
 

@@ -49,15 +49,13 @@ inline void clipped(Canvas& c)
 // Points and directions every 8.5 units along a path.
 inline void positions(Canvas& c)
 {
-    EncodedPath path;
-    path.points({at(10, 90)})
-        .curves({at(0, 20), at(60, 0), at(50, 50)})
-        .points({at(80, 60)}, EncodedPath::kOpen)
-        .points({at(60, 10), at(90, 10), at(90, 40)}, EncodedPath::kClosed);
+    using KAVO::operator""_fx;
+    KAVO::Graphics2D::MMPathBuilder path;
+    path.moveTo(10_fx, 90_fx).cubicTo(0, 20_fx, 60_fx, 0, 50_fx, 50_fx).lineTo(80_fx, 60_fx);
+    path.moveTo(60_fx, 10_fx).lineTo(90_fx, 10_fx).lineTo(90_fx, 40_fx).close();
     c.stroke(0.5), c.path(path);
-    const std::vector<uint32_t> stored = path.stored();
     MMPathPos pos = {};
-    pos.path = stored.data();
+    pos.path = path.storedPath();
     for (int32_t i = 0; i < 28; ++i) {
         KAVO::Degrees direction = 0;
         c.context.getPathPos(pos, fx(8.5 * i), &direction);

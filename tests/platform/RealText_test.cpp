@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The real engines: glyphs of installed fonts, and lines of several languages.
-#include "examples/common/FontFolder.h"
 #include "graphics2d/MMContext2D.h"
+#include "graphics2d/convenience/MMText.h"
 #include "platform/freetype/LightHinting.h"
 #include "tests/platform/LimitedHeap.h"
 #include "tests/support/Picture.h"
@@ -27,9 +27,14 @@ std::vector<uint16_t> unitsOf(const std::u16string& text)
     return units;
 }
 
+// Names a font before the context that follows is made.
+struct NamedFont {
+    explicit NamedFont(const char* file) { EXPECT_TRUE(setFontFile(file)); }
+};
+
 // A picture on which one font draws.
-struct Page : FontFolder, Picture {
-    explicit Page(const char* font) : FontFolder(font), Picture(400) {}
+struct Page : NamedFont, Picture {
+    explicit Page(const char* font) : NamedFont(font), Picture(400) {}
 
     Lines lines(const std::u16string& text, int32_t width)
     {

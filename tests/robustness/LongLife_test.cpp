@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // One context that draws for a long time, as a device's does between its starts.
 #include "tests/pictures/Scenes.h"
+#include "tests/support/EncodedPath.h"
 #include "tests/support/FailingHeap.h"
 
 #include <cstdlib>
@@ -108,9 +109,11 @@ TEST(LongLife, ADashedPointLeavesTheBlockOfAPointBehindAndNoMore)
         canvas.context.dashArray = dashes;
         canvas.context.dashCount = 2;
         canvas.stroke(2);
+        EncodedPath point;
+        point.points({at(3, 3)}, EncodedPath::kOpen);
         const void* block = nullptr;
         for (uint32_t n = 1; n <= 1000; ++n) {
-            canvas.line({at(3, 3)});
+            canvas.context.drawPath(point.data());
             ASSERT_EQ(canvas.context.scratchStack.usedWords, n * 3); // the point and a size word
             canvas.line({at(3, 3), at(9, 9)});
             canvas.zigzag();

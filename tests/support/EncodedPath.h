@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
-// Building encoded paths for tests.
+// Encoded paths command by command, as MMPathBuilder would not write them: for the tests of what
+// reads the words, which must bear anything. Other tests use MMPathBuilder.
 #pragma once
 
+#include "graphics2d/MMPathWords.h"
 #include "math/MMPoint2D.h"
 
 #include <cstdint>
@@ -10,7 +12,11 @@
 // An encoded path that grows command by command.
 class EncodedPath {
 public:
-    enum Ending : uint32_t { kGoesOn = 0, kOpen = 1u << 30, kClosed = 3u << 30 };
+    enum Ending : uint32_t {
+        kGoesOn = 0,
+        kOpen = KAVO::Graphics2D::kPathEnd,
+        kClosed = KAVO::Graphics2D::kPathEnd | KAVO::Graphics2D::kPathClose
+    };
 
     EncodedPath() : words_{0} {}
 
@@ -22,7 +28,8 @@ public:
     // Three points for each curve.
     EncodedPath& curves(const std::vector<MMPoint2D>& list, Ending ending = kGoesOn)
     {
-        return command(static_cast<uint32_t>(list.size() / 3) | 1u << 28 | ending, list);
+        return command(
+            static_cast<uint32_t>(list.size() / 3) | KAVO::Graphics2D::kPathCurves | ending, list);
     }
 
     // A command word alone, whatever it says.
@@ -49,7 +56,7 @@ private:
             words_.push_back(static_cast<uint32_t>(p.x));
             words_.push_back(static_cast<uint32_t>(p.y));
         }
-        if ((word >> 30 & 1) != 0) ++words_[0]; // one more subpath
+        if ((word & KAVO::Graphics2D::kPathEnd) != 0) ++words_[0]; // one more subpath
         return *this;
     }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Where svg2png puts the characters of text elements, and what they look like.
-#include "common/FontFolder.h"
+#include "graphics2d/convenience/MMText.h"
 #include "svg/text/Text.h"
 #include "tests/svg/Drawing.h"
 
@@ -83,7 +83,7 @@ protected:
     void SetUp() override
     {
         if (*LATIN_FONT == '\0') GTEST_SKIP() << "no font";
-        ASSERT_EQ(font_.problem(), "");
+        ASSERT_TRUE(KAVO::Graphics2D::setFontFile(LATIN_FONT));
     }
 
     Picture drawn(const std::string& elements)
@@ -104,9 +104,6 @@ protected:
 
     Box bounds;
     std::vector<Shortcoming> shortcomings;
-
-private:
-    FontFolder font_{LATIN_FONT};
 };
 
 TEST_F(SvgTextDrawing, TurnedCharactersStandWhereUprightOnesDo)

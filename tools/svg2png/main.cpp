@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: MIT
 // svg2png: renders SVG files to PNG files.
-#include "common/FontFolder.h"
 #include "common/Picture.h"
+#include "graphics2d/convenience/MMText.h"
 #include "svg/MMSvgDocument.h"
-#include "svg/text/Glyphs.h"
 #include "svg2png/Arguments.h"
 
 #include <chrono>
 #include <cmath>
 #include <cstdio>
-#include <optional>
 #include <unistd.h>
 
 using namespace KAVO;
@@ -120,6 +118,16 @@ bool runAll(const Arguments& arguments)
     return good;
 }
 
+// Whether the file is a font that has a glyph for any character.
+bool useFont(const std::string& file)
+{
+    if (!Graphics2D::setFontFile(file.c_str())) return false;
+    const Graphics2D::MMContext2D context;
+    for (uint32_t character = 1; character <= 0xFFFF; ++character)
+        if (Graphics2D::hasGlyph(context, static_cast<uint16_t>(character))) return true;
+    return false;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -132,12 +140,7 @@ int main(int argc, char** argv)
         std::fputs(kUsage, stdout);
         return 0;
     }
-    std::optional<FontFolder> font;
-    if (!arguments.font.empty()) {
-        font.emplace(arguments.font);
-        if (!font->problem().empty()) return complain(font->problem()), 1;
-        Graphics2D::MMContext2D context;
-        if (!Svg::hasAnyGlyph(context)) return complain(arguments.font + ": not a usable font"), 1;
-    }
+    if (!arguments.font.empty() && !useFont(arguments.font))
+        return complain(arguments.font + ": not a usable font"), 1;
     return runAll(arguments) ? 0 : 1;
 }
