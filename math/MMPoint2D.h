@@ -20,12 +20,6 @@ constexpr bool operator!=(const MMPoint2D& a, const MMPoint2D& b)
     return !(a == b);
 }
 
-// The middle between two points, without wrapping on the way.
-constexpr MMPoint2D midPoint(const MMPoint2D& a, const MMPoint2D& b)
-{
-    return {(a.x >> 1) + (b.x >> 1), (a.y >> 1) + (b.y >> 1)};
-}
-
 // A rectangle; x1 and y1 are its right and bottom ends.
 struct MMFixedRegion {
     KAVO::Fixed x0;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The mapping of one point or of long runs of them, and the middles of curves. Internal.
+// The mapping of one point or of long runs of them, and middles of points. Internal.
 #pragma once
 
 #include "math/FixedMath.h"
@@ -7,6 +7,12 @@
 #include "math/WideMath.h"
 
 namespace KAVO {
+
+// The middle between two points, without wrapping on the way.
+constexpr MMPoint2D midPoint(const MMPoint2D& a, const MMPoint2D& b)
+{
+    return {(a.x >> 1) + (b.x >> 1), (a.y >> 1) + (b.y >> 1)};
+}
 
 // Half the sum, truncated toward zero: the halving of curves.
 constexpr MMPoint2D curveMiddle(const MMPoint2D& a, const MMPoint2D& b)

@@ -64,8 +64,9 @@ void drawPaintScene(Canvas& canvas)
     const MMPoint2D left = {fixed(-kRadius), 0};
     const MMPoint2D right = {fixed(kRadius), 0};
     for (int i = 0; i < 18; ++i) {
-        const double x = 33 + 63 * (i % 6);
-        const double y = 36 + 64 * (i / 6);
+        const int column = i % 6, row = i / 6;
+        const double x = 33 + 63 * column;
+        const double y = 36 + 64 * row;
         const int kind = i / 2;
         MMPaint& paint = context.fillPaint;
         canvas.fill(0xFF2A7F78);

@@ -19,6 +19,7 @@
 #include "graphics2d/raster/EdgeRow.h"
 #include "graphics2d/raster/SlabFill.h"
 #include "graphics2d/raster/ThinPolygon.h"
+#include "math/Points.h"
 #include "memory/ScratchArray.h"
 
 #include <algorithm>

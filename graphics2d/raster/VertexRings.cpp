@@ -2,6 +2,7 @@
 #include "graphics2d/raster/VertexRings.h"
 
 #include "graphics2d/raster/PolygonBounds.h"
+#include "math/Points.h"
 
 #include <algorithm>
 

@@ -2,6 +2,7 @@
 #include "graphics2d/strokes/PathEdge.h"
 
 #include "math/FixedMath.h"
+#include "math/Points.h"
 #include "math/Vector2D.h"
 
 namespace KAVO {
