@@ -76,14 +76,14 @@ done < files.txt
 "$programs/compare_pictures" < pairs.txt > results.txt
 
 name_of() { sed -n "s/^$1 //p" files.txt; }
-while read -r mean blank peer_blank number; do
+while read -r mean blank peer_blank _ number; do
     if [ "$blank" = 1 ] && [ "$peer_blank" = 0 ]; then
         fail "$(name_of "$number"): blank, mean difference $mean"
     fi
 done < results.txt
 
 # Files about which svg2png had no reservation.
-while read -r mean blank peer_blank number; do
+while read -r mean blank peer_blank _ number; do
     [ -s "pictures/$number.log" ] || echo "$mean $number $(name_of "$number")"
 done < results.txt > supported.txt
 sort -rn supported.txt | head -n 10 > worst.txt || true

@@ -241,8 +241,9 @@ std::string MMSvgDocument::elementAt(const Placement& place, double x, double y)
     MMContext2D context;
     context.target = {kSide, kSide, kSide * sizeof(Pixel), 0, pixels, 0};
     context.clipLeft = context.clipTop = kMiddle;
-    context.clipRight = context.clipBottom = kMiddle + 1;
-    context.pickX = toFixed(x - left);
+    context.clipRight = kMiddle + 2; // spans lie half a pixel to the right
+    context.clipBottom = kMiddle + 1;
+    context.pickX = toFixed(x - left) + kFixedHalf;
     context.pickY = kMiddle * kFixedOne;
     Session session(*parts_->document);
     session.pick = true;
