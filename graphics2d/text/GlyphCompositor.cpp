@@ -27,6 +27,7 @@ inline U16x8 byteProduct(U16x8 a, U16x8 b)
 
 // How a paint's pixels go over their background through the glyph. The lanes are the channels of
 // two pixels, with each pixel's coverage on all of its channels; the results are the high bytes.
+// Classic coverage is 0 to 255; refined weights are 0 to 256.
 
 struct SolidBlend {
     static U16x8 two(U16x8 background, U16x8 colour, U16x8 coverage)
@@ -50,6 +51,28 @@ struct BufferBlend {
         const U16x8 rest = 255 - byteProduct(alpha, coverage);
         const U16x8 sum = scaleChannels(colour, coverage) + scaleChannels(background, rest);
         return (sum | (U16x8)(sum > 255)) << 8;
+    }
+};
+
+// An opaque colour, moved to by the weight and rounded once.
+struct RefinedSolidBlend {
+    static U16x8 two(U16x8 background, U16x8 colour, U16x8 weight)
+    {
+        return background * (256 - weight) + colour * weight + 128;
+    }
+};
+
+// A premultiplied pixel over the background, both scaled by their weights and rounded once. No
+// channel of the pixel exceeds its alpha, so that the sum keeps within 16 bits.
+struct RefinedBufferBlend {
+    static U16x8 two(U16x8 background, U16x8 colour, U16x8 weight)
+    {
+        const U16x8 alpha = __builtin_shufflevector(colour, colour, 3, 3, 3, 3, 7, 7, 7, 7);
+        // The quotient by 255 is that by 256 and a 256th of itself.
+        const U16x8 product = alpha * weight;
+        const U16x8 high = product >> 8;
+        const U16x8 covered = high + (((product & 255) + high + 128) >> 8);
+        return background * (256 - covered) + colour * weight + 128;
     }
 };
 
@@ -104,6 +127,50 @@ inline void storeFirst(Pixel* to, U32x4 pixels, int32_t count)
     if ((count & 1) != 0) *to = pixels[0];
 }
 
+// count: 1 to 4; lanes behind are 0.
+inline U32x4 loadFirst(const Pixel* from, int32_t count)
+{
+    if (count >= 4) return load4(from);
+    U32x4 pixels = {};
+    std::memcpy(&pixels, from, static_cast<size_t>(count) * sizeof *from);
+    return pixels;
+}
+
+// How a glyph meets the target: what lies behind the first count of four pixels, and how much of
+// the paint their levels let through.
+
+struct ClassicMeeting {
+    const Pixel* targetEnd;
+    uint8_t opacity;
+
+    U32x4 backgroundOf(const Pixel* pixels, int32_t) const
+    {
+        const ptrdiff_t room = targetEnd - pixels;
+        return room > kPiece ? load4(pixels + 1) : lastNeighbours(pixels, room);
+    }
+    U16x8 coverageOf(U16x8 levels) const { return byteProduct(U16x8{} + opacity, levels * 17); }
+};
+
+struct RefinedMeeting {
+    const uint16_t* weights; // of all levels
+
+    U32x4 backgroundOf(const Pixel* pixels, int32_t count) const
+    {
+        return loadFirst(pixels, count);
+    }
+    U16x8 coverageOf(U16x8 levels) const
+    {
+        return U16x8{weights[levels[0]],
+                     weights[levels[1]],
+                     weights[levels[2]],
+                     weights[levels[3]],
+                     0,
+                     0,
+                     0,
+                     0};
+    }
+};
+
 } // namespace
 
 bool GlyphCompositor::begin(const MMPaint& record)
@@ -111,27 +178,39 @@ bool GlyphCompositor::begin(const MMPaint& record)
     context_.currentPaint = record;
     context_.spanStart = 0;
     record_ = &record;
+    refined_ = context_.refined != 0;
     const MMPixmap& target = context_.target;
     visible_ = drawableBox(context_);
-    rowPixels_ = target.width;
+    rowPixels_ = refined_ ? target.rowBytes / sizeof(Pixel) : target.width;
     if (target.pixels == nullptr || record.paintOpacity == 0) return false;
-    pixelsEnd_ = target.pixels + target.height * rowPixels_;
+    targetEnd_ = target.pixels + target.height * rowPixels_;
     switch (record.paintType) {
     case kPaintSolid:
+        if (refined_) setWeights(record.paintOpacity * (record.paintColour >> 24));
+        return true;
     case kPaintLinearGradient:
     case kPaintRadialGradient:
     case kPaintPattern:
+        if (refined_) setWeights(255 * 255); // the row buffer has the opacity
         return true;
     default:
         return false;
     }
 }
 
+// The refined weight of each level under an opacity of 0 to 255 * 255, rounded once.
+void GlyphCompositor::setWeights(uint32_t opacity)
+{
+    constexpr uint32_t kFull = 255 * 255 * 15;
+    for (uint32_t level = 0; level < 16; ++level)
+        weights_[level] = static_cast<uint16_t>((256 * level * opacity + kFull / 2) / kFull);
+}
+
 GlyphCompositor::Box GlyphCompositor::visible(const FS_GrayMap& glyph,
                                               const GlyphPlace& place) const
 {
-    const int32_t column = static_cast<int16_t>(place.column);
-    const int32_t row = static_cast<int16_t>(place.row);
+    const int32_t column = refined_ ? place.column : static_cast<int16_t>(place.column);
+    const int32_t row = refined_ ? place.row : static_cast<int16_t>(place.row);
     Box box = {};
     box.x = std::max(column, visible_.left);
     box.y = std::max(row, visible_.top);
@@ -157,39 +236,45 @@ void GlyphCompositor::draw(const FS_GrayMap& glyph, const GlyphPlace& place)
     box.levels = glyph.bitmap + box.skippedRows * box.stride + box.skippedColumns / 2;
     box.levelsEnd = glyph.bitmap + glyph.height * box.stride;
     box.pixels = context_.target.pixels + box.y * rowPixels_ + box.x;
-    if (record_->paintType == kPaintSolid)
-        drawSolid(box);
+    if (refined_)
+        drawBox<RefinedSolidBlend, RefinedBufferBlend>(box, record_->paintColour | 0xFF000000,
+                                                       RefinedMeeting{weights_});
     else
-        drawThroughBuffer(box);
+        drawBox<SolidBlend, BufferBlend>(box, record_->paintColour,
+                                         ClassicMeeting{targetEnd_, record_->paintOpacity});
+}
+
+template <class SolidBlend, class BufferBlend, class Meeting>
+void GlyphCompositor::drawBox(const Box& box, Pixel colour, const Meeting& meeting)
+{
+    if (record_->paintType != kPaintSolid) {
+        drawThroughBuffer<BufferBlend>(box, meeting);
+        return;
+    }
+    const U32x4 colours = all4(colour);
+    for (int32_t y = 0; y < box.height; ++y)
+        compositeRow<SolidBlend>(box, y, meeting, [=](int32_t) { return colours; });
 }
 
 // Composites row y of the box.
-template <class Blend, class ColoursAt>
-inline void GlyphCompositor::compositeRow(const Box& box, int32_t y, ColoursAt coloursAt) const
+template <class Blend, class Meeting, class ColoursAt>
+inline void GlyphCompositor::compositeRow(const Box& box, int32_t y, const Meeting& meeting,
+                                          ColoursAt coloursAt) const
 {
-    const U16x8 opacity = U16x8{} + record_->paintOpacity;
     Pixel* pixels = box.pixels + y * rowPixels_;
     const uint8_t* levels = box.levels + y * box.stride;
     for (int32_t i = 0; i < box.width; i += kPiece) {
-        const ptrdiff_t room = pixelsEnd_ - pixels;
-        const U32x4 background = room > kPiece ? load4(pixels + 1) : lastNeighbours(pixels, room);
-        const U16x8 coverage =
-            byteProduct(opacity, fourLevels(levels, box.levelsEnd, box.startsLow) * 17);
+        const int32_t count = box.width - i;
+        const U32x4 background = meeting.backgroundOf(pixels, count);
+        const U16x8 coverage = meeting.coverageOf(fourLevels(levels, box.levelsEnd, box.startsLow));
         storeFirst(pixels,
                    blendFour<Blend>(
                        background, coloursAt(i),
                        (U32x4)__builtin_shufflevector(coverage, coverage, 0, 0, 1, 1, 2, 2, 3, 3)),
-                   box.width - i);
+                   count);
         pixels += kPiece;
         levels += kPiece / 2;
     }
-}
-
-void GlyphCompositor::drawSolid(const Box& box) const
-{
-    const U32x4 colour = all4(record_->paintColour);
-    for (int32_t y = 0; y < box.height; ++y)
-        compositeRow<SolidBlend>(box, y, [=](int32_t) { return colour; });
 }
 
 // Lets the row buffer's column 0 see the paint as the target's column does.
@@ -207,7 +292,8 @@ void GlyphCompositor::movePaintLeft(int32_t columns)
     }
 }
 
-void GlyphCompositor::drawThroughBuffer(const Box& box)
+template <class Blend, class Meeting>
+void GlyphCompositor::drawThroughBuffer(const Box& box, const Meeting& meeting)
 {
     const SpanFiller paint = chooseSpanFiller(context_);
     if (paint.filler == nullptr) return;
@@ -226,7 +312,7 @@ void GlyphCompositor::drawThroughBuffer(const Box& box)
     for (int32_t y = 0; y < box.height; ++y, ++context_.spanRow) {
         fillPixels(buffer.data(), static_cast<int32_t>(words), 0);
         drawSpan(context_, paint);
-        compositeRow<BufferBlend>(box, y, [=](int32_t i) { return load4(colours + i); });
+        compositeRow<Blend>(box, y, meeting, [=](int32_t i) { return load4(colours + i); });
     }
 }
 

@@ -18,10 +18,16 @@ struct GlyphPlace {
 //
 // A solid colour is blended straight into the target. Any other paint first draws each row of the
 // glyph's box into a row buffer, as it would fill a rectangle at that place, and the buffer is then
-// composited through the glyph. Either way the background of a pixel is its right-hand neighbour,
-// also where the glyph is empty: within the glyph's box the background moves left by one pixel.
-// Only the very last pixel of the target, which has no neighbour, reads itself. Rows of the target
-// are taken to be exactly width pixels apart.
+// composited through the glyph.
+//
+// Classic: the background of a pixel is its right-hand neighbour, also where the glyph is empty:
+// within the glyph's box the background moves left by one pixel. Only the very last pixel of the
+// target, which has no neighbour, reads itself. Rows of the target are taken to be exactly width
+// pixels apart. The opacity of a buffered paint acts in the buffer and in the coverage, the alpha
+// of a solid colour is blended like a channel, and places count in 16 bits.
+//
+// Refined: every pixel is its own background, rows are rowBytes apart, and opacity, alpha and
+// coverage make one weight.
 class GlyphCompositor {
 public:
     explicit GlyphCompositor(MMContext2D& context) : context_(context) {}
@@ -36,7 +42,7 @@ public:
                pixel.y < visible_.bottom;
     }
 
-    // Whether draw would draw anything. Places count in 16 bits.
+    // Whether draw would draw anything.
     bool shows(const FS_GrayMap& glyph, const GlyphPlace& place) const;
 
     // Draws the image, which must have its bitmap, cut to the clip rectangle and the target. Sets
@@ -62,18 +68,23 @@ private:
     // The visible rectangle alone; its size is not positive when there is none.
     Box visible(const FS_GrayMap& glyph, const GlyphPlace& place) const;
 
-    template <class Blend, class ColoursAt>
-    void compositeRow(const Box& box, int32_t y, ColoursAt coloursAt) const;
-    void drawSolid(const Box& box) const;
-    void drawThroughBuffer(const Box& box);
+    template <class SolidBlend, class BufferBlend, class Meeting>
+    void drawBox(const Box& box, Pixel colour, const Meeting& meeting);
+    template <class Blend, class Meeting, class ColoursAt>
+    void compositeRow(const Box& box, int32_t y, const Meeting& meeting, ColoursAt coloursAt) const;
+    template <class Blend, class Meeting>
+    void drawThroughBuffer(const Box& box, const Meeting& meeting);
     void movePaintLeft(int32_t columns);
+    void setWeights(uint32_t opacity);
 
     MMContext2D& context_;
     const MMPaint* record_; // with the paint's origin as the caller set it
 
-    PixelBox visible_;       // where pixels may be drawn
-    ptrdiff_t rowPixels_;    // from one row to the next
-    const Pixel* pixelsEnd_; // of the target
+    PixelBox visible_;    // where pixels may be drawn
+    ptrdiff_t rowPixels_; // from one row to the next
+    const Pixel* targetEnd_;
+    bool refined_;
+    uint16_t weights_[16]; // refined: 0 to 256, of the glyph's levels
 };
 
 } // namespace Graphics2D

@@ -47,7 +47,7 @@ TsPoint glyphOrigin(void*)
 Fixed glyphWidth(void* glyph)
 {
     const GlyphRecord& record = recordOf(glyph);
-    return widthOf(*record.context, {&record.character, 1, 0, false});
+    return widthOf(*record.context, {&record.character, 1, 0, false, false});
 }
 
 void glyphAdvance(void* glyph, TsPoint* result)

@@ -55,7 +55,7 @@ void MMContext2D::drawText(uint16_t* text, Fixed x, Fixed y)
 
 Fixed MMContext2D::getTextWidth(const uint16_t* text, uint16_t length)
 {
-    return widthOf(*this, {text, length, 0, true});
+    return widthOf(*this, {text, length, 0, true, refined != 0});
 }
 
 void MMContext2D::getTextSize(uint16_t* text, uint16_t length, Fixed& width, Fixed& height)
@@ -75,8 +75,8 @@ uint32_t MMContext2D::getTextBBox(uint16_t* text, Fixed x, Fixed y, MMFixedRegio
     if (fontMetrics == nullptr || box == nullptr) return 0;
     ParseText(text, text);
     BoundsUnion bounds;
-    const MMPoint2D pen =
-        walkText(*this, kIdentityMatrix, {text, kWholeText, 0, true}, {x, y}, {nullptr, &bounds});
+    const MMPoint2D pen = walkText(*this, kIdentityMatrix, {text, kWholeText, 0, true, false},
+                                   {x, y}, {nullptr, &bounds});
     penX = pen.x;
     penY = pen.y;
 

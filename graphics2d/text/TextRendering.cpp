@@ -4,9 +4,12 @@
 
 #include "graphics2d/text/FontLibrary.h"
 #include "graphics2d/text/GlyphCompositor.h"
+#include "graphics2d/text/TextPen.h"
+#include "graphics2d/text/TextWhitespace.h"
 #include "math/FixedMath.h"
 #include "math/LinearPart.h"
 #include "math/Points.h"
+#include "math/WideMath.h"
 
 namespace KAVO {
 namespace Graphics2D {
@@ -14,6 +17,7 @@ namespace Graphics2D {
 namespace {
 
 constexpr Fixed kSlantTangent = 23853; // tan 20 degrees
+constexpr uint16_t kSoftHyphen = 0x00AD;
 
 // From the em square, y down, to device pixels, without translation.
 LinearPart glyphMatrixOf(const MMContext2D& context, const Matrix2D& t)
@@ -138,16 +142,6 @@ bool rotationOf(const MMContext2D& context, uint32_t index, Degrees& angle)
     return true;
 }
 
-// Moves the pen, which is in device space, to the place that the lists have for a character. The
-// pen's y takes part in mapping x as it is.
-void placePen(const MMContext2D& context, const Matrix2D& transform, uint32_t index, MMPoint2D& pen)
-{
-    if (context.charXCount > 1 && context.charXCount > index && context.charX != nullptr)
-        pen.x = mapped(transform, context.charX[index], pen.y).x;
-    if (context.charYCount > 1 && context.charYCount > index && context.charY != nullptr)
-        pen.y = mapped(transform, pen.x, context.charY[index]).y;
-}
-
 // Draws a glyph with its pen at a place, unless nothing of it would show. Only then is the bitmap
 // of a large one asked for.
 void drawGlyph(GlyphCompositor& compositor, GlyphSource& source, const FS_GrayMap* glyph,
@@ -161,46 +155,139 @@ void drawGlyph(GlyphCompositor& compositor, GlyphSource& source, const FS_GrayMa
     if (glyph != nullptr && FS_has_bitmap(glyph)) compositor.draw(*glyph, place);
 }
 
-} // namespace
-
-MMPoint2D walkText(MMContext2D& context, const Matrix2D& transform, const TextRun& run,
-                   MMPoint2D pen, const TextOutput& output)
-{
-    if (fontEngine == nullptr || context.fontMetrics == nullptr || run.text == nullptr) return pen;
-    const LinearPart upright = glyphMatrixOf(context, transform);
-    GlyphSource source(context);
-    pen = mapped(transform, pen.x, pen.y); // in device space until the end
-    for (uint32_t taken = 0; taken < run.length && run.text[taken] != 0; ++taken) {
-        const uint16_t character = run.text[taken];
-        const uint32_t index = run.firstIndex + taken;
-        Degrees angle;
-        if (run.usesLists) placePen(context, transform, index, pen);
-        const bool turned = run.usesLists && rotationOf(context, index, angle);
-        source.setMatrix(turned ? rotated(upright, angle) : upright);
-        const MMPoint2D pixel = {fixFloor(pen.x), fixFloor(pen.y)};
-        const bool whole = output.compositor != nullptr && output.compositor->covers(pixel);
-        const FS_GrayMap* glyph = source.glyph(character, whole);
-        if (glyph == nullptr) continue;
-        const Fixed advanceX = glyph->advanceX, advanceY = glyph->advanceY;
-        const GlyphPlace place = {glyph->left + pixel.x, pixel.y - glyph->top};
-        if (output.bounds != nullptr)
-            output.bounds->addBox(fixFromInt(place.column), fixFromInt(place.row),
-                                  fixFromInt(place.column + glyph->width),
-                                  fixFromInt(place.row + glyph->height));
-        if (output.compositor != nullptr)
-            drawGlyph(*output.compositor, source, glyph, character, place);
-        pen = {wrapAdd(pen.x, advanceX), wrapSub(pen.y, advanceY)};
-        source.release();
+// One walk. The pen is in device space.
+class TextWalk {
+public:
+    TextWalk(MMContext2D& context, const Matrix2D& transform, const TextOutput& output)
+        : context_(context), transform_(transform), output_(output), refined_(context.refined != 0),
+          upright_(glyphMatrixOf(context, transform)), source_(context)
+    {
     }
+
+    void run(const TextRun& run, TextPen& pen)
+    {
+        SpaceFilter spaces(context_.preserveSpace != 0);
+        uint32_t index = run.firstIndex;
+        for (uint32_t i = 0; i < run.length && run.text[i] != 0; ++i) {
+            uint16_t character = run.text[i];
+            if (run.isRaw && !spaces.keeps(character)) continue;
+            Degrees angle;
+            if (run.usesLists) placePen(index, pen);
+            const bool turned = run.usesLists && rotationOf(context_, index, angle);
+            source_.setMatrix(turned ? rotated(upright_, angle) : upright_);
+            if (!refined_ || character != kSoftHyphen) step(character, pen);
+            ++index;
+        }
+    }
+
+private:
+    // Passes one character.
+    void step(uint16_t character, TextPen& pen)
+    {
+        const MMPoint2D pixel = pixelOf(pen);
+        const bool whole = output_.compositor != nullptr && output_.compositor->covers(pixel);
+        const FS_GrayMap* glyph = source_.glyph(character, whole);
+        if (glyph == nullptr) return;
+        pen = {pen.x + glyph->advanceX, pen.y - glyph->advanceY};
+        const GlyphPlace place = {glyph->left + pixel.x, pixel.y - glyph->top};
+        if (output_.bounds != nullptr)
+            output_.bounds->addBox(fixFromInt(place.column), fixFromInt(place.row),
+                                   fixFromInt(place.column + glyph->width),
+                                   fixFromInt(place.row + glyph->height));
+        if (output_.compositor != nullptr)
+            drawGlyph(*output_.compositor, source_, glyph, character, place);
+        source_.release();
+    }
+
+    // The pixel that glyphs stand at.
+    MMPoint2D pixelOf(const TextPen& pen) const
+    {
+        if (!refined_) return {fixFloor(pen.wrapped().x), fixFloor(pen.wrapped().y)};
+        const TextPen nearest = {pen.x + kFixedHalf, pen.y + kFixedHalf};
+        return {saturated(nearest.x >> 16), saturated(nearest.y >> 16)};
+    }
+
+    // Moves the pen to the place that the lists have for a character. By the classic rules, the
+    // other coordinate takes part in the mapping as it is in device space.
+    void placePen(uint32_t index, TextPen& pen) const
+    {
+        const bool hasX =
+            context_.charXCount > 1 && context_.charXCount > index && context_.charX != nullptr;
+        const bool hasY =
+            context_.charYCount > 1 && context_.charYCount > index && context_.charY != nullptr;
+        if (!hasX && !hasY) return;
+        if (refined_) {
+            MMPoint2D place = {0, 0};
+            unmappedExactly(transform_, pen, place);
+            if (hasX) place.x = context_.charX[index];
+            if (hasY) place.y = context_.charY[index];
+            pen = mappedExactly(transform_, place);
+            return;
+        }
+        MMPoint2D place = pen.wrapped();
+        if (hasX) place.x = mapped(transform_, context_.charX[index], place.y).x;
+        if (hasY) place.y = mapped(transform_, place.x, context_.charY[index]).y;
+        pen = {place.x, place.y};
+    }
+
+    MMContext2D& context_;
+    const Matrix2D& transform_;
+    const TextOutput& output_;
+    const bool refined_;
+    const LinearPart upright_;
+    GlyphSource source_;
+};
+
+bool canWalk(const MMContext2D& context, const TextRun& run)
+{
+    return fontEngine != nullptr && context.fontMetrics != nullptr && run.text != nullptr;
+}
+
+// The pen behind a run, in device space.
+TextPen penBehind(MMContext2D& context, const Matrix2D& transform, const TextRun& run,
+                  const MMPoint2D& start, const TextOutput& output)
+{
+    TextPen pen = mappedExactly(transform, start);
+    if (context.refined == 0) {
+        const MMPoint2D place = mapped(transform, start.x, start.y);
+        pen = {place.x, place.y};
+    }
+    TextWalk(context, transform, output).run(run, pen);
+    return pen;
+}
+
+// The classic way back, with an inverse of 16 bits behind the point.
+MMPoint2D unmapped(const Matrix2D& transform, const MMPoint2D& pen)
+{
     Matrix2D toUser = transform;
     toUser.invert();
     return mapped(toUser, pen.x, pen.y);
 }
 
+} // namespace
+
+MMPoint2D walkText(MMContext2D& context, const Matrix2D& transform, const TextRun& run,
+                   MMPoint2D pen, const TextOutput& output)
+{
+    if (!canWalk(context, run)) return pen;
+    const TextPen behind = penBehind(context, transform, run, pen, output);
+    if (context.refined == 0) return unmapped(transform, behind.wrapped());
+    unmappedExactly(transform, behind, pen);
+    return pen;
+}
+
 Fixed widthOf(MMContext2D& context, const TextRun& run)
 {
-    const MMPoint2D pen = {context.penX, context.penY};
-    return wrapSub(walkText(context, context.transform, run, pen, {nullptr, nullptr}).x, pen.x);
+    const MMPoint2D start = {context.penX, context.penY};
+    if (!canWalk(context, run)) return 0;
+    const Matrix2D& transform = context.transform;
+    const TextPen behind = penBehind(context, transform, run, start, {nullptr, nullptr});
+    MMPoint2D pen = start;
+    if (context.refined == 0 && behind.fits())
+        pen = unmapped(transform, behind.wrapped());
+    else
+        unmappedExactly(transform, behind, pen);
+    return wrapSub(pen.x, start.x);
 }
 
 void MMContext2D::renderText(const uint16_t* text, uint16_t length, uint8_t draw,
@@ -214,7 +301,7 @@ void MMContext2D::renderText(const uint16_t* text, uint16_t length, uint8_t draw
     const TextOutput output = {draws ? &compositor : nullptr,
                                accumulateBounds != 0 ? &bounds : nullptr};
     const MMPoint2D pen =
-        walkText(*this, transform, {text, length, firstIndex, true}, {penX, penY}, output);
+        walkText(*this, transform, {text, length, firstIndex, true, false}, {penX, penY}, output);
     if (accumulateBounds != 0) bounds.storeTo(*this);
     penX = pen.x;
     penY = pen.y;

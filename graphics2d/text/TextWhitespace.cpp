@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// White space of text as documents write it.
+#include "graphics2d/text/TextWhitespace.h"
+
 #include "graphics2d/MMContext2D.h"
 
 namespace KAVO {
@@ -22,39 +23,31 @@ bool isBlank(uint16_t c)
     return c == kTab || c == kSpace;
 }
 
-void keepSpace(uint16_t* dst, const uint16_t* src)
-{
-    for (; *src != 0; ++src) {
-        if (*src == kCarriageReturn) continue;
-        *dst++ = *src == kTab || *src == kLineFeed ? kSpace : *src;
-    }
-    *dst = 0;
-}
-
-void collapseSpace(uint16_t* dst, const uint16_t* src)
-{
-    while (isBlank(*src) || isLineEnd(*src))
-        ++src;
-    bool afterSpace = false; // dropped line ends do not change it
-    for (; *src != 0; ++src) {
-        if (isLineEnd(*src)) continue;
-        const bool blank = isBlank(*src);
-        if (blank && afterSpace) continue;
-        *dst++ = blank ? kSpace : *src;
-        afterSpace = blank;
-    }
-    *dst = 0;
-}
-
 } // namespace
+
+bool SpaceFilter::keeps(uint16_t& unit)
+{
+    if (preserves_) {
+        if (unit == kTab || unit == kLineFeed) unit = kSpace;
+        return unit != kCarriageReturn;
+    }
+    if (isLineEnd(unit)) return false;
+    const bool blank = isBlank(unit);
+    if (blank && afterSpace_) return false;
+    if (blank) unit = kSpace;
+    afterSpace_ = blank;
+    return true;
+}
 
 void MMContext2D::ParseText(uint16_t* dst, const uint16_t* src)
 {
     if (dst == nullptr || src == nullptr) return;
-    if (preserveSpace != 0)
-        keepSpace(dst, src);
-    else
-        collapseSpace(dst, src);
+    SpaceFilter spaces(preserveSpace != 0);
+    for (; *src != 0; ++src) {
+        uint16_t unit = *src;
+        if (spaces.keeps(unit)) *dst++ = unit;
+    }
+    *dst = 0;
 }
 
 void ParseText2(uint16_t* dst, const uint16_t* src)

@@ -76,7 +76,8 @@ void MMContext2D::drawWrappedText(uint16_t* text, uint8_t, uint8_t)
         const uint16_t length = static_cast<uint16_t>(MMwsstrlen(line));
         renderText(line, length, draw, 0);
         if (textDecoration == kDecorationUnderline)
-            drawUnderline(*this, start.x, start.y, {line, length, 0, true});
+            drawUnderline(*this, start.x, start.y, {line, length, 0, true, false});
+        if (refined != 0) penY = start.y; // wherever turned characters led it
         penX = wrapSub(penX, wrapOffsetX);
         penY = wrapSub(penY, wrapOffsetY);
         newLine();

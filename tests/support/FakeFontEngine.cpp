@@ -116,9 +116,11 @@ void* FS_get_graymap_within(void*, uint32_t character, uint32_t maxBytes)
     map->width = static_cast<int16_t>(width);
     map->stride = static_cast<int16_t>(stride);
     for (int32_t y = 0; drawn && y < height; ++y)
-        for (int32_t x = 0; x < width; ++x) // of two pixels, the left one is in the high half
-            map->bitmap[y * stride + x / 2] |=
-                static_cast<uint8_t>(levelAt(character, x, y) << (x % 2 == 0 ? 4 : 0));
+        for (int32_t x = 0; x < width; ++x) { // of two pixels, the left one is in the high half
+            const int level = levelAt(character, x, y);
+            map->bitmap[y * stride + x / 2] |= static_cast<uint8_t>(level << (x % 2 == 0 ? 4 : 0));
+            fakeFontEngine.levelsDrawn += level;
+        }
     ++fakeFontEngine.glyphsMade;
     if (drawn) fakeFontEngine.pixelsDrawn += width * height;
     ++fakeFontEngine.glyphsAlive;

@@ -41,6 +41,7 @@ struct FakeFontEngine {
     int32_t glyphsMade = 0;
     int32_t glyphsAlive = 0;
     int64_t pixelsDrawn = 0; // of all glyphs
+    int64_t levelsDrawn = 0; // their sum
     int32_t scalesSet = 0;
     int32_t boldFraction = -1;
     Scale scale = {};

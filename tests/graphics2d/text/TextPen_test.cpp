@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#include "graphics2d/text/TextPen.h"
+
+#include "tests/support/UserUnits.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+using namespace KAVO;
+using namespace KAVO::Graphics2D;
+
+// Both ways against long double, whose 64 bits hold every product here.
+TEST(TextPen, MapsToTheNearestPointBothWays)
+{
+    std::mt19937 random(17);
+    const auto number = [&random](uint32_t bits) {
+        return static_cast<Fixed>(random()) >> (31 - bits % 31);
+    };
+    for (int round = 0; round < 20000; ++round) {
+        const Matrix2D m = {number(random()), number(random()), number(random()),
+                            number(random()), number(random()), number(random())};
+        const MMPoint2D p = {number(random()), number(random())};
+        SCOPED_TRACE(testing::Message() << m.a << " " << m.b << " " << m.c << " " << m.d << " "
+                                        << m.e << " " << m.f << ", point " << p.x << " " << p.y);
+        const long double a = m.a, b = m.b, c = m.c, d = m.d;
+        const TextPen pen = mappedExactly(m, p);
+        ASSERT_NEAR(double(pen.x), double((a * p.x + c * p.y) / 65536 + m.e), 0.51);
+        ASSERT_NEAR(double(pen.y), double((b * p.x + d * p.y) / 65536 + m.f), 0.51);
+
+        const long double area = a * d - b * c;
+        MMPoint2D back = {1, 2};
+        if (!unmappedExactly(m, pen, back)) {
+            ASSERT_LT(std::fabs(area), 4.0L);
+            continue;
+        }
+        const long double x = pen.x - m.e, y = pen.y - m.f;
+        const long double backX = (d * x - c * y) / area * 65536;
+        const long double backY = (a * y - b * x) / area * 65536;
+        if (std::fabs(backX) > INT32_MAX || std::fabs(backY) > INT32_MAX) continue;
+        // Where 32 bits hold the vector, to the nearest; a longer one loses as much as its surplus.
+        const double surplus =
+            double(std::fmax(std::fmax(std::fabs(x), std::fabs(y)) / 0x7FFFFFFF, 1));
+        const double slack =
+            surplus == 1 ? 0.51
+                         : 2 * surplus * (1 + double(1 / std::sqrt(std::fabs(area)) * 65536));
+        ASSERT_NEAR(back.x, double(backX), slack);
+        ASSERT_NEAR(back.y, double(backY), slack);
+    }
+    MMPoint2D kept = {3, 4};
+    EXPECT_FALSE(unmappedExactly({fx(1), fx(2), fx(2), fx(4), 0, 0}, {fx(1), fx(1)}, kept));
+    EXPECT_EQ(kept.x, 3);
+}
