@@ -136,6 +136,8 @@ inline U32x4 loadFirst(const Pixel* from, int32_t count)
     return pixels;
 }
 
+constexpr uint32_t kOpaque = 255 * 255; // opacity times alpha
+
 // How a glyph meets the target: what lies behind the first count of four pixels, and how much of
 // the paint their levels let through.
 
@@ -152,7 +154,10 @@ struct ClassicMeeting {
 };
 
 struct RefinedMeeting {
-    const uint16_t* weights; // of all levels
+    // Weight of the full level, 256 for opaque ones, in sixty-fourths: the weights of the others
+    // are fractions of it, which are rounded once.
+    static constexpr uint32_t kFraction = 64;
+    uint16_t fullWeight;
 
     U32x4 backgroundOf(const Pixel* pixels, int32_t count) const
     {
@@ -160,16 +165,16 @@ struct RefinedMeeting {
     }
     U16x8 coverageOf(U16x8 levels) const
     {
-        return U16x8{weights[levels[0]],
-                     weights[levels[1]],
-                     weights[levels[2]],
-                     weights[levels[3]],
-                     0,
-                     0,
-                     0,
-                     0};
+        const U16x8 fraction = levels * (0xFFFF / 15);
+        return (mulHigh(fraction, U16x8{} + fullWeight) + kFraction / 2) / kFraction;
     }
 };
+
+uint16_t fullWeightOf(uint32_t opacity)
+{
+    const uint32_t scaled = 256 * RefinedMeeting::kFraction * opacity;
+    return static_cast<uint16_t>((scaled + kOpaque / 2) / kOpaque);
+}
 
 } // namespace
 
@@ -186,24 +191,16 @@ bool GlyphCompositor::begin(const MMPaint& record)
     targetEnd_ = target.pixels + target.height * rowPixels_;
     switch (record.paintType) {
     case kPaintSolid:
-        if (refined_) setWeights(record.paintOpacity * (record.paintColour >> 24));
+        opacity_ = record.paintOpacity * (record.paintColour >> 24);
         return true;
     case kPaintLinearGradient:
     case kPaintRadialGradient:
     case kPaintPattern:
-        if (refined_) setWeights(255 * 255); // the row buffer has the opacity
+        opacity_ = kOpaque; // the row buffer has the paint's
         return true;
     default:
         return false;
     }
-}
-
-// The refined weight of each level under an opacity of 0 to 255 * 255, rounded once.
-void GlyphCompositor::setWeights(uint32_t opacity)
-{
-    constexpr uint32_t kFull = 255 * 255 * 15;
-    for (uint32_t level = 0; level < 16; ++level)
-        weights_[level] = static_cast<uint16_t>((256 * level * opacity + kFull / 2) / kFull);
 }
 
 GlyphCompositor::Box GlyphCompositor::visible(const FS_GrayMap& glyph,
@@ -238,7 +235,7 @@ void GlyphCompositor::draw(const FS_GrayMap& glyph, const GlyphPlace& place)
     box.pixels = context_.target.pixels + box.y * rowPixels_ + box.x;
     if (refined_)
         drawBox<RefinedSolidBlend, RefinedBufferBlend>(box, record_->paintColour | 0xFF000000,
-                                                       RefinedMeeting{weights_});
+                                                       RefinedMeeting{fullWeightOf(opacity_)});
     else
         drawBox<SolidBlend, BufferBlend>(box, record_->paintColour,
                                          ClassicMeeting{targetEnd_, record_->paintOpacity});

@@ -75,7 +75,6 @@ private:
     template <class Blend, class Meeting>
     void drawThroughBuffer(const Box& box, const Meeting& meeting);
     void movePaintLeft(int32_t columns);
-    void setWeights(uint32_t opacity);
 
     MMContext2D& context_;
     const MMPaint* record_; // with the paint's origin as the caller set it
@@ -84,7 +83,7 @@ private:
     ptrdiff_t rowPixels_; // from one row to the next
     const Pixel* targetEnd_;
     bool refined_;
-    uint16_t weights_[16]; // refined: 0 to 256, of the glyph's levels
+    uint32_t opacity_; // refined: of a whole glyph, 0 to 255 * 255
 };
 
 } // namespace Graphics2D

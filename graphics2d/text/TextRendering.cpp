@@ -88,7 +88,10 @@ public:
         return static_cast<const FS_GrayMap*>(image);
     }
 
-    void release() { context_.releaseFont(); }
+    void release()
+    {
+        if (context_.currentGlyph != nullptr) context_.releaseFont();
+    }
 
 private:
     static constexpr uint32_t kSizeDigits = 8;
@@ -105,8 +108,8 @@ private:
     }
 
     // From the engine, into the cache if it takes it. An image that is not cached stays the
-    // context's currentGlyph.
-    void* load(uint16_t character, bool whole)
+    // context's currentGlyph. Not worth the room that it would take in the walk.
+    [[gnu::noinline]] void* load(uint16_t character, bool whole)
     {
         const uint32_t cachedAtMost = context_.fontCache.maxEntrySize;
         void* image = whole ? FS_get_graymap(fontEngine, character)
@@ -142,7 +145,7 @@ bool rotationOf(const MMContext2D& context, uint32_t index, Degrees& angle)
     return true;
 }
 
-// Draws a glyph with its pen at a place, unless nothing of it would show. Only then is the bitmap
+// Draws a glyph that stands at a place, unless nothing of it would show. Only then is the bitmap
 // of a large one asked for.
 void drawGlyph(GlyphCompositor& compositor, GlyphSource& source, const FS_GrayMap* glyph,
                uint16_t character, const GlyphPlace& place)
