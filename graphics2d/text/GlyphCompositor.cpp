@@ -54,11 +54,11 @@ struct BufferBlend {
     }
 };
 
-// An opaque colour, moved to by the weight and rounded once.
+// An opaque colour.
 struct RefinedSolidBlend {
     static U16x8 two(U16x8 background, U16x8 colour, U16x8 weight)
     {
-        return background * (256 - weight) + colour * weight + 128;
+        return moveRounded(background, colour, weight);
     }
 };
 
@@ -136,8 +136,6 @@ inline U32x4 loadFirst(const Pixel* from, int32_t count)
     return pixels;
 }
 
-constexpr uint32_t kOpaque = 255 * 255; // opacity times alpha
-
 // How a glyph meets the target: what lies behind the first count of four pixels, and how much of
 // the paint their levels let through.
 
@@ -154,10 +152,7 @@ struct ClassicMeeting {
 };
 
 struct RefinedMeeting {
-    // Weight of the full level, 256 for opaque ones, in sixty-fourths: the weights of the others
-    // are fractions of it, which are rounded once.
-    static constexpr uint32_t kFraction = 64;
-    uint16_t fullWeight;
+    uint16_t opacity; // of a whole glyph, 8.8
 
     U32x4 backgroundOf(const Pixel* pixels, int32_t count) const
     {
@@ -165,15 +160,14 @@ struct RefinedMeeting {
     }
     U16x8 coverageOf(U16x8 levels) const
     {
-        const U16x8 fraction = levels * (0xFFFF / 15);
-        return (mulHigh(fraction, U16x8{} + fullWeight) + kFraction / 2) / kFraction;
+        return refinedWeights(levels * (17 << 8), U16x8{} + opacity);
     }
 };
 
-uint16_t fullWeightOf(uint32_t opacity)
+// Opacity and alpha in one, 8.8.
+uint16_t opacityOf(uint32_t opacity, uint32_t alpha)
 {
-    const uint32_t scaled = 256 * RefinedMeeting::kFraction * opacity;
-    return static_cast<uint16_t>((scaled + kOpaque / 2) / kOpaque);
+    return static_cast<uint16_t>((opacity * alpha * 256 + 127) / 255);
 }
 
 } // namespace
@@ -191,12 +185,12 @@ bool GlyphCompositor::begin(const MMPaint& record)
     targetEnd_ = target.pixels + target.height * rowPixels_;
     switch (record.paintType) {
     case kPaintSolid:
-        opacity_ = record.paintOpacity * (record.paintColour >> 24);
+        opacity_ = opacityOf(record.paintOpacity, record.paintColour >> 24);
         return true;
     case kPaintLinearGradient:
     case kPaintRadialGradient:
     case kPaintPattern:
-        opacity_ = kOpaque; // the row buffer has the paint's
+        opacity_ = kWholeAlpha; // the row buffer has the paint's
         return true;
     default:
         return false;
@@ -235,7 +229,7 @@ void GlyphCompositor::draw(const FS_GrayMap& glyph, const GlyphPlace& place)
     box.pixels = context_.target.pixels + box.y * rowPixels_ + box.x;
     if (refined_)
         drawBox<RefinedSolidBlend, RefinedBufferBlend>(box, record_->paintColour | 0xFF000000,
-                                                       RefinedMeeting{fullWeightOf(opacity_)});
+                                                       RefinedMeeting{opacity_});
     else
         drawBox<SolidBlend, BufferBlend>(box, record_->paintColour,
                                          ClassicMeeting{targetEnd_, record_->paintOpacity});

@@ -83,7 +83,7 @@ private:
     ptrdiff_t rowPixels_; // from one row to the next
     const Pixel* targetEnd_;
     bool refined_;
-    uint32_t opacity_; // refined: of a whole glyph, 0 to 255 * 255
+    uint16_t opacity_; // refined: of a whole glyph, 8.8
 };
 
 } // namespace Graphics2D
