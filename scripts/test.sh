@@ -3,9 +3,10 @@
 # Builds and runs the tests.
 #
 #   scripts/test.sh                as users build the library, under sanitizers, and for 32-bit x86
-#   scripts/test.sh --all-targets  also for other machines (emulated), with Clang, at -O0 and -O3
+#   scripts/test.sh --all-targets  also for other machines (emulated), with Clang, at -O0 and -O3,
+#                                  and two threads under their sanitizer
 #   scripts/test.sh TARGET...      these alone: native sanitized x86-32-core x86-32 x86-32-no-sse2
-#                                  arm-32 arm-64 clang O0 O3
+#                                  arm-32 arm-64 clang O0 O3 threads
 #
 # Installs what is missing. Build folders are build/test-*; the summary at the end names a log for
 # whatever failed.
@@ -13,7 +14,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 plain=(native sanitized x86-32-core)
-others=(x86-32 x86-32-no-sse2 arm-32 arm-64 clang O0 O3)
+others=(x86-32 x86-32-no-sse2 arm-32 arm-64 clang O0 O3 threads)
 groups=(build test examples targets)
 case "${1:-}" in
     '') wanted=("${plain[@]}") groups=(build test examples) ;;
@@ -83,6 +84,11 @@ for target in "${wanted[@]}"; do
         clang) run clang '' $with_examples -DCMAKE_CXX_COMPILER=clang++ "$(at_level -O2)" ;;
         O0) run O0 '' "$(at_level -O0)" ;;
         O3) run O3 '' "$(at_level -O3)" ;;
+        # Under the thread sanitizer, and nothing but the test of that name.
+        threads)
+            run threads '^([^T]|T[^h])' -DMM2D_FONT_ENGINE=mm2d_fake_font \
+                -DMM2D_LAYOUT_ENGINE=mm2d_fake_layout -DMM2D_CORE_TESTS=ON "$(at_level '-O1 -g1')" \
+                -DCMAKE_CXX_FLAGS=-fsanitize=thread ;;
         *) echo "unknown target $target"; exit 2 ;;
     esac
 done
