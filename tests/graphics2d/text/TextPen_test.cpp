@@ -39,12 +39,12 @@ TEST(TextPen, MapsToTheNearestPointBothWays)
         const long double backX = (d * x - c * y) / area * 65536;
         const long double backY = (a * y - b * x) / area * 65536;
         if (std::fabs(backX) > INT32_MAX || std::fabs(backY) > INT32_MAX) continue;
-        // Where 32 bits hold the vector, to the nearest; a longer one loses as much as its surplus.
-        const double surplus =
-            double(std::fmax(std::fmax(std::fabs(x), std::fabs(y)) / 0x7FFFFFFF, 1));
+        // Where 32 bits hold the vector, to the nearest. A longer one loses its low bits, which the
+        // inverse magnifies.
+        const long double length = std::fmax(std::fabs(x), std::fabs(y)) / 0x7FFFFFFF;
+        const long double elements = std::fabs(a) + std::fabs(b) + std::fabs(c) + std::fabs(d);
         const double slack =
-            surplus == 1 ? 0.51
-                         : 2 * surplus * (1 + double(1 / std::sqrt(std::fabs(area)) * 65536));
+            length <= 1 ? 0.51 : double(2 * length * (1 + elements * 65536 / std::fabs(area)));
         ASSERT_NEAR(back.x, double(backX), slack);
         ASSERT_NEAR(back.y, double(backY), slack);
     }
