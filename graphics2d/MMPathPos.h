@@ -12,9 +12,10 @@ struct MMPathPos {
     const uint32_t* command; // the command word of the cursor
     MMPoint2D current;       // where the walk is, user space
     MMPoint2D previous;      // the point at the cursor: the start of the edge or curve being walked
-    int16_t itemIndex;       // points or curves of the command before the cursor
+    int16_t itemIndex;       // the low 16 bits of item
     int16_t subpathsLeft;    // subpaths still to walk; 0 at the path's end and to start a new walk
     KAVO::Fixed walked;      // path length from the start to the current point
     KAVO::Fixed edgeWalked;  // path length from the start to the cursor
     MMPoint2D subpathStart;  // where closing the subpath leads
+    uint32_t item;           // points or curves of the command before the cursor
 };

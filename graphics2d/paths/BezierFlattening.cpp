@@ -5,6 +5,8 @@
 // the second halves waiting on a short stack. A piece is flat when its two triangles, start -
 // middle - end and start - control - middle, together cover at most about one square pixel on the
 // device; points stay in user space, only the tolerance follows the transform.
+//
+// What cannot be seen is flattened like the rest, for the bounds, but leaves no points behind.
 #include "graphics2d/paths/BezierFlattening.h"
 
 #include "graphics2d/MMContext2D.h"
@@ -12,6 +14,7 @@
 #include "math/Points.h"
 
 #include <cstddef>
+#include <initializer_list>
 
 namespace KAVO {
 namespace Graphics2D {
@@ -49,14 +52,15 @@ int64_t turnArea(const MMPoint2D& a, const MMPoint2D& b, const MMPoint2D& c)
     return absolute(ux * vy - uy * vx);
 }
 
-// The public contract with a cap on the halvings; 0 when the points are more than capacity.
-uint32_t subdivide(const BezierCurve& curve, int64_t tolerance, uint32_t maxLevel, MMPoint2D* out,
-                   uint32_t capacity, int32_t step)
+// Halves a curve and hands its points to take. Returns how many they are, or kMaxCurvePoints + 1 as
+// soon as there are more than that.
+template <class Take>
+uint32_t subdivide(const BezierCurve& curve, int64_t tolerance, uint32_t maxLevel, Take take)
 {
     Piece pending[kMaxPending];
     uint32_t pendingCount = 0;
     Piece piece = {curve, 0};
-    uint32_t written = 0;
+    uint32_t count = 0;
     for (;;) {
         const BezierCurve& c = piece.curve;
         const MMPoint2D left1 = curveMiddle(c.start, c.control1);
@@ -73,15 +77,22 @@ uint32_t subdivide(const BezierCurve& curve, int64_t tolerance, uint32_t maxLeve
             piece = {{c.start, left1, left2, split}, level};
             continue;
         }
-        if (written == capacity) return 0;
-        MMPoint2D& position = out[static_cast<ptrdiff_t>(written++) * step];
-        if (pendingCount == 0) {
-            position = c.end;
-            return written;
-        }
+        if (++count > kMaxCurvePoints) return count;
+        take(c.end);
+        if (pendingCount == 0) return count;
         piece = pending[--pendingCount];
-        position = piece.curve.start;
     }
+}
+
+// The stack of second halves bounds the first halves only: halving that goes on toward the end of a
+// curve can still make too many points of a vast one. It then gets even pieces instead. Sinks are
+// made anew for these.
+template <class MakeTake>
+uint32_t subdivideBounded(const BezierCurve& curve, int64_t tolerance, MakeTake makeTake)
+{
+    const uint32_t count = subdivide(curve, tolerance, UINT32_MAX, makeTake());
+    if (count <= kMaxCurvePoints) return count;
+    return subdivide(curve, tolerance, kEvenLevels, makeTake());
 }
 
 } // namespace
@@ -89,14 +100,55 @@ uint32_t subdivide(const BezierCurve& curve, int64_t tolerance, uint32_t maxLeve
 uint32_t flattenBezier(const Matrix2D& transform, const BezierCurve& curve, MMPoint2D* out,
                        uint32_t capacity, int32_t step)
 {
-    // The stack of second halves bounds the first halves only: halving that goes on toward the end
-    // of a curve can still make too many points of a vast one. It then gets even pieces instead.
-    const int64_t tolerance = areaTolerance(transform);
-    if (capacity < kMaxCurvePoints)
-        return subdivide(curve, tolerance, UINT32_MAX, out, capacity, step);
-    const uint32_t count = subdivide(curve, tolerance, UINT32_MAX, out, kMaxCurvePoints, step);
-    if (count != 0) return count;
-    return subdivide(curve, tolerance, kEvenLevels, out, kMaxCurvePoints, step);
+    const auto write = [=] {
+        return [=, written = uint32_t{0}](const MMPoint2D& point) mutable {
+            if (written < capacity) out[static_cast<ptrdiff_t>(written) * step] = point;
+            ++written;
+        };
+    };
+    return subdivideBounded(curve, areaTolerance(transform), write);
+}
+
+// True when the whole curve may be seen, and where the mapping of points could wrap. A curve within
+// a row is kept too: the shape may be one that counts as thin.
+bool VisibleCurves::needsAllOf(const BezierCurve& curve) const
+{
+    BoundsUnion box;
+    for (const MMPoint2D& p : {curve.start, curve.control1, curve.control2, curve.end})
+        box.addPoint(mappedSaturated(transform_, p));
+    constexpr Fixed kFar = 0x7FFF0000;
+    if (box.minX < -kFar || box.minY < -kFar || box.maxX > kFar || box.maxY > kFar) return true;
+    if (int64_t{box.maxY} - box.minY < 2 * kFixedOne) return true;
+    return window_.contains(box.minX, box.minY, box.maxX, box.maxY);
+}
+
+uint32_t VisibleCurves::flatten(const BezierCurve& curve, MMPoint2D* out, uint32_t capacity)
+{
+    if (needsAllOf(curve)) return flattenBezier(transform_, curve, out, capacity);
+    uint32_t kept = 0;
+    const auto mapCurvePoint = [this](MMPoint2D p) {
+        transform_.transform(&p, &p, 1);
+        return p;
+    };
+    const auto keep = [&] {
+        kept = 0;
+        ClipWindow::Sides last = window_.sidesOf(mapCurvePoint(curve.start));
+        ClipWindow::Sides before = 0;
+        return [&, last, before](const MMPoint2D& point) mutable {
+            const MMPoint2D device = mapCurvePoint(point);
+            bounds_.addPoint(device);
+            const ClipWindow::Sides sides = window_.sidesOf(device);
+            if (kept == 0 || (sides & last & before) == 0) {
+                ++kept;
+                before = last;
+            }
+            last = sides;
+            if (kept <= capacity) out[kept - 1] = point;
+        };
+    };
+    const uint32_t count = subdivideBounded(curve, areaTolerance(transform_), keep);
+    if (kept <= capacity) leftOut_ += count - kept; // else the caller comes again
+    return kept;
 }
 
 int32_t MMContext2D::getBezierPts(MMPoint2D* out, MMPoint2D start, MMPoint2D control1,

@@ -2,6 +2,8 @@
 // Cubic curves as runs of points. Internal.
 #pragma once
 
+#include "graphics2d/BoundsUnion.h"
+#include "graphics2d/raster/ClipWindow.h"
 #include "math/Matrix2D.h"
 
 namespace KAVO {
@@ -20,11 +22,36 @@ constexpr uint32_t kMaxCurvePoints = 1024;
 constexpr uint32_t kUsualCurvePoints = 250;
 
 // Writes the points of a curve, its start left out and its end always the last, every step
-// positions from out on; fine enough for drawing through transform. Returns how many they are, or 0
-// when there are more than capacity (what has been written is then of no use). A capacity of
-// kMaxCurvePoints always suffices.
+// positions from out on; fine enough for drawing through transform. Returns how many they are, at
+// most kMaxCurvePoints; those beyond capacity are counted and not written.
 uint32_t flattenBezier(const Matrix2D& transform, const BezierCurve& curve, MMPoint2D* out,
                        uint32_t capacity, int32_t step = 1);
+
+// The points of curves that are to be filled, as far as they are needed for what can be seen: three
+// in a row on one side of it are two.
+class VisibleCurves {
+public:
+    VisibleCurves(const Matrix2D& transform, const ClipWindow& window)
+        : transform_(transform), window_(window)
+    {
+    }
+
+    // As flattenBezier. The points that are not needed are left out of the count.
+    uint32_t flatten(const BezierCurve& curve, MMPoint2D* out, uint32_t capacity);
+
+    uint64_t leftOut() const { return leftOut_; }
+
+    // Of all points of the curves that lost some, in device space.
+    const BoundsUnion& bounds() const { return bounds_; }
+
+private:
+    bool needsAllOf(const BezierCurve& curve) const;
+
+    const Matrix2D& transform_;
+    const ClipWindow& window_;
+    BoundsUnion bounds_;
+    uint64_t leftOut_ = 0;
+};
 
 } // namespace Graphics2D
 } // namespace KAVO

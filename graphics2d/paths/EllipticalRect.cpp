@@ -67,7 +67,7 @@ struct Corners {
             for (const MMPoint2D* end = curve + 8; curve != end; curve += 4) {
                 const uint32_t added = flattenBezier(
                     transform, {curve[0], curve[1], curve[2], curve[3]}, out + count, room - count);
-                if (added == 0) return 0;
+                if (added > room - count) return 0;
                 count += added;
             }
         }

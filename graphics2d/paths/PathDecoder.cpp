@@ -3,10 +3,8 @@
 //
 // The command words are read twice: once to size the tables, once to fill them. Memory is three
 // tables (a word per subpath, a record per segment, a pointer per curve) and one block per curve,
-// taken at its usual size and shrunk to its points.
+// taken at its usual size and shrunk to its points: at most 1,024, in 2 words each.
 #include "graphics2d/paths/PathDecoder.h"
-
-#include "graphics2d/paths/BezierFlattening.h"
 
 #include <algorithm>
 
@@ -19,26 +17,29 @@ CurveBuffers::~CurveBuffers()
         context_.scratchStack.DeAlloc(blocks_[--count_]);
 }
 
-MMLinkPath CurveBuffers::flatten(const MMPoint2D& start, const MMPoint2D* curve)
+MMLinkPath CurveBuffers::flatten(const MMPoint2D& start, const MMPoint2D* curve,
+                                 VisibleCurves* visible)
 {
     MMStackContext& stack = context_.scratchStack;
-    for (const uint32_t capacity : {kUsualCurvePoints, kMaxCurvePoints}) {
+    const BezierCurve bezier = {start, curve[0], curve[1], curve[2]};
+    uint32_t capacity = kUsualCurvePoints;
+    for (;;) {
         void* block = stack.Alloc(scratchWordsFor<MMPoint2D>(capacity));
         if (block == nullptr) return {nullptr, 0};
-        const uint32_t count =
-            flattenBezier(context_.transform, {start, curve[0], curve[1], curve[2]},
-                          static_cast<MMPoint2D*>(block), capacity);
-        if (count == 0) {
+        MMPoint2D* points = static_cast<MMPoint2D*>(block);
+        const uint32_t count = visible != nullptr
+                                   ? visible->flatten(bezier, points, capacity)
+                                   : flattenBezier(context_.transform, bezier, points, capacity);
+        if (count > capacity) { // once, for a vast curve
             stack.DeAlloc(block);
+            capacity = count;
             continue;
         }
         // Shrinking happens in place.
-        MMPoint2D* points =
-            static_cast<MMPoint2D*>(stack.ReAlloc(block, scratchWordsFor<MMPoint2D>(count)));
-        blocks_[count_++] = points;
-        return {points, count};
+        block = stack.ReAlloc(block, scratchWordsFor<MMPoint2D>(count));
+        blocks_[count_++] = static_cast<MMPoint2D*>(block);
+        return {static_cast<MMPoint2D*>(block), count};
     }
-    return {nullptr, 0}; // not reached: the second capacity holds every curve
 }
 
 DecodedPath::Sizes DecodedPath::scan(const uint32_t* path)
@@ -59,17 +60,18 @@ DecodedPath::Sizes DecodedPath::scan(const uint32_t* path)
             static_cast<uint32_t>(std::min<uint64_t>(curves, UINT32_MAX))};
 }
 
-DecodedPath::DecodedPath(MMContext2D& context, const uint32_t* path)
-    : DecodedPath(context, path, scan(path))
+DecodedPath::DecodedPath(MMContext2D& context, const uint32_t* path, bool forFillOnly)
+    : DecodedPath(context, path, forFillOnly, scan(path))
 {
 }
 
-DecodedPath::DecodedPath(MMContext2D& context, const uint32_t* path, Sizes sizes)
+DecodedPath::DecodedPath(MMContext2D& context, const uint32_t* path, bool forFillOnly, Sizes sizes)
     : subpathCount_(subpathCountOf(*path)), subpathWords_(context.scratchStack, subpathCount_),
-      segments_(context.scratchStack, sizes.segments), curves_(context, sizes.curves)
+      segments_(context.scratchStack, sizes.segments), curves_(context, sizes.curves),
+      window_(context), visible_(context.transform, window_)
 {
     if (!subpathWords_ || !segments_ || !curves_) return;
-    complete_ = decode(path + 1);
+    complete_ = decode(path + 1, forFillOnly);
 }
 
 void DecodedPath::append(MMLinkPath segment)
@@ -80,8 +82,9 @@ void DecodedPath::append(MMLinkPath segment)
 
 // False when a curve finds no memory. Segments without points are left out, and so are curves with
 // no point before them to start from.
-bool DecodedPath::decode(const uint32_t* path)
+bool DecodedPath::decode(const uint32_t* path, bool forFillOnly)
 {
+    VisibleCurves* visible = forFillOnly ? &visible_ : nullptr;
     uint32_t subpathStart = 0;
     for (uint32_t subpath = 0; subpath < subpathCount_;) {
         const PathCommand command = {*path++};
@@ -91,7 +94,8 @@ bool DecodedPath::decode(const uint32_t* path)
         if (command.kind() == kPathCurves && totalSegments_ > 0) {
             for (uint32_t i = 0; i < command.itemCount(); ++i, points += 3) {
                 const MMLinkPath& last = segments_[totalSegments_ - 1];
-                const MMLinkPath curve = curves_.flatten(last.points[last.count - 1], points);
+                const MMLinkPath curve =
+                    curves_.flatten(last.points[last.count - 1], points, visible);
                 if (curve.points == nullptr) return false;
                 append(curve);
             }

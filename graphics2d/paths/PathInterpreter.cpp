@@ -57,7 +57,8 @@ bool fillPath(MMContext2D& context, DecodedPath& path)
     const uint32_t count = writeContours(context.transform, path, points.data(), ends.data());
     context.currentPaint = context.fillPaint;
     fillContours(context, {points.data(), ends.data(), count},
-                 static_cast<MMFillRule>(context.fillRule), ThinShapes::kOneSpan)
+                 static_cast<MMFillRule>(context.fillRule), ThinShapes::kOneSpan,
+                 path.boundsOfCut())
         .storeUnlessEmpty(context);
     return true;
 }
@@ -92,21 +93,23 @@ void MMContext2D::drawPath(const uint32_t* path)
 {
     if (path == nullptr) return;
     pointStep = 1;
-    DecodedPath decoded(*this, path);
+    const bool strokes = strokePaint.paintType != kPaintNone;
+    const bool boundsOnly = (renderFlags & kRenderBoundsOnly) != 0;
+    DecodedPath decoded(*this, path, !strokes && !boundsOnly);
     if (!decoded) {
         noteOutOfMemory(*this);
         return;
     }
-    if ((renderFlags & kRenderBoundsOnly) != 0) {
+    if (boundsOnly) {
         boundsOf(decoded).storeTo(*this);
         return;
     }
-    if (fillPaint.paintType != kPaintNone && decoded.totalPoints() >= 3 &&
+    if (fillPaint.paintType != kPaintNone && decoded.totalPoints() + decoded.pointsLeftOut() >= 3 &&
         !fillPath(*this, decoded)) {
         noteOutOfMemory(*this);
         return;
     }
-    if (strokePaint.paintType != kPaintNone) strokePath(*this, decoded, path);
+    if (strokes) strokePath(*this, decoded, path);
 }
 
 } // namespace Graphics2D

@@ -18,7 +18,7 @@ namespace {
 // commands and curves that have no point to start from.
 void startWalk(MMPathPos& pos)
 {
-    pos = {pos.path, nullptr, {0, 0}, {0, 0}, 0, 0, 0, 0, {0, 0}};
+    pos = {pos.path, nullptr, {0, 0}, {0, 0}, 0, 0, 0, 0, {0, 0}, 0};
     const uint32_t* word = pos.path + 1;
     uint32_t subpathsLeft = subpathCountOf(*word++);
     for (; subpathsLeft > 0; word += 1 + PathCommand{*word}.itemWords()) {
@@ -34,8 +34,7 @@ class PathWalk {
 public:
     PathWalk(MMContext2D& context, MMPathPos& pos, Fixed distance)
         : context_(context), pos_(pos), distance_(distance), command_(pos.command),
-          index_(static_cast<uint32_t>(pos.itemIndex)), at_(pos.previous), length_(pos.edgeWalked),
-          insideSubpath_(pos.itemIndex > 0)
+          index_(pos.item), at_(pos.previous), length_(pos.edgeWalked), insideSubpath_(pos.item > 0)
     {
     }
 
@@ -78,13 +77,12 @@ private:
         return true;
     }
 
-    // An index that the record cannot hold leaves the cursor further back. An index of 0 stands for
-    // the start of a subpath.
+    // An index of 0 stands for the start of a subpath.
     void moveCursor(uint32_t index)
     {
-        if (index > INT16_MAX) return;
         pos_.command = command_;
         pos_.itemIndex = static_cast<int16_t>(index);
+        pos_.item = index;
         pos_.previous = at_;
         pos_.edgeWalked = length_;
     }

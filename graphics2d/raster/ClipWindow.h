@@ -37,6 +37,13 @@ public:
                (minX >> 16 >= right_ ? 4u : 0u) | (minY >> 16 >= bottom_ ? 8u : 0u);
     }
 
+    // True when the whole rectangle can be seen.
+    bool contains(Fixed minX, Fixed minY, Fixed maxX, Fixed maxY) const
+    {
+        return (minX >> 16) >= left_ && (minY >> 16) >= top_ && (maxX >> 16) < right_ &&
+               (maxY >> 16) < bottom_;
+    }
+
 private:
     static constexpr int32_t kMargin = 2; // pixels
 

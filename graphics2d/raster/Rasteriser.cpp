@@ -70,12 +70,13 @@ UsefulContours findUseful(const Contours& contours)
 }
 
 BoundsUnion fillOne(MMContext2D& context, const MMPoint2D* points, uint32_t count, MMFillRule rule,
-                    ThinShapes thinShapes)
+                    ThinShapes thinShapes, const BoundsUnion& leftOut)
 {
-    if (count < 3) return {};
+    if (count < 3) return leftOut;
     const uint32_t changes = countDirectionChanges(points, count);
-    if (changes == 0) return {};
-    const BoundsUnion bounds = boundsOfPolygon(points, count);
+    if (changes == 0) return leftOut;
+    BoundsUnion bounds = boundsOfPolygon(points, count);
+    bounds.add(leftOut);
     if (changes == 2)
         drawMonotone(context, points, count, bounds, spansTooFar(bounds), thinShapes);
     else
@@ -88,20 +89,22 @@ BoundsUnion fillOne(MMContext2D& context, const MMPoint2D* points, uint32_t coun
 BoundsUnion fillPolygon(MMContext2D& context, const MMPoint2D* points, uint32_t count,
                         MMFillRule rule)
 {
-    return fillOne(context, points, count, rule, ThinShapes::kOneSpan);
+    return fillOne(context, points, count, rule, ThinShapes::kOneSpan, {});
 }
 
-BoundsUnion fillOutline(MMContext2D& context, const MMPoint2D* points, uint32_t count)
+BoundsUnion fillOutline(MMContext2D& context, const MMPoint2D* points, uint32_t count,
+                        const BoundsUnion& leftOut)
 {
-    return fillOne(context, points, count, kFillNonZero, ThinShapes::kExact);
+    return fillOne(context, points, count, kFillNonZero, ThinShapes::kExact, leftOut);
 }
 
 BoundsUnion fillContours(MMContext2D& context, const Contours& contours, MMFillRule rule,
-                         ThinShapes thinShapes)
+                         ThinShapes thinShapes, const BoundsUnion& leftOut)
 {
     const uint32_t total = contours.pointCount();
-    if (total < 3) return {};
-    const BoundsUnion bounds = boundsOfPolygon(contours.points, total);
+    if (total == 0 || (total < 3 && leftOut.empty())) return {};
+    BoundsUnion bounds = boundsOfPolygon(contours.points, total);
+    bounds.add(leftOut);
     if (bounds.minY == bounds.maxY) return {};
     const UsefulContours useful = findUseful(contours);
     if (useful.count == 1) {

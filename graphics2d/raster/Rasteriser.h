@@ -23,13 +23,15 @@ enum class ThinShapes {
 BoundsUnion fillPolygon(MMContext2D& context, const MMPoint2D* points, uint32_t count,
                         MMFillRule rule);
 
-// The same for the outline of a stroke: by the non-zero rule, and exact where it is thin.
-BoundsUnion fillOutline(MMContext2D& context, const MMPoint2D* points, uint32_t count);
+// The same for the outline of a stroke: by the non-zero rule, and exact where it is thin. Here and
+// below, leftOut bounds points out of sight that the outlines have lost.
+BoundsUnion fillOutline(MMContext2D& context, const MMPoint2D* points, uint32_t count,
+                        const BoundsUnion& leftOut = {});
 
 // The same for a shape of several closed outlines. It counts as one polygon, with what that means
 // for monotone and for thin ones, only where a single outline of three different points is left.
 BoundsUnion fillContours(MMContext2D& context, const Contours& contours, MMFillRule rule,
-                         ThinShapes thinShapes);
+                         ThinShapes thinShapes, const BoundsUnion& leftOut = {});
 
 // As MMContext2D::rasterMonotonePolygon.
 BoundsUnion fillMonotonePolygon(MMContext2D& context, const MMPoint2D* points, uint32_t count);

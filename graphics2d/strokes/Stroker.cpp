@@ -138,7 +138,7 @@ private:
     {
         // An outline without height or without points has no bounds either.
         if (outline.bounds().minY < outline.bounds().maxY) bounds_.add(outline.bounds());
-        fillOutline(context_, polygon, count);
+        fillOutline(context_, polygon, count, bounds_);
     }
 
     bool drawPen(bool sharp)

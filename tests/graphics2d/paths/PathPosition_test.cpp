@@ -90,6 +90,22 @@ TEST(PathPosition, ManySmallStepsEndWhereOneLargeOneDoes)
     }
 }
 
+// So that the next step starts there, and not where a 16-bit index would lead.
+TEST(PathPosition, TheCursorKeepsToItsItemInLongCommands)
+{
+    std::vector<MMPoint2D> line;
+    for (int i = 0; i < 70000; ++i)
+        line.push_back({i * 1024, 0});
+    EncodedPath path;
+    path.points(line, EncodedPath::kOpen);
+    Walker walker(path);
+    for (int item : {5, 30000, 33000, 40000, 69990}) {
+        EXPECT_EQ(walker.to(item * 1024 + 500), (MMPoint2D{item * 1024 + 500, 0}));
+        EXPECT_EQ(walker.pos.item, static_cast<uint32_t>(item + 1));
+        EXPECT_EQ(walker.pos.itemIndex, static_cast<int16_t>(item + 1));
+    }
+}
+
 // A circle of four curves of radius 100: equal distances are equal angles.
 TEST(PathPosition, FollowsCurvesAsTheyAreDrawn)
 {
