@@ -8,8 +8,8 @@
 struct MMPixmap {
     uint16_t width;    // pixels
     uint16_t height;   // rows
-    uint32_t rowBytes; // from the start of one row to the next, a multiple of 4; images are read,
-                       // and text is drawn, by width * 4 instead
+    uint32_t rowBytes; // from the start of one row to the next, a multiple of 4. Images are read by
+                       // width * 4 instead, and so is text drawn by the classic rules
     KAVO::Pixel backgroundColour; // what panPixmap leaves in uncovered areas
     KAVO::Pixel* pixels;          // row 0, column 0
     uint32_t pixmapExtra; // low byte: the image has alpha (drawImage, setPattern); otherwise free

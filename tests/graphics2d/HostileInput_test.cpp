@@ -37,6 +37,7 @@ TEST(HostileInput, DrawsInsideTheTargetAndEnds)
         Picture picture;
         MMContext2D& c = picture.context;
         c.antiAlias = below(2);
+        c.refined = below(2);
         c.joinStyle = below(4);
         c.capStyle = below(4);
         c.patternFilter = below(3);
@@ -58,11 +59,12 @@ TEST(HostileInput, DrawsInsideTheTargetAndEnds)
         const Fixed offsets[] = {number(), number(), number()};
         const GradientStops stops = {colours, offsets, 3};
         const MMPixmap image = {below(3), 2, 8, 0, texels, below(2)}, target = c.target;
-        setLinearGradient(c.currentPaint, point(), point(), matrix(), stops, ramp);
+        setLinearGradient(c.currentPaint, point(), point(), matrix(), stops, ramp, c.refined != 0);
         c.rasterPolygon(triangle, 3);
-        setRadialGradient(c.currentPaint, point(), number(), matrix(), stops, ramp);
+        setRadialGradient(c.currentPaint, point(), number(), matrix(), stops, ramp, c.refined != 0);
         c.rasterPolygon(triangle, 3);
-        setPattern(c.currentPaint, image, matrix(), MMPatternFilter(c.patternFilter));
+        setPattern(c.currentPaint, image, matrix(), MMPatternFilter(c.patternFilter),
+                   c.refined != 0);
         c.rasterPolygon(triangle, 3);
         c.drawImage(&image, number(), number(), number(), number(), below(2));
         const MMFixedRegion from = {0, 0, number(), number()};
