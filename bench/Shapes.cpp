@@ -32,8 +32,8 @@ void collectPaths(const pugi::xml_node& node, std::vector<Outline>& outlines, Bo
             parsePath(child.attribute("d").value(), outline);
             if (!outline.empty()) {
                 const Box bounds = outline.bounds();
-                box.include({bounds.left, bounds.top});
-                box.include({bounds.right, bounds.bottom});
+                box.include(Point{bounds.left, bounds.top});
+                box.include(Point{bounds.right, bounds.bottom});
                 outlines.push_back(outline);
             }
         }

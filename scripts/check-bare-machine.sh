@@ -29,7 +29,9 @@ root=$logs/root
 clean_up() {
     local mounted
     for mounted in "$root/proc" "$root/dev"; do
-        ! mountpoint -q "$mounted" || umount "$mounted" || return
+        # Processes that outlive a signal may still hold it.
+        ! mountpoint -q "$mounted" || umount "$mounted" 2> /dev/null || umount --lazy "$mounted" ||
+            return
     done
     rm -rf --one-file-system "$root"
 }
