@@ -99,7 +99,7 @@ bool ChainClusters::measure(Chain chain, Fixed from, Fixed to, ChainExtent& exte
     extent.passed = isBorn ? 0 : chain.winding;
     extent.imbalance = isBorn ? mixed(chain.line.y) : 0;
     for (;;) {
-        const Fixed x = chain.line.xAt(to);
+        const Fixed x = chain.line.endY <= to ? chain.line.endX : chain.line.xAt(to);
         extent.minX = std::min(extent.minX, x);
         extent.maxX = std::max(extent.maxX, x);
         if (chain.line.endY >= to) break;

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <random>
 #include <vector>
 
@@ -25,8 +26,8 @@ using namespace KAVO::Graphics2D;
 
 constexpr int32_t kSide = 1000;
 
-// Basic blocks run to fill a polygon with anti-aliasing.
-uint64_t workOf(const std::vector<MMPoint2D>& polygon, MMFillRule rule)
+// Basic blocks run to fill contours of so many points each with anti-aliasing.
+uint64_t workOf(const std::vector<MMPoint2D>& points, uint32_t pointsEach, MMFillRule rule)
 {
     std::vector<Pixel> pixels(kSide * 100);
     MMContext2D context;
@@ -35,8 +36,12 @@ uint64_t workOf(const std::vector<MMPoint2D>& polygon, MMFillRule rule)
     context.clipBottom = 100;
     context.antiAlias = 1;
     context.currentPaint = context.fillPaint;
+    std::vector<uint32_t> ends;
+    for (uint32_t end = pointsEach; end <= points.size(); end += pointsEach)
+        ends.push_back(end);
+    const Contours contours = {points.data(), ends.data(), static_cast<uint32_t>(ends.size())};
     blocksRun = 0;
-    fillComplexPolygon(context, polygon.data(), static_cast<uint32_t>(polygon.size()), rule);
+    fillContours(context, contours, rule, ThinShapes::kOneSpan);
     return blocksRun;
 }
 
@@ -103,12 +108,65 @@ TEST(RasterWork, GrowsNoFasterThanSorting)
                 const int n = size == 0 ? kFew : kMany;
                 for (int i = 0; i < n; ++i)
                     polygon.push_back(family.vertex(places, i, n));
-                work[size] = workOf(polygon, rule);
+                work[size] = workOf(polygon, static_cast<uint32_t>(n), rule);
             }
             EXPECT_GT(work[0], uint64_t{kFew}) << family.name;
             EXPECT_LT(work[1], work[0] * 8) << family.name << ", fill rule " << int(rule);
         }
     }
+}
+
+// Shapes scattered over the picture, in one path.
+std::vector<MMPoint2D> scattered(int shapes, int corners, double radius)
+{
+    Places places;
+    std::vector<MMPoint2D> points;
+    for (int i = 0; i < shapes; ++i) {
+        const MMPoint2D centre = places.within(0, 100);
+        for (int k = 0; k < corners; ++k) {
+            const double turn = (k + 0.5) * 2 * M_PI / corners;
+            points.push_back(
+                {centre.x + fx(radius * std::cos(turn)), centre.y + fx(radius * std::sin(turn))});
+        }
+    }
+    return points;
+}
+
+// Small shapes in one path cost what they cost one by one, however many they are: sixteen times
+// the shapes at most thirty times as much, sorting included, when the rows become crowded.
+TEST(RasterWork, ScatteredShapesDoNotMeet)
+{
+    const struct {
+        int few, corners;
+        double radius;
+    } cases[] = {{250, 4, 2}, {60, 32, 10}};
+    for (const auto& c : cases)
+        for (MMFillRule rule : {kFillNonZero, kFillEvenOdd}) {
+            const uint32_t corners = static_cast<uint32_t>(c.corners);
+            const uint64_t few = workOf(scattered(c.few, c.corners, c.radius), corners, rule);
+            const uint64_t many = workOf(scattered(16 * c.few, c.corners, c.radius), corners, rule);
+            EXPECT_GT(few, uint64_t(c.few * c.corners));
+            EXPECT_LT(many, few * 30) << c.corners << " corners, fill rule " << int(rule);
+        }
+}
+
+// Chains left of all that is visible are not cut into slabs, and those right of it not either.
+TEST(RasterWork, ChainsBesideTheClipAreCheap)
+{
+    uint64_t work[3];
+    const double shifts[] = {0, -2.0 * kSide, 2.0 * kSide};
+    for (int place = 0; place < 3; ++place) {
+        Places places;
+        std::vector<MMPoint2D> points = {at(-3.0 * kSide, 99), at(3.0 * kSide, 99)};
+        for (int i = 0; i < 3000; ++i) {
+            MMPoint2D p = places.within(10, 13);
+            p.x += fx(shifts[place]);
+            points.push_back(p);
+        }
+        work[place] = workOf(points, 3002, kFillEvenOdd);
+    }
+    EXPECT_LT(work[1] * 3, work[0]);
+    EXPECT_LT(work[2] * 3, work[0]);
 }
 
 } // namespace

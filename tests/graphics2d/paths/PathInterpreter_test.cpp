@@ -45,7 +45,7 @@ void expectFillsAs(const EncodedPath& path, const std::vector<Points>& subpaths,
 const Points kOuter = {at(5, 5), at(40, 8), at(35, 30), at(8, 28)};
 const Points kInner = {at(12, 12), at(14, 24), at(30, 22), at(28, 14)};
 
-TEST(PathFill, RunsThroughAllSubpathsAndBackThroughTheirStarts)
+TEST(PathFill, FillsAllSubpathsAsOneShape)
 {
     const Points third = {at(2, 34), at(12, 31), at(9, 38)};
     EncodedPath path;
@@ -123,9 +123,11 @@ TEST(PathFill, NothingToFill)
         Picture picture;
         if (path == &unpainted) picture.context.fillPaint.paintType = kPaintNone;
         picture.context.boundsMinX = 77;
+        picture.context.currentPaint.paintColour = 0xFF123456;
         picture.context.drawPath(path->data());
         EXPECT_TRUE(picture.blank());
         EXPECT_EQ(picture.context.boundsMinX, 77);
+        EXPECT_EQ(picture.context.currentPaint.paintColour, 0xFF123456u) << "not even begun";
     }
 }
 
