@@ -6,6 +6,9 @@
 // middle - end and start - control - middle, together cover at most about one square pixel on the
 // device; points stay in user space, only the tolerance follows the transform.
 //
+// By the refined rule a piece is flat when it turns by at most 15 degrees and lies within 1/32 of a
+// pixel of its chord. It is halved on the device, too, to know that.
+//
 // What cannot be seen is flattened like the rest, for the bounds, but leaves no points behind.
 #include "graphics2d/paths/BezierFlattening.h"
 
@@ -13,6 +16,7 @@
 #include "math/FixedMath.h"
 #include "math/Points.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <initializer_list>
 
@@ -21,16 +25,25 @@ namespace Graphics2D {
 
 namespace {
 
-constexpr uint32_t kMaxPending = 10;
-
 // Halving this often everywhere makes kMaxCurvePoints pieces.
 constexpr uint32_t kEvenLevels = 10;
 static_assert(1u << kEvenLevels == kMaxCurvePoints, "a point per piece");
 
-struct Piece {
-    BezierCurve curve;
-    uint32_t level; // how often the whole curve was halved to make it
+struct CurveHalves {
+    BezierCurve left;
+    BezierCurve right;
 };
+
+CurveHalves halvesOf(const BezierCurve& c)
+{
+    const MMPoint2D left1 = curveMiddle(c.start, c.control1);
+    const MMPoint2D ridge = curveMiddle(c.control1, c.control2);
+    const MMPoint2D right2 = curveMiddle(c.control2, c.end);
+    const MMPoint2D left2 = curveMiddle(left1, ridge);
+    const MMPoint2D right1 = curveMiddle(ridge, right2);
+    const MMPoint2D split = curveMiddle(left2, right1);
+    return {{c.start, left1, left2, split}, {split, right1, right2, c.end}};
+}
 
 // 2 / |determinant| in 16.16 square user units; everything is flat under a singular transform.
 int64_t areaTolerance(const Matrix2D& transform)
@@ -52,33 +65,155 @@ int64_t turnArea(const MMPoint2D& a, const MMPoint2D& b, const MMPoint2D& c)
     return absolute(ux * vy - uy * vx);
 }
 
+class ClassicRule {
+public:
+    static constexpr uint32_t kMaxPending = 10;
+
+    struct Piece {
+        BezierCurve curve;
+        uint32_t level; // how often the whole curve was halved to make it
+    };
+
+    explicit ClassicRule(const Matrix2D& transform) : tolerance_(areaTolerance(transform)) {}
+
+    Piece whole(const BezierCurve& curve) const { return {curve, 0}; }
+
+    // Sets the halves, and returns whether the piece is flat.
+    bool halve(const Piece& piece, Piece& left, Piece& right) const
+    {
+        const BezierCurve& c = piece.curve;
+        const CurveHalves halves = halvesOf(c);
+        left = {halves.left, piece.level + 1};
+        right = {halves.right, piece.level + 1};
+        const MMPoint2D& split = halves.right.start;
+        return turnArea(c.start, split, c.end) + turnArea(c.start, split, c.control1) <= tolerance_;
+    }
+
+private:
+    int64_t tolerance_;
+};
+
+class RefinedRule {
+public:
+    static constexpr uint32_t kMaxPending = 16;
+
+    // The curve is halved together with its image on the device, which is relative to the start of
+    // the whole curve and has fractionBits_.
+    struct Piece {
+        BezierCurve curve;
+        BezierCurve device;
+        uint32_t level;
+    };
+
+    explicit RefinedRule(const Matrix2D& transform) : transform_(transform) {}
+
+    Piece whole(const BezierCurve& c)
+    {
+        const Wide points[] = {{0, 0},
+                               mapped(c.start, c.control1),
+                               mapped(c.start, c.control2),
+                               mapped(c.start, c.end)};
+        int64_t greatest = 0;
+        for (const Wide& p : points)
+            greatest = std::max({greatest, absolute(p.x), absolute(p.y)});
+        int32_t shift = 0;
+        while (greatest >> shift > kGreatest)
+            ++shift;
+        fractionBits_ = kFractionBits - shift;
+        const auto fitted = [shift](const Wide& p) {
+            return MMPoint2D{static_cast<Fixed>(p.x >> shift), static_cast<Fixed>(p.y >> shift)};
+        };
+        return {c, {fitted(points[0]), fitted(points[1]), fitted(points[2]), fitted(points[3])}, 0};
+    }
+
+    bool halve(const Piece& piece, Piece& left, Piece& right) const
+    {
+        const CurveHalves curve = halvesOf(piece.curve);
+        const CurveHalves device = halvesOf(piece.device);
+        left = {curve.left, device.left, piece.level + 1};
+        right = {curve.right, device.right, piece.level + 1};
+        return isFlat(piece.device);
+    }
+
+private:
+    static constexpr int32_t kFractionBits = 20;
+    static constexpr int64_t kGreatest = 1 << 26; // so that 239 cross products fit 64 bits
+
+    struct Wide {
+        int64_t x;
+        int64_t y;
+    };
+
+    static Wide between(const MMPoint2D& a, const MMPoint2D& b)
+    {
+        return {int64_t{b.x} - a.x, int64_t{b.y} - a.y};
+    }
+    static int64_t dot(const Wide& a, const Wide& b) { return a.x * b.x + a.y * b.y; }
+    static int64_t cross(const Wide& a, const Wide& b) { return absolute(a.x * b.y - a.y * b.x); }
+
+    // The vector on the device with kFractionBits.
+    Wide mapped(const MMPoint2D& from, const MMPoint2D& to) const
+    {
+        const int64_t x = (int64_t{to.x} - from.x) >> 1;
+        const int64_t y = (int64_t{to.y} - from.y) >> 1;
+        constexpr int32_t kDown = 31 - kFractionBits;
+        const Matrix2D& m = transform_;
+        return {((m.a * x) >> kDown) + ((m.c * y) >> kDown),
+                ((m.b * x) >> kDown) + ((m.d * y) >> kDown)};
+    }
+
+    // 64 / 239 is the tangent of 15 degrees.
+    static bool turnsLittle(const Wide& a, const Wide& b)
+    {
+        return cross(a, b) * 239 <= dot(a, b) * 64;
+    }
+
+    // A cubic curve strays from its chord by at most 3/4 of what its controls do.
+    bool isFlat(const BezierCurve& c) const
+    {
+        const Wide first = between(c.start, c.control1);
+        const Wide middle = between(c.control1, c.control2);
+        const Wide last = between(c.control2, c.end);
+        const Wide chord = between(c.start, c.end);
+        int64_t extent = 0;
+        for (const Wide& leg : {first, middle, last})
+            extent = std::max({extent, absolute(leg.x), absolute(leg.y)});
+        if (fractionBits_ >= 6 ? extent <= int64_t{1} << (fractionBits_ - 6) : extent == 0)
+            return true; // nothing of it can be seen
+        if (dot(first, chord) < 0 || dot(middle, chord) < 0 || dot(last, chord) < 0) return false;
+        if (!turnsLittle(first, middle) || !turnsLittle(middle, last) || !turnsLittle(first, last))
+            return false;
+        const int64_t larger = std::max(absolute(chord.x), absolute(chord.y));
+        const int64_t smaller = std::min(absolute(chord.x), absolute(chord.y));
+        const int64_t length = larger - larger / 8 + smaller / 2; // or up to an eighth less
+        const int64_t pixel =
+            fractionBits_ >= 0 ? length << fractionBits_ : length >> -fractionBits_;
+        return 24 * std::max(cross(chord, first), cross(chord, last)) <= pixel;
+    }
+
+    const Matrix2D& transform_;
+    int32_t fractionBits_ = kFractionBits;
+};
+
 // Halves a curve and hands its points to take. Returns how many they are, or kMaxCurvePoints + 1 as
 // soon as there are more than that.
-template <class Take>
-uint32_t subdivide(const BezierCurve& curve, int64_t tolerance, uint32_t maxLevel, Take take)
+template <class Rule, class Take>
+uint32_t subdivide(Rule rule, const BezierCurve& curve, uint32_t maxLevel, Take take)
 {
-    Piece pending[kMaxPending];
+    typename Rule::Piece pending[Rule::kMaxPending];
     uint32_t pendingCount = 0;
-    Piece piece = {curve, 0};
+    typename Rule::Piece piece = rule.whole(curve);
+    typename Rule::Piece left, right;
     uint32_t count = 0;
     for (;;) {
-        const BezierCurve& c = piece.curve;
-        const MMPoint2D left1 = curveMiddle(c.start, c.control1);
-        const MMPoint2D ridge = curveMiddle(c.control1, c.control2);
-        const MMPoint2D right2 = curveMiddle(c.control2, c.end);
-        const MMPoint2D left2 = curveMiddle(left1, ridge);
-        const MMPoint2D right1 = curveMiddle(ridge, right2);
-        const MMPoint2D split = curveMiddle(left2, right1);
-
-        const int64_t area = turnArea(c.start, split, c.end) + turnArea(c.start, split, c.control1);
-        if (area > tolerance && pendingCount < kMaxPending && piece.level < maxLevel) {
-            const uint32_t level = piece.level + 1;
-            pending[pendingCount++] = {{split, right1, right2, c.end}, level};
-            piece = {{c.start, left1, left2, split}, level};
+        if (!rule.halve(piece, left, right) && pendingCount < Rule::kMaxPending &&
+            piece.level < maxLevel) {
+            pending[pendingCount++] = right;
+            piece = left;
             continue;
         }
         if (++count > kMaxCurvePoints) return count;
-        take(c.end);
+        take(piece.curve.end);
         if (pendingCount == 0) return count;
         piece = pending[--pendingCount];
     }
@@ -87,17 +222,24 @@ uint32_t subdivide(const BezierCurve& curve, int64_t tolerance, uint32_t maxLeve
 // The stack of second halves bounds the first halves only: halving that goes on toward the end of a
 // curve can still make too many points of a vast one. It then gets even pieces instead. Sinks are
 // made anew for these.
-template <class MakeTake>
-uint32_t subdivideBounded(const BezierCurve& curve, int64_t tolerance, MakeTake makeTake)
+template <class Rule, class MakeTake>
+uint32_t subdivideBounded(const Rule& rule, const BezierCurve& curve, MakeTake makeTake)
 {
-    const uint32_t count = subdivide(curve, tolerance, UINT32_MAX, makeTake());
+    const uint32_t count = subdivide(rule, curve, UINT32_MAX, makeTake());
     if (count <= kMaxCurvePoints) return count;
-    return subdivide(curve, tolerance, kEvenLevels, makeTake());
+    return subdivide(rule, curve, kEvenLevels, makeTake());
+}
+
+template <class MakeTake>
+uint32_t subdivideBounded(const CurveRule& rule, const BezierCurve& curve, MakeTake makeTake)
+{
+    return rule.refined ? subdivideBounded(RefinedRule(rule.transform), curve, makeTake)
+                        : subdivideBounded(ClassicRule(rule.transform), curve, makeTake);
 }
 
 } // namespace
 
-uint32_t flattenBezier(const Matrix2D& transform, const BezierCurve& curve, MMPoint2D* out,
+uint32_t flattenBezier(const CurveRule& rule, const BezierCurve& curve, MMPoint2D* out,
                        uint32_t capacity, int32_t step)
 {
     const auto write = [=] {
@@ -106,7 +248,7 @@ uint32_t flattenBezier(const Matrix2D& transform, const BezierCurve& curve, MMPo
             ++written;
         };
     };
-    return subdivideBounded(curve, areaTolerance(transform), write);
+    return subdivideBounded(rule, curve, write);
 }
 
 // True when the whole curve may be seen, and where the mapping of points could wrap. A curve within
@@ -115,7 +257,7 @@ bool VisibleCurves::needsAllOf(const BezierCurve& curve) const
 {
     BoundsUnion box;
     for (const MMPoint2D& p : {curve.start, curve.control1, curve.control2, curve.end})
-        box.addPoint(mappedSaturated(transform_, p));
+        box.addPoint(mappedSaturated(rule_.transform, p));
     constexpr Fixed kFar = 0x7FFF0000;
     if (box.minX < -kFar || box.minY < -kFar || box.maxX > kFar || box.maxY > kFar) return true;
     if (int64_t{box.maxY} - box.minY < 2 * kFixedOne) return true;
@@ -124,10 +266,10 @@ bool VisibleCurves::needsAllOf(const BezierCurve& curve) const
 
 uint32_t VisibleCurves::flatten(const BezierCurve& curve, MMPoint2D* out, uint32_t capacity)
 {
-    if (needsAllOf(curve)) return flattenBezier(transform_, curve, out, capacity);
+    if (needsAllOf(curve)) return flattenBezier(rule_, curve, out, capacity);
     uint32_t kept = 0;
     const auto mapCurvePoint = [this](MMPoint2D p) {
-        transform_.transform(&p, &p, 1);
+        rule_.transform.transform(&p, &p, 1);
         return p;
     };
     const auto keep = [&] {
@@ -146,7 +288,7 @@ uint32_t VisibleCurves::flatten(const BezierCurve& curve, MMPoint2D* out, uint32
             if (kept <= capacity) out[kept - 1] = point;
         };
     };
-    const uint32_t count = subdivideBounded(curve, areaTolerance(transform_), keep);
+    const uint32_t count = subdivideBounded(rule_, curve, keep);
     if (kept <= capacity) leftOut_ += count - kept; // else the caller comes again
     return kept;
 }
@@ -156,7 +298,8 @@ int32_t MMContext2D::getBezierPts(MMPoint2D* out, MMPoint2D start, MMPoint2D con
 {
     if (out == nullptr) return 0;
     const BezierCurve curve = {start, control1, control2, end};
-    const uint32_t count = flattenBezier(transform, curve, out, kMaxCurvePoints, pointStep);
+    const uint32_t count =
+        flattenBezier(curveRuleOf(*this), curve, out, kMaxCurvePoints, pointStep);
     return wrapMul(static_cast<int32_t>(count), pointStep);
 }
 

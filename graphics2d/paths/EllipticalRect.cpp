@@ -27,6 +27,14 @@ constexpr MMPoint2D kUnitArcs[kHalfPoints] = {
     {-0xB500, 0xB500}, {-0xE4AE, 0x85C2},  {-0x10049, 0x4320}, {-0xFFF6, 0},
 };
 
+// The same by the refined rules: symmetric, and within 1/2000 of the radius of the circle.
+constexpr MMPoint2D kRefinedArcs[kHalfPoints] = {
+    {0x10000, 0},      {0x10000, 0x43E5},  {0xE507, 0x8503},   {0xB505, 0xB505},
+    {0xB505, 0xB505},  {0x8503, 0xE507},   {0x43E5, 0x10000},  {0, 0x10000},
+    {0, 0x10000},      {-0x43E5, 0x10000}, {-0x8503, 0xE507},  {-0xB505, 0xB505},
+    {-0xB505, 0xB505}, {-0xE507, 0x8503},  {-0x10000, 0x43E5}, {-0x10000, 0},
+};
+
 // Room for the outline in points: what nearly all need, and eight of the longest curves with four
 // straight edges.
 constexpr uint32_t kUsualOutline = 1024;
@@ -38,13 +46,14 @@ struct Corners {
     Fixed ex; // half lengths of the straight edges; negative where the radii are too large
     Fixed ey;
 
-    Corners(Fixed cx, Fixed cy, Fixed halfWidth, Fixed halfHeight, Fixed rx, Fixed ry)
+    Corners(const MMPoint2D* unitArcs, Fixed cx, Fixed cy, Fixed halfWidth, Fixed halfHeight,
+            Fixed rx, Fixed ry)
         : ex(wrapSub(halfWidth, rx)), ey(wrapSub(halfHeight, ry))
     {
         for (uint32_t i = 0; i < kHalfPoints; ++i) {
             const Fixed cornerX = i < kHalfPoints / 2 ? wrapAdd(cx, ex) : wrapSub(cx, ex);
-            const Fixed x = wrapAdd(fixMul(kUnitArcs[i].x, rx), cornerX);
-            const Fixed y = wrapAdd(fixMul(kUnitArcs[i].y, ry), wrapAdd(cy, ey));
+            const Fixed x = wrapAdd(fixMul(unitArcs[i].x, rx), cornerX);
+            const Fixed y = wrapAdd(fixMul(unitArcs[i].y, ry), wrapAdd(cy, ey));
             points[i] = {x, y};
             // The other half is reflected through the centre.
             points[kHalfPoints + i] = {wrapSub(wrapAdd(cx, cx), x), wrapSub(wrapAdd(cy, cy), y)};
@@ -52,7 +61,7 @@ struct Corners {
     }
 
     // Writes the outline. Returns its number of points, or 0 when they are more than room.
-    uint32_t writeOutline(const Matrix2D& transform, MMPoint2D* out, uint32_t room) const
+    uint32_t writeOutline(const CurveRule& rule, MMPoint2D* out, uint32_t room) const
     {
         // A straight edge leads to the start of each corner. With too large a radius all are
         // written but the first, which the closing of the outline draws by itself.
@@ -65,8 +74,8 @@ struct Corners {
                 out[count++] = curve[0];
             }
             for (const MMPoint2D* end = curve + 8; curve != end; curve += 4) {
-                const uint32_t added = flattenBezier(
-                    transform, {curve[0], curve[1], curve[2], curve[3]}, out + count, room - count);
+                const uint32_t added = flattenBezier(rule, {curve[0], curve[1], curve[2], curve[3]},
+                                                     out + count, room - count);
                 if (added > room - count) return 0;
                 count += added;
             }
@@ -83,7 +92,7 @@ bool drawCorners(MMContext2D& context, const Corners& corners, uint32_t room)
         noteOutOfMemory(context);
         return true;
     }
-    const uint32_t count = corners.writeOutline(context.transform, outline.data(), room);
+    const uint32_t count = corners.writeOutline(curveRuleOf(context), outline.data(), room);
     if (count == 0) return false;
     outline.resize(count); // shrinks in place
 
@@ -111,7 +120,8 @@ void MMContext2D::drawEllipticalRect(Fixed cx, Fixed cy, Fixed halfWidth, Fixed 
                                      Fixed rx, Fixed ry)
 {
     pointStep = 1;
-    const Corners corners(cx, cy, halfWidth, halfHeight, rx, ry);
+    const Corners corners(refined != 0 ? kRefinedArcs : kUnitArcs, cx, cy, halfWidth, halfHeight,
+                          rx, ry);
     if (!drawCorners(*this, corners, kUsualOutline)) drawCorners(*this, corners, kMaxOutline);
 }
 

@@ -29,7 +29,7 @@ MMLinkPath CurveBuffers::flatten(const MMPoint2D& start, const MMPoint2D* curve,
         MMPoint2D* points = static_cast<MMPoint2D*>(block);
         const uint32_t count = visible != nullptr
                                    ? visible->flatten(bezier, points, capacity)
-                                   : flattenBezier(context_.transform, bezier, points, capacity);
+                                   : flattenBezier(curveRuleOf(context_), bezier, points, capacity);
         if (count > capacity) { // once, for a vast curve
             stack.DeAlloc(block);
             capacity = count;
@@ -68,7 +68,7 @@ DecodedPath::DecodedPath(MMContext2D& context, const uint32_t* path, bool forFil
 DecodedPath::DecodedPath(MMContext2D& context, const uint32_t* path, bool forFillOnly, Sizes sizes)
     : subpathCount_(subpathCountOf(*path)), subpathWords_(context.scratchStack, subpathCount_),
       segments_(context.scratchStack, sizes.segments), curves_(context, sizes.curves),
-      window_(context), visible_(context.transform, window_)
+      window_(context), visible_(curveRuleOf(context), window_)
 {
     if (!subpathWords_ || !segments_ || !curves_) return;
     complete_ = decode(path + 1, forFillOnly);

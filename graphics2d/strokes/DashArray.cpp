@@ -121,8 +121,9 @@ private:
 // Where in the pattern a walk is.
 class DashPhase {
 public:
-    // The phase at the start of a subpath.
-    DashPhase(const DashPattern& pattern, Fixed dashOffset) : pattern_(pattern)
+    // The phase at the start of a subpath. Entries without length are over before the walk begins,
+    // unless startsWithDots.
+    DashPhase(const DashPattern& pattern, Fixed dashOffset, bool startsWithDots) : pattern_(pattern)
     {
         // Patterns of odd length swap on and off from one period to the next.
         const int64_t cycle =
@@ -140,7 +141,7 @@ public:
                 on_ = !on_;
             } while (offset < 0);
         } else {
-            while (offset >= pattern[index_]) {
+            while (offset >= pattern[index_] && !(startsWithDots && offset == 0)) {
                 offset -= pattern[index_];
                 advance();
             }
@@ -189,11 +190,14 @@ private:
 // Walks a subpath's edges, gathers the points of the current piece and strokes the dashes.
 class DashPen {
 public:
-    // Each of the two buffers has room for the points of any piece.
-    DashPen(MMContext2D& context, const DevicePen& pen, uint64_t pieces, MMPoint2D* buffer,
-            MMPoint2D* unseenBuffer, const DashPhase& phase, const MMPoint2D& start)
+    // Each of two buffers of the given size holds the points of any piece. Three hold those of two
+    // pieces when the dash that runs over the start of a closed subpath is to be joined.
+    DashPen(MMContext2D& context, const DevicePen& pen, uint64_t pieces, MMPoint2D* buffers,
+            uint32_t room, bool joinsAtStart, const DashPhase& phase, const MMPoint2D& start)
         : context_(context), window_(context), pen_(pen), reach_(pen.reach(context)), phase_(phase),
-          at_(start), points_(buffer), unseen_(unseenBuffer)
+          at_(start), points_(buffers), unseen_(buffers + room),
+          first_(joinsAtStart ? buffers + 2 * room : nullptr),
+          awaitsFirst_(joinsAtStart && phase.isOn())
     {
         pen_.step = pen.stepFor(pieces);
         restartAt(start);
@@ -213,7 +217,10 @@ public:
     // Returns the bounds of the last dash, or of all of them when the context accumulates.
     BoundsUnion finish()
     {
-        if (phase_.isOn()) strokePiece();
+        if (awaitsFirst_)
+            stroke(points_, count_, pen_.direction, true); // all of it is one dash
+        else if (phase_.isOn() || firstCount_ != 0)
+            strokeLastPiece();
         if (unseenCount_ != 0) stroke(unseen_, unseenCount_, unseenDirection_);
         return context_.accumulateBounds != 0 ? all_ : last_;
     }
@@ -227,8 +234,9 @@ private:
             const MMPoint2D unit = edge.direction();
             do {
                 remaining -= phase_.left();
-                const MMPoint2D boundary = {wrapSub(edge.end.x, fixMul(unit.x, remaining)),
-                                            wrapSub(edge.end.y, fixMul(unit.y, remaining))};
+                MMPoint2D boundary = {wrapSub(edge.end.x, fixMul(unit.x, remaining)),
+                                      wrapSub(edge.end.y, fixMul(unit.y, remaining))};
+                if (remaining == edge.length) boundary = edge.start; // of a dot at the start
                 points_[count_++] = boundary;
                 if (phase_.isOn()) strokePiece();
                 restartAt(boundary);
@@ -244,8 +252,29 @@ private:
         count_ = 1;
     }
 
+    // The dash at the end, with the one at the start behind it, or that one alone.
+    void strokeLastPiece()
+    {
+        if (!phase_.isOn()) {
+            points_ = first_;
+            count_ = firstCount_;
+            along_ = firstAlong_;
+        } else if (firstCount_ != 0) {
+            const MMPoint2D* end = std::copy(first_ + 1, first_ + firstCount_, points_ + count_);
+            count_ = static_cast<uint32_t>(end - points_);
+        }
+        strokePiece();
+    }
+
     void strokePiece()
     {
+        if (awaitsFirst_) {
+            awaitsFirst_ = false;
+            std::swap(points_, first_);
+            firstCount_ = count_;
+            firstAlong_ = along_;
+            return;
+        }
         // A dash without length is a dot in the direction of its edge.
         const UnitVector direction = points_[0] == points_[count_ - 1]
                                          ? polarOf(along_.x, along_.y).direction
@@ -275,11 +304,11 @@ private:
                (minX < all_.minX || minY < all_.minY || maxX > all_.maxX || maxY > all_.maxY);
     }
 
-    void stroke(MMPoint2D* points, uint32_t count, const UnitVector& direction)
+    void stroke(MMPoint2D* points, uint32_t count, const UnitVector& direction, bool closed = false)
     {
         const MMLinkPath piece = {points, count};
         pen_.direction = direction;
-        last_ = strokeSubpath(context_, pen_, {&piece, 1, false});
+        last_ = strokeSubpath(context_, pen_, {&piece, 1, closed});
         all_.add(last_);
     }
 
@@ -295,6 +324,10 @@ private:
     MMPoint2D* unseen_; // the last dash, while it has not been built
     uint32_t unseenCount_ = 0;
     UnitVector unseenDirection_ = {kOne30, 0};
+    MMPoint2D* first_; // the dash at the start, while it waits for the one at the end
+    uint32_t firstCount_ = 0;
+    MMPoint2D firstAlong_ = {0, 0};
+    bool awaitsFirst_;
     BoundsUnion last_;
     BoundsUnion all_;
 };
@@ -316,20 +349,22 @@ BoundsUnion dashSubpath(MMContext2D& context, const DevicePen& pen, const Subpat
 
     const DashPattern pattern(context);
     if (!pattern.isDrawable()) return strokeSubpath(context, pen, subpath);
-    const DashPhase start(pattern, context.dashOffset);
+    const DashPhase start(pattern, context.dashOffset, context.refined != 0);
     uint64_t pieces = start.piecesWithin(lengthBoundOf(subpath));
     if (pieces > kMaxPieces) pieces = start.piecesWithin(lengthOf(subpath));
     if (pieces > kMaxPieces) return strokeSubpath(context, pen, subpath);
 
     // Beside the vertices, a piece holds the closing point and a boundary.
-    const uint64_t room = std::min<uint64_t>(pointCount + 2, UINT32_MAX / 2);
-    ScratchArray<MMPoint2D> buffers(context.scratchStack, 2 * static_cast<uint32_t>(room));
+    const bool joins = subpath.closed && context.refined != 0;
+    const uint64_t wanted = (pointCount + 2) * (joins ? 2 : 1);
+    const uint32_t room = static_cast<uint32_t>(std::min<uint64_t>(wanted, UINT32_MAX / 3));
+    ScratchArray<MMPoint2D> buffers(context.scratchStack, (joins ? 3 : 2) * room);
     if (!buffers) {
         noteOutOfMemory(context);
         return {};
     }
     PointWalk walk(subpath);
-    DashPen dashPen(context, pen, pieces, buffers.data(), buffers.data() + room, start, walk.at());
+    DashPen dashPen(context, pen, pieces, buffers.data(), room, joins, start, walk.at());
     while (walk.advance())
         dashPen.walkTo(walk.at());
     return dashPen.finish();

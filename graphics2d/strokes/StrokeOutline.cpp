@@ -190,7 +190,8 @@ bool StrokeOutline::putJoin(const MMPoint2D& vertex, const Polar& before, const 
         dot > kSharpestShortCut &&
         reach <= std::min(before.length, after.length) * std::min<int64_t>(onePlusDot, kOne30);
     const bool flat = dot >= kSmoothCosine;
-    const uint8_t joinStyle = smooth && !flat ? uint8_t{kJoinRound} : pen_.joinStyle;
+    const bool rounds = smooth && (!flat || pen_.roundsCurves);
+    const uint8_t joinStyle = rounds ? uint8_t{kJoinRound} : pen_.joinStyle;
     const bool tip = meetsAtTip(dot, joinStyle);
 
     const Side outer = cross >= 0 ? kLeft : kRight;

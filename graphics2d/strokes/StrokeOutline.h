@@ -22,6 +22,7 @@ struct StrokePen {
     // A square of one unit along the axes at every corner, and at the start of lines shorter than
     // two units: the pen of one pixel, which would otherwise miss the centres of small lines.
     bool marksCorners = false;
+    bool roundsCurves = false; // joins inside curves are round also where they are smooth
 };
 
 // Points to be stroked, at least one; neighbours may be the same. subpath says which edges are

@@ -108,8 +108,14 @@ public:
 private:
     StrokePen pen() const
     {
-        return {context_.strokeHalfWidth, context_.miterLimit,        devicePen_.joinStyle,
-                devicePen_.capStyle,      devicePen_.stepFor(count_), devicePen_.direction};
+        return {context_.strokeHalfWidth,
+                context_.miterLimit,
+                devicePen_.joinStyle,
+                devicePen_.capStyle,
+                devicePen_.stepFor(count_),
+                devicePen_.direction,
+                false,
+                context_.refined != 0};
     }
 
     // One device pixel wide. A disc could miss the pixels' centres; a square along the axes lights

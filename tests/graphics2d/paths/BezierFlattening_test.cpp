@@ -9,6 +9,7 @@
 
 #include <climits>
 #include <cmath>
+#include <complex>
 #include <cstdlib>
 #include <random>
 #include <vector>
@@ -122,8 +123,63 @@ TEST(BezierFlattening, TheLongestCurvesStillEndAtTheirEnd)
             last = p;
         }
         Points few(251, at(7, 7));
-        EXPECT_EQ(flattenBezier(scaling(100, 180), c, few.data(), 250), points.size());
+        EXPECT_EQ(flattenBezier({scaling(100, 180), false}, c, few.data(), 250), points.size());
         EXPECT_EQ(few.back(), at(7, 7));
+    }
+}
+
+// By the refined rule: samples of the curve on the device lie within 1/32 of a pixel of the chords,
+// and neighbouring chords, each of a piece that turns by at most 15 degrees, by little more.
+TEST(BezierFlattening, TheRefinedRuleKeepsToTheCurveOnTheDevice)
+{
+    using Vector = std::complex<double>;
+    std::mt19937 random(12);
+    const auto within = [&random](double low, double high) {
+        return low + (high - low) * (random() / 4294967296.0);
+    };
+    for (int round = 0; round < 2000; ++round) {
+        const double size = std::exp(within(-1, 6)), scale = std::exp(within(-3, 2));
+        const auto point = [&] { return at(within(0, size), within(0, size)); };
+        const BezierCurve c = {point(), point(), point(), point()};
+        const Matrix2D m = {fx(scale * within(-1, 1)),
+                            fx(scale * within(-1, 1)),
+                            fx(scale * within(-1, 1)),
+                            fx(scale * within(-1, 1)),
+                            0,
+                            0};
+        const auto device = [&m](MMPoint2D p) {
+            const double x = p.x / 65536.0, y = p.y / 65536.0;
+            return Vector(m.a * x + m.c * y, m.b * x + m.d * y) / 65536.0;
+        };
+        Points points(kMaxCurvePoints);
+        points.resize(flattenBezier({m, true}, c, points.data(), kMaxCurvePoints));
+        EXPECT_EQ(points.back(), c.end);
+        points.insert(points.begin(), c.start);
+        size_t piece = 0; // the samples run along the chords
+        double worst = 0;
+        for (int i = 0; i <= 400; ++i) {
+            const double t = i / 400.0, u = 1 - t;
+            const Vector p = u * u * u * device(c.start) + 3 * u * u * t * device(c.control1) +
+                             3 * u * t * t * device(c.control2) + t * t * t * device(c.end);
+            const auto distance = [&](size_t k) {
+                const Vector a = device(points[k]), ab = device(points[k + 1]) - a;
+                const double length = std::norm(ab);
+                const double along =
+                    length > 0 ? std::clamp((std::conj(ab) * (p - a)).real() / length, 0.0, 1.0)
+                               : 0;
+                return std::abs(p - a - along * ab);
+            };
+            while (piece + 2 < points.size() && distance(piece + 1) <= distance(piece))
+                ++piece;
+            worst = std::max(worst, distance(piece));
+        }
+        EXPECT_LE(worst, 1.0 / 32 + 0.02) << round;
+        for (size_t i = 1; i + 1 < points.size(); ++i) {
+            const Vector before = device(points[i]) - device(points[i - 1]);
+            const Vector after = device(points[i + 1]) - device(points[i]);
+            if (std::abs(before) < 0.1 || std::abs(after) < 0.1) continue;
+            EXPECT_LE(std::abs(std::arg(after / before)), 20 * M_PI / 180) << round;
+        }
     }
 }
 

@@ -5,6 +5,8 @@
 #include "tests/support/StrokeRecorder.h"
 #include "tests/support/UserUnits.h"
 
+#include <cmath>
+
 using namespace KAVO;
 
 namespace {
@@ -66,6 +68,24 @@ TEST_F(EllipticalRect, FirstStraightEdgeNeedsAPositiveLengthAndTheTableIsNotSymm
     EXPECT_EQ(p[3], (MMPoint2D{fx(14) + 10 * 16, fx(30)}));
     EXPECT_EQ(p[5], (MMPoint2D{fx(30), fx(14) + 6 * 16}));
     EXPECT_EQ(p[7], (MMPoint2D{fx(46) - 10 * 16, fx(30)}));
+}
+
+// By the refined rules circles are symmetric and as large as they should be.
+TEST_F(EllipticalRect, RefinedDiscsHaveTheirArea)
+{
+    context.refined = 1;
+    context.fillPaint.paintType = kPaintNone;
+    for (double radius : {0.5, 1.0, 1.5, 3.0, 5.0, 10.0, 50.0, 200.0, 500.0}) {
+        const Fixed r = fx(radius);
+        const Points p = outline(r, r, r, r);
+        double area = 0;
+        for (size_t i = 0; i < p.size(); ++i) {
+            const MMPoint2D a = p[i], b = p[(i + 1) % p.size()];
+            area += (double(a.x - fx(30)) * (b.y - fx(30)) - double(b.x - fx(30)) * (a.y - fx(30)));
+        }
+        const double share = area / 2 / 65536 / 65536 / (M_PI * radius * radius);
+        EXPECT_NEAR(share, 1, radius < 10 ? 0.013 : radius < 50 ? 0.005 : 0.001) << radius;
+    }
 }
 
 TEST_F(EllipticalRect, VastRadiiTakeALargerBlock)

@@ -83,6 +83,39 @@ TEST(DashArray, PhasesOnAStraightLine)
     }
 }
 
+// By the refined rules a pattern that begins with an empty entry begins with a dot.
+TEST(DashArray, AnEmptyFirstEntryIsADotByTheRefinedRules)
+{
+    Dashed dots({0, 5}), shifted({0, 5}, 1), gaps({5, 0}, 5);
+    for (Dashed* dashed : {&dots, &shifted, &gaps})
+        dashed->context.refined = 1;
+    const auto strokes = dash(dots.context, kLine20);
+    ASSERT_EQ(strokes.size(), 5u);
+    for (size_t i = 0; i < 5; ++i)
+        EXPECT_EQ(strokes[i].points, (Points{{fx(5.0 * i), 0}, {fx(5.0 * i), 0}}));
+    EXPECT_EQ(dash(shifted.context, kLine20).size(), 4u);
+    EXPECT_EQ(dash(gaps.context, kLine20)[0].points.back(), at(5, 0));
+}
+
+// By the refined rules the dash that runs over the start of a closed subpath is one.
+TEST(DashArray, TheDashOverAClosedStartIsOneByTheRefinedRules)
+{
+    const Points square = {at(0, 0), at(10, 0), at(10, 10), at(0, 10)};
+    Dashed over({6, 4}, 3), before({6, 4}, 0), whole({50, 4}, 0);
+    for (Dashed* dashed : {&over, &before, &whole})
+        dashed->context.refined = 1;
+    auto strokes = dash(over.context, square, true);
+    ASSERT_EQ(strokes.size(), 4u);
+    EXPECT_EQ(strokes[0].points, (Points{at(7, 0), at(10, 0), at(10, 3)}));
+    EXPECT_EQ(strokes[3].points, (Points{at(0, 3), at(0, 0), at(3, 0)}));
+    strokes = dash(before.context, square, true); // a gap ends exactly at the start
+    ASSERT_EQ(strokes.size(), 4u);
+    EXPECT_EQ(strokes[3].points, (Points{at(0, 0), at(6, 0)}));
+    strokes = dash(whole.context, square, true);
+    ASSERT_EQ(strokes.size(), 1u);
+    EXPECT_TRUE(strokes[0].closed);
+}
+
 // Exact boundaries from a plain model: positions along right-angled edges need no rounding.
 TEST(DashArray, BendsWithItsVerticesAcrossRecords)
 {
