@@ -425,8 +425,8 @@ public:
     int32_t pointStep;
     uint8_t fillRule; // SET: MMFillRule of fills; default, and for unknown values: non-zero
 
-    // SET: the rules that everything is drawn by. 0: the classic ones, the same to the bit for
-    // good. 1: refined drawing, closer to the ideal picture; it may change as it becomes better.
+    // SET: the rules that everything is drawn by. 0: the classic ones, which stay as they are. 1:
+    // refined drawing, closer to the ideal picture; it may change as it becomes better.
     // Decided once per call, so that neither costs the other anything.
     uint8_t refined;
 };
