@@ -1,7 +1,7 @@
 #!/bin/bash
 # SPDX-License-Identifier: MIT
 # Looks for faults without running anything: shellcheck over all scripts, clang-tidy with the checks
-# of .clang-tidy over the library, the SVG engine and the examples.
+# of .clang-tidy over the library, the SVG engine, the tools and the examples.
 #
 #   scripts/lint.sh [FILE.cpp...]
 #
@@ -15,12 +15,12 @@ if [ $# = 0 ]; then
     echo "== shellcheck"
     { git ls-files '*.sh'; echo .ci/run; } | xargs shellcheck
     mapfile -t files < <(git ls-files 'graphics2d/*.cpp' 'math/*.cpp' 'memory/*.cpp' 'util/*.cpp' \
-        'platform/*.cpp' 'svg/*.cpp' 'examples/*.cpp')
+        'platform/*.cpp' 'svg/*.cpp' 'tools/*.cpp' 'examples/*.cpp')
 fi
 
 echo "== clang-tidy"
 build=build/lint
-cmake -S . -B $build -G Ninja -DMM2D_BUILD_SVG=ON -DMM2D_BUILD_EXAMPLES=ON -DCMAKE_EXPORT_COMPILE_COMMANDS=ON > /dev/null
+cmake -S . -B $build -G Ninja -DMM2D_BUILD_EXAMPLES=ON -DCMAKE_EXPORT_COMPILE_COMMANDS=ON > /dev/null
 # Complaints are on standard output; on standard error is only how many were held back.
 printf '%s\0' "${files[@]}" |
     xargs -0 -n 1 -P "$(nproc)" clang-tidy-14 -p $build --quiet 2> $build/tidy.log || exit 1
