@@ -8,27 +8,37 @@ namespace {
 
 constexpr double kPi = 3.14159265358979323846;
 
+void addRectangle(Outline& outline, Point corner, double width, double height)
+{
+    outline.moveTo(corner);
+    outline.lineTo({corner.x + width, corner.y});
+    outline.lineTo({corner.x + width, corner.y + height});
+    outline.lineTo({corner.x, corner.y + height});
+    outline.close();
+}
+
 Outline rectangle(double left, double top, double width, double height)
 {
     Outline outline;
-    outline.moveTo({left, top});
-    outline.lineTo({left + width, top});
-    outline.lineTo({left + width, top + height});
-    outline.lineTo({left, top + height});
-    outline.close();
+    addRectangle(outline, {left, top}, width, height);
     return outline;
 }
 
 // Every stride-th of count points on a circle, joined by lines.
-Outline circlePolygon(Point centre, double radius, int count, int stride = 1)
+void addCirclePolygon(Outline& outline, Point centre, double radius, int count, int stride = 1)
 {
-    Outline outline;
     for (int i = 0; i < count; ++i) {
         const double angle = 2 * kPi * i * stride / count;
         const Point p = centre + Point{std::cos(angle), std::sin(angle)} * radius;
         i == 0 ? outline.moveTo(p) : outline.lineTo(p);
     }
     outline.close();
+}
+
+Outline circlePolygon(Point centre, double radius, int count, int stride = 1)
+{
+    Outline outline;
+    addCirclePolygon(outline, centre, radius, count, stride);
     return outline;
 }
 
@@ -118,6 +128,14 @@ std::vector<Scene> fillScenes()
     scenes.push_back(shapeScene("1,000 random vertices", {tangle}));
     scenes.push_back(shapeScene("200 blobs of 8 cubics",
                                 many(200, [&] { return blob(places, places.point(30), 20); })));
+    Shape subpaths;
+    for (int i = 0; i < 3000; ++i)
+        addRectangle(subpaths.outline, places.point(2), 3, 3);
+    scenes.push_back(shapeScene("3,000 squares in one path", {subpaths}));
+    subpaths.outline = Outline();
+    for (int i = 0; i < 1000; ++i)
+        addCirclePolygon(subpaths.outline, places.point(10), 10, 24);
+    scenes.push_back(shapeScene("1,000 discs in one path", {subpaths}));
     std::vector<Shape> drawing;
     for (const Outline& outline : drawingOutlines(MM2D_BENCH_DRAWING)) {
         Shape shape;

@@ -2,7 +2,7 @@
 // The shapes of a scene through this library.
 #include "Scene.h"
 
-#include "graphics2d/MMContext2D.h"
+#include "graphics2d/convenience/MMContextState.h"
 #include "svg/geometry/PathEncoder.h"
 
 #include <memory>
@@ -28,13 +28,12 @@ struct Drawing {
     MMContext2D context;
     std::vector<EncodedShape> shapes;
 
-    Drawing()
+    explicit Drawing(bool refined)
     {
-        context.target = {kSceneSize, kSceneSize, kSceneSize * 4, 0xFFFFFFFF, pixels.data(), 0};
-        context.clipRight = kSceneSize;
-        context.clipBottom = kSceneSize;
+        setTarget(context, pixels.data(), kSceneSize, kSceneSize);
         context.antiAlias = 1;
-        context.transform.translate(-kFixedHalf, -kFixedHalf);
+        context.refined = refined;
+        if (!refined) context.transform.translate(-kFixedHalf, -kFixedHalf);
     }
 
     void draw(const EncodedShape& shape)
@@ -56,9 +55,9 @@ struct Drawing {
 
 } // namespace
 
-Draw drawWithOurs(const std::vector<Shape>& shapes)
+Draw drawWithOurs(const std::vector<Shape>& shapes, bool refined)
 {
-    auto drawing = std::make_shared<Drawing>();
+    auto drawing = std::make_shared<Drawing>(refined);
     PathSpace space;
     space.transform = kIdentityMatrix;
     for (const Shape& shape : shapes) {

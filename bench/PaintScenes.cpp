@@ -2,8 +2,9 @@
 // Gradients and images over the whole target, beside Cairo.
 #include "Scene.h"
 
-#include "graphics2d/MMContext2D.h"
-#include "graphics2d/PaintSetup.h"
+#include "graphics2d/convenience/MMContextState.h"
+#include "graphics2d/convenience/MMGradient.h"
+#include "graphics2d/convenience/MMPathBuilder.h"
 #include "svg/geometry/PathEncoder.h"
 
 #ifdef MM2D_BENCH_CAIRO
@@ -56,18 +57,14 @@ struct PaintScene {
 struct OursPaint {
     std::vector<Pixel> pixels = std::vector<Pixel>(kSceneSize * kSceneSize, 0xFFFFFFFF);
     std::vector<Pixel> texels;
-    const Pixel colours[3] = {0xFFC03020, 0xFFF0E040, 0xFF2060C0};
-    const Fixed offsets[3] = {0, kFixedHalf, kFixedOne};
-    Pixel rampColours[gradientRampRoom(3)];
-    Fixed rampOffsets[gradientRampRoom(3)];
+    MMGradient<3> gradient{{{0, 0xFFC03020}, {0.5_fx, 0xFFF0E040}, {1_fx, 0xFF2060C0}}};
     MMContext2D context;
     MMPathBuilder path;
 
-    explicit OursPaint(const PaintScene& scene) : texels(image(scene.hasAlpha, false))
+    OursPaint(const PaintScene& scene, bool refined) : texels(image(scene.hasAlpha, false))
     {
-        context.target = {kSceneSize, kSceneSize, kSceneSize * 4, 0xFFFFFFFF, pixels.data(), 0};
-        context.clipRight = kSceneSize;
-        context.clipBottom = kSceneSize;
+        setTarget(context, pixels.data(), kSceneSize, kSceneSize);
+        context.refined = refined;
         context.patternFilter = scene.filter;
         setPaint(scene);
         context.fillPaint.paintOpacity = scene.opacity;
@@ -77,21 +74,19 @@ struct OursPaint {
 
     void setPaint(const PaintScene& scene)
     {
-        const GradientStops stops = {colours, offsets, 3};
-        const GradientRamp ramp = {rampColours, rampOffsets};
         const Fixed half = toFixed(kHalf);
         MMPaint& paint = context.fillPaint;
         if (scene.kind == PaintScene::kLinear)
-            setLinearGradient(paint, {0, 0}, {2 * half, half}, kIdentityMatrix, stops, ramp);
+            gradient.setLinear(context, paint, {0, 0}, {2 * half, half});
         if (scene.kind == PaintScene::kRadial)
-            setRadialGradient(paint, {half, half}, half, kIdentityMatrix, stops, ramp);
+            gradient.setRadial(context, paint, {half, half}, half);
         if (scene.kind != PaintScene::kImage) return;
         Matrix2D transform = kIdentityMatrix;
         if (scene.scale != 1) transform.scale(toFixed(scene.scale), toFixed(scene.scale));
         transform.rotate(toFixed(scene.degrees));
         const MMPixmap pixmap = {kImageSize, kImageSize,    kImageSize * 4,
                                  0,          texels.data(), scene.hasAlpha};
-        setPattern(paint, pixmap, transform, scene.filter);
+        setPattern(paint, pixmap, transform, scene.filter, context.refined != 0);
     }
 };
 
@@ -166,8 +161,12 @@ Scene paintScene(const PaintScene& description)
 {
     Scene scene;
     scene.name = description.name;
-    auto ours = std::make_shared<OursPaint>(description);
-    scene.ours = [ours] { ours->context.drawPath(ours->path.words()); };
+    for (const bool refined : {false, true}) {
+        auto ours = std::make_shared<OursPaint>(description, refined);
+        (refined ? scene.refined : scene.classic) = [ours] {
+            ours->context.drawPath(ours->path.words());
+        };
+    }
 #ifdef MM2D_BENCH_CAIRO
     auto cairo = std::make_shared<CairoPaint>(description);
     scene.cairo = [cairo] { cairo->draw(); };

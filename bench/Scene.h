@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // A scene and the renderers it is measured in.
 //
-// Every scene draws the same picture through this library and, where they are built in, through
-// Cairo's image backend and AGG. Paths are encoded for each renderer beforehand: what is measured
-// is drawing.
+// Every scene draws the same picture through this library, by the classic and by the refined rules,
+// and, where they are built in, through Cairo's image backend, AGG and Qt's raster engine. Paths
+// are encoded for each renderer beforehand: what is measured is drawing.
 #pragma once
 
 #include "svg/geometry/Outline.h"
@@ -24,9 +24,18 @@ using Draw = std::function<void()>;
 
 struct Scene {
     std::string name;
-    Draw ours;
+    Draw classic;
+    Draw refined;
     Draw cairo; // empty where there is no such peer
     Draw agg;
+    Draw qt;
+};
+
+// A drawing that is measured at growing sizes.
+struct Growth {
+    std::string name;
+    std::vector<uint32_t> sizes;
+    std::function<Draw(uint32_t size)> make;
 };
 
 // One shape of a scene and how it is painted.
@@ -45,6 +54,7 @@ std::vector<Scene> fillScenes();
 std::vector<Scene> strokeScenes();
 std::vector<Scene> paintScenes();
 std::vector<Scene> textScenes();
+std::vector<Growth> growthSeries();
 
 // The scenes of text that are compared with each other.
 constexpr char kCachedTextScene[] = "text 12 px cached solid";
@@ -58,9 +68,10 @@ struct ContextMemory {
 ContextMemory contextMemory();
 
 // The renderers' forms of the shapes, each in a file of its own.
-Draw drawWithOurs(const std::vector<Shape>& shapes);
+Draw drawWithOurs(const std::vector<Shape>& shapes, bool refined);
 Draw drawWithCairo(const std::vector<Shape>& shapes);
 Draw drawWithAgg(const std::vector<Shape>& shapes);
+Draw drawWithQt(const std::vector<Shape>& shapes);
 
 // The outlines of all path elements of an SVG file, scaled together to fill the target; empty when
 // the file cannot be read.

@@ -10,12 +10,16 @@ Scene shapeScene(std::string name, const std::vector<Shape>& shapes)
 {
     Scene scene;
     scene.name = std::move(name);
-    scene.ours = drawWithOurs(shapes);
+    scene.classic = drawWithOurs(shapes, false);
+    scene.refined = drawWithOurs(shapes, true);
 #ifdef MM2D_BENCH_CAIRO
     scene.cairo = drawWithCairo(shapes);
 #endif
 #ifdef MM2D_BENCH_AGG
     scene.agg = drawWithAgg(shapes);
+#endif
+#ifdef MM2D_BENCH_QT
+    scene.qt = drawWithQt(shapes);
 #endif
     return scene;
 }
@@ -31,9 +35,7 @@ void collectPaths(const pugi::xml_node& node, std::vector<Outline>& outlines, Bo
         if (std::string(child.name()) == "path") {
             parsePath(child.attribute("d").value(), outline);
             if (!outline.empty()) {
-                const Box bounds = outline.bounds();
-                box.include(Point{bounds.left, bounds.top});
-                box.include(Point{bounds.right, bounds.bottom});
+                box.include(outline.bounds());
                 outlines.push_back(outline);
             }
         }

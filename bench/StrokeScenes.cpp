@@ -19,6 +19,13 @@ std::vector<Scene> strokeScenes()
         polyline.outline.lineTo({place(engine), place(engine)});
     scenes.push_back(shapeScene("polyline of 100 segments", {polyline}));
 
+    Shape hairline;
+    hairline.strokeWidth = 1;
+    hairline.outline.moveTo({place(engine), place(engine)});
+    for (int i = 0; i < 1000; ++i)
+        hairline.outline.lineTo({place(engine), place(engine)});
+    scenes.push_back(shapeScene("polyline of 1,000 segments", {hairline}));
+
     std::vector<Shape> hairlines(1000);
     for (Shape& line : hairlines) {
         const Point from = {place(engine), place(engine)};

@@ -2,8 +2,8 @@
 // Text, beside Cairo with the same font: cached and uncached glyphs, and a paragraph to wrap.
 #include "Scene.h"
 
-#include "graphics2d/MMContext2D.h"
-#include "graphics2d/PaintSetup.h"
+#include "graphics2d/convenience/MMContextState.h"
+#include "graphics2d/convenience/MMGradient.h"
 #include "svg/geometry/PathEncoder.h"
 
 #ifdef MM2D_BENCH_CAIRO
@@ -74,23 +74,20 @@ private:
 
 struct OursText {
     std::vector<Pixel> pixels = std::vector<Pixel>(kSceneSize * kSceneSize, 0xFFFFFFFF);
-    const Pixel colours[3] = {0xFFC03020, 0xFFF0E040, 0xFF2060C0};
-    const Fixed offsets[3] = {0, kFixedHalf, kFixedOne};
-    Pixel rampColours[gradientRampRoom(3)];
-    Fixed rampOffsets[gradientRampRoom(3)];
+    MMGradient<3> gradient{{{0, 0xFFC03020}, {0.5_fx, 0xFFF0E040}, {1_fx, 0xFF2060C0}}};
     MMContext2D context;
     TextScene scene;
     std::vector<std::vector<uint16_t>> lines;
     Sizes sizes;
 
-    explicit OursText(const TextScene& description) : scene(description), sizes(description.cached)
+    OursText(const TextScene& description, bool refined)
+        : scene(description), sizes(description.cached)
     {
-        context.target = {kSceneSize, kSceneSize, kSceneSize * 4, 0xFFFFFFFF, pixels.data(), 0};
-        context.clipRight = kSceneSize;
-        context.clipBottom = kSceneSize;
+        setTarget(context, pixels.data(), kSceneSize, kSceneSize);
+        context.refined = refined;
         if (scene.gradient)
-            setLinearGradient(context.fillPaint, {0, 0}, {toFixed(kSceneSize), toFixed(kSceneSize)},
-                              kIdentityMatrix, {colours, offsets, 3}, {rampColours, rampOffsets});
+            gradient.setLinear(context, context.fillPaint, {0, 0},
+                               {toFixed(kSceneSize), toFixed(kSceneSize)});
         for (const std::string& line : linesOf(scene))
             lines.push_back(utf16(line));
     }
@@ -178,8 +175,10 @@ Scene textScene(const TextScene& description)
 {
     Scene scene;
     scene.name = description.name;
-    auto ours = std::make_shared<OursText>(description);
-    scene.ours = [ours] { ours->draw(); };
+    for (const bool refined : {false, true}) {
+        auto ours = std::make_shared<OursText>(description, refined);
+        (refined ? scene.refined : scene.classic) = [ours] { ours->draw(); };
+    }
 #ifdef MM2D_BENCH_CAIRO
     auto cairo = std::make_shared<CairoText>(description);
     scene.cairo = [cairo] { cairo->draw(); };
@@ -202,7 +201,7 @@ Scene wrapScene()
     wrapping->text = utf16(paragraph);
     Scene scene;
     scene.name = kWrapScene;
-    scene.ours = [wrapping] {
+    scene.classic = [wrapping] {
         MMContext2D& context = wrapping->context;
         context.destroyTextLayout(context.createTextLayout(wrapping->text.data(), 300));
     };
@@ -233,9 +232,7 @@ ContextMemory contextMemory()
     auto context = std::make_unique<MMContext2D>();
     const size_t atRest = heapBytes() - before;
     std::vector<Pixel> pixels(kSceneSize * kSceneSize);
-    context->target = {kSceneSize, kSceneSize, kSceneSize * 4, 0, pixels.data(), 0};
-    context->clipRight = kSceneSize;
-    context->clipBottom = kSceneSize;
+    setTarget(*context, pixels.data(), kSceneSize, kSceneSize);
     const size_t beforeText = heapBytes();
     std::vector<uint16_t> text = utf16(linesOf({"", 1, 52, 0, false, false}).front());
     for (Fixed size = 8; size < 48; ++size) {

@@ -19,8 +19,6 @@
 #include <fstream>
 #include <iterator>
 #include <map>
-#include <memory>
-#include <random>
 #include <sstream>
 
 using namespace KAVO;
@@ -29,10 +27,15 @@ namespace {
 
 using namespace KAVO::Graphics2D;
 
-constexpr char kOurs[] = "mm2d";
-constexpr char kCairo[] = "cairo";
-constexpr char kAgg[] = "agg";
-constexpr char kGrowth[] = "growth";
+// The renderers of a scene, ours first.
+struct Renderer {
+    const char* name;
+    Draw Scene::*draw;
+};
+constexpr Renderer kClassic = {"classic", &Scene::classic};
+constexpr Renderer kRefined = {"refined", &Scene::refined};
+constexpr Renderer kPeers[] = {{"cairo", &Scene::cairo}, {"agg", &Scene::agg}, {"qt", &Scene::qt}};
+constexpr int kRepetitions = 9;
 
 // Collects the times of all repetitions by scene and renderer.
 class Medians : public benchmark::ConsoleReporter {
@@ -64,49 +67,13 @@ private:
     std::map<std::string, std::map<std::string, std::vector<double>>> times_;
 };
 
-void registerDraw(const std::string& scene, const char* renderer, const Draw& draw)
+void registerDraw(const std::string& scene, const std::string& renderer, const Draw& draw)
 {
     if (!draw) return;
     benchmark::RegisterBenchmark((scene + "/" + renderer).c_str(), [draw](benchmark::State& state) {
         for (auto _ : state)
             draw();
-    })->Repetitions(9);
-}
-
-// A polygon of random vertices around a centre, many of them in one row.
-std::vector<MMPoint2D> prickle(int count)
-{
-    std::mt19937 engine(3);
-    std::uniform_real_distribution<double> radius(100, 490);
-    std::vector<MMPoint2D> points;
-    for (int i = 0; i < count; ++i) {
-        const double angle = 6.283185307179586 * i / count;
-        const double r = radius(engine);
-        points.push_back({static_cast<Fixed>((500 + r * std::cos(angle)) * 65536),
-                          static_cast<Fixed>((500 + r * std::sin(angle)) * 65536)});
-    }
-    return points;
-}
-
-Draw growthDraw(int count)
-{
-    struct Drawing {
-        std::vector<Pixel> pixels = std::vector<Pixel>(kSceneSize * kSceneSize, 0xFFFFFFFF);
-        MMContext2D context;
-        std::vector<MMPoint2D> points;
-    };
-    auto drawing = std::make_shared<Drawing>();
-    drawing->points = prickle(count);
-    MMContext2D& context = drawing->context;
-    context.target = {kSceneSize, kSceneSize, kSceneSize * 4, 0, drawing->pixels.data(), 0};
-    context.clipRight = kSceneSize;
-    context.clipBottom = kSceneSize;
-    context.antiAlias = 1;
-    context.currentPaint = context.fillPaint;
-    return [drawing] {
-        drawing->context.rasterPolygon(drawing->points.data(),
-                                       static_cast<uint16_t>(drawing->points.size()));
-    };
+    })->Repetitions(kRepetitions);
 }
 
 // Bytes of machine code in an object file; 0 when it cannot be read.
@@ -140,9 +107,52 @@ size_t libraryCodeBytes()
 void printRatio(double peer, double ours)
 {
     if (peer > 0 && ours > 0)
-        std::printf(" %8.2f", peer / ours);
+        std::printf(" %13.2f", peer / ours);
     else
-        std::printf(" %8s", "-");
+        std::printf(" %13s", "-");
+}
+
+// Each of our modes beside every peer, and the refined mode beside the classic one.
+void printScenes(Medians& medians, const std::vector<Scene>& scenes)
+{
+    std::printf("\nspeed relative to the peers (2 means twice as fast)\n%-32s", "scene");
+    for (const Renderer& ours : {kClassic, kRefined})
+        for (const Renderer& peer : kPeers)
+            std::printf(" %7.7s/%-5s", ours.name, peer.name);
+    std::printf(" refined/classic\n");
+    for (const Scene& scene : scenes) {
+        const double classic = medians.median(scene.name, kClassic.name);
+        const double refined = medians.median(scene.name, kRefined.name);
+        if (classic == 0) continue;
+        std::printf("%-32s", scene.name.c_str());
+        for (const double ours : {classic, refined})
+            for (const Renderer& peer : kPeers)
+                printRatio(medians.median(scene.name, peer.name), ours);
+        printRatio(classic, refined);
+        std::printf("\n");
+    }
+}
+
+// The exponent is that of the growth from one size to the next: 1 is in proportion.
+void printGrowth(Medians& medians, const std::vector<Growth>& series)
+{
+    std::printf("\ntime relative to the smallest size, and the exponent of the last step\n");
+    for (const Growth& growth : series) {
+        const auto timeOf = [&](uint32_t size) {
+            return medians.median(growth.name, std::to_string(size));
+        };
+        const double first = timeOf(growth.sizes.front());
+        if (first == 0) continue;
+        std::printf("%-32s %u: 1", growth.name.c_str(), growth.sizes.front());
+        double exponent = 0;
+        for (size_t i = 1; i < growth.sizes.size() && timeOf(growth.sizes[i]) > 0; ++i) {
+            const double before = timeOf(growth.sizes[i - 1]);
+            const double times = static_cast<double>(growth.sizes[i]) / growth.sizes[i - 1];
+            std::printf(" %u: %.1f", growth.sizes[i], timeOf(growth.sizes[i]) / first);
+            exponent = std::log(timeOf(growth.sizes[i]) / before) / std::log(times);
+        }
+        std::printf("; exponent %.2f\n", exponent);
+    }
 }
 
 } // namespace
@@ -155,13 +165,15 @@ int main(int argc, char** argv)
         for (Scene& scene : family())
             scenes.push_back(std::move(scene));
     for (const Scene& scene : scenes) {
-        registerDraw(scene.name, kOurs, scene.ours);
-        registerDraw(scene.name, kCairo, scene.cairo);
-        registerDraw(scene.name, kAgg, scene.agg);
+        for (const Renderer& renderer : {kClassic, kRefined})
+            registerDraw(scene.name, renderer.name, scene.*renderer.draw);
+        for (const Renderer& peer : kPeers)
+            registerDraw(scene.name, peer.name, scene.*peer.draw);
     }
-    const std::vector<int> counts = {100, 1000, 10000, 60000};
-    for (int count : counts)
-        registerDraw(kGrowth, std::to_string(count).c_str(), growthDraw(count));
+    const std::vector<Growth> series = growthSeries();
+    for (const Growth& growth : series)
+        for (const uint32_t size : growth.sizes)
+            registerDraw(growth.name, std::to_string(size), growth.make(size));
 
     std::vector<char*> arguments(argv, argv + argc);
     char interleave[] = "--benchmark_enable_random_interleaving=true";
@@ -173,24 +185,10 @@ int main(int argc, char** argv)
     Medians medians;
     benchmark::RunSpecifiedBenchmarks(&medians);
 
-    std::printf("\nspeed relative to the peers (2 means twice as fast)\n%-30s %8s %8s\n", "scene",
-                kCairo, kAgg);
-    for (const Scene& scene : scenes) {
-        const double ours = medians.median(scene.name, kOurs);
-        if (ours == 0) continue;
-        std::printf("%-30s", scene.name.c_str());
-        printRatio(medians.median(scene.name, kCairo), ours);
-        printRatio(medians.median(scene.name, kAgg), ours);
-        std::printf("\n");
-    }
-    const double first = medians.median(kGrowth, std::to_string(counts.front()));
-    if (first > 0) {
-        std::printf("\ntime to fill a polygon relative to one of %d vertices\n", counts.front());
-        for (int n : counts)
-            std::printf("%8d %8.1f\n", n, medians.median(kGrowth, std::to_string(n)) / first);
-    }
-    const double wrapping = medians.median(kWrapScene, kOurs);
-    const double drawing = medians.median(kCachedTextScene, kOurs);
+    printScenes(medians, scenes);
+    printGrowth(medians, series);
+    const double wrapping = medians.median(kWrapScene, kClassic.name);
+    const double drawing = medians.median(kCachedTextScene, kClassic.name);
     if (wrapping > 0 && drawing > 0)
         std::printf("\nwrapping 2,000 characters takes as long as drawing %.0f cached glyphs\n",
                     1000 * wrapping / drawing);

@@ -81,6 +81,8 @@ void drawPositionScene(Canvas& canvas);
 void drawPaintScene(Canvas& canvas);
 void drawImageScene(Canvas& canvas);
 
+void drawModesScene(Canvas& canvas);
+
 void drawSizeScene(Canvas& canvas);
 void drawLetterScene(Canvas& canvas);
 void drawEnglishScene(Canvas& canvas);
