@@ -5,10 +5,11 @@
 // The transform of all three maps the paint's own space to device pixels, so it is usually the
 // gradient's or image's transform followed by the context's. With anti-aliasing and the half-pixel
 // shift that goes with it (see MMContext2D.h) the shift belongs into the transform of a gradient
-// and must be left out of that of a pattern.
+// and must be left out of that of a pattern. By the refined rules, which sample both at pixel
+// centres, it is left out of either.
 //
 // refined is what the context's field of that name will be when the paint is drawn: the refined
-// rules need no half pixel anywhere, and follow gradients more finely than the classic ones can.
+// rules follow gradients more finely than the classic ones can.
 //
 // paintOpacity is left alone, and is best set before: a translucent linear ramp is laid out for it.
 // Everything else that the paint type reads is set. The paint then points into the caller's arrays,
