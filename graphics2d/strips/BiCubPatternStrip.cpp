@@ -146,13 +146,17 @@ inline U16x8 premultipliedPairs(U16x8 channels)
     return productBy255(channels, alphas | kWhole);
 }
 
-template <bool kPremultiply>
-inline void prepareColumns(const Pixel* texels, int32_t width, Column* columns)
+// A call, for what few images need, to keep the code for all others short.
+[[gnu::noinline]] void premultiplyColumns(Column* columns)
 {
-    loadColumns(texels, width, columns);
-    if (!kPremultiply) return;
     for (int32_t i = 0; i < 4; ++i)
         columns[i] = {premultipliedPairs(columns[i].upper), premultipliedPairs(columns[i].lower)};
+}
+
+inline void prepareColumns(const Pixel* texels, int32_t width, bool premultiply, Column* columns)
+{
+    loadColumns(texels, width, columns);
+    if (premultiply) premultiplyColumns(columns);
 }
 
 // The texels of an axis that are read instead of the index and its neighbours.
@@ -165,15 +169,21 @@ void tapsOf(const TexelAxis& axis, bool isRefined, int64_t (&taps)[4])
     }
     const int64_t position = axis.position();
     const int64_t lastButOne = axis.size() - 2;
+    const int64_t texel = axis.texel();
+    const int64_t offset = axis.indexOffset();
     for (int32_t i = 0; i < 4; ++i) {
-        taps[i] = axis.texel() + i - 1;
-        if (position < kFixedOne * (1 - i)) taps[i] = 0;
-        if (position > (lastButOne + 3 - i) * kFixedOne) taps[i] = lastButOne;
-        taps[i] += axis.indexOffset();
+        int64_t tap = texel + i - 1;
+        if (position < kFixedOne * (1 - i)) tap = 0;
+        if (position > (lastButOne + 3 - i) * kFixedOne) tap = lastButOne;
+        taps[i] = tap + offset;
     }
 }
 
-template <bool kPremultiply>
+bool premultiplies(const PatternWalk& walk)
+{
+    return walk.alpha == TexelAlpha::kPremultiplied;
+}
+
 void gatherColumns(const PatternWalk& walk, Column* columns)
 {
     int64_t x[4];
@@ -183,7 +193,7 @@ void gatherColumns(const PatternWalk& walk, Column* columns)
     Pixel texels[16];
     for (int32_t i = 0; i < 16; ++i)
         texels[i] = walk.texelAt(x[i & 3], y[i >> 2]);
-    prepareColumns<kPremultiply>(texels, 4, columns);
+    prepareColumns(texels, 4, premultiplies(walk), columns);
 }
 
 // The fractions of the next eight pixels.
@@ -227,18 +237,18 @@ inline void sumPixels(PatternWalk walk, Pixel* colours, uint32_t* alphas, int32_
 }
 
 // Texels from four rows, and no more columns than pixels: each is prepared once.
-template <bool kPremultiply>
 void magnifyRows(PatternWalk walk, Pixel* colours, uint32_t* alphas, int32_t count)
 {
     Column columns[kPrepared + 3];
+    const bool premultiply = premultiplies(walk);
     while (count > 0) {
         const int32_t length = count < kPrepared ? count : kPrepared;
         const TexelRange range(walk.u, length);
         const Pixel* texels = walk.row(walk.v.indexPosition()) - walk.width() - 1 + range.first;
         for (int32_t i = 0; i < range.count - 1; i += 4)
-            prepareColumns<kPremultiply>(texels + i, walk.width(), columns + i);
+            prepareColumns(texels + i, walk.width(), premultiply, columns + i);
         const int32_t last = range.count - 1;
-        prepareColumns<kPremultiply>(texels + last, walk.width(), columns + last);
+        prepareColumns(texels + last, walk.width(), premultiply, columns + last);
         Fixed u = range.start;
         const Fixed uStep = walk.u.step();
         sumPixels(walk, colours, alphas, length, [&] {
@@ -253,25 +263,25 @@ void magnifyRows(PatternWalk walk, Pixel* colours, uint32_t* alphas, int32_t cou
     }
 }
 
-template <bool kPremultiply>
 void sampleBicubic(const PatternWalk& walk, bool inside, Pixel* colours, uint32_t* alphas,
                    int32_t count)
 {
     if (inside && walk.v.step() == 0 && magnitudeOf(walk.u.step()) <= kFixedOne &&
         count > kFewPixels)
-        return magnifyRows<kPremultiply>(walk, colours, alphas, count);
+        return magnifyRows(walk, colours, alphas, count);
     PatternWalk at = walk;
+    const bool premultiply = premultiplies(walk);
     Column columns[4];
     Fixed u = walk.u.indexPosition();
     Fixed v = walk.v.indexPosition();
     sumPixels(walk, colours, alphas, count, [&]() -> const Column* {
         if (inside) {
-            prepareColumns<kPremultiply>(walk.row(v) + fixFloor(u) - walk.width() - 1, walk.width(),
-                                         columns);
+            prepareColumns(walk.row(v) + fixFloor(u) - walk.width() - 1, walk.width(), premultiply,
+                           columns);
             u = wrapAdd(u, walk.u.step());
             v = wrapAdd(v, walk.v.step());
         } else {
-            gatherColumns<kPremultiply>(at, columns);
+            gatherColumns(at, columns);
             at.advance(1);
         }
         return columns;
@@ -304,9 +314,9 @@ void sampleRefinedBicubic(const PatternWalk& walk, bool inside, Pixel* colours, 
                           int32_t count)
 {
     if (walk.alpha == TexelAlpha::kMadeWhole)
-        return sampleBicubic<false>(walk, inside, colours, nullptr, count);
+        return sampleBicubic(walk, inside, colours, nullptr, count);
     uint32_t alphas[kPieceLength];
-    sampleBicubic<true>(walk, inside, colours, alphas, count);
+    sampleBicubic(walk, inside, colours, alphas, count);
     for (int32_t i = 0; i < count; ++i) {
         const uint32_t alpha = (alphas[i] + kChannelHalf) >> 16;
         colours[i] = (colours[i] & ~kOpaque) | alpha << 24;
@@ -314,7 +324,7 @@ void sampleRefinedBicubic(const PatternWalk& walk, bool inside, Pixel* colours, 
 }
 
 constexpr PatternFilter kBicubic = {
-    1, 2, sampleBicubic<false>, weighBySums, sampleRefinedBicubic, -kFixedHalf, true};
+    1, 2, sampleBicubic, weighBySums, sampleRefinedBicubic, -kFixedHalf, true};
 
 } // namespace
 

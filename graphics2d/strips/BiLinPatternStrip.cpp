@@ -144,6 +144,15 @@ struct PreparedTexels {
     void goBack(int32_t pixels) { u -= uStep * static_cast<uint32_t>(pixels); }
 };
 
+// A call, to have the code once.
+template <class Mix>
+[[gnu::noinline]] void mixPrepared(const Mix& mix, const TexelAxis& axis,
+                                   const PreparedTexels& texels, U16x8 v, U16x8 vStep, Pixel* out,
+                                   int32_t count)
+{
+    mixPixels(mix, axis, texels, v, vStep, out, count);
+}
+
 // Texels from two rows, and no more of them than pixels: each is prepared once.
 template <class Mix>
 void magnifyRows(const Mix& mix, PatternWalk walk, Pixel* out, int32_t count)
@@ -163,7 +172,7 @@ void magnifyRows(const Mix& mix, PatternWalk walk, Pixel* out, int32_t count)
         }
         const PreparedTexels texels = {steps, static_cast<uint32_t>(range.start),
                                        static_cast<uint32_t>(walk.u.step())};
-        mixPixels(mix, walk.u, texels, all8(walk.v.fraction()), U16x8{}, out, length);
+        mixPrepared(mix, walk.u, texels, all8(walk.v.fraction()), U16x8{}, out, length);
         walk.advance(length);
         out += length;
         count -= length;
@@ -187,7 +196,8 @@ void sampleFew(const Mix& mix, PatternWalk walk, Pixel* out, int32_t count)
         walk.advance(1);
     }
     const PreparedTexels texels = {steps, 0, kFixedOne};
-    mixPixels(mix, uAxis, texels, v, all8(fixFraction(walk.v.step())), pixels, count <= 4 ? 4 : 8);
+    mixPrepared(mix, uAxis, texels, v, all8(fixFraction(walk.v.step())), pixels,
+                count <= 4 ? 4 : 8);
     std::memcpy(out, pixels, static_cast<size_t>(count) * sizeof(Pixel));
 }
 

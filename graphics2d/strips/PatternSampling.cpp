@@ -94,9 +94,9 @@ void drawByAlpha(TranslucentRun<ClassicBlend>& run, PaintPiece& piece, int32_t c
 }
 
 // Weights of the coverage alone, for a piece whose colours hold all else.
-void weighByCoverage(PaintPiece& piece, CoverageSequence& coverage, int32_t count)
+[[gnu::noinline]] void weighByCoverage(PaintPiece& piece, CoverageSequence& coverage, int32_t count)
 {
-    fillPixels(piece.weights, (count + 3) & ~3, kWholeAlpha);
+    std::fill_n(piece.weights, (count + 3) & ~3, kWholeAlpha);
     weighAlphas(piece, coverage, count);
 }
 
@@ -135,13 +135,13 @@ void blendPremultiplied(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, in
 // Colours with an alpha of their own that none of their channels has been multiplied with.
 void blendStraight(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, int32_t count)
 {
-    for (int32_t i = 0; i < count; i += 4)
-        store4(piece.weights + i, load4(piece.colours + i) >> 24 << 8);
+    for (int32_t i = 0; i < count; i += 4) {
+        const U32x4 colours = load4(piece.colours + i);
+        store4(piece.weights + i, colours >> 24 << 8);
+        store4(piece.colours + i, colours | kOpaque);
+    }
     weighAlphas(piece, run.coverage, count);
-    run.blendBy(count, [&](U32x4 backgrounds, int32_t i) {
-        return RefinedBlend::four(backgrounds, load4(piece.colours + i) | kOpaque,
-                                  load4(piece.weights + i));
-    });
+    run.drawPiece(piece, count);
 }
 
 void blendRefined(TranslucentRun<RefinedBlend>& run, TexelAlpha alpha, PaintPiece& piece,

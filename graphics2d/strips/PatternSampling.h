@@ -33,7 +33,7 @@ public:
         TexelAxis axis(0, step, size);
         axis.distance_ = start;
         axis.bias_ = 0;
-        axis.wraps_ = false;
+        axis.wrappedBits_ = 0;
         return axis;
     }
 
@@ -41,7 +41,11 @@ public:
     Fixed position() const { return static_cast<Fixed>(static_cast<uint32_t>(distance_)); }
     Fixed step() const { return step_; }
     int32_t size() const { return size_; }
-    int64_t texel() const { return wraps_ ? fixFloor(position()) : index(); }
+    int64_t texel() const
+    {
+        const uint64_t unwrapped = static_cast<uint64_t>(distance_) << wrappedBits_;
+        return static_cast<int64_t>(unwrapped) >> wrappedBits_ >> 16;
+    }
     int64_t index() const { return (distance_ + bias_) >> 16; }
     // From a texel of the coordinate to one of the index.
     int64_t indexOffset() const { return index() - texel(); }
@@ -49,7 +53,10 @@ public:
     // image.
     int64_t tap(int32_t offset) const
     {
-        return indexOffset() + std::clamp<int64_t>(texel() + offset, 0, size_ - 1);
+        const int64_t at = texel();
+        const int64_t last = size_ - 1;
+        const int64_t wanted = at + offset;
+        return index() - at + (wanted < 0 ? 0 : wanted < last ? wanted : last);
     }
     // The position whose whole part is the index, as long as the coordinate has not wrapped.
     Fixed indexPosition() const { return static_cast<Fixed>(distance_ + bias_); }
@@ -74,9 +81,9 @@ public:
 private:
     int64_t distance_; // 16.16 texels, exact for any span
     Fixed step_;
-    int32_t size_;      // texels
-    Fixed bias_;        // of the index
-    bool wraps_ = true; // as classic coordinates do
+    int32_t size_;             // texels
+    Fixed bias_;               // of the index
+    uint8_t wrappedBits_ = 32; // on top of the distance, that the classic coordinate is without
 };
 
 // The texels that the next pixels of an axis point at; all of them inside the image.

@@ -39,9 +39,13 @@ namespace {
 }
 #endif
 
-// Blends eights or fours of pixels from the index on; returns the index of the rest.
-int32_t blendFlat(Pixel* pixels, int32_t i, int32_t end, const FlatBlend& blend)
+// Blends eights or fours of pixels from the index on; returns the index of the rest. A call, so
+// that short spans need none of it.
+template <class Rule>
+[[gnu::noinline]] int32_t blendFlat(Pixel* pixels, int32_t i, int32_t end, Pixel colour,
+                                    uint32_t weight)
 {
+    const FlatBlend blend = Rule::flat(colour, weight);
 #if defined(__x86_64__)
     if (end - i >= 16 && __builtin_cpu_supports("avx2")) i = blendEights(pixels, i, end, blend);
 #endif
@@ -72,7 +76,7 @@ struct RefinedColour {
 };
 
 template <class Colour>
-void drawTranslucentColour(MMContext2D& context, const Colour& colour)
+void drawTranslucentColour(MMContext2D& context, const Colour colour)
 {
     using Rule = typename Colour::Rule;
     constexpr int32_t kLongSpan = 8;
@@ -85,7 +89,7 @@ void drawTranslucentColour(MMContext2D& context, const Colour& colour)
         Coverage next = wrapSub(context.spanCoverageNext, step); // of the pixel before
         for (int32_t i = 0; i < count; ++i) {
             const uint32_t weight = colour.weightOf(coverage);
-            if (i == flatFrom) i = blendFlat(pixels, i, count, Rule::flat(colour.source, weight));
+            if (i == flatFrom) i = blendFlat<Rule>(pixels, i, count, colour.source, weight);
             if (i == count) break;
             pixels[i] = blendPixel<Rule>(pixels[i], colour.source, weight);
             coverage = next = wrapAdd(next, step);
