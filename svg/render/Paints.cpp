@@ -32,7 +32,7 @@ bool Renderer::setStroke(const State& state, const Box& userBounds)
 {
     const Style& style = state.style;
     context_.strokePaint.paintType = kPaintNone;
-    return style.strokeWidth > 0 &&
+    return !clipping_ && style.strokeWidth > 0 &&
            setPaint(context_.strokePaint, strokeStore_, style.stroke,
                     style.strokeOpacity * style.opacity, state, userBounds);
 }
@@ -40,6 +40,12 @@ bool Renderer::setStroke(const State& state, const Box& userBounds)
 bool Renderer::setPaint(MMPaint& paint, PaintStore& store, const PaintValue& value, double opacity,
                         const State& state, const Box& userBounds)
 {
+    if (clipping_) {
+        paint.paintType = kPaintSolid;
+        paint.paintColour = 0xFFFFFFFF;
+        paint.paintOpacity = 255;
+        return true;
+    }
     paint.paintType = kPaintNone;
     if (value.kind == PaintValue::None || byteOf(opacity) == 0) return false;
     if (value.kind == PaintValue::ContextFill || value.kind == PaintValue::ContextStroke) {

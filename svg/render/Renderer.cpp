@@ -116,7 +116,7 @@ void Renderer::drawElement(pugi::xml_node node, const State& parent)
     }
     const Properties properties(node, document_.sheet());
     State state = parent;
-    if (enter(node, properties, state)) drawEntered(node, properties, state);
+    if (enter(node, properties, state)) drawLayered(node, properties, state);
 }
 
 bool Renderer::enter(pugi::xml_node node, const Properties& properties, State& state)
@@ -214,9 +214,7 @@ void Renderer::noteUndrawn(pugi::xml_node node, const Properties& properties)
     static constexpr struct {
         Property property;
         const char* name;
-    } kUndrawn[] = {{Property::ClipPath, "clip-path"},
-                    {Property::Mask, "mask"},
-                    {Property::Filter, "filter"},
+    } kUndrawn[] = {{Property::Filter, "filter"},
                     {Property::MixBlendMode, "mix-blend-mode"},
                     {Property::WritingMode, "writing-mode"},
                     {Property::TextLength, "textLength"},

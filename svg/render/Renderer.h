@@ -83,6 +83,8 @@ private:
     bool applyTransform(pugi::xml_node node, const Properties& properties, State& state);
     bool meetsConditions(pugi::xml_node node) const;
     void drawElement(pugi::xml_node node, const State& parent);
+    // With its clip path, mask and opacity.
+    void drawLayered(pugi::xml_node node, const Properties& properties, const State& state);
     void drawEntered(pugi::xml_node node, const Properties& properties, const State& state);
     void drawChildren(pugi::xml_node node, const State& state);
     void drawSwitch(pugi::xml_node node, const State& state);
@@ -92,6 +94,23 @@ private:
     void noteOverhang(pugi::xml_node node, const State& state, const Affine& viewport,
                       const Size& size);
     Box boundsOf(pugi::xml_node node, const Properties& properties, const State& state);
+
+    // --- Layers.cpp
+    class Redirection;
+    template <class Function>
+    Picture drawAside(Pixel ground, Function draw);
+    bool overlaps(pugi::xml_node node, const Style& style) const;
+    // The element that a property refers to, when it is one of the wanted kind.
+    pugi::xml_node referenced(pugi::xml_node node, std::string_view value, std::string_view wanted);
+    void composite(const Picture& layer, const std::vector<uint8_t>& coverage, double opacity);
+    void narrowTo(pugi::xml_node clip, const State& state, const Box& bounds);
+    bool clipState(pugi::xml_node clip, const State& state, const Box& bounds, State& inner);
+    bool coverByClip(pugi::xml_node clip, const State& state, const Box& bounds,
+                     std::vector<uint8_t>& coverage);
+    bool coverByMask(pugi::xml_node mask, const State& state, const Box& bounds,
+                     std::vector<uint8_t>& coverage);
+    template <class Function>
+    static void multiply(const Picture& picture, std::vector<uint8_t>& coverage, Function valueOf);
 
     // --- Shapes: Shapes.cpp, Markers.cpp, Paints.cpp
     void drawShape(pugi::xml_node node, const Properties& properties, const State& state);
@@ -159,6 +178,8 @@ private:
     std::vector<Pixel> shadow_;          // for ShiftedTarget
     std::vector<pugi::xml_node> active_; // elements that are being drawn by reference
     pugi::xml_node current_;             // the element that is being drawn
+    bool clipping_ = false;              // only what is covered counts: white, without strokes
+    int layers_ = 0;                     // that are open
 };
 
 } // namespace Svg

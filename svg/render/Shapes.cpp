@@ -52,7 +52,7 @@ void Renderer::drawOutline(const Shape& shape, const State& state, bool markers)
     const Box bounds = shape.outline.bounds();
     const CrispEdges crisp(context_, state.style.crisp);
     for (const PaintStep step : state.style.paintOrder) {
-        if (step == PaintStep::Markers && markers) drawMarkers(shape.outline, state);
+        if (step == PaintStep::Markers && markers && !clipping_) drawMarkers(shape.outline, state);
         if (!state.style.visible || !space) continue;
         if (step == PaintStep::Fill) drawFill(shape, *space, state, bounds);
         if (step == PaintStep::Stroke) drawStroke(shape, *space, state, bounds);
@@ -65,7 +65,8 @@ void Renderer::drawFill(const Shape& shape, const PathSpace& space, const State&
     const Box deviceBox = state.toDevice.mapBox(bounds);
     if (isOutside(deviceBox) || !setFill(state, bounds)) return;
     context_.strokePaint.paintType = kPaintNone;
-    context_.fillRule = state.style.evenOdd ? kFillEvenOdd : kFillNonZero;
+    const bool evenOdd = clipping_ ? state.style.clipEvenOdd : state.style.evenOdd;
+    context_.fillRule = evenOdd ? kFillEvenOdd : kFillNonZero;
     drawGeometry(shape, space, deviceBox);
 }
 
@@ -73,7 +74,7 @@ void Renderer::drawStroke(const Shape& shape, const PathSpace& space, const Stat
                           const Box& bounds)
 {
     const Style& style = state.style;
-    if (style.strokeWidth <= 0 || style.stroke.kind == PaintValue::None) return;
+    if (clipping_ || style.strokeWidth <= 0 || style.stroke.kind == PaintValue::None) return;
     const double reach = style.strokeWidth * std::max(style.miterLimit, 1.5);
     const Box drawn{bounds.left - reach, bounds.top - reach, bounds.right + reach,
                     bounds.bottom + reach};

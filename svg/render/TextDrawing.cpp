@@ -60,6 +60,7 @@ void Renderer::drawText(pugi::xml_node node, const State& state)
     if (!space || content.characters.empty() || !affordsGlyphs(node, content, *space)) return;
     context_.transform = space->transform; // text takes no part in the half-pixel shift
     noteMissingGlyphs(node, content);
+    if (content.cut) note("more characters in a text than the limit", node);
     const auto undrawn = [](pugi::xml_node n) {
         return n.name() == std::string_view("textPath") || n.name() == std::string_view("tref");
     };
@@ -227,6 +228,7 @@ void Renderer::drawTextArea(pugi::xml_node node, const State& state)
     const std::optional<PathSpace> space = PathSpace::make(state.toDevice, targetCentre());
     if (!space || content.characters.empty() || !affordsGlyphs(node, content, *space)) return;
     noteMissingGlyphs(node, content);
+    if (content.cut) note("more characters in a text than the limit", node);
     if (content.styles.size() > 1) note("style of a span in a text area", node);
     const Style& style = state.style;
     const LengthContext lengths = style.lengths(state.viewport);

@@ -35,6 +35,7 @@ enum class Property : uint8_t {
     MarkerMid,
     MarkerStart,
     Mask,
+    MaskType,
     MixBlendMode,
     Opacity,
     Overflow,

@@ -200,6 +200,7 @@ Style Style::child(const Properties& p, const Viewport& viewport) const
     s.fillOpacity = parseOpacity(p[Property::FillOpacity], fillOpacity);
     s.strokeOpacity = parseOpacity(p[Property::StrokeOpacity], strokeOpacity);
     setKeyword(s.evenOdd, p[Property::FillRule], kFillRules);
+    setKeyword(s.clipEvenOdd, p[Property::ClipRule], kFillRules);
     setKeyword(s.visible, p[Property::Visibility], kVisibility);
     setKeyword(s.crisp, p[Property::ShapeRendering], kCrisp);
     setPaintOrder(s, p[Property::PaintOrder]);

@@ -34,6 +34,7 @@ struct Style {
     double fillOpacity = 1;
     double strokeOpacity = 1;
     bool evenOdd = false;
+    bool clipEvenOdd = false; // inside a clip path
     bool visible = true;
     bool crisp = false; // no anti-aliasing for shapes
     PaintStep paintOrder[3] = {PaintStep::Fill, PaintStep::Stroke, PaintStep::Markers};
