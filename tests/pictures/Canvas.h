@@ -9,25 +9,24 @@
 
 #include <vector>
 
-namespace pictures {
+namespace KAVO::Graphics2D::pictures {
 
 constexpr uint16_t kSide = 96;
-constexpr KAVO::Pixel kBlue = 0xFF457B9D, kRed = 0xFFE63946, kNight = 0xFF1D3557,
-                      kSand = 0xFFF4A261;
+constexpr Pixel kBlue = 0xFF457B9D, kRed = 0xFFE63946, kNight = 0xFF1D3557, kSand = 0xFFF4A261;
 
 inline GradientStops stops(bool translucent)
 {
-    static const KAVO::Pixel opaqueColours[] = {kRed, 0xFFF1FAEE, kBlue, kNight};
-    static const KAVO::Pixel translucentColours[] = {kRed, 0x80F1FAEE, 0x20457B9D, 0xC01D3557};
-    static const KAVO::Fixed offsets[] = {0, fx(0.3), fx(0.5), fx(1)};
+    static const Pixel opaqueColours[] = {kRed, 0xFFF1FAEE, kBlue, kNight};
+    static const Pixel translucentColours[] = {kRed, 0x80F1FAEE, 0x20457B9D, 0xC01D3557};
+    static const Fixed offsets[] = {0, fx(0.3), fx(0.5), fx(1)};
     return {translucent ? translucentColours : opaqueColours, offsets, 4};
 }
 
-inline KAVO::Pixel texelAt(int32_t x, int32_t y)
+inline Pixel texelAt(int32_t x, int32_t y)
 {
-    const KAVO::Pixel rings[] = {0xFFA23E48, 0xFFFFD166, 0xFF118AB2};
-    const KAVO::Pixel colour = rings[((x - 6) * (x - 6) + (y - 5) * (y - 5)) / 6 % 3];
-    return colour - (static_cast<KAVO::Pixel>(x) * 18 << 24);
+    const Pixel rings[] = {0xFFA23E48, 0xFFFFD166, 0xFF118AB2};
+    const Pixel colour = rings[((x - 6) * (x - 6) + (y - 5) * (y - 5)) / 6 % 3];
+    return colour - (static_cast<Pixel>(x) * 18 << 24);
 }
 
 // An anti-aliased context over a square of slanted stripes, filling in blue, and a small image.
@@ -72,7 +71,7 @@ struct Canvas : FreshEngine {
         context.transform = {fx(a), fx(b), fx(c), fx(d), fx(e), fx(f)};
     }
 
-    void solid(KAVO::Pixel colour, MMPaintType type = kPaintSolid)
+    void solid(Pixel colour, MMPaintType type = kPaintSolid)
     {
         context.fillPaint.paintType = type;
         context.fillPaint.paintColour = colour;
@@ -81,20 +80,22 @@ struct Canvas : FreshEngine {
     void linear(bool translucentStops = false)
     {
         setLinearGradient(context.fillPaint, at(14, 20), at(70, 60), context.transform,
-                          stops(translucentStops), {rampColours, rampOffsets});
+                          stops(translucentStops), {rampColours, rampOffsets},
+                          context.refined != 0);
     }
 
     void radial(bool translucentStops = false)
     {
         setRadialGradient(context.fillPaint, at(44, 40), fx(38), context.transform,
-                          stops(translucentStops), {rampColours, rampOffsets});
+                          stops(translucentStops), {rampColours, rampOffsets},
+                          context.refined != 0);
     }
 
     void pattern(MMPatternFilter filter, bool hasAlpha = false)
     {
         image.pixmapExtra = hasAlpha ? 1 : 0;
         Matrix2D turned = {fx(5.2), fx(1.9), -fx(2.1), fx(5.9), fx(28.5), fx(5)};
-        setPattern(context.fillPaint, image, turned, filter);
+        setPattern(context.fillPaint, image, turned, filter, context.refined != 0);
         context.patternFilter = filter;
     }
 
@@ -167,7 +168,7 @@ struct Canvas : FreshEngine {
         for (uint32_t i = 0, seed = 7; i < corners; ++i) {
             const int32_t x = static_cast<int32_t>((seed = seed * 1664525 + 1) >> 16);
             const int32_t y = static_cast<int32_t>((seed = seed * 1664525 + 1) >> 16);
-            list.push_back({left * KAVO::kFixedOne + x * width, 4 * KAVO::kFixedOne + y * 88});
+            list.push_back({left * kFixedOne + x * width, 4 * kFixedOne + y * 88});
         }
         polygon(list);
     }
@@ -187,7 +188,7 @@ struct Canvas : FreshEngine {
         const int32_t sweeps[] = {30, 90, 200, 359, 720, -45, -180, -300, 1};
         for (int32_t i = 0; i < 9; ++i) {
             MMPoint2D centre = at(17 + 31 * (i % 3), 17 + 31 * (i / 3));
-            context.drawCircularArc(&centre, fx(13), fx(20 * i), sweeps[i] * KAVO::kFixedOne, pie,
+            context.drawCircularArc(&centre, fx(13), fx(20 * i), sweeps[i] * kFixedOne, pie,
                                     outline);
         }
     }
@@ -195,7 +196,7 @@ struct Canvas : FreshEngine {
     void text(const char16_t* units, int32_t x, int32_t y, double size)
     {
         context.fontSize = fx(size);
-        context.drawText(Text(units).data(), x * KAVO::kFixedOne, y * KAVO::kFixedOne);
+        context.drawText(Text(units).data(), x * kFixedOne, y * kFixedOne);
     }
 
     void texts()
@@ -218,12 +219,12 @@ struct Canvas : FreshEngine {
     char* stateEnd() { return reinterpret_cast<char*>(&context + 1); }
 
     std::vector<char> initialState;
-    std::vector<KAVO::Pixel> pixels;
-    std::vector<KAVO::Pixel> texels;
+    std::vector<Pixel> pixels;
+    std::vector<Pixel> texels;
     MMPixmap image; // 12 by 10 texels, rings that fade to the right
     MMContext2D context;
-    KAVO::Pixel rampColours[gradientRampRoom(4)];
-    KAVO::Fixed rampOffsets[gradientRampRoom(4)];
+    Pixel rampColours[gradientRampRoom(4)];
+    Fixed rampOffsets[gradientRampRoom(4)];
 };
 
-} // namespace pictures
+} // namespace KAVO::Graphics2D::pictures

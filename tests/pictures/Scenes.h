@@ -5,7 +5,7 @@
 #include "math/FixedMath.h"
 #include "tests/pictures/Canvas.h"
 
-namespace pictures {
+namespace KAVO::Graphics2D::pictures {
 
 template <MMPatternFilter filter>
 void turnedImage(Canvas& c)
@@ -27,7 +27,7 @@ inline void placedImages(Canvas& c)
 template <MMPatternFilter filter>
 void imageParts(Canvas& c)
 {
-    const auto draw = [&c](const MMFixedRegion& from, const MMFixedRegion& to, KAVO::Degrees turn) {
+    const auto draw = [&c](const MMFixedRegion& from, const MMFixedRegion& to, Degrees turn) {
         const MMPixmap destination = c.context.target;
         c.context.drawImage(&c.image, &from, &destination, &to, turn);
     };
@@ -57,7 +57,7 @@ inline void positions(Canvas& c)
     MMPathPos pos = {};
     pos.path = path.storedPath();
     for (int32_t i = 0; i < 28; ++i) {
-        KAVO::Degrees direction = 0;
+        Degrees direction = 0;
         c.context.getPathPos(pos, fx(8.5 * i), &direction);
         const MMPoint2D p = pos.current;
         c.line({p, {p.x - 5 * fixSin(direction), p.y + 5 * fixCos(direction)}});
@@ -68,7 +68,7 @@ inline void positions(Canvas& c)
 template <MMJoinStyle join, MMCapStyle cap>
 void dashed(Canvas& c)
 {
-    static const KAVO::Fixed dashes[] = {fx(9), fx(6.5), fx(0), fx(6.5)};
+    static const Fixed dashes[] = {fx(9), fx(6.5), fx(0), fx(6.5)};
     c.context.dashArray = dashes;
     c.context.dashCount = 4;
     c.context.dashOffset = fx(3.25) * (cap + 1);
@@ -81,9 +81,9 @@ void dashed(Canvas& c)
 // Characters placed and turned one by one; a slant, anchors, and a clip rectangle that cuts them.
 inline void placedText(Canvas& c)
 {
-    static const KAVO::Fixed xs[] = {fx(6), fx(26.5), fx(50), fx(70)};
-    static const KAVO::Fixed ys[] = {fx(20), fx(26), fx(32), fx(20.5)};
-    static const KAVO::Degrees turns[] = {0, fx(30), fx(90), fx(200)};
+    static const Fixed xs[] = {fx(6), fx(26.5), fx(50), fx(70)};
+    static const Fixed ys[] = {fx(20), fx(26), fx(32), fx(20.5)};
+    static const Degrees turns[] = {0, fx(30), fx(90), fx(200)};
     MMContext2D& context = c.context;
     context.charX = xs, context.charY = ys, context.charRotate = turns;
     context.charXCount = context.charYCount = context.charRotateCount = 4;
@@ -198,4 +198,4 @@ const Scene kScenes[] = {
     {"text-wrapped", wrappedText, true},
 };
 
-} // namespace pictures
+} // namespace KAVO::Graphics2D::pictures

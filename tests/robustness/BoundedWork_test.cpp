@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 using namespace KAVO;
+using namespace KAVO::Graphics2D;
 
 namespace {
 
@@ -35,7 +36,7 @@ __wrap__ZN4KAVO10Graphics2D11MMContext2D21drawBiLinPatternStripEv(MMContext2D* c
 
 } // extern "C"
 
-namespace pictures {
+namespace KAVO::Graphics2D::pictures {
 namespace {
 
 TEST(BoundedWork, AnImageMagnifiedAMillionTimesTakesTheVisiblePixelsOnly)
@@ -141,4 +142,4 @@ TEST(BoundedWork, ManyJoinsOrDashesShareABoundedNumberOfVertices)
 }
 
 } // namespace
-} // namespace pictures
+} // namespace KAVO::Graphics2D::pictures

@@ -4,7 +4,7 @@
 #include "tests/support/FailingHeap.h"
 #include "tests/support/FakeLayoutEngine.h"
 
-namespace pictures {
+namespace KAVO::Graphics2D::pictures {
 namespace {
 
 void drawReference(Canvas& canvas)
@@ -80,4 +80,4 @@ TEST(ExhaustedMemory, ASceneWithoutMemoryLeavesTheContextAsGoodAsNew)
 }
 
 } // namespace
-} // namespace pictures
+} // namespace KAVO::Graphics2D::pictures

@@ -9,7 +9,7 @@
 
 using namespace KAVO;
 
-namespace pictures {
+namespace KAVO::Graphics2D::pictures {
 namespace {
 
 #if defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__)
@@ -126,4 +126,4 @@ TEST(LongLife, ADashedPointLeavesTheBlockOfAPointBehindAndNoMore)
 }
 
 } // namespace
-} // namespace pictures
+} // namespace KAVO::Graphics2D::pictures

@@ -5,10 +5,10 @@
 
 #include <thread>
 
-namespace pictures {
+namespace KAVO::Graphics2D::pictures {
 namespace {
 
-void drawAllButText(Canvas& canvas, std::vector<std::vector<KAVO::Pixel>>& pictures)
+void drawAllButText(Canvas& canvas, std::vector<std::vector<Pixel>>& pictures)
 {
     for (const Scene& scene : kScenes) {
         if (std::string(scene.name).find("text") == 0) continue;
@@ -21,7 +21,7 @@ void drawAllButText(Canvas& canvas, std::vector<std::vector<KAVO::Pixel>>& pictu
 TEST(Threads, TwoContextsWithoutTextDrawAsOneDoes)
 {
     Canvas canvas, first, second; // contexts come and go on one thread
-    std::vector<std::vector<KAVO::Pixel>> expected, pictures[2];
+    std::vector<std::vector<Pixel>> expected, pictures[2];
     std::thread firstThread([&] { drawAllButText(first, pictures[0]); });
     std::thread secondThread([&] { drawAllButText(second, pictures[1]); });
     firstThread.join();
@@ -32,4 +32,4 @@ TEST(Threads, TwoContextsWithoutTextDrawAsOneDoes)
 }
 
 } // namespace
-} // namespace pictures
+} // namespace KAVO::Graphics2D::pictures

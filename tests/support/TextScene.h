@@ -11,8 +11,6 @@
 #include <string>
 #include <vector>
 
-using namespace KAVO::Graphics2D;
-
 // A text with room to be normalised in place.
 class Text {
 public:
@@ -32,24 +30,24 @@ private:
 class FreshEngine {
 public:
     // refused: bits of the calls that the new engine refuses, see FakeFontEngine.
-    explicit FreshEngine(uint32_t refused = 0) : engine_(fontEngine), users_(fontEngineUsers)
+    explicit FreshEngine(uint32_t refused = 0)
     {
-        fontEngine = nullptr;
-        fontEngineUsers = 0;
+        KAVO::Graphics2D::fontEngine = nullptr;
+        KAVO::Graphics2D::fontEngineUsers = 0;
         fakeFontEngine = {};
         fakeFontEngine.refused = refused;
     }
     ~FreshEngine()
     {
-        fontEngine = engine_;
-        fontEngineUsers = users_;
+        KAVO::Graphics2D::fontEngine = engine_;
+        KAVO::Graphics2D::fontEngineUsers = users_;
     }
     FreshEngine(const FreshEngine&) = delete;
     FreshEngine& operator=(const FreshEngine&) = delete;
 
 private:
-    void* engine_;
-    int32_t users_;
+    void* engine_ = KAVO::Graphics2D::fontEngine;
+    int32_t users_ = KAVO::Graphics2D::fontEngineUsers;
 };
 
 // With an identity transform and a whole font size, glyphs are fontSize pixels square.

@@ -8,6 +8,7 @@
 #include <memory>
 
 using namespace KAVO;
+using namespace KAVO::Graphics2D;
 
 namespace {
 

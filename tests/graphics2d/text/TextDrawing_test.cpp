@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 using namespace KAVO;
+using namespace KAVO::Graphics2D;
 
 namespace {
 

@@ -12,6 +12,7 @@
 #include <random>
 
 using namespace KAVO;
+using namespace KAVO::Graphics2D;
 
 namespace {
 

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace KAVO::Graphics2D;
+
 namespace {
 
 struct Case {
