@@ -4,6 +4,7 @@
 #include "tests/support/EncodedPath.h"
 #include "tests/support/FailingHeap.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <random>
 
@@ -27,8 +28,9 @@ constexpr uint32_t kFrame = 500;      // operations
 constexpr uint32_t kDifferent = 2000; // random operations
 constexpr uint32_t kWarmFrame = 50;   // by then each of them has come up
 
-// A random scene in a random state, small. The same number draws the same.
-void drawAtRandom(Canvas& c, uint32_t number)
+// A random scene in a random state, small. The same number draws the same, but for a matrix that
+// no other operation has: together the three remainders take a thousand million to come again.
+void drawAtRandom(Canvas& c, uint32_t number, uint32_t operation)
 {
     std::minstd_rand random(number);
     const auto below = [&random](uint32_t limit) { return static_cast<uint8_t>(random() % limit); };
@@ -37,11 +39,11 @@ void drawAtRandom(Canvas& c, uint32_t number)
     const bool isText = std::string(scene.name).find("text") == 0;
 
     c.resetState();
-    // Few enough glyphs that the glyph cache fills once and keeps them.
     const double scale = isText ? 0.3 : 0.05 + 0.002 * below(100);
     const double skew = isText ? 0 : 0.001 * below(100);
     const uint8_t x = below(80), y = below(80);
-    c.place(scale, 0, skew, scale, x, y);
+    c.place(scale + operation % 1021 / 65536.0, 0, skew + operation % 1019 / 65536.0,
+            scale + operation % 1013 / 65536.0, x, y);
     c.context.antiAlias = below(2);
     c.context.fillRule = below(2);
     c.context.clipLeft = below(40);
@@ -55,7 +57,7 @@ void drawFrame(Canvas& canvas, uint32_t frame)
     canvas.reset();
     std::minstd_rand random(frame);
     for (uint32_t i = 0; i < kFrame; ++i)
-        drawAtRandom(canvas, 1 + static_cast<uint32_t>(random() % kDifferent));
+        drawAtRandom(canvas, 1 + static_cast<uint32_t>(random() % kDifferent), frame * kFrame + i);
 }
 
 TEST(LongLife, MemoryStaysAndTheLastFrameIsThatOfANewContext)
@@ -68,8 +70,9 @@ TEST(LongLife, MemoryStaysAndTheLastFrameIsThatOfANewContext)
         for (uint32_t frame = 1; frame <= frames; ++frame) {
             drawFrame(old, frame);
             ASSERT_EQ(old.context.scratchStack.usedWords, 0u);
-            if (frame == kWarmFrame) warm = heap.liveBytes();
-            ASSERT_TRUE(frame < kWarmFrame || heap.liveBytes() == warm) << "frame " << frame;
+            // What the glyph cache holds within its budget changes; nothing else does.
+            if (frame <= kWarmFrame) warm = std::max(warm, heap.liveBytes());
+            ASSERT_LE(heap.liveBytes(), warm + warm / 8) << "frame " << frame;
         }
         EXPECT_EQ(old.context.outOfMemory, 0);
         Canvas fresh;
