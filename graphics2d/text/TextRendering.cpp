@@ -9,7 +9,8 @@
 #include "math/FixedMath.h"
 #include "math/LinearPart.h"
 #include "math/Points.h"
-#include "math/WideMath.h"
+
+#include <algorithm>
 
 namespace KAVO {
 namespace Graphics2D {
@@ -202,12 +203,14 @@ private:
         source_.release();
     }
 
-    // The pixel that glyphs stand at.
+    // The pixel that glyphs stand at; far outside of what any target holds, any pixel there.
     MMPoint2D pixelOf(const TextPen& pen) const
     {
+        constexpr int64_t kFar = 0x10000;
         if (!refined_) return {fixFloor(pen.wrapped().x), fixFloor(pen.wrapped().y)};
-        const TextPen nearest = {pen.x + kFixedHalf, pen.y + kFixedHalf};
-        return {saturated(nearest.x >> 16), saturated(nearest.y >> 16)};
+        const TextPen nearest = {(pen.x + kFixedHalf) >> 16, (pen.y + kFixedHalf) >> 16};
+        return {static_cast<int32_t>(std::clamp(nearest.x, -kFar, kFar)),
+                static_cast<int32_t>(std::clamp(nearest.y, -kFar, kFar))};
     }
 
     // Moves the pen to the place that the lists have for a character. By the classic rules, the
