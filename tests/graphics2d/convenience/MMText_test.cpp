@@ -11,6 +11,7 @@
 #include <string>
 
 using namespace KAVO;
+using namespace KAVO::Graphics2D;
 
 namespace {
 
