@@ -81,7 +81,10 @@ void spreadColours(Picture& picture)
     std::vector<bool> coloured(picture.pixels.size());
     for (size_t i = 0; i < coloured.size(); ++i)
         coloured[i] = picture.pixels[i] >> 24 != 0;
-    const auto index = [&](int x, int y) { return static_cast<size_t>(y * picture.width + x); };
+    const auto width = static_cast<size_t>(picture.width);
+    const auto index = [=](int x, int y) {
+        return static_cast<size_t>(y) * width + static_cast<size_t>(x);
+    };
     for (int round = 0; round < kReach; ++round) {
         const std::vector<bool> before = coloured;
         for (int y = 0; y < picture.height; ++y) {
