@@ -4,6 +4,8 @@
 #include "util/Base64.h"
 #include "util/WideString.h"
 
+using namespace KAVO::Graphics2D;
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     ByteReader in(data, size);

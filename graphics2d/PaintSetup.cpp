@@ -170,8 +170,10 @@ int64_t greatestStep(std::initializer_list<Vector> vectors)
     const int64_t b = shiftDown(transform.b, -shift);
     const int64_t c = shiftDown(transform.c, -shift);
     const int64_t d = shiftDown(transform.d, -shift);
-    const int64_t turning = integerRoot((a + d) * (a + d) + (b - c) * (b - c));
-    const int64_t mirroring = integerRoot((a - d) * (a - d) + (b + c) * (b + c));
+    const int64_t turning =
+        integerRoot(static_cast<uint64_t>((a + d) * (a + d) + (b - c) * (b - c)));
+    const int64_t mirroring =
+        integerRoot(static_cast<uint64_t>((a - d) * (a - d) + (b + c) * (b + c)));
     const int64_t widest = (turning + mirroring) / 2;
     if (radius <= 0 || widest == 0) return addLastStop(writer, stops);
     const int64_t narrowest = absolute(a * d - b * c) / widest;
@@ -181,11 +183,12 @@ int64_t greatestStep(std::initializer_list<Vector> vectors)
     // Units per device pixel where the circle is narrowest, 16.16.
     const int64_t narrowRadius = shiftDown(radius * narrowest, 16 + shift);
     const int64_t devicePixels = shiftDown(radius * widest, 32 + shift) + 1;
-    const int64_t units =
-        refined ? std::min(kRefinedStep, (kGreatestOffset << 16) / (narrowRadius + 1))
-                : std::min(std::min(kRadialUnits * kFixedOne * widest / narrowest,
-                                    kMostRadialUnits * kFixedOne),
-                           int64_t{integerRoot((kGreatestSlope << 32) / (2 * devicePixels))});
+    const int64_t units = refined
+                              ? std::min(kRefinedStep, (kGreatestOffset << 16) / (narrowRadius + 1))
+                              : std::min(std::min(kRadialUnits * kFixedOne * widest / narrowest,
+                                                  kMostRadialUnits * kFixedOne),
+                                         int64_t{integerRoot(static_cast<uint64_t>(
+                                             (kGreatestSlope << 32) / (2 * devicePixels)))});
     const int64_t outer = shiftDown(narrowRadius * units, 16);
     if (outer == 0) return addLastStop(writer, stops);
 

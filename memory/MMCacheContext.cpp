@@ -100,8 +100,9 @@ void putFirst(MMCacheContext<N>& cache, MMCacheEntry* entry)
 // An entry of its own with a copy of the data, in no tree and no list yet; null without memory.
 MMCacheEntry* makeEntry(const void* data, uint32_t size)
 {
-    if (size > SIZE_MAX - sizeof(MMCacheEntry)) return nullptr;
-    MMCacheEntry* entry = static_cast<MMCacheEntry*>(std::malloc(sizeof(MMCacheEntry) + size));
+    const size_t bytes = sizeof(MMCacheEntry) + size;
+    if (bytes < size) return nullptr; // wrapped, on hosts with 32-bit sizes
+    MMCacheEntry* entry = static_cast<MMCacheEntry*>(std::malloc(bytes));
     if (entry == nullptr) return nullptr;
     entry->refCount = 1;
     entry->data = reinterpret_cast<uint8_t*>(entry + 1);
