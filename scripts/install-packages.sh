@@ -21,6 +21,7 @@ for group in "$@"; do
                 fonts-dejavu-core fonts-wqy-microhei fonts-tlwg-garuda-ttf) ;;
         bench)
             packages+=(libbenchmark-dev libcairo2-dev libagg-dev libpugixml-dev libpng-dev
+                libjpeg62-turbo-dev zlib1g-dev
                 fonts-dejavu-core) ;;
         clang) packages+=(clang libclang-rt-14-dev) ;;
         fuzz) packages+=(clang libclang-rt-14-dev fonts-dejavu-core) ;;
