@@ -39,7 +39,8 @@ for_machine() {
 
 # Tests left out, as a pattern. Emulated machines are slow, and what compares with slow models there
 # would prove nothing about the machine that the picture hashes do not.
-slow_models='Polyline\.MatchesUnion|PaintStrip.*/[nb]|LongLife\.MemoryStays'
+# Emulators may also stall on the test of two threads.
+slow_models='Polyline\.MatchesUnion|PaintStrip.*/[nb]|RefinedPattern|RandomRamps|LongLife\.MemoryStays|Threads\.'
 summary=()
 failed=false
 

@@ -13,9 +13,9 @@ using namespace KAVO::Graphics2D;
 
 namespace {
 
-// What the bilinear filler is asked for.
-uint32_t spans;
-int64_t spanPixels;
+// What the bilinear filler is asked for, by each thread.
+thread_local uint32_t spans;
+thread_local int64_t spanPixels;
 
 } // namespace
 
