@@ -15,7 +15,7 @@ build=build/coverage
 mkdir -p $build
 echo "== building and testing"
 cmake -S . -B $build -G Ninja -DMM2D_BUILD_TESTS=ON -DMM2D_BUILD_EXAMPLES=ON -DCMAKE_BUILD_TYPE=Debug \
-    -DCMAKE_CXX_FLAGS="-O1 --coverage -fprofile-abs-path" > $build/build.log
+    -DCMAKE_CXX_FLAGS="-O1 --coverage -fprofile-abs-path -fprofile-update=atomic" > $build/build.log
 cmake --build $build --parallel "$(nproc)" >> $build/build.log ||
     { tail -n 30 $build/build.log; exit 1; }
 find $build -name '*.gcda' -delete
