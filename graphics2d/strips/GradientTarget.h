@@ -2,6 +2,7 @@
 // The current span as a gradient's walk fills it from left to right. Internal.
 #pragma once
 
+#include "graphics2d/strips/StopList.h"
 #include "graphics2d/strips/TranslucentRun.h"
 
 namespace KAVO {
@@ -58,6 +59,20 @@ public:
         }
     }
 };
+
+// Draws the current span and its tail by the rows of one kind of gradient: Row is made of a paint
+// and a row of the target, and draws columns from a first one on.
+template <class Row>
+void drawRefinedSpan(MMContext2D& context, bool translucent)
+{
+    if (StopList(context.currentPaint).isEmpty()) return;
+    RefinedGradientTarget target(context, translucent);
+    const Row row(context.currentPaint, context.spanRow);
+    const int32_t first = fixFloor(context.spanStart);
+    const int32_t count = spanLength(context);
+    row.draw(target, first, count);
+    if (target.takeTail()) row.draw(target, first + count, 1);
+}
 
 } // namespace Graphics2D
 } // namespace KAVO
