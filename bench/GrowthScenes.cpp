@@ -27,6 +27,7 @@ struct Drawing {
         : pixels(static_cast<size_t>(side) * static_cast<size_t>(side), 0xFFFFFFFF)
     {
         setTarget(context, pixels.data(), side, side);
+        context.refined = 0;
         context.antiAlias = 1;
     }
 

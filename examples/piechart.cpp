@@ -67,7 +67,6 @@ int main(int argc, char** argv)
     const MMPixmap plate = {48, 48, 48 * 4, 0, texels, 1}; // 1: it has alpha
     {
         const MMContextState state(context);
-        context.antiAlias = 0; // an upright image has sharp edges
         context.transform.translate(262_fx, 136_fx);
         context.drawImage(&plate, 0, 0, 48_fx, 48_fx, 0);
     }

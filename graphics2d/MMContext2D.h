@@ -15,8 +15,8 @@
 //
 // Pixel grid. Without anti-aliasing pixel c covers [c, c + 1) and is drawn when its centre is
 // inside the shape. With it, the half pixel that the rasterisers add to every vertex makes pixel c
-// cover [c - 1/2, c + 1/2): for the grid that SVG uses, translate by minus half a pixel while
-// antiAlias is set. Text does not take part in the shift, and of an image only the outline does.
+// cover [c - 1/2, c + 1/2): for the grid that SVG uses, set refined, by which pixel c always covers
+// [c, c + 1). Text does not take part in the shift, and of an image only the outline does.
 //
 // Background. Translucent gradients and patterns, and glyphs of any paint, read what lies under a
 // pixel from its right-hand neighbour: where they are drawn, the picture behind them moves left by
@@ -183,6 +183,8 @@ public:
     // of each row starts in 16.16, half a pixel right of the image's left edge, and blur it along
     // its rows. With antiAlias the edges are those of any shape, half covered pixels all around
     // that image; between them spans start at whole columns, and bilinear all but copies it too.
+    // By the refined rules an image at its own size and at whole coordinates is copied whatever
+    // antiAlias is, by the nearest filter and by the bilinear one.
 
     // Draws through the transform into the rectangle of w by h at (x, y) in user space. Without
     // offsetByPosition the image lies at the user space's origin; with it, it is moved by (x, y)
@@ -380,7 +382,7 @@ public:
     // INNER: the current span, from the rasteriser to the strip filler. The first pixel is column
     // spanStart >> 16, the one after the last spanEnd >> 16. Without antiAlias both are exact:
     // where the shape, half a pixel further right, meets the row; with it they are whole columns,
-    // but for polygons that lie within one row.
+    // but for polygons that lie within one row by the classic rules.
     Fixed spanStart;
     Fixed spanEnd;
     int32_t spanRow;

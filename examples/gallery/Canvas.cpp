@@ -79,18 +79,12 @@ void Canvas::beginPanel(int x, int y)
     place();
 }
 
-void Canvas::placeUnshifted(double x, double y, double scale, double turn)
+void Canvas::place(double x, double y, double scale, double turn)
 {
     context_->transform = kIdentityMatrix;
     context_->transform.scale(fixed(scale), fixed(scale));
     context_->transform.rotate(degrees(turn));
     context_->transform.translate(fixed(panelX_ + x), fixed(panelY_ + y));
-}
-
-void Canvas::place(double x, double y, double scale, double turn)
-{
-    placeUnshifted(x, y, scale, turn);
-    if (context_->antiAlias) context_->transform.translate(-kFixedHalf, -kFixedHalf);
 }
 
 void Canvas::draw(const MMPathBuilder& path)

@@ -48,11 +48,8 @@ public:
     // The panel of the scene that is drawn begins at (x, y) of the picture.
     void beginPanel(int x, int y);
 
-    // User space becomes the panel's, first scaled and turned, then moved to (x, y) in it, on the
-    // grid where pixel 0 covers [0, 1). What is drawn without anti-aliasing, and images and text,
-    // lie on that grid without the shift that placeUnshifted leaves out.
+    // User space becomes the panel's, first scaled and turned, then moved to (x, y) in it.
     void place(double x = 0, double y = 0, double scale = 1, double turn = 0);
-    void placeUnshifted(double x = 0, double y = 0, double scale = 1, double turn = 0);
 
     void draw(const KAVO::Graphics2D::MMPathBuilder& path);
     void rectangle(double x, double y, double width, double height);

@@ -88,8 +88,7 @@ void drawModesScene(Canvas& canvas)
     canvas.useFont(LATIN_FONT);
     for (const uint8_t refined : {uint8_t{0}, uint8_t{1}}) {
         canvas.context().refined = refined;
-        canvas.placeUnshifted(refined ? 190 : 0, 0);
+        canvas.place(refined ? 190 : 0, 0);
         drawSample(canvas);
     }
-    canvas.context().refined = 0;
 }

@@ -81,8 +81,8 @@ void drawPaintScene(Canvas& canvas)
         if (kind >= 6) {
             const auto filter = static_cast<MMPatternFilter>(kind - 6);
             context.patternFilter = filter;
-            canvas.placeUnshifted(x - kRadius, y - kRadius, kRadius / 8, 0);
-            setPattern(paint, pixmap, context.transform, filter);
+            canvas.place(x - kRadius, y - kRadius, kRadius / 8, 0);
+            setPattern(paint, pixmap, context.transform, filter, true);
             canvas.place(x, y);
         }
         // A disc with a star cut out: curved and straight edges, outside and in.
@@ -97,36 +97,21 @@ void drawPaintScene(Canvas& canvas)
 }
 
 // The same image turned and magnified: nearest, bilinear, bicubic; below upright, at 1:1 and
-// enlarged. drawImage is for the nearest filter, whose pixels stay as they are; the others are
-// patterns in rectangles with smooth edges.
+// enlarged.
 void drawImageScene(Canvas& canvas)
 {
     MMContext2D& context = canvas.context();
     Picture image = makeImage(16, false);
     MMPixmap pixmap = pixmapOf(image);
-    const auto drawPattern = [&](double x, double y, double scale, double angle) {
-        canvas.fill(0);
-        canvas.placeUnshifted(x, y, scale, angle);
-        setPattern(context.fillPaint, pixmap, context.transform,
-                   static_cast<MMPatternFilter>(context.patternFilter));
+    const auto drawAt = [&](double x, double y, double scale, double angle) {
         canvas.place(x, y, scale, angle);
-        canvas.rectangle(0, 0, 16, 16);
+        context.drawImage(&pixmap, 0, 0, 16_fx, 16_fx, 0);
     };
-    for (uint8_t filter = 0; filter < 3; ++filter) {
+    for (uint8_t filter = kFilterNearest; filter <= kFilterBicubic; ++filter) {
         context.patternFilter = filter;
-        drawPattern(54 + 122 * filter, 6, 5, 30);
-    }
-    context.antiAlias = 0;
-    context.patternFilter = kFilterNearest;
-    canvas.placeUnshifted(20, 144);
-    context.drawImage(&pixmap, 0, 0, fixed(16), fixed(16), 0);
-    canvas.placeUnshifted(44, 144, 3);
-    context.drawImage(&pixmap, 0, 0, fixed(16), fixed(16), 0);
-    context.antiAlias = 1;
-    for (uint8_t filter = kFilterBilinear; filter <= kFilterBicubic; ++filter) {
-        context.patternFilter = filter;
-        drawPattern(20 + 122 * filter, 144, 1, 0);
-        drawPattern(44 + 122 * filter, 144, 3, 0);
+        drawAt(54 + 122 * filter, 6, 5, 30);
+        drawAt(20 + 122 * filter, 144, 1, 0);
+        drawAt(44 + 122 * filter, 144, 3, 0);
     }
     context.patternFilter = kFilterBilinear;
 }

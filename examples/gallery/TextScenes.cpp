@@ -28,7 +28,6 @@ void requireGlyphs(Canvas& canvas, const uint16_t* text)
     }
 }
 
-// The text is drawn through the transform without the shift of anti-aliased paths.
 void drawLine(Canvas& canvas, const char* utf8, double x, double y)
 {
     MMText text(utf8);
@@ -45,7 +44,7 @@ void drawParagraph(Canvas& canvas, const char* fontFile, const char* utf8, doubl
     MMText text(utf8);
     requireGlyphs(canvas, text.units());
     canvas.fill(kInk);
-    canvas.placeUnshifted();
+    canvas.place();
     setFont(context, size);
     context.lineHeight = fixed(size * lineHeight);
     context.wrapWidth = fixed(kPanelWidth - 30);
@@ -64,7 +63,7 @@ void drawSizeScene(Canvas& canvas)
     canvas.useFont(LATIN_FONT);
     MMContext2D& context = canvas.context();
     canvas.fill(kInk);
-    canvas.placeUnshifted();
+    canvas.place();
     double y = 6;
     for (const double size : {8, 10, 12, 14, 18, 24, 36, 48}) {
         y += size * 1.05;
@@ -81,7 +80,7 @@ void drawSizeScene(Canvas& canvas)
         canvas.useFont(LATIN_FONT); // and a glyph cache of its own
         FS_set_light_hinting(hinted);
         canvas.fill(kInk);
-        canvas.placeUnshifted();
+        canvas.place();
         setFont(canvas.context(), 11);
         drawLine(canvas, hinted ? "hinted: fine print" : "plain: fine print", 236,
                  hinted ? 108 : 92);
@@ -95,7 +94,7 @@ void drawLetterScene(Canvas& canvas)
     canvas.useFont(LATIN_FONT);
     MMContext2D& context = canvas.context();
     canvas.fill(kInk);
-    canvas.placeUnshifted();
+    canvas.place();
     setFont(context, 20);
     static const Degrees turns[] = {degrees(-40), degrees(-28), degrees(-16), degrees(-4),
                                     degrees(8),   degrees(20),  degrees(32),  degrees(44)};
@@ -104,13 +103,13 @@ void drawLetterScene(Canvas& canvas)
     drawLine(canvas, "tumbling", 16, 36);
     context.charRotate = nullptr;
     context.charRotateCount = 0;
-    canvas.placeUnshifted(150, 50, 1, -15);
+    canvas.place(150, 50, 1, -15);
     drawLine(canvas, "uphill", 0, 0);
-    canvas.placeUnshifted(240, 12, 1, 15);
+    canvas.place(240, 12, 1, 15);
     drawLine(canvas, "downhill", 0, 20);
 
     MMGradient gradient({{0, 0xFFD00000}, {0.5_fx, 0xFFE09F3E}, {1_fx, 0xFF1C77C3}});
-    canvas.placeUnshifted();
+    canvas.place();
     gradient.setLinear(context, context.fillPaint, {10_fx, 0}, {370_fx, 0});
     setFont(context, 48, 7);
     drawLine(canvas, "Gradient", 14, 112);
@@ -120,10 +119,10 @@ void drawLetterScene(Canvas& canvas)
         if ((i + i / 8) % 4 < 2) image.pixels[static_cast<size_t>(i)] = 0xFFE09F3E;
     }
     const MMPixmap pixmap = {8, 8, 32, 0, image.pixels.data(), 0};
-    canvas.placeUnshifted(14, 124, 8);
+    canvas.place(14, 124, 8);
     setPattern(context.fillPaint, pixmap, context.transform, kFilterBilinear);
     context.patternFilter = kFilterBilinear;
-    canvas.placeUnshifted();
+    canvas.place();
     drawLine(canvas, "Tiles", 14, 176);
 
     canvas.fill(0xFFB23A48);

@@ -11,9 +11,9 @@ void drawImages(MMContext2D& context)
         texels[i] = (i / 4 + i / 64) % 2 ? 0xFF2A7F78 : 0xFFE09F3E;
     const MMPixmap image = {16, 16, 16 * 4, 0, texels, 0}; // the last 0: no alpha
 
-    { // upright, pixel for pixel, then magnified with hard edges
+    context.antiAlias = 1;
+    { // upright, pixel for pixel, then magnified with hard texels
         const MMContextState state(context);
-        context.antiAlias = 0;
         context.patternFilter = kFilterNearest;
         context.transform.translate(12_fx, 20_fx);
         context.drawImage(&image, 0, 0, 16_fx, 16_fx, 0);
@@ -24,7 +24,6 @@ void drawImages(MMContext2D& context)
     }
     { // turned by 30 degrees, smooth
         const MMContextState state(context);
-        context.antiAlias = 1;
         context.patternFilter = kFilterBilinear;
         context.transform.scale(4_fx, 4_fx);
         context.transform.rotate(30_fx);

@@ -19,6 +19,7 @@ void setTarget(MMContext2D& context, Pixel* pixels, int32_t width, int32_t heigh
     context.clipTop = 0;
     context.clipRight = columns;
     context.clipBottom = rows;
+    context.refined = 1;
 }
 
 } // namespace Graphics2D

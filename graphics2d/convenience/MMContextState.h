@@ -9,9 +9,9 @@ namespace Graphics2D {
 
 #pragma GCC visibility push(default)
 
-// Makes the context draw into these pixels, all of them: sets target (but its backgroundColour) and
-// clip. rowBytes is the distance between rows, a multiple of 4; 0 means that they touch. Sides
-// beyond 32,767 are cut to it, negative ones count as 0.
+// Makes the context draw into these pixels, all of them, and by the refined rules: sets target (but
+// its backgroundColour), clip and refined. rowBytes is the distance between rows, a multiple of 4;
+// 0 means that they touch. Sides beyond 32,767 are cut to it, negative ones count as 0.
 void setTarget(MMContext2D& context, Pixel* pixels, int32_t width, int32_t height,
                uint32_t rowBytes = 0);
 
@@ -27,8 +27,8 @@ void setTarget(MMContext2D& context, Pixel* pixels, int32_t width, int32_t heigh
 //     } // transform and paint are as before
 //
 // That is the transform, the clip rectangle, both paints, the fill rule, the stroke style,
-// patternFilter, imageOpacity and antiAlias. The arrays of gradients, images and dashes are not
-// copied: they stay where they are.
+// patternFilter, imageOpacity, antiAlias and refined. The arrays of gradients, images and dashes
+// are not copied: they stay where they are.
 class MMContextState {
 public:
     explicit MMContextState(MMContext2D& context)
@@ -39,7 +39,8 @@ public:
           clipRight_(context.clipRight), clipBottom_(context.clipBottom),
           dashCount_(context.dashCount), joinStyle_(context.joinStyle), capStyle_(context.capStyle),
           fillRule_(context.fillRule), patternFilter_(context.patternFilter),
-          imageOpacity_(context.imageOpacity), antiAlias_(context.antiAlias)
+          imageOpacity_(context.imageOpacity), antiAlias_(context.antiAlias),
+          refined_(context.refined)
     {
     }
     ~MMContextState()
@@ -62,6 +63,7 @@ public:
         context_.patternFilter = patternFilter_;
         context_.imageOpacity = imageOpacity_;
         context_.antiAlias = antiAlias_;
+        context_.refined = refined_;
     }
     MMContextState(const MMContextState&) = delete;
     MMContextState& operator=(const MMContextState&) = delete;
@@ -86,6 +88,7 @@ private:
     const uint8_t patternFilter_;
     const uint8_t imageOpacity_;
     const uint8_t antiAlias_;
+    const uint8_t refined_;
 };
 
 } // namespace Graphics2D

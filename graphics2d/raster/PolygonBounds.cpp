@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "graphics2d/raster/PolygonBounds.h"
 
+#include "graphics2d/raster/PixelGrid.h"
+
 #include <algorithm>
 
 namespace KAVO {
@@ -18,10 +20,11 @@ PixelBox reachableBox(const MMContext2D& context, const BoundsUnion& bounds)
 {
     if (context.drawSuppressed) return {0, 0, 0, 0};
     const PixelBox drawable = drawableBox(context);
-    return {std::max(drawable.left, fixFloor(shiftedByHalf(bounds.minX))),
-            std::max(drawable.top, fixFloor(shiftedByHalf(bounds.minY))),
-            std::min(drawable.right, fixFloor(shiftedByHalf(bounds.maxX)) + 1),
-            std::min(drawable.bottom, fixFloor(shiftedByHalf(bounds.maxY)) + 1)};
+    const PixelGrid grid(context);
+    return {std::max(drawable.left, fixFloor(grid.moved(bounds.minX))),
+            std::max(drawable.top, fixFloor(grid.moved(bounds.minY))),
+            std::min(drawable.right, fixFloor(grid.moved(bounds.maxX)) + 1),
+            std::min(drawable.bottom, fixFloor(grid.moved(bounds.maxY)) + 1)};
 }
 
 } // namespace Graphics2D

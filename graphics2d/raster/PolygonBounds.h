@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What both rasterisers do before they walk a polygon: bounds, rejection, the half-pixel shift.
-// Internal.
+// What both rasterisers do before they walk a polygon: bounds and rejection. Internal.
 #pragma once
 
 #include "graphics2d/BoundsUnion.h"
@@ -8,13 +7,6 @@
 
 namespace KAVO {
 namespace Graphics2D {
-
-// Adds the half pixel that lets integer parts select pixels by their centres. Stops at the end of
-// the range, which lies beyond every clip rectangle.
-constexpr Fixed shiftedByHalf(Fixed v)
-{
-    return v > 0x7FFFFFFF - kFixedHalf ? 0x7FFFFFFF : v + kFixedHalf;
-}
 
 // True when differences of coordinates may not fit 32 bits. Edges are then cut into halves.
 inline bool spansTooFar(const BoundsUnion& bounds)

@@ -5,7 +5,7 @@
 // order and fills where the winding number says inside. Only where inside and outside meet is an
 // edge drawn, so outlines that overlap or run back on themselves leave no trace.
 //
-// Without anti-aliasing a row is decided on its lower boundary, which the half-pixel shift makes
+// Without anti-aliasing a row is decided on its lower boundary, which the pixel grid makes
 // the centre line of the pixels. Rows with anti-aliasing are the topic of SmoothRows.cpp.
 //
 // Cost: n log n for the local minima, and for each row n log n for the chains in it, times the
@@ -69,7 +69,7 @@ bool draw(MMContext2D& context, const PixelBox& visible, const Contours& contour
 {
     RowPainter painter(context, visible);
     if (!painter.draws()) return true;
-    VertexRings rings(context.scratchStack, cutLongEdges, contours);
+    VertexRings rings(context.scratchStack, PixelGrid(context), cutLongEdges, contours);
     if (!rings) return false;
     if (rings.minimumCount() == 0) return true;
     ActiveEdges active(context.scratchStack, rings);

@@ -7,7 +7,7 @@
 // chain is on the left is looked up anew in every row, so crossed chains do no harm.
 //
 // Without anti-aliasing a row is the span between the chains' x at the row's lower boundary, which
-// the half-pixel shift makes the centre line of the pixels. With it, rows that hold no vertex take
+// the pixel grid makes the centre line of the pixels. With it, rows that hold no vertex take
 // the ramps of SmoothEdges.cpp, and the others are cut into slabs at their vertices and summed up
 // exactly in a CoverageRow.
 //
@@ -17,6 +17,7 @@
 #include "graphics2d/OutOfMemory.h"
 #include "graphics2d/raster/EdgeLine.h"
 #include "graphics2d/raster/EdgeRow.h"
+#include "graphics2d/raster/PixelGrid.h"
 #include "graphics2d/raster/SlabFill.h"
 #include "graphics2d/raster/ThinPolygon.h"
 #include "math/Points.h"
@@ -29,11 +30,14 @@ namespace Graphics2D {
 
 namespace {
 
-// The shifted vertices from the topmost on, without repetitions, closed by the topmost again.
+// The vertices on the pixel grid from the topmost on, without repetitions, closed by the topmost
+// again.
 class VertexList {
 public:
-    VertexList(MMStackContext& stack, bool cutLongEdges, const MMPoint2D* points, uint32_t count)
-        : cutLongEdges_(cutLongEdges), vertices_(stack, cutLongEdges_ ? 2 * count + 2 : count + 1)
+    VertexList(MMStackContext& stack, const PixelGrid& grid, bool cutLongEdges,
+               const MMPoint2D* points, uint32_t count)
+        : grid_(grid), cutLongEdges_(cutLongEdges),
+          vertices_(stack, cutLongEdges_ ? 2 * count + 2 : count + 1)
     {
         if (!vertices_) return;
         const uint32_t start = topmost(points, count);
@@ -41,8 +45,9 @@ public:
             append(points[i]);
         for (uint32_t i = 0; i < start; ++i)
             append(points[i]);
-        // The last vertex is compared with the first point before its shift.
-        if (vertices_[size_ - 1] != points[0]) append(points[start]);
+        // The last vertex is compared with the first point before its shift. Without one the two
+        // may be the same, and the list would stay open.
+        if (!grid_.shifts() || vertices_[size_ - 1] != points[0]) append(points[start]);
         vertices_.resize(size_);
     }
 
@@ -63,7 +68,7 @@ private:
 
     void append(const MMPoint2D& point)
     {
-        const MMPoint2D vertex{shiftedByHalf(point.x), shiftedByHalf(point.y)};
+        const MMPoint2D vertex = grid_.moved(point);
         if (size_ != 0) {
             const MMPoint2D& previous = vertices_[size_ - 1];
             if (vertex == previous) return;
@@ -72,6 +77,7 @@ private:
         vertices_[size_++] = vertex;
     }
 
+    const PixelGrid grid_;
     bool cutLongEdges_;
     uint32_t size_ = 0;
     ScratchArray<MMPoint2D> vertices_;
@@ -273,16 +279,18 @@ void drawSmooth(MMContext2D& context, RowPainter& painter, CoverageRow& coverage
 }
 
 // False when scratch memory ran out.
-bool drawChains(MMContext2D& context, const PixelBox& visible, Fixed bottom, bool cutLongEdges,
+bool drawChains(MMContext2D& context, const PixelBox& visible, Fixed lowest, bool cutLongEdges,
                 const MMPoint2D* points, uint32_t count)
 {
     RowPainter painter(context, visible);
     if (!painter.draws()) return true;
-    VertexList list(context.scratchStack, cutLongEdges, points, count);
+    const PixelGrid grid(context);
+    VertexList list(context.scratchStack, grid, cutLongEdges, points, count);
     if (!list) return false;
     WalkedChain forward(list.first(), list.last(), 1);
     WalkedChain backward(list.last(), list.first(), -1);
     const Fixed top = list.first()->y;
+    const Fixed bottom = grid.moved(lowest);
     if ((context.antiAlias & 1) == 0) {
         drawSharp(painter, forward, backward, top, bottom);
         return true;
@@ -302,10 +310,9 @@ void drawMonotone(MMContext2D& context, const MMPoint2D* points, uint32_t count,
 {
     const PixelBox visible = reachableBox(context, bounds);
     if (visible.empty()) return;
-    const bool smooth = (context.antiAlias & 1) != 0;
-    if (smooth && thinShapes == ThinShapes::kOneSpan && isThinPolygon(bounds))
+    if (thinShapes == ThinShapes::kOneSpan && isThinPolygon(context, bounds))
         drawThinPolygon(context, bounds, visible);
-    else if (!drawChains(context, visible, shiftedByHalf(bounds.maxY), cutLongEdges, points, count))
+    else if (!drawChains(context, visible, bounds.maxY, cutLongEdges, points, count))
         noteOutOfMemory(context);
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "graphics2d/raster/ThinPolygon.h"
 
+#include "graphics2d/raster/PixelGrid.h"
 #include "graphics2d/raster/RowPainter.h"
 
 namespace KAVO {
@@ -17,21 +18,24 @@ uint8_t scaledOpacity(uint8_t opacity, Fixed height)
 
 } // namespace
 
-bool isThinPolygon(const BoundsUnion& bounds)
+bool isThinPolygon(const MMContext2D& context, const BoundsUnion& bounds)
 {
-    return fixFloor(shiftedByHalf(bounds.minY)) == fixFloor(shiftedByHalf(bounds.maxY) - 1);
+    if ((context.antiAlias & 1) == 0 || context.refined != 0) return false;
+    const PixelGrid grid(context);
+    return fixFloor(grid.moved(bounds.minY)) == fixFloor(grid.moved(bounds.maxY) - 1);
 }
 
 void drawThinPolygon(MMContext2D& context, const BoundsUnion& bounds, const PixelBox& visible)
 {
-    const int32_t row = fixFloor(shiftedByHalf(bounds.minY));
+    const PixelGrid grid(context);
+    const int32_t row = fixFloor(grid.moved(bounds.minY));
     if (row < visible.top || row >= visible.bottom) return;
     uint8_t& opacity = context.currentPaint.paintOpacity;
     const uint8_t whole = opacity;
     opacity = scaledOpacity(whole, bounds.maxY - bounds.minY);
     RowPainter painter(context, visible);
     painter.beginRow(row);
-    painter.drawSharp(shiftedByHalf(bounds.minX), shiftedByHalf(bounds.maxX));
+    painter.drawSharp(grid.moved(bounds.minX), grid.moved(bounds.maxX));
     opacity = whole;
 }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "graphics2d/raster/VertexRings.h"
 
-#include "graphics2d/raster/PolygonBounds.h"
 #include "math/Points.h"
 
 #include <algorithm>
@@ -20,8 +19,9 @@ uint32_t roomFor(const Contours& contours, bool cutLongEdges)
 
 } // namespace
 
-VertexRings::VertexRings(MMStackContext& stack, bool cutLongEdges, const Contours& contours)
-    : cutLongEdges_(cutLongEdges), vertices_(stack, roomFor(contours, cutLongEdges))
+VertexRings::VertexRings(MMStackContext& stack, const PixelGrid& grid, bool cutLongEdges,
+                         const Contours& contours)
+    : grid_(grid), cutLongEdges_(cutLongEdges), vertices_(stack, roomFor(contours, cutLongEdges))
 {
     if (!vertices_) return;
     appendLink(0);
@@ -52,7 +52,8 @@ void VertexRings::appendRing(const MMPoint2D* points, const MMPoint2D* end)
 
 void VertexRings::append(const MMPoint2D& point, bool isFirst)
 {
-    const MMPoint2D vertex{shiftedByHalf(point.x), shiftedByHalf(point.y)};
+    MMPoint2D vertex = grid_.moved(point);
+    vertex.y = std::max(vertex.y, kHighest);
     if (!isFirst) {
         const MMPoint2D& previous = vertices_[size_ - 1].point;
         if (vertex == previous) return;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "graphics2d/raster/Contours.h"
+#include "graphics2d/raster/PixelGrid.h"
 #include "memory/ScratchArray.h"
 
 namespace KAVO {
@@ -18,9 +19,10 @@ constexpr uint32_t kNoVertex = 0xFFFFFFFF;
 // vertices, so that who walks downward looks for them only where an edge goes up.
 class VertexRings {
 public:
-    // Takes the contours' points, shifted by half a pixel and without repetitions, from which long
+    // Takes the contours' points, on the pixel grid and without repetitions, from which long
     // edges are cut into halves if wanted. Contours that lie on one horizontal line are left out.
-    VertexRings(MMStackContext& stack, bool cutLongEdges, const Contours& contours);
+    VertexRings(MMStackContext& stack, const PixelGrid& grid, bool cutLongEdges,
+                const Contours& contours);
 
     explicit operator bool() const { return static_cast<bool>(vertices_); }
     const MMPoint2D& operator[](uint32_t i) const { return vertices_[i].point; }
@@ -58,8 +60,9 @@ private:
         uint32_t nextMinimum; // the local minimum that follows in the order of y
     };
     // A link has kLinkY, the first vertex of the ring before it in point.x, and the last one of the
-    // ring behind it in nextMinimum. No vertex is so high: all were moved down by half a pixel.
+    // ring behind it in nextMinimum. No vertex is so high, nor is a rounded middle of two.
     static constexpr Fixed kLinkY = -0x7FFFFFFF - 1;
+    static constexpr Fixed kHighest = kLinkY + kFixedHalf;
 
     bool isLink(uint32_t i) const { return vertices_[i].point.y == kLinkY; }
     uint32_t ringEnd(uint32_t link, int32_t winding) const
@@ -76,6 +79,7 @@ private:
     uint32_t sortedByY(uint32_t first, uint32_t count);
     bool isAbove(uint32_t a, uint32_t b) const;
 
+    const PixelGrid grid_;
     bool cutLongEdges_;
     uint32_t size_ = 0; // with the links
     uint32_t firstMinimum_ = kNoVertex;

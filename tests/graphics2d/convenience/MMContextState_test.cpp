@@ -23,6 +23,7 @@ TEST(Target, IsWhatIsDrawnIntoAndTheClip)
     const Pixel expected[3 * 5] = {black, black, black, 0, 0, black, black, black};
     EXPECT_EQ(std::memcmp(pixels, expected, sizeof pixels), 0);
     setTarget(context, pixels, 3, 5);
+    EXPECT_EQ(context.refined, 1);
     EXPECT_EQ(context.target.rowBytes, 12u);
     EXPECT_EQ(context.target.backgroundColour, 0xFFFFFFFF);
 
@@ -75,6 +76,7 @@ TEST(ContextState, ComesBackAtTheEndOfItsScope)
         context.patternFilter = kFilterBicubic;
         context.imageOpacity = 3;
         context.antiAlias = 0;
+        context.refined = 1;
     }
     EXPECT_TRUE(bytesOf() == before);
 }

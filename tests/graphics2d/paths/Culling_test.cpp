@@ -69,6 +69,7 @@ void drawAtRandom(MMContext2D& context, uint32_t seed)
     context.fillPaint.paintType = fills ? kPaintSolid : kPaintNone;
     context.strokePaint.paintType = !fills || random.below(3) == 0 ? kPaintSolid : kPaintNone;
     context.strokePaint.paintColour = 0xFF806040;
+    context.refined = static_cast<uint8_t>(random.below(2));
     context.drawPath(path.data());
 }
 

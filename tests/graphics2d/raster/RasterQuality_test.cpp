@@ -55,20 +55,33 @@ Errors errorsOf(const Picture& picture, const std::vector<double>& areas)
     return errors;
 }
 
+// What lies around the point (c, r) by the classic rules lies in [c, c + 1) and [r, r + 1) then.
+Polygon movedByHalf(Polygon polygon)
+{
+    for (MMPoint2D& p : polygon)
+        p = {p.x + kFixedHalf, p.y + kFixedHalf};
+    return polygon;
+}
+
 TEST(RasterQuality, CoverageIsTheArea)
 {
     for (const Shape& shape : shapes())
         for (bool evenOdd : {false, true}) {
             SCOPED_TRACE(testing::Message() << shape.name << " even-odd " << evenOdd);
             const auto ideal = areas(edgesOf(shape.polygon), kSize, kSize, evenOdd, 512);
-            for (const auto raster : {kChosen, kComplex}) {
-                RasterPicture picture(true, evenOdd);
-                picture.fill(shape.polygon, raster);
-                const Errors errors = errorsOf(picture, ideal);
-                EXPECT_LE(errors.mean, shape.error.mean);
-                EXPECT_LE(errors.worst, shape.error.worst)
-                    << "at " << errors.worstX << ", " << errors.worstY;
-            }
+            for (const auto raster : {kChosen, kComplex})
+                for (uint8_t refined : {0, 1}) {
+                    RasterPicture picture(true, evenOdd);
+                    picture.context.refined = refined;
+                    picture.fill(refined != 0 ? movedByHalf(shape.polygon) : shape.polygon, raster);
+                    const Errors errors = errorsOf(picture, ideal);
+                    // Refined coverage becomes a weight of 0 to 256 before it is blended.
+                    const double mean = shape.error.mean + (refined != 0 ? 0.1 : 0);
+                    EXPECT_LE(errors.mean, mean) << "refined " << int(refined);
+                    EXPECT_LE(errors.worst, shape.error.worst)
+                        << "refined " << int(refined) << ", at " << errors.worstX << ", "
+                        << errors.worstY;
+                }
         }
 }
 
