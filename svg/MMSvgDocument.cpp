@@ -44,34 +44,6 @@ bool isUsable(const MMPixmap& target)
            target.rowBytes % sizeof(Pixel) == 0;
 }
 
-Pixel* rowOf(const MMPixmap& pixmap, size_t y)
-{
-    return pixmap.pixels + y * (pixmap.rowBytes / sizeof(Pixel));
-}
-
-bool isOpaque(const MMPixmap& target)
-{
-    for (size_t y = 0; y < target.height; ++y) {
-        const Pixel* row = rowOf(target, y);
-        if (!std::all_of(row, row + target.width, [](Pixel p) { return p >> 24 == 255; }))
-            return false;
-    }
-    return true;
-}
-
-// A pixel with alpha over a premultiplied one.
-Pixel over(Pixel above, Pixel below)
-{
-    const uint32_t alpha = above >> 24;
-    Pixel result = 0;
-    for (int shift = 0; shift < 32; shift += 8) {
-        const uint32_t channel = shift == 24 ? 255 : above >> shift & 0xFF;
-        const uint32_t ground = below >> shift & 0xFF;
-        result |= (channel * alpha + ground * (255 - alpha) + 127) / 255 << shift;
-    }
-    return result;
-}
-
 } // namespace
 
 struct MMSvgDocument::Parts {
@@ -83,8 +55,6 @@ struct MMSvgDocument::Parts {
 
     bool load(std::string bytes, const std::string& folder);
     void draw(MMContext2D& context, const Rectangle& rectangle, const char* aspectRatio);
-    void drawTranslucent(const MMPixmap& target, const Rectangle& rectangle,
-                         const char* aspectRatio, bool antiAlias);
 };
 
 bool MMSvgDocument::Parts::load(std::string bytes, const std::string& folder)
@@ -103,6 +73,7 @@ void MMSvgDocument::Parts::draw(MMContext2D& context, const Rectangle& rectangle
 {
     const ContextGuard guard(context);
     context.accumulateBounds = 1;
+    context.refined = 1;
     const auto clip = [](int value, int most) {
         return static_cast<int16_t>(std::clamp(value, 0, most));
     };
@@ -120,31 +91,6 @@ void MMSvgDocument::Parts::draw(MMContext2D& context, const Rectangle& rectangle
     if (!bounds.empty())
         result.bounds = {toFixed(bounds.left), toFixed(bounds.top), toFixed(bounds.right),
                          toFixed(bounds.bottom)};
-}
-
-// Fillers blend the alpha of a target like a colour, so what shows of the ground is found by
-// drawing over black and over white.
-void MMSvgDocument::Parts::drawTranslucent(const MMPixmap& target, const Rectangle& rectangle,
-                                           const char* aspectRatio, bool antiAlias)
-{
-    const auto drawn = [&](Pixel ground) {
-        Picture picture(target.width, target.height, ground);
-        MMContext2D context;
-        context.target = {
-            target.width, target.height, target.width * 4u, 0, picture.pixels.data(), 0};
-        context.clipRight = static_cast<int16_t>(target.width);
-        context.clipBottom = static_cast<int16_t>(target.height);
-        context.antiAlias = antiAlias;
-        draw(context, rectangle, aspectRatio);
-        return picture;
-    };
-    const Picture overBlack = drawn(0xFF000000);
-    const Picture picture = separateFromGround(overBlack, drawn(0xFFFFFFFF));
-    for (size_t y = 0; y < target.height; ++y) {
-        Pixel* row = rowOf(target, y);
-        for (size_t x = 0; x < target.width; ++x)
-            row[x] = over(picture.pixels[y * target.width + x], row[x]);
-    }
 }
 
 MMSvgDocument::MMSvgDocument(LoadOptions options) : parts_(std::make_unique<Parts>())
@@ -190,20 +136,12 @@ bool MMSvgDocument::render(const MMPixmap& target, const Placement& place,
     if (!parts_->document || !isUsable(target)) return false;
     const std::optional<Rectangle> rectangle = Rectangle::make(place, size());
     if (!rectangle) return false;
-    if (!isOpaque(target)) {
-        parts_->drawTranslucent(target, *rectangle, place.aspectRatio, options.antiAlias);
-        return true;
-    }
     MMContext2D context;
     context.target = target;
     context.clipRight = static_cast<int16_t>(target.width);
     context.clipBottom = static_cast<int16_t>(target.height);
     context.antiAlias = options.antiAlias;
     parts_->draw(context, *rectangle, place.aspectRatio);
-    for (size_t y = 0; y < target.height; ++y) {
-        Pixel* row = rowOf(target, y);
-        std::transform(row, row + target.width, row, [](Pixel p) { return p | 0xFF000000; });
-    }
     return true;
 }
 

@@ -94,9 +94,10 @@ public:
     // pixels, and placements of no size, draw nothing and answer false.
     bool render(const MMPixmap& target, const Placement& place, const RenderOptions& options = {});
 
-    // Draws with a caller's context into its target, which is opaque, inside its clip rectangle;
-    // antiAlias is the context's. All fields that drawing changes come back, but for the bounds
-    // fields, outOfMemory and what the scratch stack and the glyph cache hold.
+    // Draws with a caller's context over what its target holds, whose pixels are premultiplied,
+    // inside its clip rectangle, by the refined rules; antiAlias is the context's. All fields that
+    // drawing changes come back, but for the bounds fields, outOfMemory and what the scratch stack
+    // and the glyph cache hold.
     bool render(Graphics2D::MMContext2D& context, const Placement& place);
 
     const RenderResult& result() const;

@@ -28,7 +28,6 @@ LoadedImage read(const SvgDocument& document, const std::string& href, uint64_t 
     } else {
         image.problem = kind.empty() ? "is of an unknown kind" : "is " + std::string(kind);
     }
-    spreadColours(image.picture);
     return image;
 }
 

@@ -9,7 +9,8 @@
 namespace KAVO {
 namespace Svg {
 
-// Rows of 0xAARRGGBB, not premultiplied, from the top left corner on, without padding.
+// Rows of 0xAARRGGBB, not premultiplied unless it is said, from the top left corner on, without
+// padding.
 struct Picture {
     int width = 0;
     int height = 0;
@@ -33,16 +34,8 @@ struct Picture {
 // are well inside the range of 16.16 coordinates.
 constexpr int kLargestSide = 8192;
 
-// What lets the ground show through is transparent: the same drawing over black and over white
-// makes a picture with alpha.
-Picture separateFromGround(const Picture& overBlack, const Picture& overWhite);
-
-// Half as wide and half as high, at least a pixel: each pixel the mean of four.
-Picture halved(const Picture& picture);
-
-// Gives fully transparent pixels near others their colour, since filters mix colours without regard
-// to alpha.
-void spreadColours(Picture& picture);
+// Divides the colours of a premultiplied picture by their alpha.
+void separateAlpha(Picture& picture);
 
 } // namespace Svg
 } // namespace KAVO

@@ -122,8 +122,8 @@ Pixel Gradient::colourAt(double t) const
     return result;
 }
 
-bool GradientPaint::set(MMPaint& paint, Gradient gradient, const Affine& toDevice, double shift,
-                        const Box& shapeBounds, const Box& visible, bool forText)
+bool GradientPaint::set(MMPaint& paint, Gradient gradient, const Affine& toDevice,
+                        const Box& shapeBounds, const Box& visible)
 {
     Affine matrix = toDevice;
     if (gradient.inBox) {
@@ -141,25 +141,19 @@ bool GradientPaint::set(MMPaint& paint, Gradient gradient, const Affine& toDevic
     const bool flat = gradient.radial ? gradient.radius == 0 : along.x == 0 && along.y == 0;
     if (flat) gradient.stops = {gradient.stops.back()};
     if (gradient.stops.size() > 1 && (gradient.spread != Gradient::Pad || focal))
-        return setPicture(paint, gradient, matrix, visible, forText);
-    setRamp(paint, gradient, translation(shift, shift) * matrix, forText);
+        return setPicture(paint, gradient, matrix, visible);
+    setRamp(paint, gradient, matrix);
     return true;
 }
 
-void GradientPaint::setRamp(MMPaint& paint, const Gradient& gradient, const Affine& matrix,
-                            bool forText)
+void GradientPaint::setRamp(MMPaint& paint, const Gradient& gradient, const Affine& matrix)
 {
     colours_.clear();
     offsets_.clear();
-    const auto add = [&](double offset, Pixel colour) {
-        colours_.push_back(colour);
-        offsets_.push_back(toFixed(offset));
-    };
-    // Before the first stop and after the last one the library treats alpha as forGlyphs says.
-    if (forText) add(gradient.stops.front().offset, forGlyphs(gradient.stops.front().colour));
-    for (const Gradient::Stop& stop : gradient.stops)
-        add(stop.offset, stop.colour);
-    if (forText) add(gradient.stops.back().offset, forGlyphs(gradient.stops.back().colour));
+    for (const Gradient::Stop& stop : gradient.stops) {
+        colours_.push_back(stop.colour);
+        offsets_.push_back(toFixed(stop.offset));
+    }
     const auto count = static_cast<uint32_t>(colours_.size());
     rampColours_.resize(gradientRampRoom(count));
     rampOffsets_.resize(gradientRampRoom(count));
@@ -175,16 +169,18 @@ void GradientPaint::setRamp(MMPaint& paint, const Gradient& gradient, const Affi
     const GradientStops stops = {colours_.data(), offsets_.data(), count};
     const GradientRamp ramp = {rampColours_.data(), rampOffsets_.data()};
     if (gradient.radial) {
-        setRadialGradient(paint, {0, 0}, toFixed(gradient.radius * scale), fixed, stops, ramp);
+        setRadialGradient(paint, {0, 0}, toFixed(gradient.radius * scale), fixed, stops, ramp,
+                          true);
     } else {
         const Point end = (gradient.end - gradient.start) * scale;
-        setLinearGradient(paint, {0, 0}, {toFixed(end.x), toFixed(end.y)}, fixed, stops, ramp);
+        setLinearGradient(paint, {0, 0}, {toFixed(end.x), toFixed(end.y)}, fixed, stops, ramp,
+                          true);
     }
 }
 
 // What the library's ramps cannot do, computed pixel by pixel.
 bool GradientPaint::setPicture(MMPaint& paint, const Gradient& gradient, const Affine& matrix,
-                               const Box& visible, bool forText)
+                               const Box& visible)
 {
     const std::optional<Affine> inverse = matrix.inverse();
     if (!inverse || !visible.hasArea()) return false;
@@ -197,15 +193,14 @@ bool GradientPaint::setPicture(MMPaint& paint, const Gradient& gradient, const A
             const Point p = inverse->map({left + x + 0.5, top + y + 0.5});
             const std::optional<double> t = gradient.parameterAt(p);
             if (!t) continue;
-            const Pixel colour = gradient.colourAt(*t);
-            picture_.at(x, y) = forText ? forGlyphs(colour) : colour;
+            picture_.at(x, y) = gradient.colourAt(*t);
         }
     }
     const auto width = static_cast<uint16_t>(picture_.width);
     const auto height = static_cast<uint16_t>(picture_.height);
     const MMPixmap pixmap = {width, height, width * 4u, 0, picture_.pixels.data(), 1};
     const Matrix2D place = {kFixedOne, 0, 0, kFixedOne, fixFromInt(left), fixFromInt(top)};
-    setPattern(paint, pixmap, place, kFilterNearest);
+    setPattern(paint, pixmap, place, kFilterNearest, true);
     return true;
 }
 

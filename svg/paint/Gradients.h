@@ -40,15 +40,15 @@ Gradient readGradient(const SvgDocument& document, pugi::xml_node node, const Vi
 // A gradient made ready for the library; the paint points into it.
 class GradientPaint {
 public:
-    // toDevice maps the shape's user space to device pixels, which lie shift from where the library
-    // draws; visible is the part of the device that matters. False when nothing is to be painted.
-    bool set(MMPaint& paint, Gradient gradient, const Affine& toDevice, double shift,
-             const Box& shapeBounds, const Box& visible, bool forText);
+    // toDevice maps the shape's user space to device pixels; visible is the part of the device that
+    // matters. False when nothing is to be painted.
+    bool set(MMPaint& paint, Gradient gradient, const Affine& toDevice, const Box& shapeBounds,
+             const Box& visible);
 
 private:
-    void setRamp(MMPaint& paint, const Gradient& gradient, const Affine& toDevice, bool forText);
+    void setRamp(MMPaint& paint, const Gradient& gradient, const Affine& toDevice);
     bool setPicture(MMPaint& paint, const Gradient& gradient, const Affine& toDevice,
-                    const Box& visible, bool forText);
+                    const Box& visible);
 
     std::vector<Pixel> colours_;
     std::vector<Fixed> offsets_;

@@ -40,6 +40,7 @@ void ContextGuard::copy(To& to, const From& from)
     to.accumulateBounds = from.accumulateBounds;
     to.antiAlias = from.antiAlias;
     to.fillRule = from.fillRule;
+    to.refined = from.refined;
     to.target = from.target;
     to.pickX = from.pickX;
     to.pickY = from.pickY;

@@ -36,7 +36,7 @@ private:
         const Fixed* dashArray;
         Fixed dashOffset;
         uint16_t dashCount;
-        uint8_t patternFilter, imageOpacity, accumulateBounds, antiAlias, fillRule;
+        uint8_t patternFilter, imageOpacity, accumulateBounds, antiAlias, fillRule, refined;
         MMPixmap target;
         Fixed pickX, pickY;
         uint8_t pickHit;

@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Image elements: pictures, and drawings inside the drawing.
-#include "graphics2d/PaintSetup.h"
 #include "svg/document/References.h"
 #include "svg/geometry/ViewBox.h"
-#include "svg/render/ClipGuard.h"
 #include "svg/render/Renderer.h"
-#include "svg/render/ShiftedTarget.h"
 #include "svg/values/TextScanner.h"
 
 #include <cmath>
@@ -62,19 +59,14 @@ void Renderer::drawImage(pugi::xml_node node, const Properties& properties, cons
         note(shortcoming.what + " in an image", node);
 }
 
-// Pixels of an image are not shifted as paths are under anti-aliasing: an upright image is drawn by
-// drawImage with sharp edges, any other as a path with smooth edges that a pattern fills.
-void Renderer::drawPicture(const Picture& whole, const Affine& frame, const Size& size,
+void Renderer::drawPicture(const Picture& picture, const Affine& frame, const Size& size,
                            const char* aspectRatio, const Style& style)
 {
-    const Picture* picture = &whole;
-    const Box texels{0, 0, static_cast<double>(whole.width), static_cast<double>(whole.height)};
+    const Box texels{0, 0, static_cast<double>(picture.width), static_cast<double>(picture.height)};
     const Affine fit = fitViewBox(aspectRatio, texels, size.width, size.height);
     const Box fitted = fit.mapBox(texels);
     const Box shown{std::max(fitted.left, 0.0), std::max(fitted.top, 0.0),
                     std::min(fitted.right, size.width), std::min(fitted.bottom, size.height)};
-    const Box shownBox = frame.mapBox(shown);
-    Affine toDevice = frame * fit;
     if (session_.pick) {
         const std::optional<PathSpace> space = PathSpace::make(frame, targetCentre());
         if (!space) return;
@@ -82,57 +74,25 @@ void Renderer::drawPicture(const Picture& whole, const Affine& frame, const Size
         shape.outline = Outline::rectangle(shown);
         context_.fillPaint.paintType = kPaintPicking;
         context_.strokePaint.paintType = kPaintNone;
-        drawGeometry(shape, *space, shownBox);
+        drawGeometry(shape, *space);
         return;
     }
-
-    // The filters look at a few texels around a point, too few when an image shrinks a lot.
-    Picture reduced;
-    while (picture->width > 1 && picture->height > 1 && toDevice.norm() < 0.5 &&
-           style.imageFilter != ImageFilter::Nearest) {
-        Picture half = halved(*picture);
-        toDevice = toDevice * Affine{static_cast<double>(picture->width) / half.width,   0, 0,
-                                     static_cast<double>(picture->height) / half.height, 0, 0};
-        reduced = std::move(half);
-        picture = &reduced;
-    }
-    if (picture == &reduced) spreadColours(reduced);
-
-    const auto pictureWidth = static_cast<uint16_t>(picture->width);
-    const auto pictureHeight = static_cast<uint16_t>(picture->height);
-    MMPixmap pixmap = {pictureWidth,
-                       pictureHeight,
-                       pictureWidth * 4u,
-                       0,
-                       const_cast<Pixel*>(picture->pixels.data()),
-                       picture->hasAlpha};
-    const Matrix2D texelsToDevice = {toFixed(toDevice.a), toFixed(toDevice.b), toFixed(toDevice.c),
-                                     toFixed(toDevice.d), toFixed(toDevice.e), toFixed(toDevice.f)};
-    const ClipGuard guard(context_);
-    clipTo(frame.mapBox({0, 0, size.width, size.height}));
-    const ShiftedTarget shifted(context_, shadow_, shownBox);
+    const std::optional<Affine> toTexels = fit.inverse();
+    if (!toTexels) return;
+    const auto width = static_cast<uint16_t>(picture.width);
+    const auto height = static_cast<uint16_t>(picture.height);
+    const MMPixmap pixmap = {
+        width, height, width * 4u, 0, const_cast<Pixel*>(picture.pixels.data()), picture.hasAlpha};
+    const Affine toDevice = frame * fit;
+    const Box part = toTexels->mapBox(shown);
     context_.patternFilter = static_cast<uint8_t>(style.imageFilter);
-    const auto opacity = static_cast<uint8_t>(std::lround(style.opacity * 255));
+    context_.imageOpacity = static_cast<uint8_t>(std::lround(style.opacity * 255));
+    context_.transform = {toFixed(toDevice.a), toFixed(toDevice.b), toFixed(toDevice.c),
+                          toFixed(toDevice.d), toFixed(toDevice.e), toFixed(toDevice.f)};
     clearBounds();
-    if (toDevice.b == 0 && toDevice.c == 0 && style.imageFilter == ImageFilter::Nearest) {
-        const uint8_t antiAlias = context_.antiAlias;
-        context_.imageOpacity = opacity;
-        context_.antiAlias = 0;
-        context_.transform = texelsToDevice;
-        context_.drawImage(&pixmap, 0, 0, fixFromInt(pictureWidth), fixFromInt(pictureHeight), 0);
-        context_.antiAlias = antiAlias;
-        uniteBounds(false);
-        return;
-    }
-    const std::optional<PathSpace> space = PathSpace::make(frame, targetCentre());
-    if (!space) return;
-    setPattern(context_.fillPaint, pixmap, texelsToDevice,
-               static_cast<MMPatternFilter>(context_.patternFilter));
-    context_.fillPaint.paintOpacity = opacity;
-    context_.strokePaint.paintType = kPaintNone;
-    setTransform(*space);
-    drawPath(Outline::rectangle(shown), *space);
-    uniteBounds(true);
+    context_.drawImage(&pixmap, toFixed(part.left), toFixed(part.top), toFixed(part.width()),
+                       toFixed(part.height()), 0);
+    uniteBounds();
 }
 
 } // namespace Svg

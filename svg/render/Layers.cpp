@@ -16,16 +16,14 @@ using namespace Graphics2D;
 
 namespace {
 
-constexpr int kMostLayers = 8; // inside one another: each draws what is inside it twice
-constexpr Pixel kBlack = 0xFF000000;
-constexpr Pixel kWhite = 0xFFFFFFFF;
+constexpr int kMostLayers = 50; // inside one another: each takes a picture of its own
 
 int channelOf(Pixel pixel, int shift)
 {
     return static_cast<int>(pixel >> shift & 0xFF);
 }
 
-// Of light, 0 to 255, by the weights of the standard in 16 bits.
+// Of light times alpha, 0 to 255, by the weights of the standard in 16 bits.
 int luminanceOf(Pixel pixel)
 {
     return (channelOf(pixel, 16) * 13926 + channelOf(pixel, 8) * 46884 +
@@ -33,18 +31,17 @@ int luminanceOf(Pixel pixel)
            16;
 }
 
-// The channels of above over those of below, by a weight up to 255 * 255.
-Pixel mix(Pixel below, Pixel above, int weight)
+// One premultiplied pixel over another, by a weight up to 255.
+Pixel over(Pixel above, Pixel below, int weight)
 {
     constexpr int kWhole = 255 * 255;
+    const int shown = kWhole - channelOf(above, 24) * weight; // of what is below
     Pixel result = 0;
-    for (int shift = 0; shift < 24; shift += 8) {
-        const int from = channelOf(below, shift);
-        const int value =
-            (from * (kWhole - weight) + channelOf(above, shift) * weight + kWhole / 2) / kWhole;
-        result |= static_cast<Pixel>(value) << shift;
+    for (int shift = 0; shift < 32; shift += 8) {
+        const int sum = channelOf(below, shift) * shown + channelOf(above, shift) * weight * 255;
+        result |= static_cast<Pixel>(std::min(255, (sum + kWhole / 2) / kWhole)) << shift;
     }
-    return result | kBlack;
+    return result;
 }
 
 bool hasMarkers(const Style& style)
@@ -63,8 +60,8 @@ int visibleChildren(pugi::xml_node node)
 
 } // namespace
 
-// The context draws into a picture of the clip rectangle instead, which keeps its coordinates: its
-// pixels are addressed from where the target's first one would be.
+// The context draws into a premultiplied picture of the clip rectangle instead, which keeps its
+// coordinates: its pixels are addressed from where the target's first one would be.
 class Renderer::Redirection {
 public:
     Redirection(MMContext2D& context, Picture& picture) : context_(context), target_(context.target)
@@ -86,10 +83,10 @@ private:
 };
 
 template <class Function>
-Picture Renderer::drawAside(Pixel ground, Function draw)
+Picture Renderer::drawAside(Function draw)
 {
     Picture picture(context_.clipRight - context_.clipLeft, context_.clipBottom - context_.clipTop,
-                    ground);
+                    0);
     const ClipGuard guard(context_);
     const Redirection redirection(context_, picture);
     draw();
@@ -141,9 +138,7 @@ void Renderer::drawLayered(pugi::xml_node node, const Properties& properties, co
     State inner = state;
     inner.style.opacity = 1;
     ++layers_;
-    const auto draw = [&] { drawEntered(node, properties, inner); };
-    const Picture overBlack = drawAside(kBlack, draw);
-    const Picture layer = separateFromGround(overBlack, drawAside(kWhite, draw));
+    const Picture layer = drawAside([&] { drawEntered(node, properties, inner); });
     --layers_;
     composite(layer, coverage, state.style.opacity);
 }
@@ -174,7 +169,7 @@ void Renderer::composite(const Picture& layer, const std::vector<uint8_t>& cover
                 static_cast<size_t>(y) * static_cast<size_t>(layer.width) + static_cast<size_t>(x);
             const int covered = coverage.empty() ? weight : (weight * coverage[i] + 127) / 255;
             Pixel& pixel = row[context_.clipLeft + x];
-            pixel = mix(pixel, above, channelOf(above, 24) * covered);
+            pixel = over(above, pixel, covered);
         }
     }
 }
@@ -223,14 +218,14 @@ bool Renderer::coverByClip(pugi::xml_node clip, const State& state, const Box& b
         if (isActive(outer) || !coverByClip(outer, state, bounds, coverage)) return false;
     }
     const bool clippingBefore = std::exchange(clipping_, true);
-    const Picture picture = drawAside(kBlack, [&] {
+    const Picture picture = drawAside([&] {
         for (const pugi::xml_node child : clip.children()) {
             const std::string_view name = child.name();
             if (isShape(name) || name == "text" || name == "use") drawElement(child, inner);
         }
     });
     clipping_ = clippingBefore;
-    multiply(picture, coverage, [](Pixel pixel) { return channelOf(pixel, 8); });
+    multiply(picture, coverage, [](Pixel pixel) { return channelOf(pixel, 24); });
     return true;
 }
 
@@ -276,17 +271,14 @@ bool Renderer::coverByMask(pugi::xml_node mask, const State& state, const Box& b
     // Outside of its rectangle a mask is black; its edge is as sharp as the pixels.
     const bool clippingBefore = std::exchange(clipping_, false);
     ++layers_;
-    const auto draw = [&] {
+    const Picture picture = drawAside([&] {
         clipTo(state.toDevice.mapBox(region));
         drawChildren(mask, inner);
-    };
-    const Picture overBlack = drawAside(kBlack, draw);
-    if (properties[Property::MaskType] == "alpha") {
-        const Picture picture = separateFromGround(overBlack, drawAside(kWhite, draw));
+    });
+    if (properties[Property::MaskType] == "alpha")
         multiply(picture, coverage, [](Pixel pixel) { return channelOf(pixel, 24); });
-    } else {
-        multiply(overBlack, coverage, luminanceOf);
-    }
+    else
+        multiply(picture, coverage, luminanceOf);
     --layers_;
     clipping_ = clippingBefore;
     return true;

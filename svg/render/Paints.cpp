@@ -73,27 +73,24 @@ bool Renderer::setPaint(MMPaint& paint, PaintStore& store, const PaintValue& val
             note("paint that is not there", current_);
         if (!value.hasFallback) return false;
     }
-    // The library takes no notice of a colour's own alpha.
     paint.paintType = kPaintSolid;
-    paint.paintColour = value.colour | 0xFF000000;
-    paint.paintOpacity = byteOf(opacity * (value.colour >> 24) / 255);
-    return paint.paintOpacity > 0;
+    paint.paintColour = value.colour;
+    paint.paintOpacity = byteOf(opacity);
+    return value.colour >> 24 != 0;
 }
 
 // A gradient or a pattern.
 bool Renderer::setServer(MMPaint& paint, PaintStore& store, pugi::xml_node server,
                          const State& state, const Box& userBounds, double opacity)
 {
-    // Seen through glyphs, these paints take their opacity twice.
-    paint.paintOpacity = byteOf(state.glyphOverhang > 0 ? std::sqrt(opacity) : opacity);
+    paint.paintOpacity = byteOf(opacity);
     context_.patternFilter = kFilterNearest; // for what lies pixel on pixel
     if (server.name() == std::string_view("pattern"))
         return setTiles(paint, store.tiles, server, state, userBounds);
     Gradient gradient = readGradient(document_, server, state.viewport);
     if (gradient.stops.empty()) return false;
-    const double shift = context_.antiAlias ? -0.5 : 0;
-    return store.gradient.set(paint, std::move(gradient), state.toDevice, shift, userBounds,
-                              visiblePart(userBounds, state), state.glyphOverhang > 0);
+    return store.gradient.set(paint, std::move(gradient), state.toDevice, userBounds,
+                              visiblePart(userBounds, state));
 }
 
 // The device pixels that a paint may be asked for.

@@ -76,16 +76,16 @@ Renderer::Tiling Renderer::readTiling(pugi::xml_node pattern, const State& state
     return tiling;
 }
 
-Picture Renderer::drawTiles(const Tiling& tiling, const TileRange& range, State state,
-                            uint32_t ground)
+Picture Renderer::drawTiles(const Tiling& tiling, const TileRange& range, State state)
 {
-    Picture tiles(context_.target.width, context_.target.height, ground);
+    Picture tiles(context_.target.width, context_.target.height, 0);
     const auto width = static_cast<uint16_t>(tiles.width);
     const auto height = static_cast<uint16_t>(tiles.height);
     MMContext2D context;
     context.target = {width, height, width * 4u, 0, tiles.pixels.data(), 0};
     context.antiAlias = context_.antiAlias;
     context.accumulateBounds = 1;
+    context.refined = 1;
     Renderer renderer(document_, context, session_, report_);
     renderer.active_ = active_;
     const Box drawn = session_.bounds;
@@ -145,15 +145,13 @@ bool Renderer::setTiles(MMPaint& paint, Picture& tiles, pugi::xml_node pattern, 
     tileState.style.opacity = 1;
     tileState.viewport = state.viewport;
     tileState.depth = state.depth + kPatternDepth;
-    tiles = separateFromGround(drawTiles(tiling, range, tileState, 0xFF000000),
-                               drawTiles(tiling, range, tileState, 0xFFFFFFFF));
-    if (state.glyphOverhang > 0)
-        std::transform(tiles.pixels.begin(), tiles.pixels.end(), tiles.pixels.begin(), forGlyphs);
+    tiles = drawTiles(tiling, range, tileState);
+    separateAlpha(tiles);
     const auto pixmapWidth = static_cast<uint16_t>(tiles.width);
     const auto pixmapHeight = static_cast<uint16_t>(tiles.height);
     const MMPixmap pixmap = {pixmapWidth, pixmapHeight,        pixmapWidth * 4u,
                              0,           tiles.pixels.data(), 1};
-    setPattern(paint, pixmap, kIdentityMatrix, kFilterNearest);
+    setPattern(paint, pixmap, kIdentityMatrix, kFilterNearest, true);
     return true;
 }
 

@@ -17,7 +17,7 @@ namespace Svg {
 
 class Renderer {
 public:
-    // The context's target is opaque; what is drawn mixes with what it holds.
+    // The pixels of the context's target are premultiplied, and it draws by the refined rules.
     Renderer(const SvgDocument& document, Graphics2D::MMContext2D& context, Session& session,
              Report& report);
 
@@ -98,7 +98,7 @@ private:
     // --- Layers.cpp
     class Redirection;
     template <class Function>
-    Picture drawAside(Pixel ground, Function draw);
+    Picture drawAside(Function draw);
     bool overlaps(pugi::xml_node node, const Style& style) const;
     // The element that a property refers to, when it is one of the wanted kind.
     pugi::xml_node referenced(pugi::xml_node node, std::string_view value, std::string_view wanted);
@@ -122,7 +122,7 @@ private:
     void drawMarkers(const Outline& outline, const State& state);
     void drawMarker(pugi::xml_node marker, const struct Vertex& vertex, bool first,
                     const State& state, const ContextPaints& paints);
-    void drawGeometry(const Shape& shape, const PathSpace& space, const Box& deviceBox);
+    void drawGeometry(const Shape& shape, const PathSpace& space);
     void drawPath(const Outline& outline, const PathSpace& space);
     bool drawRoundedBox(const RoundedBox& box, const PathSpace& space);
     bool setFill(const State& state, const Box& userBounds);
@@ -133,7 +133,7 @@ private:
                    const Box& userBounds, double opacity);
     bool setTiles(MMPaint& paint, Picture& tiles, pugi::xml_node pattern, const State& state,
                   const Box& userBounds);
-    Picture drawTiles(const Tiling& tiling, const TileRange& range, State state, uint32_t ground);
+    Picture drawTiles(const Tiling& tiling, const TileRange& range, State state);
     Tiling readTiling(pugi::xml_node pattern, const State& state, const Box& userBounds) const;
     void setPen(const State& state, const PathSpace& space);
     void setDashes(const Style& style, const PathSpace& space);
@@ -148,7 +148,7 @@ private:
     void drawText(pugi::xml_node node, const State& state);
     void drawTextArea(pugi::xml_node node, const State& state);
     void drawRun(const TextRun& run, const State& state);
-    void pickRun(const TextRun& run, const Affine& toDevice, const PathSpace& space);
+    void pickRun(const TextRun& run, const PathSpace& space);
     void drawUnderline(const TextRun& run, const State& state);
     void anchorChunk(std::vector<TextRun>& runs, size_t first);
     void setFont(const Style& style, const PathSpace& space);
@@ -157,10 +157,9 @@ private:
     bool affordsGlyphs(pugi::xml_node node, const TextContent& content, const PathSpace& space);
 
     // --- The target: Target.cpp
-    void setTransform(const PathSpace& space);
     void clipTo(const Box& deviceBox);
     void clearBounds();
-    void uniteBounds(bool shifted);
+    void uniteBounds();
     Point targetCentre() const;
     bool isOutside(const Box& deviceBox) const;
 
@@ -175,7 +174,6 @@ private:
     PaintStore fillStore_;
     PaintStore strokeStore_;
     std::vector<Fixed> dashes_;
-    std::vector<Pixel> shadow_;          // for ShiftedTarget
     std::vector<pugi::xml_node> active_; // elements that are being drawn by reference
     pugi::xml_node current_;             // the element that is being drawn
     bool clipping_ = false;              // only what is covered counts: white, without strokes

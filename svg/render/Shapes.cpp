@@ -3,7 +3,6 @@
 #include "svg/geometry/Shapes.h"
 
 #include "svg/render/Renderer.h"
-#include "svg/render/ShiftedTarget.h"
 
 namespace KAVO {
 namespace Svg {
@@ -11,12 +10,6 @@ namespace Svg {
 using namespace Graphics2D;
 
 namespace {
-
-bool mixesWithNeighbours(const MMPaint& paint)
-{
-    return paint.paintType != kPaintSolid && paint.paintType != kPaintNone &&
-           paint.paintType != kPaintPicking;
-}
 
 // Anti-aliasing off for the length of a scope, if wanted.
 class CrispEdges {
@@ -67,7 +60,7 @@ void Renderer::drawFill(const Shape& shape, const PathSpace& space, const State&
     context_.strokePaint.paintType = kPaintNone;
     const bool evenOdd = clipping_ ? state.style.clipEvenOdd : state.style.evenOdd;
     context_.fillRule = evenOdd ? kFillEvenOdd : kFillNonZero;
-    drawGeometry(shape, space, deviceBox);
+    drawGeometry(shape, space);
 }
 
 void Renderer::drawStroke(const Shape& shape, const PathSpace& space, const State& state,
@@ -82,34 +75,29 @@ void Renderer::drawStroke(const Shape& shape, const PathSpace& space, const Stat
         // The pen is a circle of device pixels.
         Shape mapped;
         mapped.outline = shape.outline.mapped(state.toDevice);
-        const Box box = mapped.outline.bounds();
         const std::optional<PathSpace> device = PathSpace::make(Affine(), targetCentre());
         if (!setStroke(state, bounds)) return;
         setPen(state, *device);
         context_.fillPaint.paintType = kPaintNone;
-        drawGeometry(mapped, *device,
-                     {box.left - reach, box.top - reach, box.right + reach, box.bottom + reach});
+        drawGeometry(mapped, *device);
         return;
     }
     const Box deviceBox = state.toDevice.mapBox(drawn);
     if (isOutside(deviceBox) || !setStroke(state, bounds)) return;
     setPen(state, space);
     context_.fillPaint.paintType = kPaintNone;
-    drawGeometry(shape, space, deviceBox);
+    drawGeometry(shape, space);
 }
 
 // With one of the paints set.
-void Renderer::drawGeometry(const Shape& shape, const PathSpace& space, const Box& deviceBox)
+void Renderer::drawGeometry(const Shape& shape, const PathSpace& space)
 {
-    std::optional<ShiftedTarget> shifted;
-    if (mixesWithNeighbours(context_.fillPaint) || mixesWithNeighbours(context_.strokePaint))
-        shifted.emplace(context_, shadow_, deviceBox);
-    setTransform(space);
+    context_.transform = space.transform;
     clearBounds();
     const bool dashed = context_.strokePaint.paintType != kPaintNone && context_.dashArray;
     if (!(shape.box && !dashed && drawRoundedBox(*shape.box, space)))
         drawPath(shape.outline, space);
-    uniteBounds(true);
+    uniteBounds();
 }
 
 void Renderer::drawPath(const Outline& outline, const PathSpace& space)
@@ -161,8 +149,6 @@ void Renderer::setDashes(const Style& style, const PathSpace& space)
     context_.dashCount = static_cast<uint16_t>(dashes_.size());
     const double offset = std::fmod(style.dashOffset, period);
     context_.dashOffset = toFixed((offset < 0 ? offset + period : offset) * space.scale);
-    // For the library a first dash without length is over before the line begins; SVG draws it.
-    if (dashes_[0] == 0 && context_.dashOffset == 0) context_.dashOffset = -1;
 }
 
 } // namespace Svg

@@ -9,13 +9,6 @@ namespace Svg {
 
 using namespace Graphics2D;
 
-void Renderer::setTransform(const PathSpace& space)
-{
-    context_.transform = space.transform;
-    // Anti-aliased pixels are centred on whole coordinates, those of SVG lie between them.
-    if (context_.antiAlias) context_.transform.translate(-kFixedHalf, -kFixedHalf);
-}
-
 // Also to the pixels that the box touches.
 void Renderer::clipTo(const Box& box)
 {
@@ -35,17 +28,13 @@ void Renderer::clearBounds()
     context_.pickHit = 0;
 }
 
-// shifted: through a transform of setTransform.
-void Renderer::uniteBounds(bool shifted)
+void Renderer::uniteBounds()
 {
     if (session_.pick && context_.pickHit) session_.picked = current_;
     context_.pickHit = 0;
     if (context_.boundsMinX > context_.boundsMaxX) return;
-    const double shift = shifted && context_.antiAlias ? 0.5 : 0;
-    session_.bounds.include(
-        Point{toDouble(context_.boundsMinX) + shift, toDouble(context_.boundsMinY) + shift});
-    session_.bounds.include(
-        Point{toDouble(context_.boundsMaxX) + shift, toDouble(context_.boundsMaxY) + shift});
+    session_.bounds.include(Point{toDouble(context_.boundsMinX), toDouble(context_.boundsMinY)});
+    session_.bounds.include(Point{toDouble(context_.boundsMaxX), toDouble(context_.boundsMaxY)});
 }
 
 Point Renderer::targetCentre() const

@@ -3,7 +3,6 @@
 #include "graphics2d/convenience/MMText.h"
 #include "svg/render/ClipGuard.h"
 #include "svg/render/Renderer.h"
-#include "svg/render/ShiftedTarget.h"
 
 namespace KAVO {
 namespace Svg {
@@ -58,7 +57,7 @@ void Renderer::drawText(pugi::xml_node node, const State& state)
     const TextContent content = readText(document_, node, state.style, state.viewport);
     const std::optional<PathSpace> space = PathSpace::make(state.toDevice, targetCentre());
     if (!space || content.characters.empty() || !affordsGlyphs(node, content, *space)) return;
-    context_.transform = space->transform; // text takes no part in the half-pixel shift
+    context_.transform = space->transform;
     noteMissingGlyphs(node, content);
     if (content.cut) note("more characters in a text than the limit", node);
     const auto undrawn = [](pugi::xml_node n) {
@@ -181,12 +180,9 @@ void Renderer::drawRun(const TextRun& run, const State& state)
     const std::optional<PathSpace> space = PathSpace::make(toDevice, targetCentre());
     if (!space) return;
     if (session_.pick) {
-        pickRun(run, toDevice, *space);
+        pickRun(run, *space);
         return;
     }
-    const double reach = 2 * run.style->fontSize; // of glyphs around the pen's way
-    const Box box = toDevice.mapBox({-reach, -reach, run.width + reach, reach});
-    const ShiftedTarget shifted(context_, shadow_, box);
     context_.transform = space->transform;
     setFont(*run.style, *space);
     const MMPoint2D pen = space->point({0, 0});
@@ -194,17 +190,17 @@ void Renderer::drawRun(const TextRun& run, const State& state)
     context_.penY = pen.y;
     clearBounds();
     context_.renderText(run.text.data(), static_cast<uint16_t>(run.text.size()), 1, 0);
-    uniteBounds(false);
+    uniteBounds();
 }
 
 // Text is where its characters' cells are.
-void Renderer::pickRun(const TextRun& run, const Affine& toDevice, const PathSpace& space)
+void Renderer::pickRun(const TextRun& run, const PathSpace& space)
 {
     const double size = run.style->fontSize;
     const Box cells{0, -kAscent * size, run.width, kDescent * size};
     Shape shape;
     shape.outline = Outline::rectangle(cells);
-    drawGeometry(shape, space, toDevice.mapBox(cells));
+    drawGeometry(shape, space);
 }
 
 void Renderer::drawUnderline(const TextRun& run, const State& state)
@@ -218,7 +214,7 @@ void Renderer::drawUnderline(const TextRun& run, const State& state)
     Shape shape;
     shape.outline = Outline::rectangle(line);
     context_.strokePaint.paintType = kPaintNone;
-    drawGeometry(shape, *space, toDevice.mapBox(line));
+    drawGeometry(shape, *space);
 }
 
 // A paragraph, broken into lines of the element's width by the library.
@@ -264,9 +260,8 @@ void Renderer::drawTextArea(pugi::xml_node node, const State& state)
     context_.textDecoration = style.underline;
     context_.strokePaint.paintOpacity = context_.fillPaint.paintOpacity; // for the underline
     context_.preserveSpace = style.preserveSpace;
-    const ShiftedTarget shifted(context_, shadow_, state.toDevice.mapBox(area));
     context_.drawWrappedText(text.data(), 0, 0);
-    uniteBounds(false);
+    uniteBounds();
 }
 
 } // namespace Svg

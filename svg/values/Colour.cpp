@@ -161,14 +161,5 @@ uint32_t withOpacity(uint32_t argb, double opacity)
     return (argb & 0xFFFFFF) | static_cast<uint32_t>(std::lround(alpha)) << 24;
 }
 
-uint32_t forGlyphs(uint32_t argb)
-{
-    const double root = std::sqrt((argb >> 24) / 255.0);
-    uint32_t result = static_cast<uint32_t>(std::lround(255 * root)) << 24;
-    for (int shift = 0; shift < 24; shift += 8)
-        result |= static_cast<uint32_t>(std::lround((argb >> shift & 0xFF) * root)) << shift;
-    return result;
-}
-
 } // namespace Svg
 } // namespace KAVO

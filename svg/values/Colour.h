@@ -19,10 +19,5 @@ std::optional<uint32_t> findColour(std::string_view text, uint32_t current,
 // The colour with its alpha multiplied by the opacity, 0 to 1.
 uint32_t withOpacity(uint32_t argb, double opacity);
 
-// For text the library mixes a paint's pixel into transparent black, which weighs its alpha by
-// itself, and then lays the result over the background. This is the pixel that comes out as the
-// given one.
-uint32_t forGlyphs(uint32_t argb);
-
 } // namespace Svg
 } // namespace KAVO
