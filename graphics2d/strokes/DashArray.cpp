@@ -3,13 +3,14 @@
 //
 // One walk over the subpath's edges cuts them at the boundaries of the dash pattern. What lies in
 // an "on" entry is gathered in a scratch buffer and stroked as an open polyline of its own; the
-// buffer never holds more than all vertices and the two ends of a dash. A dash that cannot be seen
-// is only built where the bounds depend on it. Dashes know nothing of curves: their joins and caps
-// follow the chords.
+// buffer never holds more than all vertices and the two ends of a dash. By the refined rules the
+// outlines of all dashes are filled as one shape. A dash that cannot be seen is only built where
+// the bounds depend on it. Dashes know nothing of curves: their joins and caps follow the chords.
 #include "graphics2d/strokes/DashArray.h"
 
 #include "graphics2d/OutOfMemory.h"
 #include "graphics2d/raster/ClipWindow.h"
+#include "graphics2d/strokes/GatheredOutlines.h"
 #include "graphics2d/strokes/PathEdge.h"
 #include "math/FixedMath.h"
 #include "math/Points.h"
@@ -192,14 +193,13 @@ class DashPen {
 public:
     // Each of two buffers of the given size holds the points of any piece. Three hold those of two
     // pieces when the dash that runs over the start of a closed subpath is to be joined.
-    DashPen(MMContext2D& context, const DevicePen& pen, uint64_t pieces, MMPoint2D* buffers,
-            uint32_t room, bool joinsAtStart, const DashPhase& phase, const MMPoint2D& start)
+    DashPen(MMContext2D& context, const DevicePen& pen, MMPoint2D* buffers, uint32_t room,
+            bool joinsAtStart, const DashPhase& phase, const MMPoint2D& start)
         : context_(context), window_(context), pen_(pen), reach_(pen.reach(context)), phase_(phase),
           at_(start), points_(buffers), unseen_(buffers + room),
           first_(joinsAtStart ? buffers + 2 * room : nullptr),
           awaitsFirst_(joinsAtStart && phase.isOn())
     {
-        pen_.step = pen.stepFor(pieces);
         restartAt(start);
     }
 
@@ -306,10 +306,15 @@ private:
 
     void stroke(MMPoint2D* points, uint32_t count, const UnitVector& direction, bool closed = false)
     {
-        const MMLinkPath piece = {points, count};
+        const MMLinkPath record = {points, count};
+        const Subpath piece = {&record, 1, closed};
         pen_.direction = direction;
-        last_ = strokeSubpath(context_, pen_, {&piece, 1, closed});
+        GatheredOutlines* const gathered = pen_.gathered;
+        if (gathered != nullptr) gathered->beginStroke();
+        last_ = strokeSubpath(context_, pen_, piece);
         all_.add(last_);
+        if (gathered != nullptr && !gathered->hasStroke() && gathered->grow())
+            strokeSubpath(context_, pen_, piece);
     }
 
     MMContext2D& context_;
@@ -363,11 +368,26 @@ BoundsUnion dashSubpath(MMContext2D& context, const DevicePen& pen, const Subpat
         noteOutOfMemory(context);
         return {};
     }
-    PointWalk walk(subpath);
-    DashPen dashPen(context, pen, pieces, buffers.data(), room, joins, start, walk.at());
-    while (walk.advance())
-        dashPen.walkTo(walk.at());
-    return dashPen.finish();
+    DevicePen dashing = pen;
+    dashing.step = pen.stepFor(pieces);
+    const auto strokeDashes = [&] {
+        PointWalk walk(subpath);
+        DashPen dashPen(context, dashing, buffers.data(), room, joins, start, walk.at());
+        while (walk.advance())
+            dashPen.walkTo(walk.at());
+        return dashPen.finish();
+    };
+    if (context.refined != 0) {
+        // A dash has one outline, and without anti-aliasing up to a pixel more.
+        GatheredOutlines gathered(context, static_cast<uint32_t>(pieces + 2) * 2);
+        dashing.gathered = &gathered;
+        if (gathered) {
+            const BoundsUnion bounds = strokeDashes();
+            if (gathered && gathered.fill()) return bounds;
+        }
+        dashing.gathered = nullptr;
+    }
+    return strokeDashes();
 }
 
 } // namespace

@@ -11,6 +11,7 @@
 
 #include "graphics2d/OutOfMemory.h"
 #include "graphics2d/raster/Rasteriser.h"
+#include "graphics2d/strokes/GatheredOutlines.h"
 #include "graphics2d/strokes/StrokeOutline.h"
 #include "math/LinearPart.h"
 #include "math/Points.h"
@@ -144,7 +145,15 @@ private:
     {
         // An outline without height or without points has no bounds either.
         if (outline.bounds().minY < outline.bounds().maxY) bounds_.add(outline.bounds());
-        fillOutline(context_, polygon, count, bounds_);
+        fill(polygon, count);
+    }
+
+    void fill(const MMPoint2D* polygon, uint32_t count)
+    {
+        if (devicePen_.gathered != nullptr)
+            devicePen_.gathered->add(polygon, count);
+        else
+            fillOutline(context_, polygon, count, bounds_);
     }
 
     bool drawPen(bool sharp)
@@ -164,8 +173,10 @@ private:
         const Fixed top = start.y - static_cast<Fixed>(fixFraction(start.y));
         const Fixed right = saturated(int64_t{left} + kFixedOne);
         const Fixed bottom = saturated(int64_t{top} + kFixedOne);
-        const MMPoint2D pixel[] = {{left, top}, {right, top}, {right, bottom}, {left, bottom}};
-        fillOutline(context_, pixel, 4);
+        MMPoint2D pixel[] = {{left, top}, {right, top}, {right, bottom}, {left, bottom}};
+        // Wound as outlines are, lest the two cancel out where they are filled as one shape.
+        if (isMirroring(linearPartOf(context_.transform))) std::reverse(pixel, pixel + 4);
+        fill(pixel, 4);
     }
 
     bool drawHairline()

@@ -8,6 +8,8 @@
 namespace KAVO {
 namespace Graphics2D {
 
+class GatheredOutlines;
+
 // The pen of the context's stroke style, and how it comes out on the device. Made once for all
 // lines that one call strokes.
 struct DevicePen {
@@ -18,6 +20,7 @@ struct DevicePen {
     Degrees step;      // the greatest turn between points of round joins and caps
     // Of a line without length that has a direction all the same, as dashes do.
     UnitVector direction = {kOne30, 0};
+    GatheredOutlines* gathered = nullptr; // takes the outlines; null: each is filled at once
 
     explicit DevicePen(const MMContext2D& context) : DevicePen(context, context.joinStyle) {}
     DevicePen(const MMContext2D& context, uint8_t joins);

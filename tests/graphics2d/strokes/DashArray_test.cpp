@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Where dashes begin and end, and what becomes of patterns that are none.
+#include "tests/support/FailingHeap.h"
+#include "tests/support/Picture.h"
 #include "tests/support/StrokeRecorder.h"
 #include "tests/support/UserUnits.h"
 
@@ -184,6 +186,102 @@ TEST(DashArray, SquareDotsLieAlongTheirLine)
     expectBounds(Dashed({0, 25}), {at(50, 50), at(80, 90)}, at(80, 90), fx(14)); // at the end
     expectBounds(Dashed({0, 25}, 20), {at(50, 50), at(56, 58)}, at(53, 54), fx(14));
     expectBounds(Dashed({5, 5}), {at(50, 50), at(50, 50)}, at(50, 50), fx(10)); // no direction
+}
+
+// A picture of half transparent dots whose discs of radius 5 overlap.
+struct Beads : Picture {
+    std::vector<Fixed> lengths = {0, fx(3)};
+
+    explicit Beads(bool antiAlias, bool mirrored = false) : Picture(100)
+    {
+        context.refined = 1;
+        context.antiAlias = antiAlias;
+        context.currentPaint.paintOpacity = 128;
+        context.strokeHalfWidth = fx(5);
+        context.capStyle = kCapRound;
+        context.dashArray = lengths.data();
+        context.dashCount = 2;
+        if (mirrored) context.transform = {kFixedOne, 0, 0, -kFixedOne, 0, fx(100)};
+    }
+
+    // Thin ones, so that without anti-aliasing some light a pixel of their own.
+    void thin()
+    {
+        lengths[1] = fx(0.6);
+        context.strokeHalfWidth = fx(0.45);
+    }
+
+    void draw(int vertices = 40)
+    {
+        std::vector<MMPoint2D> zigzag;
+        for (int i = 0; i < vertices; ++i)
+            zigzag.push_back(::at(i % 2 == 0 ? 8 : 91, 8 + 2 * i));
+        MMLinkPath record = {zigzag.data(), static_cast<uint32_t>(zigzag.size())};
+        context.drawDashArray(&record, 1, 0);
+    }
+
+    // The pixels drawn at all, and the most that one of them was covered.
+    std::pair<std::vector<bool>, int> drawn() const
+    {
+        std::vector<bool> touched;
+        int most = 0;
+        for (int i = 0; i < 100 * 100; ++i) {
+            const int covered = coverage(i % 100, i / 100);
+            touched.push_back(covered != 0);
+            most = std::max(most, covered);
+        }
+        return {touched, most};
+    }
+};
+
+int differing(const std::vector<bool>& a, const std::vector<bool>& b)
+{
+    int count = 0;
+    for (size_t i = 0; i < a.size(); ++i)
+        count += a[i] != b[i] ? 1 : 0;
+    return count;
+}
+
+TEST(DashArray, OverlappingDashesAreBlendedOnceByTheRefinedRules)
+{
+    for (bool antiAlias : {false, true})
+        for (bool mirrored : {false, true})
+            for (bool thin : {false, true}) {
+                Beads refined(antiAlias, mirrored), classic(antiAlias, mirrored);
+                classic.context.refined = 0;
+                classic.context.dashOffset = -1; // or there is no dot at the start
+                for (Beads* beads : {&refined, &classic}) {
+                    if (thin) beads->thin();
+                    beads->draw();
+                }
+                SCOPED_TRACE(testing::Message() << antiAlias << mirrored << thin);
+                EXPECT_LE(refined.drawn().second, 129);
+                EXPECT_GT(classic.drawn().second, 140);
+                if (!antiAlias) {
+                    // The classic dots begin a unit further on.
+                    EXPECT_LE(differing(refined.drawn().first, classic.drawn().first), 1);
+                }
+            }
+}
+
+TEST(DashArray, WithoutMemoryForAllDashesEachIsDrawn)
+{
+    Beads whole(true);
+    whole.draw(5);
+    const std::vector<bool> wanted = whole.drawn().first;
+    uint32_t onePieceAtATime = 0;
+    failEachAllocation([&] {
+        Beads beads(true);
+        void* full = beads.context.scratchStack.Alloc(1000); // what follows has to ask the heap
+        beads.draw(5);
+        beads.context.scratchStack.DeAlloc(full);
+        const auto [touched, most] = beads.drawn();
+        if (beads.context.outOfMemory == 0) {
+            EXPECT_EQ(touched, wanted);
+        }
+        onePieceAtATime += most > 140 ? 1 : 0;
+    });
+    EXPECT_GE(onePieceAtATime, 1u);
 }
 
 } // namespace
