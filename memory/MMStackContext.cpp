@@ -127,21 +127,31 @@ bool spill(MMStackContext& stack, uint32_t n)
     return true;
 }
 
-void* place(MMStackContext& stack, uint32_t n)
+// Puts n words into the current block, which admits them.
+[[gnu::always_inline]] inline void* put(MMStackContext& stack, uint32_t n)
 {
-    if (uint64_t{stack.usedWords} + n + 1 > INT32_MAX) return nullptr;
-    const bool fits = stack.currentBlock != nullptr && stack.currentBlock->admits(n);
-    if (!fits && !spill(stack, n)) return nullptr;
     void* p = stack.currentBlock->push(n);
     stack.usedWords += n + 1;
     if (stack.usedWords > stack.peakWords) stack.peakWords = stack.usedWords;
     return p;
 }
 
+bool isWithinRange(const MMStackContext& stack, uint32_t n)
+{
+    return uint64_t{stack.usedWords} + n + 1 <= INT32_MAX;
+}
+
+[[gnu::noinline]] void* place(MMStackContext& stack, uint32_t n)
+{
+    if (!isWithinRange(stack, n)) return nullptr;
+    const bool fits = stack.currentBlock != nullptr && stack.currentBlock->admits(n);
+    return fits || spill(stack, n) ? put(stack, n) : nullptr;
+}
+
 // Takes an allocation of n words off the block it lies in. That is the current block, unless an
 // operation has left an allocation of its own behind. Returns the chain of spill blocks that became
 // empty, linked through prevBlock, for the caller to free.
-Block* pop(MMStackContext& stack, const void* p, uint32_t n)
+[[gnu::noinline]] Block* pop(MMStackContext& stack, const void* p, uint32_t n)
 {
     Block* block = stack.currentBlock;
     while (block->prevBlock != nullptr && !block->holds(p))
@@ -160,7 +170,7 @@ Block* pop(MMStackContext& stack, const void* p, uint32_t n)
     return emptied;
 }
 
-void freeChain(Block* block)
+[[gnu::noinline]] void freeChain(Block* block)
 {
     while (block != nullptr) {
         Block* next = block->prevBlock;
@@ -187,6 +197,10 @@ void MMStackContext::Destroy()
 
 void* MMStackContext::Alloc(uint32_t n)
 {
+    // The usual case: something lies in the current block, and there is room behind it.
+    Block* block = currentBlock;
+    if (block != nullptr && !block->isEmpty() && block->admits(n) && isWithinRange(*this, n))
+        return put(*this, n);
     freeChain(consolidate(*this));
     return place(*this, n);
 }
@@ -194,7 +208,10 @@ void* MMStackContext::Alloc(uint32_t n)
 void MMStackContext::DeAlloc(void* p)
 {
     if (p == nullptr) return;
-    freeChain(pop(*this, p, sizeOf(p)));
+    const uint32_t n = sizeOf(p);
+    if (currentBlock->prevBlock != nullptr) return freeChain(pop(*this, p, n));
+    currentBlock->moveTop(-(int64_t{n} + 1)); // the usual case: there is but one block
+    usedWords -= n + 1;
 }
 
 void MMStackContext::Abandon(void* p)

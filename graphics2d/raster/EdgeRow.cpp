@@ -18,29 +18,29 @@ bool isPlain(const EdgeRamp& left, const EdgeRamp& right, const PixelBox& visibl
            right.endColumn() <= visible.right;
 }
 
-// The share of an area within the height of a row that an edge alpha stands for.
-Area withinHeight(Area area, uint8_t alpha)
+// The share of a row's height that an edge alpha stands for.
+Area heightOf(uint8_t alpha)
 {
-    const int32_t height = (alpha + (alpha >> 7)) << 8;
-    return static_cast<Area>(static_cast<int64_t>(area) * height >> 16);
+    return (alpha + (alpha >> 7)) << 8;
 }
 
 // Each column by the difference of the two ramps. A column that only one ramp passes through takes
 // this edge's height, the others the lesser one.
 void addDifference(RowPainter& painter, const EdgeRamp& left, const EdgeRamp& right,
-                   uint8_t leftAlpha, uint8_t rightAlpha)
+                   Area leftHeight, Area rightHeight)
 {
     const int32_t first = std::max(left.firstColumn(), painter.visible().left);
     const int32_t end = std::min(right.endColumn(), painter.visible().right);
-    const uint8_t lesserAlpha = std::min(leftAlpha, rightAlpha);
+    const Area lesserHeight = std::min(leftHeight, rightHeight);
     for (int32_t column = first; column < end;) {
         const bool inLeft = column < left.endColumn();
         const bool inRight = column >= right.firstColumn();
         // Nothing changes between the ramps.
         const int32_t next = inLeft || inRight ? column + 1 : std::min(end, right.firstColumn());
-        const uint8_t alpha = inLeft == inRight ? lesserAlpha : inLeft ? leftAlpha : rightAlpha;
+        const Area height = inLeft == inRight ? lesserHeight : inLeft ? leftHeight : rightHeight;
+        const Area area = left.areaOf(column) - right.areaOf(column);
         painter.addConstant(column, next,
-                            withinHeight(left.areaOf(column) - right.areaOf(column), alpha));
+                            static_cast<Area>(static_cast<int64_t>(area) * height >> 16));
         column = next;
     }
     painter.flush();
@@ -104,7 +104,7 @@ EdgeRamp rampBetween(Fixed topX, Fixed bottomX, Fixed coverageSlope, uint8_t alp
 void drawEdgeRow(RowPainter& painter, const EdgeRamp& left, const EdgeRamp& right)
 {
     if (!isPlain(left, right, painter.visible())) {
-        addDifference(painter, left, right, 255, 255);
+        addDifference(painter, left, right, kWholeArea, kWholeArea);
         return;
     }
     drawLeftRamp(painter, left);
@@ -124,7 +124,7 @@ void MMContext2D::smoothEdges()
     if (leftEdgeAlpha == 255 && rightEdgeAlpha == 255)
         drawEdgeRow(painter, left, right);
     else
-        addDifference(painter, left, right, leftEdgeAlpha, rightEdgeAlpha);
+        addDifference(painter, left, right, heightOf(leftEdgeAlpha), heightOf(rightEdgeAlpha));
     spanStart = leftX;
     spanEnd = rightX;
 }

@@ -199,9 +199,13 @@ struct RowEdge {
     Fixed coverageSlope;
 };
 
-// Leaves in the context what smoothEdges would draw the same row from, but for the edges' x.
-void storeSlopes(MMContext2D& context, const RowEdge& left, const RowEdge& right)
+// Leaves in the context what smoothEdges would draw the same row from.
+void storeEdges(MMContext2D& context, const RowEdge& left, const RowEdge& right)
 {
+    context.leftPreviousX = left.topX;
+    context.rightPreviousX = right.topX;
+    context.spanStart = left.bottomX;
+    context.spanEnd = right.bottomX;
     context.leftSlope = left.slope;
     context.rightSlope = right.slope;
     context.leftCoverageSlope = left.coverageSlope;
@@ -215,31 +219,29 @@ EdgeRamp rampOf(const RowEdge& edge)
     return EdgeRamp(edge.topX, edge.bottomX, edge.coverageSlope);
 }
 
-// Draws whole rows while no vertex lies in them. Returns the number of rows drawn.
+// Draws whole rows while no vertex lies in them. Returns the number of rows drawn; the context's
+// edge state is that of the last.
 int32_t drawWholeRows(MMContext2D& context, RowPainter& painter, WalkedChain& forward,
                       WalkedChain& backward, int32_t row, int32_t count)
 {
     RowEdge a = {0, forward.xAt(fixFromInt(row)), forward.slope(), forward.coverageSlope()};
     RowEdge b = {0, backward.xAt(fixFromInt(row)), backward.slope(), backward.coverageSlope()};
     int32_t drawn = 0;
-    bool wereExchanged = false;
+    bool exchanged = false;
     while (drawn < count) {
+        const Fixed nextA = wrapAdd(a.bottomX, a.slope);
+        const Fixed nextB = wrapAdd(b.bottomX, b.slope);
+        if ((a.bottomX > b.bottomX) != (nextA > nextB) && a.bottomX != b.bottomX)
+            break; // they cross
         a.topX = a.bottomX;
         b.topX = b.bottomX;
-        const Fixed nextA = wrapAdd(a.topX, a.slope);
-        const Fixed nextB = wrapAdd(b.topX, b.slope);
-        if ((a.topX > b.topX) != (nextA > nextB) && a.topX != b.topX) break; // they cross
         a.bottomX = nextA;
         b.bottomX = nextB;
-        const bool exchanged = a.topX > b.topX || a.bottomX > b.bottomX;
+        exchanged = a.topX > b.topX || a.bottomX > b.bottomX;
         const RowEdge& left = exchanged ? b : a;
         const RowEdge& right = exchanged ? a : b;
         const EdgeRamp leftRamp = rampOf(left);
         const EdgeRamp rightRamp = rampOf(right);
-        if (drawn == 0 || exchanged != wereExchanged) storeSlopes(context, left, right);
-        wereExchanged = exchanged;
-        context.leftPreviousX = left.topX;
-        context.rightPreviousX = right.topX;
         // Between upright edges all rows are alike.
         const int32_t end = a.slope == 0 && b.slope == 0 ? count : drawn + 1;
         for (; drawn < end; ++drawn) {
@@ -247,10 +249,9 @@ int32_t drawWholeRows(MMContext2D& context, RowPainter& painter, WalkedChain& fo
             painter.expect(row + drawn + 2, left.bottomX);
             painter.expect(row + drawn + 2, right.bottomX);
             drawEdgeRow(painter, leftRamp, rightRamp);
-            context.spanStart = left.bottomX;
-            context.spanEnd = right.bottomX;
         }
     }
+    if (drawn != 0) storeEdges(context, exchanged ? b : a, exchanged ? a : b);
     forward.moveTo(fixFromInt(row + drawn), a.bottomX);
     backward.moveTo(fixFromInt(row + drawn), b.bottomX);
     return drawn;

@@ -28,11 +28,12 @@ RunLimits limitsFor(const MMPaint& paint)
 
 RowPainter::RowPainter(MMContext2D& context, const PixelBox& visible)
     : context_(context), visible_(visible), span_(chooseSpanFiller(context)),
-      edge_(chooseEdgeFiller(context)), opacity_(context.currentPaint.paintOpacity),
+      anyEdge_(chooseEdgeFiller(context)), opacity_(context.currentPaint.paintOpacity),
       limits_(limitsFor(context.currentPaint)),
       edgeIgnoresCoverage_(context.currentPaint.paintType == kPaintXOR ||
                            context.currentPaint.paintType == kPaintPicking)
 {
+    edge_ = limits_ == RunLimits::kNone ? anyEdge_ : nullptr;
     const PixelBox drawable = drawableBox(context);
     drawableStart_ = fixFromInt(drawable.left);
     drawableEnd_ = fixFromInt(drawable.right);
@@ -65,7 +66,7 @@ void RowPainter::addConstant(int32_t first, int32_t end, Area area)
     }
 }
 
-[[gnu::always_inline]] inline void RowPainter::drawRun(const Run& run)
+[[gnu::always_inline]] inline void RowPainter::drawRun(StripFiller filler, const Run& run)
 {
     const int32_t end = run.first + run.count;
     context_.spanStart = fixFromInt(run.first);
@@ -74,13 +75,12 @@ void RowPainter::addConstant(int32_t first, int32_t end, Area area)
     context_.spanCoverageNext = run.next;
     context_.spanCoverageStep = run.step;
     context_.spanTailCoverage = run.tail;
-    (context_.*edge_)();
+    filler(context_);
 }
 
 void RowPainter::drawPartial(int32_t first, int32_t count, Area start, Area next, int32_t step,
                              Area tail)
 {
-    if (edge_ == nullptr) return;
     const auto run = [=] {
         return Run{first,
                    count,
@@ -89,12 +89,13 @@ void RowPainter::drawPartial(int32_t first, int32_t count, Area start, Area next
                    static_cast<Coverage>(static_cast<int64_t>(step) * opacity_ >> 8),
                    tail * opacity_};
     };
-    if (limits_ != RunLimits::kNone) return drawLimited(run());
-    drawRun(run());
+    if (edge_ == nullptr) return drawLimited(run());
+    drawRun(edge_, run());
 }
 
 [[gnu::noinline]] void RowPainter::drawLimited(const Run& run)
 {
+    if (anyEdge_ == nullptr) return;
     if (limits_ == RunLimits::kHalfWeight)
         drawInHalves(run);
     else
@@ -116,11 +117,11 @@ void RowPainter::drawInHalves(const Run& run)
     else if (run.step < 0 && run.next >= kHalfWeight)
         split = 1 + (run.next - kHalfWeight) / -run.step + 1;
     if (split >= run.count) {
-        drawRun(run);
+        drawRun(anyEdge_, run);
         return;
     }
-    drawRun(run.part(0, split));
-    drawRun(run.part(split, run.count - split));
+    drawRun(anyEdge_, run.part(0, split));
+    drawRun(anyEdge_, run.part(split, run.count - split));
 }
 
 // Three pixels at a time and a fourth as their tail, which the filler computes anew.
@@ -130,8 +131,9 @@ void RowPainter::drawInThrees(const Run& run)
         const int32_t left = run.count - i;
         Run part = run.part(i, std::min(left, 3));
         if (left > 3) part.tail = run.at(i + 3);
-        drawRun(part);
-        if (left == 4 && run.tail > 0) drawRun({run.first + run.count, 1, run.tail, 0, 0, 0});
+        drawRun(anyEdge_, part);
+        if (left == 4 && run.tail > 0)
+            drawRun(anyEdge_, {run.first + run.count, 1, run.tail, 0, 0, 0});
     }
 }
 

@@ -38,7 +38,7 @@ public:
     RowPainter(MMContext2D& context, const PixelBox& visible);
 
     // False when the paint draws nothing at all.
-    bool draws() const { return span_.filler != nullptr || edge_ != nullptr; }
+    bool draws() const { return span_.filler != nullptr || anyEdge_ != nullptr; }
 
     const PixelBox& visible() const { return visible_; }
 
@@ -103,7 +103,7 @@ private:
         Run part(int32_t from, int32_t length) const;
     };
 
-    void drawRun(const Run& run);
+    void drawRun(StripFiller filler, const Run& run);
     void drawLimited(const Run& run);
     void drawInHalves(const Run& run);
     void drawInThrees(const Run& run);
@@ -121,7 +121,8 @@ private:
     Fixed drawableStart_; // the columns of the clip rectangle within the target
     Fixed drawableEnd_;
     SpanFiller span_;
-    StripFiller edge_;
+    StripFiller edge_;    // of partial pixels, in any run; null where there are limits
+    StripFiller anyEdge_; // of partial pixels, within the limits; null draws nothing
     int32_t opacity_;
     RunLimits limits_;
     bool edgeIgnoresCoverage_; // exclusive-or and picking: no tail pixel either

@@ -2,6 +2,8 @@
 // The basic strip fillers: solid colour, exclusive-or, picking and the two translucent solids.
 //
 // Both modes blend a colour over the pixel itself; what they differ in is the weight.
+#include "graphics2d/strips/SolidStrip.h"
+
 #include "graphics2d/strips/Blending.h"
 #include "graphics2d/strips/Span.h"
 
@@ -76,8 +78,9 @@ struct RefinedColour {
 };
 
 template <class Colour>
-void drawTranslucentColour(MMContext2D& context, const Colour colour)
+[[gnu::always_inline]] inline void drawTranslucentColour(MMContext2D& context)
 {
+    const Colour colour(context.currentPaint.paintColour);
     using Rule = typename Colour::Rule;
     constexpr int32_t kLongSpan = 8;
     const int32_t count = spanLength(context);
@@ -111,10 +114,30 @@ inline uint32_t biasedPair(uint32_t pair)
 
 } // namespace
 
+void drawClassicColour(MMContext2D& context)
+{
+    fillPixels(spanFirstPixel(context), spanLength(context), context.currentPaint.paintColour);
+}
+
+void drawRefinedColour(MMContext2D& context)
+{
+    fillPixels(spanFirstPixel(context), spanLength(context),
+               context.currentPaint.paintColour | kOpaque);
+}
+
+void drawTranslucentClassicColour(MMContext2D& context)
+{
+    drawTranslucentColour<ClassicColour>(context);
+}
+
+void drawTranslucentRefinedColour(MMContext2D& context)
+{
+    drawTranslucentColour<RefinedColour>(context);
+}
+
 void MMContext2D::drawSolidStrip()
 {
-    fillPixels(spanFirstPixel(*this), spanLength(*this),
-               refined != 0 ? currentPaint.paintColour | kOpaque : currentPaint.paintColour);
+    refined != 0 ? drawRefinedColour(*this) : drawClassicColour(*this);
 }
 
 void MMContext2D::drawSolidXORStrip()
@@ -135,10 +158,7 @@ void MMContext2D::drawPickingStrip()
 
 void MMContext2D::drawSolidTStrip()
 {
-    if (refined != 0)
-        drawTranslucentColour(*this, RefinedColour(currentPaint.paintColour));
-    else
-        drawTranslucentColour(*this, ClassicColour(currentPaint.paintColour));
+    refined != 0 ? drawTranslucentRefinedColour(*this) : drawTranslucentClassicColour(*this);
 }
 
 void MMContext2D::drawTransStrip()

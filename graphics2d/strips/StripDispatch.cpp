@@ -2,6 +2,8 @@
 // From the current paint to the strip filler that draws its spans.
 #include "graphics2d/strips/StripDispatch.h"
 
+#include "graphics2d/strips/SolidStrip.h"
+
 namespace KAVO {
 namespace Graphics2D {
 
@@ -9,12 +11,29 @@ namespace {
 
 constexpr uint32_t kTranslucentBit = 1; // set in a paint code whose opacity is below 255
 
-constexpr StripFiller kPatternFillers[] = {&MMContext2D::drawPatternStrip,
-                                           &MMContext2D::drawBiLinPatternStrip,
-                                           &MMContext2D::drawBiCubPatternStrip};
-constexpr StripFiller kTranslucentPatternFillers[] = {&MMContext2D::drawPatternTStrip,
-                                                      &MMContext2D::drawBiLinPatternTStrip,
-                                                      &MMContext2D::drawBiCubPatternTStrip};
+// A plain call costs short spans less than one through a pointer to a member.
+template <void (MMContext2D::*filler)()>
+void call(MMContext2D& context)
+{
+    (context.*filler)();
+}
+
+constexpr StripFiller kPatternFillers[] = {call<&MMContext2D::drawPatternStrip>,
+                                           call<&MMContext2D::drawBiLinPatternStrip>,
+                                           call<&MMContext2D::drawBiCubPatternStrip>};
+constexpr StripFiller kTranslucentPatternFillers[] = {call<&MMContext2D::drawPatternTStrip>,
+                                                      call<&MMContext2D::drawBiLinPatternTStrip>,
+                                                      call<&MMContext2D::drawBiCubPatternTStrip>};
+
+StripFiller opaqueColour(const MMContext2D& context)
+{
+    return context.refined != 0 ? drawRefinedColour : drawClassicColour;
+}
+
+StripFiller translucentColour(const MMContext2D& context)
+{
+    return context.refined != 0 ? drawTranslucentRefinedColour : drawTranslucentClassicColour;
+}
 
 StripFiller byFilter(const StripFiller (&fillers)[3], uint8_t patternFilter)
 {
@@ -32,23 +51,23 @@ SpanFiller chooseSpanFiller(const MMContext2D& context)
     case kPaintSolid:
         // By the refined rules the colour's own alpha is an opacity.
         if (context.refined == 0 || paint.paintColour >> 24 == 0xFF)
-            return {&MMContext2D::drawSolidStrip, false};
+            return {opaqueColour(context), false};
         [[fallthrough]];
     case kPaintSolid + kTranslucentBit:
-        return {&MMContext2D::drawSolidTStrip, true};
+        return {translucentColour(context), true};
     case kPaintXOR:
     case kPaintXOR + kTranslucentBit:
-        return {&MMContext2D::drawSolidXORStrip, false};
+        return {call<&MMContext2D::drawSolidXORStrip>, false};
     case kPaintLinearGradient:
-        if (paint.paintHasAlpha == 0) return {&MMContext2D::drawLinearGradientStrip, false};
+        if (paint.paintHasAlpha == 0) return {call<&MMContext2D::drawLinearGradientStrip>, false};
         [[fallthrough]];
     case kPaintLinearGradient + kTranslucentBit:
-        return {&MMContext2D::drawLinearGradientTStrip, true};
+        return {call<&MMContext2D::drawLinearGradientTStrip>, true};
     case kPaintRadialGradient:
-        if (paint.paintHasAlpha == 0) return {&MMContext2D::drawRadialGradientStrip, false};
+        if (paint.paintHasAlpha == 0) return {call<&MMContext2D::drawRadialGradientStrip>, false};
         [[fallthrough]];
     case kPaintRadialGradient + kTranslucentBit:
-        return {&MMContext2D::drawRadialGradientTStrip, true};
+        return {call<&MMContext2D::drawRadialGradientTStrip>, true};
     case kPaintPattern:
         if (paint.patternHasAlpha == 0)
             return {byFilter(kPatternFillers, context.patternFilter), false};
@@ -57,7 +76,7 @@ SpanFiller chooseSpanFiller(const MMContext2D& context)
         return {byFilter(kTranslucentPatternFillers, context.patternFilter), true};
     case kPaintPicking:
     case kPaintPicking + kTranslucentBit:
-        return {&MMContext2D::drawPickingStrip, false};
+        return {call<&MMContext2D::drawPickingStrip>, false};
     default:
         return {nullptr, false};
     }
@@ -67,17 +86,17 @@ StripFiller chooseEdgeFiller(const MMContext2D& context)
 {
     switch (context.currentPaint.paintType) {
     case kPaintSolid:
-        return &MMContext2D::drawSolidTStrip;
+        return translucentColour(context);
     case kPaintXOR:
-        return &MMContext2D::drawSolidXORStrip;
+        return call<&MMContext2D::drawSolidXORStrip>;
     case kPaintLinearGradient:
-        return &MMContext2D::drawLinearGradientTStrip;
+        return call<&MMContext2D::drawLinearGradientTStrip>;
     case kPaintRadialGradient:
-        return &MMContext2D::drawRadialGradientTStrip;
+        return call<&MMContext2D::drawRadialGradientTStrip>;
     case kPaintPattern:
         return byFilter(kTranslucentPatternFillers, context.patternFilter);
     case kPaintPicking:
-        return &MMContext2D::drawPickingStrip;
+        return call<&MMContext2D::drawPickingStrip>;
     default:
         return nullptr;
     }

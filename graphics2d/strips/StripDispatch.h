@@ -9,7 +9,8 @@
 namespace KAVO {
 namespace Graphics2D {
 
-using StripFiller = void (MMContext2D::*)();
+// Draws the context's current span.
+using StripFiller = void (*)(MMContext2D&);
 
 // How a paint draws whole spans. A null filler draws nothing.
 struct SpanFiller {
@@ -34,7 +35,7 @@ inline void drawSpan(MMContext2D& context, const SpanFiller& choice)
         context.spanCoverageStep = 0;
         context.spanTailCoverage = 0;
     }
-    (context.*choice.filler)();
+    choice.filler(context);
 }
 
 } // namespace Graphics2D

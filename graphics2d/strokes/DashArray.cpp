@@ -188,17 +188,23 @@ private:
     Fixed left_ = 0;
 };
 
+// Each of two buffers of the given size holds the points of any piece. Three hold those of two
+// pieces when the dash that runs over the start of a closed subpath is to be joined.
+struct DashBuffers {
+    MMPoint2D* points; // of all, one after the other
+    uint32_t room;     // of each
+    bool joinsAtStart;
+};
+
 // Walks a subpath's edges, gathers the points of the current piece and strokes the dashes.
 class DashPen {
 public:
-    // Each of two buffers of the given size holds the points of any piece. Three hold those of two
-    // pieces when the dash that runs over the start of a closed subpath is to be joined.
-    DashPen(MMContext2D& context, const DevicePen& pen, MMPoint2D* buffers, uint32_t room,
-            bool joinsAtStart, const DashPhase& phase, const MMPoint2D& start)
+    DashPen(MMContext2D& context, const DevicePen& pen, const DashBuffers& buffers,
+            const DashPhase& phase, const MMPoint2D& start)
         : context_(context), window_(context), pen_(pen), reach_(pen.reach(context)), phase_(phase),
-          at_(start), points_(buffers), unseen_(buffers + room),
-          first_(joinsAtStart ? buffers + 2 * room : nullptr),
-          awaitsFirst_(joinsAtStart && phase.isOn())
+          at_(start), points_(buffers.points), unseen_(buffers.points + buffers.room),
+          first_(buffers.joinsAtStart ? buffers.points + 2 * buffers.room : nullptr),
+          awaitsFirst_(buffers.joinsAtStart && phase.isOn())
     {
         restartAt(start);
     }
@@ -337,8 +343,20 @@ private:
     BoundsUnion all_;
 };
 
+[[gnu::noinline]] BoundsUnion strokeDashes(MMContext2D& context, const DevicePen& pen,
+                                           const DashBuffers& buffers, const DashPhase& start,
+                                           const Subpath& subpath)
+{
+    PointWalk walk(subpath);
+    DashPen dashPen(context, pen, buffers, start, walk.at());
+    while (walk.advance())
+        dashPen.walkTo(walk.at());
+    return dashPen.finish();
+}
+
 // As MMContext2D::drawDashArray.
-BoundsUnion dashSubpath(MMContext2D& context, const DevicePen& pen, const Subpath& subpath)
+[[gnu::noinline]] BoundsUnion dashSubpath(MMContext2D& context, const DevicePen& pen,
+                                          const Subpath& subpath)
 {
     const uint64_t pointCount = subpath.pointCount();
     if (pointCount == 0) return {};
@@ -370,24 +388,18 @@ BoundsUnion dashSubpath(MMContext2D& context, const DevicePen& pen, const Subpat
     }
     DevicePen dashing = pen;
     dashing.step = pen.stepFor(pieces);
-    const auto strokeDashes = [&] {
-        PointWalk walk(subpath);
-        DashPen dashPen(context, dashing, buffers.data(), room, joins, start, walk.at());
-        while (walk.advance())
-            dashPen.walkTo(walk.at());
-        return dashPen.finish();
-    };
+    const DashBuffers dashes = {buffers.data(), room, joins};
     if (context.refined != 0) {
         // A dash has one outline, and without anti-aliasing up to a pixel more.
         GatheredOutlines gathered(context, static_cast<uint32_t>(pieces + 2) * 2);
         dashing.gathered = &gathered;
         if (gathered) {
-            const BoundsUnion bounds = strokeDashes();
+            const BoundsUnion bounds = strokeDashes(context, dashing, dashes, start, subpath);
             if (gathered && gathered.fill()) return bounds;
         }
         dashing.gathered = nullptr;
     }
-    return strokeDashes();
+    return strokeDashes(context, dashing, dashes, start, subpath);
 }
 
 } // namespace

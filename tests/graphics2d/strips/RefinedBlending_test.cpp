@@ -97,7 +97,7 @@ TEST(RefinedBlending, LayersStayCloseToExactOnes)
                         (context.spanCoverageNext + (x - 1) * double(context.spanCoverageStep)) /
                         65536;
                 coverage[first + count] = context.spanTailCoverage / 65536.0;
-                (context.*chooseEdgeFiller(context))();
+                chooseEdgeFiller(context)(context);
             }
             for (int x = 0; x <= kWidth; ++x) {
                 const double weight = coverage[x] / 255 * (paint.paintColour >> 24) / 255;
