@@ -204,11 +204,11 @@ struct Beads : Picture {
         if (mirrored) context.transform = {kFixedOne, 0, 0, -kFixedOne, 0, fx(100)};
     }
 
-    // Thin ones, so that without anti-aliasing some light a pixel of their own.
-    void thin()
+    // So small that without anti-aliasing some light a pixel of their own.
+    void shrinkTo(double radius)
     {
         lengths[1] = fx(0.6);
-        context.strokeHalfWidth = fx(0.45);
+        context.strokeHalfWidth = fx(radius);
     }
 
     void draw(int vertices = 40)
@@ -246,15 +246,15 @@ TEST(DashArray, OverlappingDashesAreBlendedOnceByTheRefinedRules)
 {
     for (bool antiAlias : {false, true})
         for (bool mirrored : {false, true})
-            for (bool thin : {false, true}) {
+            for (double radius : {5.0, 0.55, 0.45}) {
                 Beads refined(antiAlias, mirrored), classic(antiAlias, mirrored);
                 classic.context.refined = 0;
                 classic.context.dashOffset = -1; // or there is no dot at the start
                 for (Beads* beads : {&refined, &classic}) {
-                    if (thin) beads->thin();
+                    if (radius < 1) beads->shrinkTo(radius);
                     beads->draw();
                 }
-                SCOPED_TRACE(testing::Message() << antiAlias << mirrored << thin);
+                SCOPED_TRACE(testing::Message() << antiAlias << mirrored << radius);
                 EXPECT_LE(refined.drawn().second, 129);
                 EXPECT_GT(classic.drawn().second, 140);
                 if (!antiAlias) {
