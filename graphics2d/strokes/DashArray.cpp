@@ -395,7 +395,10 @@ private:
         dashing.gathered = &gathered;
         if (gathered) {
             const BoundsUnion bounds = strokeDashes(context, dashing, dashes, start, subpath);
-            if (gathered && gathered.fill()) return bounds;
+            if (gathered) {
+                gathered.fill();
+                return bounds;
+            }
         }
         dashing.gathered = nullptr;
     }

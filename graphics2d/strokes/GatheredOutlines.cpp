@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "graphics2d/strokes/GatheredOutlines.h"
 
+#include "graphics2d/raster/NearlySorted.h"
+#include "graphics2d/raster/PolygonBounds.h"
 #include "graphics2d/raster/Rasteriser.h"
 
 #include <algorithm>
@@ -12,6 +14,48 @@ namespace Graphics2D {
 namespace {
 
 constexpr uint32_t kFirstRoom = 256; // points
+
+// The pixels that an outline can touch, ends included.
+struct TouchedBox {
+    int32_t top;
+    int32_t left;
+    int32_t bottom;
+    int32_t right;
+    uint32_t outline;
+    uint32_t meetsOthers;
+};
+
+bool isBefore(const TouchedBox& a, const TouchedBox& b)
+{
+    return a.top < b.top || (a.top == b.top && a.left < b.left);
+}
+
+// Whatever the pixel grid.
+TouchedBox touchedBy(const BoundsUnion& bounds, uint32_t outline)
+{
+    return {fixFloor(bounds.minY),
+            fixFloor(bounds.minX),
+            fixFloor(bounds.maxY) + 1,
+            fixFloor(bounds.maxX) + 1,
+            outline,
+            0};
+}
+
+// Marks the boxes that overlap, or all when to find out would take long.
+void markMeetings(TouchedBox* boxes, uint32_t count)
+{
+    uint64_t budget = uint64_t{64} * count; // comparisons
+    for (uint32_t i = 0; i < count; ++i)
+        for (uint32_t j = i + 1; j < count && boxes[j].top <= boxes[i].bottom; ++j) {
+            if (budget-- == 0) {
+                for (uint32_t k = 0; k < count; ++k)
+                    boxes[k].meetsOthers = 1;
+                return;
+            }
+            if (boxes[j].left > boxes[i].right || boxes[i].left > boxes[j].right) continue;
+            boxes[i].meetsOthers = boxes[j].meetsOthers = 1;
+        }
+}
 
 } // namespace
 
@@ -28,6 +72,7 @@ void GatheredOutlines::beginStroke()
 
 void GatheredOutlines::add(const MMPoint2D* points, uint32_t count)
 {
+    if (count == 0) return;
     const uint64_t used = wanted_;
     wanted_ += count;
     if (!hasStroke() || !points_) return;
@@ -44,14 +89,39 @@ bool GatheredOutlines::grow()
     return points_ && points_.resize(capacity_);
 }
 
-bool GatheredOutlines::fill()
+// Fills the outlines that meet no other, and leaves a single point of each. Returns how many are
+// left.
+uint32_t GatheredOutlines::fillApart()
 {
+    ScratchArray<TouchedBox> boxes(context_.scratchStack, count_);
+    if (!boxes) return count_;
+    for (uint32_t i = 0; i < count_; ++i)
+        boxes[i] = touchedBy(boundsOfPolygon(&points_[beginOf(i)], ends_[i] - beginOf(i)), i);
+    sortNearlySorted(boxes.data(), count_);
+    markMeetings(boxes.data(), count_);
+    uint32_t left = count_;
+    for (uint32_t k = 0; k < count_; ++k) {
+        if (boxes[k].meetsOthers != 0) continue;
+        const uint32_t i = boxes[k].outline;
+        MMPoint2D* const points = &points_[beginOf(i)];
+        const uint32_t count = ends_[i] - beginOf(i);
+        fillOutline(context_, points, count);
+        std::fill_n(points, count, points[0]);
+        --left;
+    }
+    return left;
+}
+
+void GatheredOutlines::fill()
+{
+    if (fillApart() == 0) return;
     const uint16_t before = std::exchange(context_.outOfMemory, uint16_t{0});
     fillContours(context_, {points_.data(), ends_.data(), count_}, kFillNonZero,
                  ThinShapes::kExact);
-    const bool done = context_.outOfMemory == 0;
+    const bool failed = context_.outOfMemory != 0;
     context_.outOfMemory = before;
-    return done;
+    for (uint32_t i = 0; failed && i < count_; ++i)
+        fillOutline(context_, &points_[beginOf(i)], ends_[i] - beginOf(i));
 }
 
 } // namespace Graphics2D

@@ -153,6 +153,10 @@ TEST(Matrix2D, InvertComesBackWithinAUnitOrSo)
         {{1, 1 << 20, 0x100400, 1, 0, 0}, {0, 0xFFC, 0xFFF, 0, 0, 0}, 0},
         // b c / d is 2^32, one bit too many for a'; d' is the reciprocal of 1 - 2^32 / 1000.
         {{1000, 1 << 16, 1 << 16, 1, 0, 0}, {0, 0xFFFF, 0xFFFF, -1000, 0, 0}, 0},
+        // The same for the other three.
+        {{1 << 16, 1, 1000, 1 << 16, 0, 0}, {0xFFFF, 0, -1000, 0xFFFF, 0, 0}, 0},
+        {{1 << 16, 1000, 1, 1 << 16, 0, 0}, {0xFFFF, -1000, 0, 0xFFFF, 0, 0}, 0},
+        {{1, 1 << 16, 1 << 16, 1000, 0, 0}, {-1000, 0xFFFF, 0xFFFF, 0, 0, 0}, 0},
     };
     for (auto c : cases) {
         c.matrix.invert();
