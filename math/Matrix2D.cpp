@@ -126,14 +126,30 @@ void Matrix2D::skewY(Degrees angle)
     f = wrapAdd(f, fixMulDiv(e, sine, cosine));
 }
 
+namespace {
+
+template <class Map>
+void mapEach(MMPoint2D* dst, const MMPoint2D* src, uint16_t count, Map map)
+{
+    for (uint32_t i = 0; i < count; ++i)
+        dst[i] = map(src[i]);
+}
+
+} // namespace
+
 void Matrix2D::transform(MMPoint2D* dst, const MMPoint2D* src, uint16_t count) const
 {
     if (dst == nullptr || src == nullptr) return;
-    for (uint32_t i = 0; i < count; ++i) {
-        const MMPoint2D p = src[i];
-        dst[i].x = wrapAdd(wrapAdd(fixMulInline(a, p.x), fixMulInline(c, p.y)), e);
-        dst[i].y = wrapAdd(wrapAdd(fixMulInline(b, p.x), fixMulInline(d, p.y)), f);
-    }
+    const Matrix2D m = *this;
+    // Products with 1 and 0 are exact, so most drawings need none.
+    if (m.b == 0 && m.c == 0 && m.a == kFixedOne && m.d == kFixedOne)
+        return mapEach(dst, src, count, [m](MMPoint2D p) {
+            return MMPoint2D{wrapAdd(p.x, m.e), wrapAdd(p.y, m.f)};
+        });
+    mapEach(dst, src, count, [m](MMPoint2D p) {
+        return MMPoint2D{wrapAdd(wrapAdd(fixMulInline(m.a, p.x), fixMulInline(m.c, p.y)), m.e),
+                         wrapAdd(wrapAdd(fixMulInline(m.b, p.x), fixMulInline(m.d, p.y)), m.f)};
+    });
 }
 
 void Matrix2D::invert()

@@ -164,6 +164,28 @@ TEST(Matrix2D, InvertComesBackWithinAUnitOrSo)
     }
 }
 
+// Word for word, whatever short cuts the transform takes.
+TEST(Matrix2D, TransformIsMadeOfProducts)
+{
+    std::mt19937 random(8);
+    const auto word = [&] { return static_cast<Fixed>(random()); };
+    for (int i = 0; i < 3000; ++i) {
+        Matrix2D m = {word(), word(), word(), word(), word(), word()};
+        if (i % 2 == 0) m.b = m.c = 0;
+        if (i % 3 == 0) m.a = kFixedOne;
+        if (i % 4 == 0) m.d = kFixedOne;
+        MMPoint2D p[2] = {{word(), word()}, {INT32_MIN, i % 5 == 0 ? INT32_MIN : 1}};
+        MMPoint2D q[2];
+        m.transform(q, p, 2);
+        for (int k = 0; k < 2; ++k) {
+            EXPECT_EQ(q[k].x, wrapAdd(wrapAdd(fixMul(m.a, p[k].x), fixMul(m.c, p[k].y)), m.e));
+            EXPECT_EQ(q[k].y, wrapAdd(wrapAdd(fixMul(m.b, p[k].x), fixMul(m.d, p[k].y)), m.f))
+                << m.a << ' ' << m.b << ' ' << m.c << ' ' << m.d << " at " << p[k].x << ' '
+                << p[k].y;
+        }
+    }
+}
+
 TEST(Matrix2D, NormalizeMakesTheSmallestLinearElementOne)
 {
     Matrix2D m = {0x40000, -0x8000, 0, 0x20000, fx(3), 0};

@@ -278,6 +278,17 @@ TEST(RasterLimits, AThinShapeIsOneSpanWithTheOpacityOfItsHeight)
     }
 }
 
+// Not even where one of three would be a thin shape.
+TEST(RasterLimits, TwoPointsDrawNothing)
+{
+    for (const auto raster : {kChosen, kMonotone, kComplex})
+        for (double height : {0.0, 0.3, 9.0}) {
+            RasterPicture picture;
+            picture.fill(points({{10, 20}, {30, 20 + height}}), raster);
+            EXPECT_TRUE(picture.blank()) << height;
+        }
+}
+
 TEST(RasterLimits, ClipsKeepThePixelsInsideAndDrawNothingOutside)
 {
     constexpr int kInset = 8; // the target lies this far inside the picture
