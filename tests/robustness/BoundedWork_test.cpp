@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Work stays in proportion to what is seen of a drawing and to the length of a text, however far
-// images are magnified and however wide a pen is. It is counted, not timed.
+// Work stays in proportion to the length of a text, and however wide a pen is its outline has few
+// points. It is counted, not timed.
 #include "graphics2d/strokes/StrokeOutline.h"
 #include "graphics2d/strokes/Stroker.h"
 #include "tests/pictures/Canvas.h"
@@ -11,61 +11,8 @@
 using namespace KAVO;
 using namespace KAVO::Graphics2D;
 
-namespace {
-
-// What the bilinear filler is asked for, by each thread.
-thread_local uint32_t spans;
-thread_local int64_t spanPixels;
-
-} // namespace
-
-// The linker leads the dispatch of opaque bilinear spans here.
-extern "C" {
-
-void __real__ZN4KAVO10Graphics2D11MMContext2D21drawBiLinPatternStripEv(MMContext2D*);
-void __wrap__ZN4KAVO10Graphics2D11MMContext2D21drawBiLinPatternStripEv(MMContext2D*);
-
-// At an even address, as pointers to members need: an odd one stands for a virtual function.
-[[gnu::aligned(16)]] void
-__wrap__ZN4KAVO10Graphics2D11MMContext2D21drawBiLinPatternStripEv(MMContext2D* context)
-{
-    ++spans;
-    spanPixels += (context->spanEnd >> 16) - (context->spanStart >> 16);
-    __real__ZN4KAVO10Graphics2D11MMContext2D21drawBiLinPatternStripEv(context);
-}
-
-} // extern "C"
-
 namespace KAVO::Graphics2D::pictures {
 namespace {
-
-TEST(BoundedWork, AnImageMagnifiedAMillionTimesTakesTheVisiblePixelsOnly)
-{
-    for (const Degrees angle : {0, fx(30), fx(90), fx(181)})
-        for (const bool throughTransform : {false, true}) {
-            Canvas scene;
-            MMContext2D& c = scene.context;
-            scene.hard();
-            scene.image.pixmapExtra = 0;
-            spans = 0;
-            spanPixels = 0;
-            if (throughTransform) {
-                c.transform = {fx(32767), 0, 0, fx(32767), 0, 0}; // the most that a matrix holds
-                c.transform.rotate(angle);
-                scene.drawImage(-4, -4, 8, 8);
-            } else {
-                // A 32nd of a texel over 32,767 pixels.
-                const MMFixedRegion from = {0, 0, 0x800, 0x800};
-                const MMFixedRegion to = {fx(-16000), fx(-16000), fx(16767), fx(16767)};
-                const MMPixmap target = c.target;
-                c.drawImage(&scene.image, &from, &target, &to, angle);
-            }
-            EXPECT_GT(spans, 0u) << angle;
-            EXPECT_LE(spans, uint32_t{kSide}) << angle;
-            EXPECT_LE(spanPixels, int64_t{kSide} * kSide) << angle;
-            EXPECT_LE(c.scratchStack.peakWords, 1024u);
-        }
-}
 
 TEST(BoundedWork, AHundredThousandCharactersTakeAGlyphForEachOnceAndAFewCallsEach)
 {

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/StrokeRecorder.h"
 
-using namespace KAVO::Graphics2D;
+// The stroker is compiled here once more, under another name of its own, and this test program is
+// linked without the library's object of it: so calls of strokeSubpath from other files come here.
+#define strokeSubpath strokeReally
+#include "graphics2d/strokes/Stroker.cpp"
+#undef strokeSubpath
 
 namespace {
 
@@ -19,17 +23,10 @@ StrokeRecorder::~StrokeRecorder()
     recorder = nullptr;
 }
 
-// The linker leads calls of strokeSubpath here.
-#define STROKE_SUBPATH                                                                             \
-    "_ZN4KAVO10Graphics2D13strokeSubpathERNS0_11MMContext2DERKNS0_9DevicePenERKNS0_7SubpathE"
+namespace KAVO {
+namespace Graphics2D {
 
-BoundsUnion strokeReally(MMContext2D& context, const DevicePen& pen,
-                         const Subpath& subpath) __asm__("__real_" STROKE_SUBPATH);
-
-BoundsUnion record(MMContext2D& context, const DevicePen& pen,
-                   const Subpath& subpath) __asm__("__wrap_" STROKE_SUBPATH);
-
-BoundsUnion record(MMContext2D& context, const DevicePen& pen, const Subpath& subpath)
+BoundsUnion strokeSubpath(MMContext2D& context, const DevicePen& pen, const Subpath& subpath)
 {
     if (recorder == nullptr) return strokeReally(context, pen, subpath);
     StrokeRecorder::Stroke stroke = {
@@ -43,3 +40,6 @@ BoundsUnion record(MMContext2D& context, const DevicePen& pen, const Subpath& su
     recorder->strokes.push_back(std::move(stroke));
     return bounds;
 }
+
+} // namespace Graphics2D
+} // namespace KAVO

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The work of filling hostile polygons, counted rather than timed: the rasteriser's sources are
-// compiled so that every basic block they run calls back here.
+// The work of filling hostile polygons, counted rather than timed.
 #include "graphics2d/raster/Rasteriser.h"
+#include "tests/counted_work/Blocks.h"
 #include "tests/support/UserUnits.h"
 
 #include <gtest/gtest.h>
@@ -11,14 +11,6 @@
 #include <vector>
 
 using namespace KAVO;
-
-static uint64_t blocksRun = 0;
-
-extern "C" void __sanitizer_cov_trace_pc(); // the name that the compiler calls
-extern "C" void __sanitizer_cov_trace_pc()
-{
-    ++blocksRun;
-}
 
 namespace {
 
