@@ -153,10 +153,12 @@ struct ClassicMeeting {
 
 struct RefinedMeeting {
     uint16_t opacity; // of a whole glyph, 8.8
+    int32_t beside;   // columns of the target right of the box
 
+    // What is not the glyph's own may be read, as long as it is the target's.
     U32x4 backgroundOf(const Pixel* pixels, int32_t count) const
     {
-        return loadFirst(pixels, count);
+        return count + beside >= kPiece ? load4(pixels) : loadFirst(pixels, count);
     }
     U16x8 coverageOf(U16x8 levels) const
     {
@@ -228,8 +230,9 @@ void GlyphCompositor::draw(const FS_GrayMap& glyph, const GlyphPlace& place)
     box.levelsEnd = glyph.bitmap + glyph.height * box.stride;
     box.pixels = context_.target.pixels + box.y * rowPixels_ + box.x;
     if (refined_)
-        drawBox<RefinedSolidBlend, RefinedBufferBlend>(box, record_->paintColour | 0xFF000000,
-                                                       RefinedMeeting{opacity_});
+        drawBox<RefinedSolidBlend, RefinedBufferBlend>(
+            box, record_->paintColour | 0xFF000000,
+            RefinedMeeting{opacity_, context_.target.width - box.x - box.width});
     else
         drawBox<SolidBlend, BufferBlend>(box, record_->paintColour,
                                          ClassicMeeting{targetEnd_, record_->paintOpacity});
