@@ -78,7 +78,7 @@ public:
 
     Piece whole(const BezierCurve& curve) const { return {curve, 0}; }
 
-    // Sets the halves, and returns whether the piece is flat.
+    // Returns whether the piece is flat, and sets its halves where it is not.
     bool halve(const Piece& piece, Piece& left, Piece& right) const
     {
         const BezierCurve& c = piece.curve;
@@ -128,11 +128,12 @@ public:
 
     bool halve(const Piece& piece, Piece& left, Piece& right) const
     {
+        if (isFlat(piece.device)) return true;
         const CurveHalves curve = halvesOf(piece.curve);
         const CurveHalves device = halvesOf(piece.device);
         left = {curve.left, device.left, piece.level + 1};
         right = {curve.right, device.right, piece.level + 1};
-        return isFlat(piece.device);
+        return false;
     }
 
 private:
