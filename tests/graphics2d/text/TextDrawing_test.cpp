@@ -60,9 +60,15 @@ TEST(TextDrawing, MeasuresWithoutMovingAnything)
     EXPECT_EQ(context.accumulateBounds, 1);
 
     Fixed width = 0, height = 0;
+    context.charXCount = context.charYCount = context.charRotateCount = 1;
     context.getTextSize(Text(u"  a \n i").data(), 65535, width, height);
     EXPECT_NEAR(width, fx(12 + 12 + 6), kLittle);
     EXPECT_EQ(height, fx(12));
+    MMFixedRegion box = {};
+    context.getTextBBox(Text(u"ab").data(), 0, 0, &box);
+    EXPECT_EQ(context.charXCount, 1u);
+    EXPECT_EQ(context.charYCount, 1u);
+    EXPECT_EQ(context.charRotateCount, 1u);
 }
 
 TEST(TextDrawing, AnchorsByTheWidthOfAllLines)
