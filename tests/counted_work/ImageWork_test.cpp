@@ -34,10 +34,10 @@ TEST(ImageWork, AnImageMagnifiedAMillionTimesTakesTheVisiblePixelsOnly)
                 if (throughTransform) {
                     context.transform = {INT32_MAX, 0, 0, INT32_MAX, 0, 0};
                     context.transform.rotate(angle * kFixedOne);
-                    context.drawImage(&image, fx(-0.5), fx(-0.5), fx(1), fx(1), 0);
+                    context.drawImage(&image, -0.5_fx, -0.5_fx, 1_fx, 1_fx, 0);
                 } else { // a 32nd of a texel over 32,767 pixels
                     const MMFixedRegion from = {0, 0, 0x800, 0x800};
-                    const MMFixedRegion to = {fx(-16000), fx(-16000), fx(16767), fx(16767)};
+                    const MMFixedRegion to = {-16000_fx, -16000_fx, 16767_fx, 16767_fx};
                     const MMPixmap target = context.target;
                     context.drawImage(&image, &from, &target, &to, angle * kFixedOne);
                 }

@@ -184,7 +184,7 @@ TEST(PaintSetup, StopsOutOfOrderAreBroughtIntoOrder)
 {
     const Fixed offsets[] = {-5, 0x9000, 0x2000};
     Canvas canvas(16, 1);
-    setRadialGradient(canvas.paint, {0, 0}, fx(100), kIdentityMatrix, {kStopColours, offsets, 3},
+    setRadialGradient(canvas.paint, {0, 0}, 100_fx, kIdentityMatrix, {kStopColours, offsets, 3},
                       canvas.ramp);
     ASSERT_EQ(canvas.paint.gradientStopCount, 3u);
     EXPECT_EQ(canvas.rampOffsets[0], 0);

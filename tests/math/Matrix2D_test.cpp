@@ -17,7 +17,7 @@ namespace {
 
 using Elements = std::array<Fixed, 6>;
 
-constexpr Matrix2D kShear = {fx(1), fx(0.25), fx(2), fx(-1), fx(1), fx(-3)};
+constexpr Matrix2D kShear = {1_fx, 0.25_fx, 2_fx, -1_fx, 1_fx, -3_fx};
 
 Elements elementsOf(const Matrix2D& m)
 {
@@ -78,21 +78,21 @@ TEST(Matrix2D, ComposeAppliesItsItemAfterTheMatrix)
         Matrix2D item;
         int32_t bound;
     } items[] = {
-        {M::Translate, 1, {fx(5), 9}, {fx(1), 0, 0, fx(1), fx(5), 0}, 0},
-        {M::Translate, 2, {fx(5), fx(7)}, {fx(1), 0, 0, fx(1), fx(5), fx(7)}, 0},
-        {M::Scale, 1, {fx(2), 9}, {fx(2), 0, 0, fx(2), 0, 0}, 0},
-        {M::Scale, 2, {fx(2), fx(-0.5)}, {fx(2), 0, 0, fx(-0.5), 0, 0}, 0},
-        {M::Rotate, 1, {fx(90)}, {0, fx(1), fx(-1), 0, 0, 0}, kTurned}, // from x toward y
-        {M::Rotate, 1, {fx(-90)}, {0, fx(-1), fx(1), 0, 0, 0}, kTurned},
-        {M::Rotate, 1, {fx(-360)}, kIdentityMatrix, 0},
-        {M::Rotate, 3, {fx(90), fx(1), fx(2)}, {0, fx(1), fx(-1), 0, fx(3), fx(1)}, kTurned},
-        {M::Rotate, 3, {fx(720), fx(1), fx(2)}, kIdentityMatrix, 0},
-        {M::SkewX, 1, {fx(45)}, {fx(1), 0, fx(1), fx(1), 0, 0}, 0},
-        {M::SkewX, 1, {fx(360)}, kIdentityMatrix, 0},
-        {M::SkewY, 1, {fx(-45)}, {fx(1), fx(-1), 0, fx(1), 0, 0}, 0},
-        {M::SkewY, 1, {fx(32400)}, kIdentityMatrix, 0},
-        {M::Matrix, 6, {fx(1), fx(2), 0, fx(4), 5, 6}, {fx(1), fx(2), 0, fx(4), 5, 6}, 0},
-        {M::TransformTypes(6), 1, {fx(7)}, kIdentityMatrix, 0},
+        {M::Translate, 1, {5_fx, 9}, {1_fx, 0, 0, 1_fx, 5_fx, 0}, 0},
+        {M::Translate, 2, {5_fx, 7_fx}, {1_fx, 0, 0, 1_fx, 5_fx, 7_fx}, 0},
+        {M::Scale, 1, {2_fx, 9}, {2_fx, 0, 0, 2_fx, 0, 0}, 0},
+        {M::Scale, 2, {2_fx, -0.5_fx}, {2_fx, 0, 0, -0.5_fx, 0, 0}, 0},
+        {M::Rotate, 1, {90_fx}, {0, 1_fx, -1_fx, 0, 0, 0}, kTurned}, // from x toward y
+        {M::Rotate, 1, {-90_fx}, {0, -1_fx, 1_fx, 0, 0, 0}, kTurned},
+        {M::Rotate, 1, {-360_fx}, kIdentityMatrix, 0},
+        {M::Rotate, 3, {90_fx, 1_fx, 2_fx}, {0, 1_fx, -1_fx, 0, 3_fx, 1_fx}, kTurned},
+        {M::Rotate, 3, {720_fx, 1_fx, 2_fx}, kIdentityMatrix, 0},
+        {M::SkewX, 1, {45_fx}, {1_fx, 0, 1_fx, 1_fx, 0, 0}, 0},
+        {M::SkewX, 1, {360_fx}, kIdentityMatrix, 0},
+        {M::SkewY, 1, {-45_fx}, {1_fx, -1_fx, 0, 1_fx, 0, 0}, 0},
+        {M::SkewY, 1, {32400_fx}, kIdentityMatrix, 0},
+        {M::Matrix, 6, {1_fx, 2_fx, 0, 4_fx, 5, 6}, {1_fx, 2_fx, 0, 4_fx, 5, 6}, 0},
+        {M::TransformTypes(6), 1, {7_fx}, kIdentityMatrix, 0},
     };
     for (const auto& c : items) {
         SCOPED_TRACE(testing::Message() << c.type << " with " << c.count);
@@ -121,8 +121,8 @@ TEST(Matrix2D, ComposeAppliesItsItemAfterTheMatrix)
 TEST(Matrix2D, SkewNear90OverwritesAndGoesOn)
 {
     const std::pair<Degrees, bool> angles[] = {
-        {fx(89) - 1, false}, {fx(89), true},   {fx(90.5), true}, {fx(91), true},
-        {fx(91) + 1, false}, {fx(270), false}, {fx(450), true}};
+        {89_fx - 1, false}, {89_fx, true},   {90.5_fx, true}, {91_fx, true},
+        {91_fx + 1, false}, {270_fx, false}, {450_fx, true}};
     for (const auto& [angle, isNear] : angles) {
         const Fixed diagonal = isNear ? INT32_MAX : kFixedOne;
         const Degrees reduced = angle % kDegrees360;
@@ -188,10 +188,10 @@ TEST(Matrix2D, TransformIsMadeOfProducts)
 
 TEST(Matrix2D, NormalizeMakesTheSmallestLinearElementOne)
 {
-    Matrix2D m = {0x40000, -0x8000, 0, 0x20000, fx(3), 0};
+    Matrix2D m = {0x40000, -0x8000, 0, 0x20000, 3_fx, 0};
     EXPECT_EQ(m.normalize(), 0x1FFFF);
-    expectNear(m, {0x80000, -kFixedOne, 0, 0x40000, fx(6), 0}, 8);
-    m = {0, 0, 0, 0, fx(9), 0};
+    expectNear(m, {0x80000, -kFixedOne, 0, 0x40000, 6_fx, 0}, 8);
+    m = {0, 0, 0, 0, 9_fx, 0};
     EXPECT_EQ(m.normalize(), 2); // 2^32 - 1 over the largest number
     EXPECT_EQ(elementsOf(m), (Elements{0, 0, 0, 0, 18, 0}));
 }

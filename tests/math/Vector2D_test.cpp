@@ -42,12 +42,12 @@ TEST(Vector2D, NormsAreCloseToTheLength)
             ASSERT_NEAR(unit.x, v.x / exact * kFixedOne, 3) << v.x << ", " << v.y;
             ASSERT_NEAR(unit.y, v.y / exact * kFixedOne, 3) << v.x << ", " << v.y;
         }
-        if (exact > 10000 && exact < fx(16383)) {
+        if (exact > 10000 && exact < 16383_fx) {
             // (0.9443 + 0.4307 t) / sqrt(1 + t^2) at t = 1/16 and at its maximum, t = 0.456; from
             // 4096.0 on, 16 * t wraps and 0.9834 may stand for 0.9443.
             const double ratio = quick / exact;
             ASSERT_GE(ratio, 0.969) << v.x << ", " << v.y;
-            ASSERT_LE(ratio, exact < fx(4096) ? 1.0385 : 1.0736) << v.x << ", " << v.y;
+            ASSERT_LE(ratio, exact < 4096_fx ? 1.0385 : 1.0736) << v.x << ", " << v.y;
         }
     }
     // 3 * 64448 + 28224 (with mx = 3, mn = 1) less 3 * 2560
@@ -84,8 +84,8 @@ TEST(Vector2D, LinesMeetWithinTheirLengthsUnlessTheyAreNearlyParallel)
         EXPECT_EQ(meeting != untouched, c.written);
         EXPECT_EQ(lines.distance1 != 77, c.written);
         if (c.cross != kFixedOne) continue;
-        EXPECT_NEAR(meeting.x, fx(5), 2);
-        EXPECT_NEAR(meeting.y, fx(2), 2);
+        EXPECT_NEAR(meeting.x, 5_fx, 2);
+        EXPECT_NEAR(meeting.y, 2_fx, 2);
         EXPECT_NEAR(lines.distance1, fx(c.x1 - 5), 2);
     }
 }

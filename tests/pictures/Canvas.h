@@ -18,7 +18,7 @@ inline GradientStops stops(bool translucent)
 {
     static const Pixel opaqueColours[] = {kRed, 0xFFF1FAEE, kBlue, kNight};
     static const Pixel translucentColours[] = {kRed, 0x80F1FAEE, 0x20457B9D, 0xC01D3557};
-    static const Fixed offsets[] = {0, fx(0.3), fx(0.5), fx(1)};
+    static const Fixed offsets[] = {0, fx(0.3), 0.5_fx, 1_fx};
     return {translucent ? translucentColours : opaqueColours, offsets, 4};
 }
 
@@ -86,7 +86,7 @@ struct Canvas : FreshEngine {
 
     void radial(bool translucentStops = false)
     {
-        setRadialGradient(context.fillPaint, at(44, 40), fx(38), context.transform,
+        setRadialGradient(context.fillPaint, at(44, 40), 38_fx, context.transform,
                           stops(translucentStops), {rampColours, rampOffsets},
                           context.refined != 0);
     }
@@ -94,7 +94,7 @@ struct Canvas : FreshEngine {
     void pattern(MMPatternFilter filter, bool hasAlpha = false)
     {
         image.pixmapExtra = hasAlpha ? 1 : 0;
-        Matrix2D turned = {fx(5.2), fx(1.9), -fx(2.1), fx(5.9), fx(28.5), fx(5)};
+        Matrix2D turned = {5.2_fx, 1.9_fx, -fx(2.1), 5.9_fx, 28.5_fx, 5_fx};
         setPattern(context.fillPaint, image, turned, filter, context.refined != 0);
         context.patternFilter = filter;
     }
@@ -175,11 +175,11 @@ struct Canvas : FreshEngine {
 
     void roundRectangles()
     {
-        context.drawEllipticalRect(fx(26), fx(24), fx(22), fx(18), fx(8), fx(5));
-        context.drawEllipticalRect(fx(72.5), fx(24.5), fx(18), fx(20), fx(18), fx(20));
-        context.drawEllipticalRect(fx(26), fx(70), fx(20), fx(20), 0, 0);
-        context.transform.rotateCenter(fx(30), fx(72), fx(70));
-        context.drawEllipticalRect(fx(72), fx(70), fx(20), fx(10), fx(12), fx(9));
+        context.drawEllipticalRect(26_fx, 24_fx, 22_fx, 18_fx, 8_fx, 5_fx);
+        context.drawEllipticalRect(72.5_fx, 24.5_fx, 18_fx, 20_fx, 18_fx, 20_fx);
+        context.drawEllipticalRect(26_fx, 70_fx, 20_fx, 20_fx, 0, 0);
+        context.transform.rotateCenter(30_fx, 72_fx, 70_fx);
+        context.drawEllipticalRect(72_fx, 70_fx, 20_fx, 10_fx, 12_fx, 9_fx);
     }
 
     void arcs(uint8_t pie, uint8_t outline)
@@ -188,7 +188,7 @@ struct Canvas : FreshEngine {
         const int32_t sweeps[] = {30, 90, 200, 359, 720, -45, -180, -300, 1};
         for (int32_t i = 0; i < 9; ++i) {
             MMPoint2D centre = at(17 + 31 * (i % 3), 17 + 31 * (i / 3));
-            context.drawCircularArc(&centre, fx(13), fx(20 * i), sweeps[i] * kFixedOne, pie,
+            context.drawCircularArc(&centre, 13_fx, fx(20 * i), sweeps[i] * kFixedOne, pie,
                                     outline);
         }
     }
@@ -203,7 +203,7 @@ struct Canvas : FreshEngine {
     {
         text(u"ag i", 4, 22, 16);
         text(u"jgga gi", 10, 44, 11.5);
-        context.transform.rotateCenter(fx(20), fx(48), fx(48));
+        context.transform.rotateCenter(20_fx, 48_fx, 48_fx);
         text(u"gia g", 4, 72, 14);
     }
 

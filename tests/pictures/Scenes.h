@@ -32,10 +32,10 @@ void imageParts(Canvas& c)
         c.context.drawImage(&c.image, &from, &destination, &to, turn);
     };
     c.context.patternFilter = filter;
-    draw({0, 0, fx(12), fx(10)}, {fx(4), fx(4), fx(60), fx(40)}, 0);
+    draw({0, 0, 12_fx, 10_fx}, {4_fx, 4_fx, 60_fx, 40_fx}, 0);
     c.context.imageOpacity = 150;
     c.context.currentPaint.patternHasAlpha = 1;
-    draw({fx(3), fx(2), fx(9.5), fx(8)}, {fx(50), fx(88.5), fx(90), fx(60)}, fx(30));
+    draw({3_fx, 2_fx, 9.5_fx, 8_fx}, {50_fx, 88.5_fx, 90_fx, 60_fx}, 30_fx);
 }
 
 inline void clipped(Canvas& c)
@@ -68,22 +68,22 @@ inline void positions(Canvas& c)
 template <MMJoinStyle join, MMCapStyle cap>
 void dashed(Canvas& c)
 {
-    static const Fixed dashes[] = {fx(9), fx(6.5), fx(0), fx(6.5)};
+    static const Fixed dashes[] = {9_fx, 6.5_fx, 0_fx, 6.5_fx};
     c.context.dashArray = dashes;
     c.context.dashCount = 4;
-    c.context.dashOffset = fx(3.25) * (cap + 1);
+    c.context.dashOffset = 3.25_fx * (cap + 1);
     c.solid(kNight), c.stroke(4, join, cap), c.zigzag(cap == kCapButt);
     MMPoint2D centre = at(30, 70);
-    c.context.drawCircularArc(&centre, fx(20), 0, fx(300), 0, 1);
-    c.context.drawEllipticalRect(fx(48), fx(48), fx(44), fx(44), fx(10), fx(16));
+    c.context.drawCircularArc(&centre, 20_fx, 0, 300_fx, 0, 1);
+    c.context.drawEllipticalRect(48_fx, 48_fx, 44_fx, 44_fx, 10_fx, 16_fx);
 }
 
 // Characters placed and turned one by one; a slant, anchors, and a clip rectangle that cuts them.
 inline void placedText(Canvas& c)
 {
-    static const Fixed xs[] = {fx(6), fx(26.5), fx(50), fx(70)};
-    static const Fixed ys[] = {fx(20), fx(26), fx(32), fx(20.5)};
-    static const Degrees turns[] = {0, fx(30), fx(90), fx(200)};
+    static const Fixed xs[] = {6_fx, 26.5_fx, 50_fx, 70_fx};
+    static const Fixed ys[] = {20_fx, 26_fx, 32_fx, 20.5_fx};
+    static const Degrees turns[] = {0, 30_fx, 90_fx, 200_fx};
     MMContext2D& context = c.context;
     context.charX = xs, context.charY = ys, context.charRotate = turns;
     context.charXCount = context.charYCount = context.charRotateCount = 4;
@@ -97,11 +97,11 @@ inline void placedText(Canvas& c)
 
 inline void wrappedText(Canvas& c)
 {
-    c.context.fontSize = fx(9);
+    c.context.fontSize = 9_fx;
     c.context.updateFont();
-    c.context.penY = fx(14);
-    c.context.wrapWidth = fx(70);
-    c.context.wrapOffsetX = fx(8);
+    c.context.penY = 14_fx;
+    c.context.wrapWidth = 70_fx;
+    c.context.wrapOffsetX = 8_fx;
     c.context.textDecoration = 1;
     c.context.drawWrappedText(Text(u"gag aga iii gggg ai gagagagagaga ig").data(), 0, 0);
 }

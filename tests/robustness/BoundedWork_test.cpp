@@ -28,7 +28,7 @@ TEST(BoundedWork, AHundredThousandCharactersTakeAGlyphForEachOnceAndAFewCallsEac
 
     for (Fixed clipped : {0, 1}) { // what lies outside is measured all the same
         c.clipRight = clipped != 0 ? 1 : 40;
-        c.drawText(text.data(), 0, fx(10));
+        c.drawText(text.data(), 0, 10_fx);
         c.getTextWidth(text.data(), 0xFFFF);
         EXPECT_LE(fakeFontEngine.glyphsMade, 27);
     }
@@ -61,9 +61,9 @@ TEST(BoundedWork, JoinsAndCapsHaveABoundedNumberOfVertices)
                                             {{0, 0}, {1, 0}, {0, 0}, {0, 1}},
                                             {{far, 0}, {-far, 1}, {far, 2}, {-far, 3}},
                                             {at(0, 0), at(100, 0), at(200, 20), at(300, 66)}};
-    for (Fixed halfWidth : {1, fx(1), fx(3000), far})
-        for (Fixed scale : {1, fx(1), fx(100), far})
-            for (Fixed limit : {0, fx(32767)})
+    for (Fixed halfWidth : {1, 1_fx, 3000_fx, far})
+        for (Fixed scale : {1, 1_fx, 100_fx, far})
+            for (Fixed limit : {0, 32767_fx})
                 for (uint8_t style : {0, 1, 2}) {
                     MMContext2D context;
                     context.transform = {scale, 0, 0, scale, 0, 0};
@@ -79,7 +79,7 @@ TEST(BoundedWork, JoinsAndCapsHaveABoundedNumberOfVertices)
 TEST(BoundedWork, ManyJoinsOrDashesShareABoundedNumberOfVertices)
 {
     MMContext2D context;
-    for (Fixed halfWidth : {fx(1), fx(64), fx(30000)}) {
+    for (Fixed halfWidth : {1_fx, 64_fx, 30000_fx}) {
         context.strokeHalfWidth = halfWidth;
         const DevicePen pen(context);
         EXPECT_EQ(pen.stepFor(4000), pen.step);

@@ -16,7 +16,8 @@ namespace {
 #if defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__)
 uint32_t operations()
 {
-    return std::getenv("MM2D_LONG_LIFE") ? 1000000 : 100000;
+    const char* wanted = std::getenv("MM2D_LONG_LIFE");
+    return wanted != nullptr && *wanted != 0 ? 1000000 : 100000;
 }
 #else
 uint32_t operations()
@@ -34,7 +35,7 @@ void drawAtRandom(Canvas& c, uint32_t number, uint32_t operation)
 {
     std::minstd_rand random(number);
     const auto below = [&random](uint32_t limit) { return static_cast<uint8_t>(random() % limit); };
-    static const Fixed dashes[] = {fx(20), fx(6)};
+    static const Fixed dashes[] = {20_fx, 6_fx};
     const Scene& scene = kScenes[below(std::size(kScenes))];
     const bool isText = std::string(scene.name).find("text") == 0;
 
@@ -108,7 +109,7 @@ TEST(LongLife, ADashedPointLeavesTheBlockOfAPointBehindAndNoMore)
     FailingHeap heap;
     {
         Canvas canvas;
-        const Fixed dashes[] = {fx(3), fx(2)};
+        const Fixed dashes[] = {3_fx, 2_fx};
         canvas.context.dashArray = dashes;
         canvas.context.dashCount = 2;
         canvas.stroke(2);

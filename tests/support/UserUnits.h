@@ -2,6 +2,7 @@
 // Numbers and points of tests as a reader writes them.
 #pragma once
 
+#include "math/FixedLiteral.h"
 #include "math/MMPoint2D.h"
 
 // The 16.16 number, cut toward 0.

@@ -86,7 +86,7 @@ TEST(BezierFlattening, EqualsThePlainModelAtEveryScale)
         int64_t tolerance;
     } scales[] = {{scaling(1, 1), 0xFFFFFFFF / 0x8000},
                   {scaling(0.5, -0.5), 0xFFFFFFFF / 0x2000},
-                  {{0, fx(2), fx(8), 0, 5, 9}, 0xFFFFFFFF / 0x80000},
+                  {{0, 2_fx, 8_fx, 0, 5, 9}, 0xFFFFFFFF / 0x80000},
                   {scaling(30, 30), 0xFFFFFFFF / 0x1C20000}};
     size_t most = 0;
     for (const BezierCurve& c : curves)

@@ -63,7 +63,7 @@ struct ArcPicture : Picture {
         context.fillPaint.paintColour = 0xFF0000FF;
         context.strokePaint = context.fillPaint;
         context.strokePaint.paintColour = 0xFFFF0000;
-        context.strokeHalfWidth = fx(2);
+        context.strokeHalfWidth = 2_fx;
     }
 };
 
@@ -92,7 +92,7 @@ TEST(CircularArc, EveryCombinationFillsAndStrokesWhatItCloses)
                     const int sweep = whole ? 400 : 100;
                     const bool backward = turn != 0;
                     picture.context.drawCircularArc(
-                        &picture.centre, fx(30), (turn + (backward ? 110 : 10)) * kFixedOne,
+                        &picture.centre, 30_fx, (turn + (backward ? 110 : 10)) * kFixedOne,
                         (backward ? -sweep : sweep) * kFixedOne, pie, outline);
                     for (const auto& p : probes) {
                         Colour want = whole ? p.whole : outline ? p.open : pie ? p.pie : p.chord;
@@ -103,8 +103,8 @@ TEST(CircularArc, EveryCombinationFillsAndStrokesWhatItCloses)
                             << int(outline) << " pie " << int(pie) << " whole " << whole;
                     }
                     if (!whole) continue;
-                    EXPECT_NEAR(picture.context.boundsMinX, fx(18), fx(0.05));
-                    EXPECT_NEAR(picture.context.boundsMaxY, fx(82), fx(0.05));
+                    EXPECT_NEAR(picture.context.boundsMinX, 18_fx, 0.05_fx);
+                    EXPECT_NEAR(picture.context.boundsMaxY, 82_fx, 0.05_fx);
                 }
 }
 

@@ -148,7 +148,7 @@ TEST(Culling, WideStrokesTakeMemoryForWhatIsSeenOfThem)
     for (uint8_t join : {kJoinMiter, kJoinRound}) {
         Small picture;
         picture.context.strokePaint.paintType = kPaintSolid;
-        picture.context.strokeHalfWidth = fx(30000);
+        picture.context.strokeHalfWidth = 30000_fx;
         picture.context.joinStyle = join;
         EXPECT_LE(picture.peakAfter(path), kPoints * 200) << int(join);
         EXPECT_EQ(picture.context.outOfMemory, 0);
@@ -157,13 +157,13 @@ TEST(Culling, WideStrokesTakeMemoryForWhatIsSeenOfThem)
 
 TEST(Culling, DashesOutOfSightAreCountedAndNotBuilt)
 {
-    static const Fixed dashes[] = {fx(0.25), fx(0.25)};
+    static const Fixed dashes[] = {0.25_fx, 0.25_fx};
     EncodedPath path;
     for (int i = 0; i < 20; ++i)
         path.points({at(-30000, 20000 + i), at(-14000, 20000)}, EncodedPath::kOpen);
     Small picture;
     picture.context.strokePaint.paintType = kPaintSolid;
-    picture.context.strokeHalfWidth = fx(100);
+    picture.context.strokeHalfWidth = 100_fx;
     picture.context.dashArray = dashes;
     picture.context.dashCount = 2;
     StrokeRecorder recorder;
@@ -173,7 +173,7 @@ TEST(Culling, DashesOutOfSightAreCountedAndNotBuilt)
 
 TEST(Culling, DashesTakeNothingFromTheHeapOnceTheyHaveBeenSeen)
 {
-    static const Fixed dashes[] = {fx(5), fx(3)};
+    static const Fixed dashes[] = {5_fx, 3_fx};
     EncodedPath path;
     path.points({at(3, 5), at(90, 30), at(40, 95)}, EncodedPath::kClosed);
     Small picture;

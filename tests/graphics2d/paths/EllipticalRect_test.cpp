@@ -28,7 +28,7 @@ struct EllipticalRect : testing::Test, Picture {
     Points outline(Fixed halfWidth, Fixed halfHeight, Fixed rx, Fixed ry)
     {
         StrokeRecorder recorder;
-        context.drawEllipticalRect(fx(30), fx(30), halfWidth, halfHeight, rx, ry);
+        context.drawEllipticalRect(30_fx, 30_fx, halfWidth, halfHeight, rx, ry);
         EXPECT_EQ(recorder.strokes.size(), 1u);
         if (recorder.strokes.empty()) return {};
         EXPECT_TRUE(recorder.strokes[0].closed);
@@ -41,7 +41,7 @@ struct EllipticalRect : testing::Test, Picture {
 TEST_F(EllipticalRect, WithoutRadiiEachCornerIsItsStartAndTwoCurveEnds)
 {
     const MMPoint2D se = ::at(50, 40), sw = ::at(10, 40), nw = ::at(10, 20), ne = ::at(50, 20);
-    EXPECT_EQ(outline(fx(20), fx(10), 0, 0),
+    EXPECT_EQ(outline(20_fx, 10_fx, 0, 0),
               (Points{se, se, se, sw, sw, sw, nw, nw, nw, ne, ne, ne}));
     // Pixels 10 to 49 and 20 to 39.
     for (int y = 0; y < 64; ++y)
@@ -52,22 +52,22 @@ TEST_F(EllipticalRect, WithoutRadiiEachCornerIsItsStartAndTwoCurveEnds)
 TEST_F(EllipticalRect, FirstStraightEdgeNeedsAPositiveLengthAndTheTableIsNotSymmetric)
 {
     // So small a scale makes each curve one point, its end.
-    context.transform = {fx(0.02), 0, 0, fx(0.02), 0, 0};
-    EXPECT_EQ(outline(fx(20), fx(10), fx(20), fx(10)).size(), 8u);     // ellipse
-    EXPECT_EQ(outline(fx(20), fx(10), fx(5), fx(10)).size(), 8u + 2);  // ex alone
-    EXPECT_EQ(outline(fx(20), fx(10), fx(20), fx(5)).size(), 8u + 2);  // ey alone
-    EXPECT_EQ(outline(fx(20), fx(10), fx(20), fx(15)).size(), 8u + 1); // negative ey
-    EXPECT_EQ(outline(fx(20), fx(10), fx(25), fx(5)).size(), 8u + 4);  // negative ex
+    context.transform = {0.02_fx, 0, 0, 0.02_fx, 0, 0};
+    EXPECT_EQ(outline(20_fx, 10_fx, 20_fx, 10_fx).size(), 8u);     // ellipse
+    EXPECT_EQ(outline(20_fx, 10_fx, 5_fx, 10_fx).size(), 8u + 2);  // ex alone
+    EXPECT_EQ(outline(20_fx, 10_fx, 20_fx, 5_fx).size(), 8u + 2);  // ey alone
+    EXPECT_EQ(outline(20_fx, 10_fx, 20_fx, 15_fx).size(), 8u + 1); // negative ey
+    EXPECT_EQ(outline(20_fx, 10_fx, 25_fx, 5_fx).size(), 8u + 4);  // negative ex
 
-    const Points p = outline(fx(16), fx(16), fx(16), fx(16));
+    const Points p = outline(16_fx, 16_fx, 16_fx, 16_fx);
     // Units of 1/65536 off the full radius, times 16: 6 at the bottom and top, 10 at the left end
     // of the lower half and so at the right end of the upper half.
     ASSERT_EQ(p.size(), 8u);
-    EXPECT_EQ(p[0], (MMPoint2D{fx(30) + 0xB500 * 16, fx(30) + 0xB500 * 16}));
-    EXPECT_EQ(p[1], (MMPoint2D{fx(30), fx(46) - 6 * 16}));
-    EXPECT_EQ(p[3], (MMPoint2D{fx(14) + 10 * 16, fx(30)}));
-    EXPECT_EQ(p[5], (MMPoint2D{fx(30), fx(14) + 6 * 16}));
-    EXPECT_EQ(p[7], (MMPoint2D{fx(46) - 10 * 16, fx(30)}));
+    EXPECT_EQ(p[0], (MMPoint2D{30_fx + 0xB500 * 16, 30_fx + 0xB500 * 16}));
+    EXPECT_EQ(p[1], (MMPoint2D{30_fx, 46_fx - 6 * 16}));
+    EXPECT_EQ(p[3], (MMPoint2D{14_fx + 10 * 16, 30_fx}));
+    EXPECT_EQ(p[5], (MMPoint2D{30_fx, 14_fx + 6 * 16}));
+    EXPECT_EQ(p[7], (MMPoint2D{46_fx - 10 * 16, 30_fx}));
 }
 
 // By the refined rules circles are symmetric and as large as they should be.
@@ -81,7 +81,7 @@ TEST_F(EllipticalRect, RefinedDiscsHaveTheirArea)
         double area = 0;
         for (size_t i = 0; i < p.size(); ++i) {
             const MMPoint2D a = p[i], b = p[(i + 1) % p.size()];
-            area += (double(a.x - fx(30)) * (b.y - fx(30)) - double(b.x - fx(30)) * (a.y - fx(30)));
+            area += (double(a.x - 30_fx) * (b.y - 30_fx) - double(b.x - 30_fx) * (a.y - 30_fx));
         }
         const double share = area / 2 / 65536 / 65536 / (M_PI * radius * radius);
         EXPECT_NEAR(share, 1, radius < 10 ? 0.013 : radius < 50 ? 0.005 : 0.001) << radius;
@@ -91,8 +91,8 @@ TEST_F(EllipticalRect, RefinedDiscsHaveTheirArea)
 TEST_F(EllipticalRect, VastRadiiTakeALargerBlock)
 {
     context.fillPaint.paintType = kPaintNone;
-    context.transform = {fx(100), 0, 0, fx(100), 0, 0};
-    const Points p = outline(fx(9000), fx(9000), fx(8000), fx(7000));
+    context.transform = {100_fx, 0, 0, 100_fx, 0, 0};
+    const Points p = outline(9000_fx, 9000_fx, 8000_fx, 7000_fx);
     EXPECT_GT(p.size(), 1024u);
     EXPECT_EQ(p.front(), (MMPoint2D{fx(30 + 9000) - 6 * 8000, fx(30 + 2000)}));
     EXPECT_EQ(p.back(), (MMPoint2D{fx(30 + 9000) - 10 * 8000, fx(30 - 2000)}));
@@ -100,31 +100,31 @@ TEST_F(EllipticalRect, VastRadiiTakeALargerBlock)
 
 TEST_F(EllipticalRect, BoundsUniteTheFillWithDashesOnly)
 {
-    const Fixed dashes[] = {fx(4), fx(9000)}; // one dash, at the right end
+    const Fixed dashes[] = {4_fx, 9000_fx}; // one dash, at the right end
     context.dashCount = 2;
     context.accumulateBounds = 1;
     const auto boundsMinX = [&](const Fixed* dashArray, uint32_t fillType) {
         context.dashArray = dashArray;
         context.fillPaint.paintType = fillType;
         StrokeRecorder recorder;
-        context.drawEllipticalRect(fx(30), fx(30), fx(20), fx(10), 0, 0);
+        context.drawEllipticalRect(30_fx, 30_fx, 20_fx, 10_fx, 0, 0);
         return context.boundsMinX;
     };
-    EXPECT_EQ(boundsMinX(dashes, kPaintNone), fx(46));
-    EXPECT_EQ(boundsMinX(dashes, kPaintSolid), fx(10));
-    EXPECT_EQ(boundsMinX(nullptr, kPaintSolid), fx(10)); // the stroke's own
+    EXPECT_EQ(boundsMinX(dashes, kPaintNone), 46_fx);
+    EXPECT_EQ(boundsMinX(dashes, kPaintSolid), 10_fx);
+    EXPECT_EQ(boundsMinX(nullptr, kPaintSolid), 10_fx); // the stroke's own
 }
 
 // The outline fits, its copy for the fill does not: no stroke either, and no report.
 TEST_F(EllipticalRect, AFillWithoutMemoryIsNotReported)
 {
     StrokeRecorder recorder;
-    context.transform = {fx(2), 0, 0, fx(2), 0, 0};
+    context.transform = {2_fx, 0, 0, 2_fx, 0, 0};
     void* filler = context.scratchStack.Alloc(1020);
     {
         FailingHeap heap;
         heap.failFrom(2); // the first spill holds the outline, more than half full
-        context.drawEllipticalRect(fx(30), fx(30), fx(1800), fx(1800), fx(900), fx(900));
+        context.drawEllipticalRect(30_fx, 30_fx, 1800_fx, 1800_fx, 900_fx, 900_fx);
     }
     EXPECT_EQ(context.outOfMemory, 0);
     EXPECT_TRUE(recorder.strokes.empty());

@@ -46,7 +46,7 @@ struct ImageDrawing : testing::Test, Picture {
 TEST_F(ImageDrawing, UnderTheIdentityTheImageIsCopied)
 {
     context.currentPaint.paintType = kPaintXOR;
-    context.drawImage(&image, 0, 0, fx(4), fx(3), 0);
+    context.drawImage(&image, 0, 0, 4_fx, 3_fx, 0);
     expect([](int x, int y) { return x < 4 && y < 3 ? texel(x, y) : 0; });
     EXPECT_EQ(context.currentPaint.paintType, kPaintXOR) << "restored";
     EXPECT_EQ(context.currentPaint.paintOpacity, 255) << "left behind";
@@ -55,13 +55,13 @@ TEST_F(ImageDrawing, UnderTheIdentityTheImageIsCopied)
 TEST_F(ImageDrawing, TheRectangleSelectsOrCarriesTheImage)
 {
     // Without the offset the image stays at the origin: the rectangle shows its outermost texels.
-    context.drawImage(&image, fx(2), fx(2), fx(6), fx(4), 0);
+    context.drawImage(&image, 2_fx, 2_fx, 6_fx, 4_fx, 0);
     expect([](int x, int y) {
         return x >= 2 && x < 8 && y >= 2 && y < 6 ? texel(std::min(x, 3), std::min(y, 2)) : 0;
     });
     std::fill(pixels.begin(), pixels.end(), kBlank);
-    context.transform.translate(fx(5), fx(1));
-    context.drawImage(&image, fx(2), fx(2), fx(4), fx(3), 1);
+    context.transform.translate(5_fx, 1_fx);
+    context.drawImage(&image, 2_fx, 2_fx, 4_fx, 3_fx, 1);
     expect(
         [](int x, int y) { return x >= 7 && x < 11 && y >= 3 && y < 6 ? texel(x - 7, y - 3) : 0; });
 }
@@ -72,21 +72,21 @@ TEST_F(ImageDrawing, AlphaCountsWhenTheImageSaysSo)
     // the right of each: weight 0 leaves it.
     for (Pixel& t : texels)
         t &= 0x00FFFFFF;
-    context.drawImage(&image, 0, 0, fx(4), fx(3), 0);
+    context.drawImage(&image, 0, 0, 4_fx, 3_fx, 0);
     EXPECT_EQ(at(0, 0), texels[0]);
     image.pixmapExtra = 0x101;
-    context.drawImage(&image, 0, 0, fx(4), fx(3), 0);
+    context.drawImage(&image, 0, 0, 4_fx, 3_fx, 0);
     EXPECT_EQ(at(0, 0), texels[1]);
     EXPECT_EQ(at(3, 0), kBlank);
 }
 
 TEST_F(ImageDrawing, APartIsScaledIntoTheDestination)
 {
-    const MMFixedRegion source = {fx(1), fx(1), fx(3), fx(3)};
-    const MMFixedRegion rect = {fx(10), fx(20), fx(14), fx(24)};
+    const MMFixedRegion source = {1_fx, 1_fx, 3_fx, 3_fx};
+    const MMFixedRegion rect = {10_fx, 20_fx, 14_fx, 24_fx};
     const MMPixmap canvas = context.target;
     context.clipLeft = 30;
-    context.transform.translate(fx(9), 0);
+    context.transform.translate(9_fx, 0);
     context.target = {};
     context.currentPaint.patternHasAlpha = 0;
     image.pixmapExtra = 1; // does not count here
@@ -107,7 +107,7 @@ TEST_F(ImageDrawing, ADestinationMayBeWiderThanTheClipRectangle)
 {
     std::vector<Pixel> row(40000, kBlank);
     const MMPixmap canvas = {40000, 1, 160000, 0, row.data(), 0};
-    const MMFixedRegion source = {0, 0, fx(4), fx(1)}, rect = {fx(32760), 0, fx(32764), fx(1)};
+    const MMFixedRegion source = {0, 0, 4_fx, 1_fx}, rect = {32760_fx, 0, 32764_fx, 1_fx};
     context.drawImage(&image, &source, &canvas, &rect, 0);
     EXPECT_EQ(context.clipRight, 32767);
     EXPECT_EQ(context.clipBottom, 1);
@@ -117,8 +117,8 @@ TEST_F(ImageDrawing, ADestinationMayBeWiderThanTheClipRectangle)
 
 TEST_F(ImageDrawing, AnAngleTurnsAboutTheTopLeftCornerAgainstTheClock)
 {
-    const MMFixedRegion source = {0, 0, fx(4), fx(3)};
-    const MMFixedRegion rect = {fx(10), fx(10), fx(14), fx(13)};
+    const MMFixedRegion source = {0, 0, 4_fx, 3_fx};
+    const MMFixedRegion rect = {10_fx, 10_fx, 14_fx, 13_fx};
     const MMPixmap canvas = context.target;
     context.drawImage(&image, &source, &canvas, &rect, kDegrees90);
     // What lay i to the right now lies i above, and what lay j below, j to the right.
@@ -132,7 +132,7 @@ TEST_F(ImageDrawing, RecordsInsideTheContextAreReadBeforeTheyChange)
 {
     std::vector<Pixel> copy(16, 0);
     const MMPixmap destination = {4, 4, 16, 0, copy.data(), 0};
-    const MMFixedRegion rect = {0, 0, fx(4), fx(3)};
+    const MMFixedRegion rect = {0, 0, 4_fx, 3_fx};
     const MMPixmap canvas = context.target;
     context.target = image;
     context.currentPaint.patternHasAlpha = 0;
@@ -144,7 +144,7 @@ TEST_F(ImageDrawing, RecordsInsideTheContextAreReadBeforeTheyChange)
     context.target = canvas;
     context.clipRight = context.clipBottom = size;
     context.currentPaint.patternImage = image;
-    context.drawImage(&context.currentPaint.patternImage, 0, 0, fx(4), fx(3), 0);
+    context.drawImage(&context.currentPaint.patternImage, 0, 0, 4_fx, 3_fx, 0);
     expect([](int x, int y) { return x < 4 && y < 3 ? texel(x, y) : 0; });
 }
 
@@ -153,7 +153,7 @@ TEST_F(ImageDrawing, UnknownFiltersDrawNothing)
     context.patternFilter = 3;
     for (const uint8_t refined : {0, 1}) {
         context.refined = refined;
-        context.drawImage(&image, 0, 0, fx(4), fx(3), 0);
+        context.drawImage(&image, 0, 0, 4_fx, 3_fx, 0);
         EXPECT_TRUE(blank());
     }
 }
@@ -201,8 +201,8 @@ TEST_F(RefinedImage, IsCopiedAtItsOwnSize)
         fill(kBlank);
         const MMPixmap copied = randomImage(20, 20, false);
         context.transform = kIdentityMatrix;
-        context.transform.translate(fx(3), fx(5));
-        context.drawImage(&copied, 0, 0, fx(20), fx(20), 0);
+        context.transform.translate(3_fx, 5_fx);
+        context.drawImage(&copied, 0, 0, 20_fx, 20_fx, 0);
         for (int y = 0; y < size; ++y)
             for (int x = 0; x < size; ++x) {
                 const bool inside = x >= 3 && x < 23 && y >= 5 && y < 25;
@@ -221,7 +221,7 @@ TEST_F(RefinedImage, BelowOneHalfIsTheMeanOfItsTexels)
         const MMPixmap canvas = context.target;
         if (isPart) {
             const MMFixedRegion source = {0, 0, fx(8 * side), fx(8 * side)};
-            const MMFixedRegion rect = {0, 0, fx(8), fx(8)};
+            const MMFixedRegion rect = {0, 0, 8_fx, 8_fx};
             context.currentPaint.patternHasAlpha = hasAlpha;
             context.drawImage(&reduced, &source, &canvas, &rect, 0);
         } else {
@@ -242,7 +242,7 @@ TEST_F(RefinedImage, BelowOneHalfIsTheMeanOfItsTexels)
 TEST_F(RefinedImage, IsReducedInTheCallersMemoryForAPattern)
 {
     MMPixmap reduced = randomImage(37, 21, false);
-    Matrix2D transform = {0x4000, 0, 0, 0x3000, fx(2), 0};
+    Matrix2D transform = {0x4000, 0, 0, 0x3000, 2_fx, 0};
     std::vector<Pixel> room(reducedImageRoom(reduced, transform));
     ASSERT_EQ(room.size(), 19u * 11);
     reduceImage(reduced, transform, room.data());
@@ -250,7 +250,7 @@ TEST_F(RefinedImage, IsReducedInTheCallersMemoryForAPattern)
     EXPECT_EQ(reduced.height, 6);
     EXPECT_EQ(transform.a, 0x10000);
     EXPECT_EQ(transform.d, 0xC000);
-    EXPECT_EQ(transform.e, fx(2));
+    EXPECT_EQ(transform.e, 2_fx);
     for (int k = 0; k < 3; ++k)
         EXPECT_NEAR(room[0] >> (8 * k) & 0xFF, mean(37, 4, 0, 0, k), 1);
     EXPECT_EQ(reducedImageRoom(reduced, transform), 0u);
@@ -265,7 +265,7 @@ TEST_F(RefinedImage, IsDrawnFromItselfWithoutMemory)
     FailingHeap heap;
     heap.failFrom(1);
     context.transform = {0x1000, 0, 0, 0x1000, 0, 0};
-    context.drawImage(&reduced, 0, 0, fx(400), fx(400), 0);
+    context.drawImage(&reduced, 0, 0, 400_fx, 400_fx, 0);
     heap.failAt(0);
     EXPECT_EQ(context.outOfMemory, 0);
     // The centre of the first pixel is the corner of texels 7 and 8.

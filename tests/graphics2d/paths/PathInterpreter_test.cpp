@@ -16,7 +16,7 @@ using namespace KAVO::Graphics2D;
 using Points = std::vector<MMPoint2D>;
 using model::bridged;
 
-const Matrix2D kSlanted = {fx(1.25), fx(0.25), fx(-0.5), fx(1.5), fx(7), fx(-2)};
+const Matrix2D kSlanted = {1.25_fx, 0.25_fx, -0.5_fx, 1.5_fx, 7_fx, -2_fx};
 
 // Draws the path in one picture and, in another, its subpaths as one polygon: each with its first
 // point at its end, then the first points in reverse order. Compares pixels and bounds.
@@ -137,7 +137,7 @@ TEST(PathFill, CountsBeyond16BitsDoNotWrap)
     Points jagged; // down its left side, up its right one
     for (int i = 0; i < 70000; ++i) {
         const bool left = i < 35000;
-        jagged.push_back({fx(left ? 5 : 35) + i % 3 * 0x3000, fx(3) + (left ? i : 69999 - i) * 50});
+        jagged.push_back({fx(left ? 5 : 35) + i % 3 * 0x3000, 3_fx + (left ? i : 69999 - i) * 50});
     }
     EncodedPath path;
     path.points(jagged, EncodedPath::kClosed);
@@ -151,14 +151,14 @@ TEST(PathFill, BoundsOnlyMeasuresUntransformedPointsAndDrawsNothing)
     path.points({at(0, 0)}).curves({at(0, 80), at(100, 80), at(100, 0)}, EncodedPath::kOpen);
     Picture picture;
     picture.context.renderFlags = kRenderBoundsOnly;
-    picture.context.transform = {fx(1), 0, 0, fx(1), fx(500), fx(500)};
+    picture.context.transform = {1_fx, 0, 0, 1_fx, 500_fx, 500_fx};
     picture.context.drawPath(path.data());
     EXPECT_TRUE(picture.blank());
-    EXPECT_EQ(picture.context.boundsMinX, fx(-3));
-    EXPECT_EQ(picture.context.boundsMinY, fx(-2));
-    EXPECT_EQ(picture.context.boundsMaxX, fx(100));
+    EXPECT_EQ(picture.context.boundsMinX, -3_fx);
+    EXPECT_EQ(picture.context.boundsMinY, -2_fx);
+    EXPECT_EQ(picture.context.boundsMaxX, 100_fx);
     // The curve's middle is at 3/4 of its controls' height, and it is always halved there.
-    EXPECT_EQ(picture.context.boundsMaxY, fx(60));
+    EXPECT_EQ(picture.context.boundsMaxY, 60_fx);
 
     path.header() = 0;
     picture.context.drawPath(path.data());
@@ -177,7 +177,7 @@ TEST(PathStroke, HandsOnEachSubpathInUserSpace)
     context.strokePaint.paintColour = 0xFF00FF00;
     context.fillPaint.paintType = kPaintNone;
     context.accumulateBounds = 1;
-    context.transform = {fx(0.5), 0, 0, fx(0.5), 0, 0};
+    context.transform = {0.5_fx, 0, 0, 0.5_fx, 0, 0};
     StrokeRecorder recorder;
     context.drawPath(path.data());
     const struct {
@@ -194,24 +194,24 @@ TEST(PathStroke, HandsOnEachSubpathInUserSpace)
         EXPECT_EQ(recorder.strokes[i].closed, strokes[i].closed);
         EXPECT_EQ(recorder.strokes[i].paintColour, 0xFF00FF00u);
     }
-    EXPECT_EQ(context.boundsMinX, fx(1));
-    EXPECT_EQ(context.boundsMaxY, fx(50));
+    EXPECT_EQ(context.boundsMinX, 1_fx);
+    EXPECT_EQ(context.boundsMaxY, 50_fx);
 
-    const Fixed dashes[] = {fx(19), fx(1000)};
+    const Fixed dashes[] = {19_fx, 1000_fx};
     context.dashArray = dashes;
     context.dashCount = 2;
     recorder.strokes.clear();
     context.drawPath(path.data());
     ASSERT_EQ(recorder.strokes.size(), 2u); // the lone point has no dash
     EXPECT_EQ(recorder.strokes[0].points, (Points{at(1, 1), at(20, 1)}));
-    EXPECT_EQ(context.boundsMaxX, fx(49));
+    EXPECT_EQ(context.boundsMaxX, 49_fx);
     picture.wordsKept = 3; // the lone point's block
 }
 
 // Without accumulateBounds a stroke leaves the bounds of the last subpath, whatever is in it.
 TEST(PathStroke, AnEmptySubpathLeavesEmptyBounds)
 {
-    const Fixed dashes[] = {fx(3)};
+    const Fixed dashes[] = {3_fx};
     EncodedPath empty, emptyLast;
     empty.bare(EncodedPath::kClosed);
     emptyLast.points(kOuter, EncodedPath::kOpen).points({}, EncodedPath::kOpen);

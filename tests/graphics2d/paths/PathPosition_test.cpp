@@ -62,7 +62,7 @@ TEST(PathPosition, WalksEdgesClosingsAndJumpsGaps)
         EXPECT_NEAR(walker.direction / 65536.0, c.degrees, 0.01) << c.distance;
         EXPECT_NEAR(walker.pos.walked, fx(c.distance < 42 ? c.distance : 42), 4) << c.distance;
     }
-    walker.to(fx(43));
+    walker.to(43_fx);
     EXPECT_EQ(walker.pos.subpathsLeft, 0);
     walker.to(-5);
     EXPECT_EQ(walker.pos.current, at(10, 10));
@@ -81,7 +81,7 @@ TEST(PathPosition, ManySmallStepsEndWhereOneLargeOneDoes)
     path.points(line, EncodedPath::kOpen);
 
     Walker steps(path);
-    for (Fixed distance = 0; distance < fx(400); distance += fx(400) / 53) {
+    for (Fixed distance = 0; distance < 400_fx; distance += 400_fx / 53) {
         const MMPoint2D point = steps.to(distance);
         Walker once(path);
         ASSERT_EQ(point, once.to(distance)) << distance;
@@ -116,7 +116,7 @@ TEST(PathPosition, FollowsCurvesAsTheyAreDrawn)
                  at(-100, -k), at(-k, -100), at(0, -100), at(k, -100), at(100, -k), at(100, 0)},
                 EncodedPath::kOpen);
     Walker walker(path);
-    walker.context.transform = {fx(4), 0, 0, fx(4), 0, 0};
+    walker.context.transform = {4_fx, 0, 0, 4_fx, 0, 0};
     for (int degrees = 10; degrees < 360; degrees += 25) {
         const double angle = degrees * M_PI / 180;
         const MMPoint2D p = walker.to(fx(100 * angle));
@@ -134,7 +134,7 @@ TEST(PathPosition, PathsWithoutLength)
     lonePoint.points({at(6, 7), at(6, 7)}, EncodedPath::kClosed);
     for (const EncodedPath* path : {&none, &curveFirst, &lonePoint}) {
         Walker walker(*path);
-        EXPECT_EQ(walker.to(fx(3)), path == &lonePoint ? at(6, 7) : at(0, 0));
+        EXPECT_EQ(walker.to(3_fx), path == &lonePoint ? at(6, 7) : at(0, 0));
         EXPECT_EQ(walker.direction, 0);
         EXPECT_EQ(walker.pos.walked, 0);
     }
@@ -151,15 +151,15 @@ TEST(PathPosition, WithoutScratchMemoryTheRecordStays)
     EncodedPath path;
     path.points({at(0, 0), at(5, 0)}).curves({at(5, 9), at(9, 9), at(9, 0)}, EncodedPath::kOpen);
     Walker walker(path);
-    walker.to(fx(4));
+    walker.to(4_fx);
     void* filler = walker.context.scratchStack.Alloc(1000);
     {
         FailingHeap heap;
         heap.failFrom(1);
-        EXPECT_EQ(walker.to(fx(9)), at(4, 0));
+        EXPECT_EQ(walker.to(9_fx), at(4, 0));
     }
     walker.context.scratchStack.DeAlloc(filler);
-    EXPECT_NE(walker.to(fx(9)), at(4, 0));
+    EXPECT_NE(walker.to(9_fx), at(4, 0));
 }
 
 } // namespace

@@ -43,7 +43,7 @@ TEST(CurveStrokes, MitersFollowTheTangentsAtEveryScale)
     for (double scale : {0.5, 1.0, 3.0, 8.0, 40.0})
         for (double degrees : {-30.0, 0.0, 30.0}) { // the tip is the topmost point in all of them
             TurnedStroke stroke(12, scale, degrees);
-            stroke.context.miterLimit = fx(10);
+            stroke.context.miterLimit = 10_fx;
             stroke.context.drawPath(path.data());
             EXPECT_NEAR(stroke.context.boundsMinY / 65536.0, (tip * stroke.turn).imag(), 0.3)
                 << scale << ' ' << degrees;
@@ -59,7 +59,7 @@ TEST(CurveStrokes, ATightBendIsRoundUnderEveryJoin)
         for (double scale : {1.0, 2.0, 4.0, 9.0, 30.0}) {
             TurnedStroke stroke(4, scale, 0);
             stroke.context.joinStyle = join;
-            stroke.context.miterLimit = fx(100);
+            stroke.context.miterLimit = 100_fx;
             stroke.context.drawPath(path.data());
             EXPECT_NEAR(stroke.context.boundsMinY / 65536.0 / scale, 5, 0.1)
                 << int(join) << ' ' << scale;
@@ -77,8 +77,8 @@ TEST(CurveStrokes, CapsFollowTheTangents)
         stroke.context.drawPath(path.data());
         EXPECT_NEAR(stroke.context.boundsMaxY, fx(90 * scale), 4) << scale;
         EXPECT_NEAR(stroke.context.boundsMaxX, fx(90 * scale), 4) << scale;
-        EXPECT_NEAR(stroke.context.boundsMinX, fx(12 * scale), fx(0.05)) << scale;
-        EXPECT_NEAR(stroke.context.boundsMinY, fx(12 * scale), fx(0.05)) << scale;
+        EXPECT_NEAR(stroke.context.boundsMinX, fx(12 * scale), 0.05_fx) << scale;
+        EXPECT_NEAR(stroke.context.boundsMinY, fx(12 * scale), 0.05_fx) << scale;
     }
 }
 
@@ -95,12 +95,12 @@ TEST(CurveStrokes, AClosedCurveMeetsItsStart)
     Picture pictures[2];
     for (int i : {0, 1}) {
         MMContext2D& context = pictures[i].context;
-        context.strokeHalfWidth = fx(9);
+        context.strokeHalfWidth = 9_fx;
         context.fillPaint.paintType = kPaintNone;
         context.strokePaint.paintType = kPaintSolid;
         context.strokePaint.paintColour = 0xFF000000;
         context.drawPath((i == 0 ? once : twice).data());
-        EXPECT_NEAR(context.boundsMinY, fx(21), fx(0.05));
+        EXPECT_NEAR(context.boundsMinY, 21_fx, 0.05_fx);
         EXPECT_FALSE(pictures[i].blank());
     }
     EXPECT_EQ(pictures[0].pixels, pictures[1].pixels);

@@ -45,7 +45,7 @@ struct Dashed {
     }
 };
 
-const Points kLine20 = {{0, 0}, {fx(20), 0}};
+const Points kLine20 = {{0, 0}, {20_fx, 0}};
 
 TEST(DashArray, PhasesOnAStraightLine)
 {
@@ -139,7 +139,7 @@ TEST(DashArray, WhatCannotBeCutIsStrokedWhole)
     null.context.dashArray = nullptr;
     Dashed zeros({});
     zeros.lengths.assign(65535, 0);
-    zeros.lengths.back() = fx(15);
+    zeros.lengths.back() = 15_fx;
     zeros.context.dashArray = zeros.lengths.data();
     zeros.context.dashCount = 65535;
     for (Dashed* dashed : {&empty, &null, &negative, &zero, &fine, &zeros}) {
@@ -173,7 +173,7 @@ TEST(DashArray, ASubpathIsCutInto65535PiecesAtMost)
 TEST(DashArray, SquareDotsLieAlongTheirLine)
 {
     const auto expectBounds = [](Dashed&& dashed, Points line, MMPoint2D centre, Fixed reach) {
-        dashed.context.strokeHalfWidth = fx(10);
+        dashed.context.strokeHalfWidth = 10_fx;
         dashed.context.capStyle = kCapSquare;
         dashed.context.clipRight = 0; // out of sight, and bounded all the same
         MMLinkPath record = {line.data(), static_cast<uint32_t>(line.size())};
@@ -183,31 +183,31 @@ TEST(DashArray, SquareDotsLieAlongTheirLine)
         EXPECT_NEAR(dashed.context.boundsMaxX, centre.x + reach, 4);
         EXPECT_NEAR(dashed.context.boundsMaxY, centre.y + reach, 4);
     };
-    expectBounds(Dashed({0, 25}), {at(50, 50), at(80, 90)}, at(80, 90), fx(14)); // at the end
-    expectBounds(Dashed({0, 25}, 20), {at(50, 50), at(56, 58)}, at(53, 54), fx(14));
-    expectBounds(Dashed({5, 5}), {at(50, 50), at(50, 50)}, at(50, 50), fx(10)); // no direction
+    expectBounds(Dashed({0, 25}), {at(50, 50), at(80, 90)}, at(80, 90), 14_fx); // at the end
+    expectBounds(Dashed({0, 25}, 20), {at(50, 50), at(56, 58)}, at(53, 54), 14_fx);
+    expectBounds(Dashed({5, 5}), {at(50, 50), at(50, 50)}, at(50, 50), 10_fx); // no direction
 }
 
 // A picture of half transparent dots whose discs of radius 5 overlap.
 struct Beads : Picture {
-    std::vector<Fixed> lengths = {0, fx(3)};
+    std::vector<Fixed> lengths = {0, 3_fx};
 
     explicit Beads(bool antiAlias, bool mirrored = false) : Picture(100)
     {
         context.refined = 1;
         context.antiAlias = antiAlias;
         context.currentPaint.paintOpacity = 128;
-        context.strokeHalfWidth = fx(5);
+        context.strokeHalfWidth = 5_fx;
         context.capStyle = kCapRound;
         context.dashArray = lengths.data();
         context.dashCount = 2;
-        if (mirrored) context.transform = {kFixedOne, 0, 0, -kFixedOne, 0, fx(100)};
+        if (mirrored) context.transform = {kFixedOne, 0, 0, -kFixedOne, 0, 100_fx};
     }
 
     // So small that without anti-aliasing some light a pixel of their own.
     void shrinkTo(double radius)
     {
-        lengths[1] = fx(0.6);
+        lengths[1] = 0.6_fx;
         context.strokeHalfWidth = fx(radius);
     }
 

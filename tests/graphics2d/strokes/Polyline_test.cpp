@@ -4,6 +4,8 @@
 #include "tests/support/StrokeModel.h"
 #include "tests/support/UserUnits.h"
 
+using namespace KAVO;
+
 namespace {
 
 using namespace KAVO::Graphics2D;
@@ -28,7 +30,7 @@ void stroke(MMContext2D& context, const Line& line, bool closed = false)
 
 Matrix2D matrixOf(double a, double b, double c, double d)
 {
-    return {fx(a), fx(b), fx(c), fx(d), fx(64.3), fx(63.8)};
+    return {fx(a), fx(b), fx(c), fx(d), 64.3_fx, 63.8_fx};
 }
 
 // A pen of every style meets every line under every transform at every width, not in all
@@ -90,7 +92,7 @@ TEST(Polyline, WithoutAntiAliasingIsNeverBroken)
                 for (double shift : {0.0, 0.125, 0.5, 0.77}) {
                     Picture picture(kSize);
                     picture.context.antiAlias = 0;
-                    picture.context.strokeHalfWidth = fx(0.02);
+                    picture.context.strokeHalfWidth = 0.02_fx;
                     picture.context.transform = matrixOf(1, 0, 0, scale);
                     const Vector end = steep ? Vector(slope * 5.3, 45) : Vector(45, slope * 5.3);
                     const auto user = [&](Vector v) {
@@ -125,8 +127,8 @@ TEST(Polyline, LineWithoutLengthLeavesItsCaps)
                     EXPECT_EQ(picture.emptyBounds(), cap == kCapButt);
                     if (cap == kCapButt || halfWidth < 1) continue;
                     EXPECT_EQ(picture.at(58, 68) != Picture::kBlank, cap == kCapSquare);
-                    EXPECT_EQ(context.boundsMaxX, fx(60));
-                    EXPECT_NEAR(context.boundsMinY, fx(50), 256);
+                    EXPECT_EQ(context.boundsMaxX, 60_fx);
+                    EXPECT_NEAR(context.boundsMinY, 50_fx, 256);
                 }
 }
 
@@ -142,11 +144,11 @@ TEST(Polyline, LineThatIsADotOnTheDeviceAddsNothingToItsPen)
 {
     Picture picture(kSize);
     picture.context.antiAlias = 0;
-    picture.context.strokeHalfWidth = fx(9);
+    picture.context.strokeHalfWidth = 9_fx;
     picture.context.transform = matrixOf(0, 1, 1.0 / 4096, 0);
-    stroke(picture.context, std::vector<MMPoint2D>{at(5, 5), {fx(5), fx(5) + 1}});
-    EXPECT_EQ(picture.context.boundsMinY, fx(63.8) + fx(5 - 9));
-    EXPECT_EQ(picture.context.boundsMaxY, fx(63.8) + fx(5 + 9));
+    stroke(picture.context, std::vector<MMPoint2D>{at(5, 5), {5_fx, 5_fx + 1}});
+    EXPECT_EQ(picture.context.boundsMinY, 63.8_fx + fx(5 - 9));
+    EXPECT_EQ(picture.context.boundsMaxY, 63.8_fx + fx(5 + 9));
 }
 
 TEST(Polyline, MiterLimitIsTheRatioOfLengthToWidth)
@@ -163,7 +165,7 @@ TEST(Polyline, MiterLimitIsTheRatioOfLengthToWidth)
                  {32767, {{50, 100}, {50.5, 50}, {51, 100}}, 50 - 10 * std::hypot(100, 1)}};
     for (const auto& c : cases) {
         Picture picture(kSize);
-        picture.context.strokeHalfWidth = fx(10);
+        picture.context.strokeHalfWidth = 10_fx;
         picture.context.miterLimit = fx(c.limit);
         stroke(picture.context, c.line);
         EXPECT_NEAR(model::toDouble(picture.context.boundsMinY), c.top, 0.01) << c.limit;

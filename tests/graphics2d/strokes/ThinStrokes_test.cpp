@@ -36,7 +36,7 @@ void stroke(MMContext2D& context, std::vector<MMPoint2D> points, bool closed = f
 TEST(ThinStrokes, ANearlyLevelLineIsAsDarkAsItsWidth)
 {
     Picture picture(kSide);
-    picture.context.strokeHalfWidth = fx(0.1);
+    picture.context.strokeHalfWidth = 0.1_fx;
     stroke(picture.context, {at(5, 9.6), at(30, 10.3)});
     for (int x = 6; x < 30; ++x)
         EXPECT_NEAR(picture.coverage(x, 9) + picture.coverage(x, 10), 0.2 * 255, 3) << x;
@@ -116,8 +116,8 @@ TEST(ThinStrokes, WithoutAntiAliasingTheyAreOfOnePiece)
                              fx(std::sin(turn)),
                              fx(-std::sin(turn) * squeeze),
                              fx(std::cos(turn) * squeeze),
-                             fx(20),
-                             fx(20)};
+                             20_fx,
+                             20_fx};
         std::vector<MMPoint2D> points;
         const bool dot = places.below(10) == 0;
         for (int n = 2 + places.below(4); n > 0; --n)
@@ -176,8 +176,8 @@ TEST(ThinStrokes, MirroredPensDrawTheSame)
         MMContext2D& context = pictures[i].context;
         const double sign = i == 0 ? 1 : -1;
         context.antiAlias = 0;
-        context.strokeHalfWidth = fx(2);
-        context.transform = {fx(2), fx(0.5), 0, fx(0.125 * sign), fx(20), fx(20)};
+        context.strokeHalfWidth = 2_fx;
+        context.transform = {2_fx, 0.5_fx, 0, fx(0.125 * sign), 20_fx, 20_fx};
         stroke(context, {at(-7, -40 * sign), at(5, 70 * sign), at(14, -20 * sign)});
         EXPECT_FALSE(pictures[i].blank());
     }
@@ -194,7 +194,7 @@ TEST(ThinStrokes, UnknownStylesAreMitersAndButts)
                     unknown.context.joinStyle = unknown.context.capStyle = style;
                     for (Picture* picture : {&known, &unknown}) {
                         picture->context.antiAlias = antiAlias;
-                        picture->context.strokeHalfWidth = fx(3);
+                        picture->context.strokeHalfWidth = 3_fx;
                         picture->context.transform.d = fx(squeeze);
                         const MMPoint2D start = at(9, 10 / squeeze);
                         stroke(picture->context,

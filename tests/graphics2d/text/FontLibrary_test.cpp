@@ -123,11 +123,11 @@ TEST(FontLibrary, AContextWithoutMemoryIsNoneOfTheOthersBusiness)
                     calls = heap.calls();
                     heap.failAt(0);
                     Picture after(20);
-                    after.context.drawText(Text(u"ab").data(), 0, fx(15));
+                    after.context.drawText(Text(u"ab").data(), 0, 15_fx);
                     EXPECT_FALSE(after.blank());
                     poor.releaseFontLib();
                     if (before != nullptr) {
-                        before->context.drawText(Text(u"ab").data(), 0, fx(15));
+                        before->context.drawText(Text(u"ab").data(), 0, 15_fx);
                         EXPECT_FALSE(before->blank());
                     }
                 }

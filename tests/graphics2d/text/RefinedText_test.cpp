@@ -94,7 +94,7 @@ TEST(RefinedText, LetsAGradientThroughByTheLevelAlone)
             setLinearGradient(s->context.fillPaint, at(2, 3), at(37, 30), kIdentityMatrix,
                               {colours, offsets, 2}, {rampColours, rampOffsets});
         }
-        plain.context.fontSize = scene.context.fontSize = fx(30);
+        plain.context.fontSize = scene.context.fontSize = 30_fx;
         plain.draw(u"B", 4, 34); // a full block: the gradient itself
         scene.draw(u"g", 4, 34);
         for (int y = 4; y < 34; ++y)
@@ -122,8 +122,8 @@ TEST(RefinedText, InkIsTheSumOfTheGlyphImages)
                        fx(std::sin(angle)),
                        fx(-std::sin(angle)),
                        fx(std::cos(angle)),
-                       fx(60.3),
-                       fx(100.7)};
+                       60.3_fx,
+                       100.7_fx};
         // Images that overlap nothing: the engine's blocks, far apart.
         std::vector<Fixed> xs, ys;
         for (int i = 0; i < 4; ++i)
@@ -186,20 +186,20 @@ TEST(RefinedText, GlyphsStandAtTheNearestPixelAndLinesEvenly)
     MMContext2D& c = scene.context;
     scene.draw(u"a", 0, 12); // 12 pixels
     for (const auto& [x, column] : {std::pair{20.49, 20}, {39.5, 40}, {59.75, 60}}) {
-        c.drawText(Text(u"a").data(), fx(x), fx(12));
+        c.drawText(Text(u"a").data(), fx(x), 12_fx);
         EXPECT_EQ(scene.at(column - 1, 5), TextScene::kBlank) << x;
         EXPECT_EQ(scene.at(column, 5), 0xFF000000) << x;
         EXPECT_EQ(scene.at(column + 11, 5), 0xFF000000) << x;
     }
     scene.fill(TextScene::kBlank);
-    c.wrapWidth = fx(12); // a character each
-    c.lineHeight = fx(13);
+    c.wrapWidth = 12_fx; // a character each
+    c.lineHeight = 13_fx;
     c.penX = 0;
-    c.penY = fx(12.4);
+    c.penY = 12.4_fx;
     c.drawWrappedText(Text(u"a a a a a").data(), 0, 0);
     for (int y = 0; y < 13 * 5; ++y)
         EXPECT_EQ(scene.at(3, y) == 0xFF000000, y % 13 != 12) << y;
-    EXPECT_EQ(c.penY, fx(12.4) + 5 * fx(13));
+    EXPECT_EQ(c.penY, 12.4_fx + 5 * 13_fx);
 }
 
 TEST(RefinedText, SoftHyphensAreSilentAndMeasuringCollapsesBlanks)
@@ -207,14 +207,14 @@ TEST(RefinedText, SoftHyphensAreSilentAndMeasuringCollapsesBlanks)
     RefinedScene scene(90);
     MMContext2D& c = scene.context;
     scene.draw(u"a\u00ADb", 0, 12);
-    EXPECT_EQ(c.penX, fx(24));
+    EXPECT_EQ(c.penX, 24_fx);
     const auto width = [&c](const char16_t* text) { return c.getTextWidth(Text(text).data(), 99); };
     EXPECT_EQ(width(u"  a \t\n b \u00AD"), fx(4 * 12)); // a, a space, b, a space
     c.preserveSpace = 1;
     EXPECT_EQ(width(u" a\t\r\nb"), fx(5 * 12)); // without the carriage return
     // A line broken at a blank measures it all the same.
     c.preserveSpace = 0;
-    c.wrapWidth = fx(30);
+    c.wrapWidth = 30_fx;
     MMTextLayout* layout = c.createTextLayout(Text(u"a bb").data(), 30);
     ASSERT_NE(layout, nullptr);
     EXPECT_EQ(layout->lineCount, 2);
@@ -225,14 +225,14 @@ TEST(RefinedText, PlacesCharactersInUserSpace)
 {
     RefinedScene scene(90);
     MMContext2D& c = scene.context;
-    const Fixed xs[] = {fx(10), fx(30)}, ys[] = {fx(40), fx(50)};
+    const Fixed xs[] = {10_fx, 30_fx}, ys[] = {40_fx, 50_fx};
     c.charX = xs, c.charY = ys;
     c.charXCount = c.charYCount = 2;
-    c.transform = {0, kFixedOne, -kFixedOne, 0, fx(80), 0}; // x goes down, y goes left
+    c.transform = {0, kFixedOne, -kFixedOne, 0, 80_fx, 0}; // x goes down, y goes left
     c.accumulateBounds = 1;
     scene.draw(u"aa", 0, 0);
     EXPECT_EQ(c.penX, fx(30 + 12));
-    EXPECT_EQ(c.penY, fx(50));
+    EXPECT_EQ(c.penY, 50_fx);
 }
 
 // Rows are rowBytes apart, and the last one needs no padding.

@@ -40,7 +40,7 @@ TEST(TextDrawing, MeasuresWithoutMovingAnything)
 {
     TextScene scene(10);
     MMContext2D& context = scene.context;
-    context.penX = fx(3);
+    context.penX = 3_fx;
     context.accumulateBounds = 1;
     context.boundsMinX = 42;
     const struct {
@@ -55,7 +55,7 @@ TEST(TextDrawing, MeasuresWithoutMovingAnything)
     for (const auto& c : cases)
         EXPECT_NEAR(context.getTextWidth(Text(c.text).data(), c.length), fx(c.width), kLittle);
     EXPECT_EQ(context.getTextWidth(nullptr, 2), 0);
-    EXPECT_EQ(context.penX, fx(3));
+    EXPECT_EQ(context.penX, 3_fx);
     EXPECT_EQ(context.boundsMinX, 42);
     EXPECT_EQ(context.accumulateBounds, 1);
 
@@ -63,7 +63,7 @@ TEST(TextDrawing, MeasuresWithoutMovingAnything)
     context.charXCount = context.charYCount = context.charRotateCount = 1;
     context.getTextSize(Text(u"  a \n i").data(), 65535, width, height);
     EXPECT_NEAR(width, fx(12 + 12 + 6), kLittle);
-    EXPECT_EQ(height, fx(12));
+    EXPECT_EQ(height, 12_fx);
     MMFixedRegion box = {};
     context.getTextBBox(Text(u"ab").data(), 0, 0, &box);
     EXPECT_EQ(context.charXCount, 1u);
@@ -78,7 +78,7 @@ TEST(TextDrawing, AnchorsByTheWidthOfAllLines)
         scene.context.textAnchor = anchor;
         Text first(u"ab"), second(u"i");
         uint16_t* lines[] = {first.data(), nullptr, second.data()};
-        scene.context.drawText(lines, 3, fx(40.5), fx(15.5)); // away from where pixels meet
+        scene.context.drawText(lines, 3, 40.5_fx, 15.5_fx); // away from where pixels meet
         expectBlocks(scene, {{left, 15, 12 + 12 + 6}});
     }
 }
@@ -86,8 +86,8 @@ TEST(TextDrawing, AnchorsByTheWidthOfAllLines)
 TEST(TextDrawing, PlacesCharactersByTheirIndexInAllLines)
 {
     TextScene scene(100);
-    const Fixed xs[] = {fx(5), fx(30), fx(55)};
-    const Fixed ys[] = {fx(15), fx(30), fx(45)};
+    const Fixed xs[] = {5_fx, 30_fx, 55_fx};
+    const Fixed ys[] = {15_fx, 30_fx, 45_fx};
     scene.context.charX = xs;
     scene.context.charY = ys;
     scene.context.charXCount = scene.context.charYCount = 3;
@@ -123,23 +123,23 @@ TEST(TextDrawing, BoxesATextWithoutTransform)
     context.transform = {0x30000, 0, 0, 0x30000, 0, 0};
     for (uint32_t anchor : {0u, 1u, 2u}) {
         context.textAnchor = anchor;
-        MMFixedRegion box = {0, 0, fx(24), 0};
-        EXPECT_EQ(context.getTextBBox(Text(u" ji").data(), fx(50), fx(40), &box), 0u);
+        MMFixedRegion box = {0, 0, 24_fx, 0};
+        EXPECT_EQ(context.getTextBBox(Text(u" ji").data(), 50_fx, 40_fx, &box), 0u);
         const int32_t left = 49 - static_cast<int32_t>(anchor) * 12; // j starts left of the pen
         EXPECT_EQ(box.x0, fx(left));
         EXPECT_EQ(box.x1, fx(left + 19)); // 12 to i, which is 6 wide
-        EXPECT_EQ(box.y0, fx(28));
-        EXPECT_EQ(box.y1, fx(40));
+        EXPECT_EQ(box.y0, 28_fx);
+        EXPECT_EQ(box.y1, 40_fx);
     }
     // A text that is placed by its lists is not anchored.
-    const Fixed xs[] = {fx(50), fx(70)};
+    const Fixed xs[] = {50_fx, 70_fx};
     for (bool placed : {true, false}) {
         context.charX = xs;
         context.charXCount = placed ? 2 : 1;
-        MMFixedRegion box = {0, 0, fx(24), 0};
-        context.getTextBBox(Text(u"aa").data(), fx(50), fx(40), &box);
-        EXPECT_EQ(box.x0, placed ? fx(50) : fx(26));
-        EXPECT_EQ(box.x1, placed ? fx(82) : fx(50));
+        MMFixedRegion box = {0, 0, 24_fx, 0};
+        context.getTextBBox(Text(u"aa").data(), 50_fx, 40_fx, &box);
+        EXPECT_EQ(box.x0, placed ? 50_fx : 26_fx);
+        EXPECT_EQ(box.x1, placed ? 82_fx : 50_fx);
     }
     EXPECT_EQ(context.transform.a, 0x30000);
     EXPECT_EQ(context.accumulateBounds, 0);
@@ -156,7 +156,7 @@ TEST(TextDrawing, LongAndEmptyTexts)
     EXPECT_TRUE(scene.blank());
 
     scene.context.fontSize = kFixedOne;
-    scene.context.drawText(Text(std::u16string(100000, u'B')).data(), 0, fx(10));
+    scene.context.drawText(Text(std::u16string(100000, u'B')).data(), 0, 10_fx);
     // 16 bits of the length: 34,464 characters of one pixel, and the pen wraps at 32,768.
     EXPECT_NEAR(scene.context.penX, fx(34464 - 65536), kFixedOne);
 }
@@ -165,18 +165,18 @@ TEST(WrappedText, DrawsLineByLineAndLeavesThePenBelow)
 {
     TextScene scene(60);
     MMContext2D& context = scene.context;
-    context.wrapWidth = fx(30); // two characters
-    context.wrapOffsetX = fx(4);
-    context.wrapOffsetY = fx(12.5); // away from where rows meet
+    context.wrapWidth = 30_fx; // two characters
+    context.wrapOffsetX = 4_fx;
+    context.wrapOffsetY = 12.5_fx; // away from where rows meet
     context.accumulateBounds = 1;
     Text text(u"aa bb cc");
     context.drawWrappedText(text.data(), 0, 0);
-    EXPECT_EQ(context.boundsMinX, fx(4));
-    EXPECT_EQ(context.boundsMaxX, fx(28));
+    EXPECT_EQ(context.boundsMinX, 4_fx);
+    EXPECT_EQ(context.boundsMaxX, 28_fx);
     EXPECT_EQ(context.boundsMinY, 0);
-    EXPECT_EQ(context.boundsMaxY, fx(36));
+    EXPECT_EQ(context.boundsMaxY, 36_fx);
     EXPECT_EQ(context.penX, 0);
-    EXPECT_NEAR(context.penY, fx(36), 100);
+    EXPECT_NEAR(context.penY, 36_fx, 100);
     EXPECT_EQ(context.newLineFlag, 0);
 
     // The underline reaches below the text and leaves its stroke.
@@ -186,11 +186,11 @@ TEST(WrappedText, DrawsLineByLineAndLeavesThePenBelow)
     context.drawWrappedText(text.data(), 0, 0);
     EXPECT_EQ(context.strokePaint.paintType, kPaintSolid);
     EXPECT_EQ(context.strokePaint.paintColour, 0xFF123456u);
-    EXPECT_EQ(context.strokeHalfWidth, fx(12) / 16);
-    EXPECT_GT(context.boundsMaxY, fx(37));
+    EXPECT_EQ(context.strokeHalfWidth, 12_fx / 16);
+    EXPECT_GT(context.boundsMaxY, 37_fx);
     EXPECT_NE(scene.at(20, 38), TextScene::kBlank);
     // It may be dashed.
-    const Fixed dashes[] = {fx(5), fx(100)};
+    const Fixed dashes[] = {5_fx, 100_fx};
     context.dashArray = dashes;
     context.dashCount = 2;
     context.penY = 0;
@@ -207,7 +207,7 @@ TEST(WrappedText, MeasuresWithoutTheListsOfCharacters)
 {
     TextScene scene(10);
     MMContext2D& context = scene.context;
-    const Fixed places[] = {fx(-90), fx(-90)}; // which would leave characters without width
+    const Fixed places[] = {-90_fx, -90_fx}; // which would leave characters without width
     context.charX = context.charY = context.charRotate = places;
     context.charXCount = context.charYCount = context.charRotateCount = 2;
     MMTextLayout* layout = context.createTextLayout(Text(u"aa bb").data(), 30);
@@ -227,15 +227,15 @@ TEST(WrappedText, UnderlinesLinesThatHoldACharacter)
     for (const char16_t* text : {u"   ", u" \x0001 "}) {
         TextScene scene(40);
         MMContext2D& context = scene.context;
-        context.wrapWidth = fx(30);
+        context.wrapWidth = 30_fx;
         context.textDecoration = 1;
         context.capStyle = kCapRound;
-        context.lineHeight = fx(40); // a pen of 5 pixels
-        context.penX = fx(13.3);
-        context.penY = fx(9.7);
+        context.lineHeight = 40_fx; // a pen of 5 pixels
+        context.penX = 13.3_fx;
+        context.penY = 9.7_fx;
         context.drawWrappedText(Text(text).data(), 0, 0);
         EXPECT_EQ(scene.blank(), text[1] == u' ') << text[1];
-        EXPECT_EQ(context.strokeHalfWidth, fx(40) / 16);
+        EXPECT_EQ(context.strokeHalfWidth, 40_fx / 16);
     }
 }
 
@@ -249,7 +249,7 @@ TEST(WrappedText, ReportsMemoryThatRunsOut)
     const uint32_t used = context.scratchStack.usedWords;
     FailingHeap heap;
     heap.failAt(4 + 1); // after the records of four glyphs
-    context.wrapWidth = fx(60);
+    context.wrapWidth = 60_fx;
     context.drawWrappedText(Text(u"abcd").data(), 0, 0);
     EXPECT_EQ(context.outOfMemory, kScratchExhausted);
     EXPECT_TRUE(scene.blank());

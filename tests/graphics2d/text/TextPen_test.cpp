@@ -49,6 +49,6 @@ TEST(TextPen, MapsToTheNearestPointBothWays)
         ASSERT_NEAR(back.y, double(backY), slack);
     }
     MMPoint2D kept = {3, 4};
-    EXPECT_FALSE(unmappedExactly({fx(1), fx(2), fx(2), fx(4), 0, 0}, {fx(1), fx(1)}, kept));
+    EXPECT_FALSE(unmappedExactly({1_fx, 2_fx, 2_fx, 4_fx, 0, 0}, {1_fx, 1_fx}, kept));
     EXPECT_EQ(kept.x, 3);
 }

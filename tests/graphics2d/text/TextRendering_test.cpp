@@ -134,11 +134,11 @@ struct BufferedPaints {
     void set(MMContext2D& context, int number, bool imageHasAlpha)
     {
         MMPaint& paint = context.fillPaint;
-        const Matrix2D slanted = {60000, 9000, -7000, 70000, fx(5), fx(3)};
+        const Matrix2D slanted = {60000, 9000, -7000, 70000, 5_fx, 3_fx};
         const GradientStops stops = {colours.data(), offsets, 3};
         const GradientRamp ramp = {rampColours, rampOffsets};
         if (number == 0) return setLinearGradient(paint, {0, 0}, at(50, 9), slanted, stops, ramp);
-        if (number == 1) return setRadialGradient(paint, at(20, 20), fx(30), slanted, stops, ramp);
+        if (number == 1) return setRadialGradient(paint, at(20, 20), 30_fx, slanted, stops, ramp);
         context.patternFilter = static_cast<uint8_t>(number - 2);
         setPattern(paint, {13, 11, 52, 0, texels.data(), imageHasAlpha}, slanted,
                    static_cast<MMPatternFilter>(number - 2));
@@ -208,16 +208,16 @@ TEST(TextRendering, ItalicsLeanToTheRightAlsoWhenTurned)
 {
     TextScene scene(20);
     scene.context.fontStyle = kFontItalic;
-    scene.context.fontSize = fx(10);
+    scene.context.fontSize = 10_fx;
     // Of the em's corner (x, y), y down, leaning takes tan 20 degrees of y off x before the
     // transform: 10 * (2, 0.5) and 10 * (-0.25, 3) become the columns below; the engine's y is up.
-    scene.context.transform = {fx(2), fx(0.5), fx(-0.25), fx(3), 0, 0};
+    scene.context.transform = {2_fx, 0.5_fx, -0.25_fx, 3_fx, 0, 0};
     scene.draw(u"a", 0, 15);
     constexpr double kTangent = 0.36397;
     EXPECT_NEAR(fakeFontEngine.scale.xx, fx(20 - 5 * kTangent), 40);
     EXPECT_NEAR(fakeFontEngine.scale.xy, fx(2.5 + 30 * kTangent), 40);
-    EXPECT_EQ(fakeFontEngine.scale.yx, fx(-5));
-    EXPECT_EQ(fakeFontEngine.scale.yy, fx(30));
+    EXPECT_EQ(fakeFontEngine.scale.yx, -5_fx);
+    EXPECT_EQ(fakeFontEngine.scale.yy, 30_fx);
 }
 
 TEST(TextRendering, AGlyphIsMadeOnceForEachSizeMatrixCharacterAndWeight)
@@ -326,13 +326,13 @@ TEST(TextRendering, NoBitmapIsRenderedForWhatIsNotSeen)
 {
     TextScene scene(60);
     MMContext2D& c = scene.context;
-    c.fontSize = fx(900);
+    c.fontSize = 900_fx;
     c.accumulateBounds = 1;
     EXPECT_NEAR(c.getTextWidth(Text(std::u16string(20, u'B')).data(), 99), fx(20 * 900), 20 * 900);
     scene.draw(u"BgBi", 100, 500);
     scene.draw(u"BgBi", 10, -100);
     EXPECT_EQ(fakeFontEngine.pixelsDrawn, 0);
-    EXPECT_EQ(c.boundsMinX, fx(10));
+    EXPECT_EQ(c.boundsMinX, 10_fx);
     EXPECT_EQ(c.boundsMaxX, fx(10 + 900 * 3 + 450));
     EXPECT_TRUE(scene.blank());
     // From the third on: their pens are at -830 and 70.
@@ -342,8 +342,8 @@ TEST(TextRendering, NoBitmapIsRenderedForWhatIsNotSeen)
     EXPECT_EQ(scene.at(59, 59), 0xFF000000);
     EXPECT_EQ(fakeFontEngine.glyphsAlive, 0);
     // Too large for any bitmap.
-    c.fontSize = fx(20000);
-    EXPECT_NEAR(c.getTextWidth(Text(u"i").data(), 1), fx(10000), 12000);
+    c.fontSize = 20000_fx;
+    EXPECT_NEAR(c.getTextWidth(Text(u"i").data(), 1), 10000_fx, 12000);
 }
 
 TEST(TextRendering, SpansOfARowBufferEndBelowTheGlyph)
@@ -355,7 +355,7 @@ TEST(TextRendering, SpansOfARowBufferEndBelowTheGlyph)
     paints.set(c, 0, false);
     scene.draw(u"a", 3, 20);
     EXPECT_EQ(c.spanRow, 20);
-    EXPECT_EQ(c.spanEnd, fx(12));
+    EXPECT_EQ(c.spanEnd, 12_fx);
 }
 
 // After the first frame, whatever the paint.
@@ -366,7 +366,7 @@ TEST(TextRendering, SteadyDrawingAndMeasuringMakeNoHeapCalls)
     TextScene scene(90);
     MMContext2D& c = scene.context;
     FailingHeap heap;
-    c.wrapWidth = fx(50);
+    c.wrapWidth = 50_fx;
     c.textDecoration = 1;
     const auto drawFrame = [&] {
         for (int paint = -1; paint < BufferedPaints::kCount; ++paint) {
