@@ -289,6 +289,22 @@ TEST(RasterLimits, TwoPointsDrawNothing)
         }
 }
 
+// The second corner, half a pixel further, is the first one as it is given: by the classic rules the
+// outline counts as closed there, and the edge up to the top is missing. Rows above reach from that
+// corner's x to the right side.
+TEST(RasterLimits, AnOutlineThatSeemsClosedStaysOpenByTheClassicRules)
+{
+    const Polygon polygon = points({{20, 10}, {19.5, 9.5}, {30, 5}, {40, 30}});
+    for (uint8_t refined : {0, 1}) {
+        RasterPicture picture;
+        picture.context.refined = refined;
+        picture.fill(polygon, kMonotone);
+        EXPECT_EQ(picture.coverage(22, 6), refined != 0 ? 0 : 255);
+        EXPECT_EQ(picture.coverage(19, 6), 0);
+        EXPECT_EQ(picture.coverage(29, 6), 255);
+    }
+}
+
 TEST(RasterLimits, ClipsKeepThePixelsInsideAndDrawNothingOutside)
 {
     constexpr int kInset = 8; // the target lies this far inside the picture
