@@ -1,12 +1,12 @@
 #!/bin/bash
 # SPDX-License-Identifier: MIT
-# Installs the library, shared and static, and builds and runs tests/consumer against what was
-# installed, found through CMake and through pkg-config; then builds the consumer with the library's
+# Installs the library and its SVG engine, shared and static, and builds and runs tests/consumer
+# against what was installed, found through CMake and through pkg-config; then builds the consumer with the library's
 # tree as a part of its own. Every installed header must compile alone, without warnings, and
 # whatever headers of the same names a program has.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/install-packages.sh build clang
+scripts/install-packages.sh build examples clang
 
 folder=$PWD/build/install-check
 rm -rf "$folder"
@@ -38,7 +38,7 @@ for kind in shared static; do
     prefix=$folder/$kind/prefix
     shared=$([ $kind = shared ] && echo ON || echo OFF)
     quietly cmake -S . -B "$folder/$kind/library" -G Ninja -DBUILD_SHARED_LIBS="$shared" \
-        -DMM2D_WERROR=ON
+        -DMM2D_WERROR=ON -DMM2D_BUILD_SVG=ON
     quietly cmake --build "$folder/$kind/library" --parallel "$(nproc)"
     quietly cmake --install "$folder/$kind/library" --prefix "$prefix"
     libraries=$(dirname "$(find "$prefix" -name 'libmm2d.*' | head -n 1)")
@@ -53,6 +53,7 @@ for kind in shared static; do
     quietly cmake --build "$folder/$kind/cmake"
     "$folder/$kind/cmake/consumer"
     "$folder/$kind/cmake/own_names"
+    "$folder/$kind/cmake/svg_consumer"
 
     echo "-- through pkg-config"
     flags=$(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --$kind --cflags --libs mm2d)
@@ -62,6 +63,10 @@ for kind in shared static; do
             -o "$folder/$kind/$program" $flags
         LD_LIBRARY_PATH=$libraries "$folder/$kind/$program"
     done
+    flags=$(PKG_CONFIG_PATH=$libraries/pkgconfig pkg-config --$kind --cflags --libs mm2d-svg)
+    # shellcheck disable=SC2086
+    g++ -std=c++17 tests/consumer/svg_consumer.cpp -o "$folder/$kind/svg_consumer" $flags
+    LD_LIBRARY_PATH=$libraries "$folder/$kind/svg_consumer"
 done
 
 echo "== as a part of another project"
