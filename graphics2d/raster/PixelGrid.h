@@ -10,6 +10,8 @@
 
 #include "graphics2d/MMContext2D.h"
 
+#include <algorithm>
+
 namespace KAVO {
 namespace Graphics2D {
 
@@ -22,8 +24,13 @@ public:
 
     bool shifts() const { return shift_ != 0; }
 
-    // Stops at the end of the range, which lies beyond every clip rectangle.
-    Fixed moved(Fixed v) const { return v > 0x7FFFFFFF - shift_ ? 0x7FFFFFFF : v + shift_; }
+    // Stops at the ends of a range that lies beyond every clip rectangle. It is half a pixel short
+    // of all, so that halves of what it holds fit 31 bits.
+    Fixed moved(Fixed v) const
+    {
+        constexpr Fixed kLeast = -0x7FFFFFFF - 1 + kFixedHalf;
+        return v > 0x7FFFFFFF - shift_ ? 0x7FFFFFFF : std::max(v, kLeast - shift_) + shift_;
+    }
     MMPoint2D moved(const MMPoint2D& p) const { return {moved(p.x), moved(p.y)}; }
 
 private:

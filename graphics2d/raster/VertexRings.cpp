@@ -52,8 +52,7 @@ void VertexRings::appendRing(const MMPoint2D* points, const MMPoint2D* end)
 
 void VertexRings::append(const MMPoint2D& point, bool isFirst)
 {
-    MMPoint2D vertex = grid_.moved(point);
-    vertex.y = std::max(vertex.y, kHighest);
+    const MMPoint2D vertex = grid_.moved(point);
     if (!isFirst) {
         const MMPoint2D& previous = vertices_[size_ - 1].point;
         if (vertex == previous) return;

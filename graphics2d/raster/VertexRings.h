@@ -60,9 +60,8 @@ private:
         uint32_t nextMinimum; // the local minimum that follows in the order of y
     };
     // A link has kLinkY, the first vertex of the ring before it in point.x, and the last one of the
-    // ring behind it in nextMinimum. No vertex is so high, nor is a rounded middle of two.
+    // ring behind it in nextMinimum. The pixel grid puts no vertex so high.
     static constexpr Fixed kLinkY = -0x7FFFFFFF - 1;
-    static constexpr Fixed kHighest = kLinkY + kFixedHalf;
 
     bool isLink(uint32_t i) const { return vertices_[i].point.y == kLinkY; }
     uint32_t ringEnd(uint32_t link, int32_t winding) const
