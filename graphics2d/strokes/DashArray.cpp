@@ -316,10 +316,9 @@ private:
         const Subpath piece = {&record, 1, closed};
         pen_.direction = direction;
         GatheredOutlines* const gathered = pen_.gathered;
-        if (gathered != nullptr) gathered->beginStroke();
         last_ = strokeSubpath(context_, pen_, piece);
         all_.add(last_);
-        if (gathered != nullptr && !gathered->hasStroke() && gathered->grow())
+        if (gathered != nullptr && !gathered->hasAll() && gathered->grow())
             strokeSubpath(context_, pen_, piece);
     }
 

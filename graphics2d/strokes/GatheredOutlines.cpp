@@ -65,17 +65,12 @@ GatheredOutlines::GatheredOutlines(MMContext2D& context, uint32_t outlines)
 {
 }
 
-void GatheredOutlines::beginStroke()
-{
-    countBefore_ = count_;
-}
-
 void GatheredOutlines::add(const MMPoint2D* points, uint32_t count)
 {
     if (count == 0) return;
     const uint64_t used = wanted_;
     wanted_ += count;
-    if (!hasStroke() || !points_) return;
+    if (!hasAll() || !points_) return;
     std::copy(points, points + count, points_.data() + used);
     ends_[count_++] = static_cast<uint32_t>(wanted_);
 }
@@ -84,7 +79,6 @@ bool GatheredOutlines::grow()
 {
     const uint64_t grown = std::max<uint64_t>(wanted_, uint64_t{capacity_} * 2);
     capacity_ = static_cast<uint32_t>(std::min<uint64_t>(grown, UINT32_MAX));
-    count_ = countBefore_;
     wanted_ = count_ != 0 ? ends_[count_ - 1] : 0;
     return points_ && points_.resize(capacity_);
 }

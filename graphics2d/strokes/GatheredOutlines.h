@@ -19,14 +19,13 @@ public:
     GatheredOutlines(MMContext2D& context, uint32_t outlines);
     explicit operator bool() const { return ends_ && points_; }
 
-    void beginStroke();
-    // One of the stroke's outlines.
     void add(const MMPoint2D* points, uint32_t count);
-    // Whether all outlines of the stroke have been taken.
-    bool hasStroke() const { return wanted_ <= capacity_; }
+    // Whether all outlines have been taken.
+    bool hasAll() const { return wanted_ <= capacity_; }
 
-    // Makes room for a stroke that lacked it, while nothing newer is in scratch memory. False
-    // without memory; everything is lost then.
+    // Makes room for a stroke that lacked it, while nothing newer is in scratch memory; its
+    // outlines have to be added again, which does no harm to those that were taken. False without
+    // memory; everything is lost then.
     bool grow();
 
     // Fills all outlines as one shape, with the context's current paint; without memory one by one.
@@ -38,9 +37,8 @@ private:
 
     MMContext2D& context_;
     uint32_t count_ = 0;
-    uint32_t countBefore_ = 0; // when the last stroke began
-    uint32_t capacity_;        // of points_
-    uint64_t wanted_ = 0;      // points of all outlines, had there been room
+    uint32_t capacity_;   // of points_
+    uint64_t wanted_ = 0; // points of all outlines, had there been room
     ScratchArray<uint32_t> ends_;
     ScratchArray<MMPoint2D> points_;
 };

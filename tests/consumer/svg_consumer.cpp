@@ -7,9 +7,9 @@
 int main()
 {
     KAVO::Svg::MMSvgDocument drawing;
-    const bool loaded = drawing.loadBytes(
-        "<svg xmlns='http://www.w3.org/2000/svg' width='8' height='8'>"
-        "<rect x='2' y='2' width='4' height='4' fill='#00f'/></svg>");
+    const bool loaded =
+        drawing.loadBytes("<svg xmlns='http://www.w3.org/2000/svg' width='8' height='8'>"
+                          "<rect x='2' y='2' width='4' height='4' fill='#00f'/></svg>");
     KAVO::Pixel pixels[8 * 8] = {};
     const bool drawn = drawing.render({8, 8, 8 * 4, 0, pixels, 0}, {0, 0, 8, 8});
     int painted = 0;

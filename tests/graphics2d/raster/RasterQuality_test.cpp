@@ -289,9 +289,9 @@ TEST(RasterLimits, TwoPointsDrawNothing)
         }
 }
 
-// The second corner, half a pixel further, is the first one as it is given: by the classic rules the
-// outline counts as closed there, and the edge up to the top is missing. Rows above reach from that
-// corner's x to the right side.
+// The second corner, half a pixel further, is the first one as it is given: by the classic rules
+// the outline counts as closed there, and the edge up to the top is missing. Rows above reach from
+// that corner's x to the right side.
 TEST(RasterLimits, AnOutlineThatSeemsClosedStaysOpenByTheClassicRules)
 {
     const Polygon polygon = points({{20, 10}, {19.5, 9.5}, {30, 5}, {40, 30}});
