@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Uses what the installed library exports, one thing from each folder, and succeeds when all of it
 // is right.
-#include <graphics2d/MMContext2D.h>
+#include <graphics2d/convenience/MMContextState.h>
+#include <math/FixedLiteral.h>
 #include <math/FixedMath.h>
 #include <memory/Vector.h>
 #include <util/Base64.h>
@@ -14,9 +15,8 @@ int main()
 {
     Pixel pixels[8 * 8] = {};
     KAVO::Graphics2D::MMContext2D context;
-    context.target = {8, 8, 8 * 4, 0, pixels, 0};
-    context.clipRight = context.clipBottom = 8;
-    context.drawEllipticalRect(fixFromInt(4), fixFromInt(4), fixFromInt(2), fixFromInt(2), 0, 0);
+    setTarget(context, pixels, 8, 8);
+    context.drawEllipticalRect(4_fx, 4_fx, 2_fx, 2_fx, 0, 0);
     int painted = 0;
     for (const Pixel pixel : pixels)
         painted += pixel == 0xFF000000;
@@ -28,7 +28,7 @@ int main()
                         vector.pop(&popped) == 0 && popped == 'T';
     vector.deinitialize();
     const bool decodes = MMdecodeBase64(text, 4, decoded) == 3 && decoded[2] == 'n';
-    const bool multiplies = fixMul(fixFromInt(2), fixFromInt(6)) == fixFromInt(12);
+    const bool multiplies = fixMul(2_fx, 6_fx) == 12_fx;
 
     const bool right = painted == 16 && stores && decodes && multiplies;
     std::puts(right ? "the installed library works" : "the installed library is wrong");

@@ -2,6 +2,7 @@
 // The work of filling hostile polygons, counted rather than timed.
 #include "graphics2d/raster/Rasteriser.h"
 #include "tests/counted_work/Blocks.h"
+#include "tests/support/Targets.h"
 #include "tests/support/UserUnits.h"
 
 #include <gtest/gtest.h>
@@ -23,9 +24,7 @@ uint64_t workOf(const std::vector<MMPoint2D>& points, uint32_t pointsEach, MMFil
 {
     std::vector<Pixel> pixels(kSide * 100);
     MMContext2D context;
-    context.target = {kSide, 100, kSide * 4, 0, pixels.data(), 0};
-    context.clipRight = kSide;
-    context.clipBottom = 100;
+    classicTarget(context, pixels.data(), kSide, 100);
     context.antiAlias = 1;
     context.currentPaint = context.fillPaint;
     std::vector<uint32_t> ends;

@@ -4,6 +4,7 @@
 #include "graphics2d/PaintSetup.h"
 #include "graphics2d/strips/StripDispatch.h"
 #include "tests/support/PolygonModel.h"
+#include "tests/support/Targets.h"
 #include "tests/support/UserUnits.h"
 
 #include <gtest/gtest.h>
@@ -36,7 +37,7 @@ struct Canvas {
 
     Canvas(int w, int h) : width(w), height(h), pixels(static_cast<size_t>(w * h), 0x12345678)
     {
-        context.target = {uint16_t(w), uint16_t(h), uint32_t(w) * 4, 0, pixels.data(), 0};
+        classicTarget(context, pixels.data(), w, h);
         paint.paintOpacity = 255;
     }
     void drawRow(int y, int start = 0)

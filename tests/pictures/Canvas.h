@@ -4,6 +4,7 @@
 
 #include "graphics2d/PaintSetup.h"
 #include "graphics2d/convenience/MMPathBuilder.h"
+#include "tests/support/Targets.h"
 #include "tests/support/TextScene.h"
 #include "tests/support/UserUnits.h"
 
@@ -36,8 +37,8 @@ struct Canvas : FreshEngine {
     {
         for (int32_t i = 0; i < 12 * 10; ++i)
             texels.push_back(texelAt(i % 12, i / 12));
-        context.target = {kSide, kSide, kSide * 4, kSand, pixels.data(), 0};
-        context.clipRight = context.clipBottom = kSide;
+        classicTarget(context, pixels.data(), kSide, kSide);
+        context.target.backgroundColour = kSand;
         context.antiAlias = 1;
         solid(kBlue);
         initialState.assign(state(), stateEnd());

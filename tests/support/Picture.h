@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// A context that draws into a white picture of its own.
+// A context that draws into a white picture of its own, by the classic rules.
 #pragma once
 
-#include "graphics2d/MMContext2D.h"
+#include "tests/support/Targets.h"
 
 #include <gtest/gtest.h>
 
@@ -21,9 +21,7 @@ struct Picture {
     explicit Picture(int side = 64)
         : size(side), pixels(static_cast<size_t>(side * (side + 2 * kGuard)), kBlank)
     {
-        const uint16_t sides = static_cast<uint16_t>(side);
-        context.target = {sides, sides, sides * 4u, kBlank, pixels.data() + side * kGuard, 0};
-        context.clipRight = context.clipBottom = static_cast<int16_t>(side);
+        classicTarget(context, pixels.data() + side * kGuard, side, side);
         context.antiAlias = 1;
         context.currentPaint = context.fillPaint;
     }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What a caller of the engine meets: sizes, placements, messages, elements under points.
+#include "graphics2d/convenience/MMContextState.h"
 #include "tests/svg/Drawing.h"
 
 #include <cmath>
@@ -114,10 +115,9 @@ TEST(SvgInterface, ACallersContextComesBackAsItWas)
                                    "fill='red' stroke='blue' stroke-dasharray='100'/></svg>"));
     Picture picture(9, 9, kWhite);
     MMContext2D context;
-    context.target = {9, 9, 36, 0, picture.pixels.data(), 0};
+    setTarget(context, picture.pixels.data(), 9, 9);
     context.clipLeft = 3;
     context.clipRight = 6;
-    context.clipBottom = 9;
     context.fillPaint.paintColour = 0xFF00FF00;
     context.strokeHalfWidth = 77;
     context.transform.e = 5;

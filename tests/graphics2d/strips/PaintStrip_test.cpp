@@ -4,6 +4,7 @@
 #include "PaintModel.h"
 #include "graphics2d/strips/CircleFollower.h"
 #include "graphics2d/strips/StripDispatch.h"
+#include "tests/support/Targets.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -99,7 +100,7 @@ protected:
         const int endFraction = within(0, 1) * 0xFFFF;
         for (int k = 0; k < 2; ++k) {
             MMContext2D& c = context[k];
-            c.target = {kWidth, kRows, kWidth * 4, 0, pixels[k].data() + kGuard, 0};
+            classicTarget(c, pixels[k].data() + kGuard, kWidth, kRows);
             c.spanRow = row;
             c.spanPixels = c.target.pixels + row * kWidth;
             c.spanStart = (start << 16) | fraction;
@@ -318,6 +319,30 @@ TEST(CircleFollower, QuickStepsMatchPlainOnes)
             // The plain stepping learns how many steps are usual.
             quick.guess = plain.guess;
         }
+    }
+}
+
+// On a row through the centre the distance is that of the column itself, down to one unit; no step
+// leads to the centre or beyond, however much the distance has still to fall.
+TEST(CircleFollower, CountsDownToOne)
+{
+    for (const Fixed vertex : {0, 0x9999}) { // the second begins 0.6 too near
+        CircleFollower at = {};
+        at.a = kFixedOne;
+        at.b = -2 * vertex;
+        at.vertex = vertex;
+        at.dx = -5 * kFixedOne;
+        at.r = 5 * kFixedOne;
+        at.start();
+        RadialColour colour = {};
+        for (int distance = 4; distance > 0; --distance) {
+            EXPECT_FALSE(at.advance(colour));
+            if (vertex == 0) {
+                EXPECT_EQ(at.r, distance * kFixedOne);
+            }
+            EXPECT_GE(at.r, kFixedOne);
+        }
+        EXPECT_EQ(at.r, kFixedOne);
     }
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Colours blended by the refined rules, against double precision.
+#include "graphics2d/convenience/MMContextState.h"
 #include "graphics2d/strips/Blending.h"
 #include "graphics2d/strips/StripDispatch.h"
 
@@ -61,7 +62,6 @@ TEST(RefinedBlending, LayersStayCloseToExactOnes)
         return std::uniform_int_distribution<int>(low, high)(random);
     };
     MMContext2D context;
-    context.refined = 1;
     for (int round = 0; round < 3000; ++round) {
         const int layers = round % 3 == 0 ? 64 : 1;
         const Pixel ground = round % 2 == 0 ? 0 : static_cast<Pixel>(random()) | kOpaque;
@@ -70,7 +70,7 @@ TEST(RefinedBlending, LayersStayCloseToExactOnes)
         for (auto& e : exact)
             for (int k = 0; k < 4; ++k)
                 e[k] = ground >> (8 * k) & 0xFF;
-        context.target = {kWidth + 1, 1, (kWidth + 1) * 4, 0, pixels.data(), 0};
+        setTarget(context, pixels.data(), kWidth + 1, 1);
         context.spanPixels = pixels.data();
         for (int i = 0; i < layers; ++i) {
             MMPaint& paint = context.currentPaint;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Images drawn by the refined rules, against the same rules in double precision.
 #include "graphics2d/PaintSetup.h"
+#include "graphics2d/convenience/MMContextState.h"
 #include "graphics2d/strips/StripDispatch.h"
 
 #include <gtest/gtest.h>
@@ -102,7 +103,7 @@ protected:
     void clear(Pixel ground)
     {
         pixels.assign(kWidth * kHeight, ground);
-        context.target = {kWidth, kHeight, kWidth * 4, 0, pixels.data(), 0};
+        setTarget(context, pixels.data(), kWidth, kHeight);
     }
     void drawAll(int from)
     {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Text by the refined rules, against double precision.
 #include "graphics2d/PaintSetup.h"
+#include "graphics2d/convenience/MMContextState.h"
 #include "tests/support/TextScene.h"
 #include "tests/support/UserUnits.h"
 
@@ -242,10 +243,7 @@ TEST(RefinedText, RowsAreAsFarApartAsTheTargetSays)
     std::vector<Pixel> pixels(kStride * (kHeight - 1) + kWidth, 0xFFFFFFFF);
     FreshEngine fresh;
     MMContext2D c;
-    c.refined = 1;
-    c.target = {kWidth, kHeight, kStride * 4, 0, pixels.data(), 0};
-    c.clipRight = kWidth;
-    c.clipBottom = kHeight;
+    setTarget(c, pixels.data(), kWidth, kHeight, kStride * 4);
     c.fontSize = fx(kWidth);
     c.drawText(Text(u"B").data(), 0, fx(kHeight));
     for (size_t i = 0; i < pixels.size(); ++i)
