@@ -50,6 +50,7 @@ void drawAtRandom(Canvas& c, uint32_t number, uint32_t operation)
     c.context.clipLeft = below(40);
     c.opacity(below(2) != 0 ? 255 : below(256));
     if (below(4) == 0) c.context.dashArray = dashes, c.context.dashCount = 2;
+    c.context.refined = below(2);
     scene.draw(c);
 }
 

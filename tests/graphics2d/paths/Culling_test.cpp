@@ -180,13 +180,14 @@ TEST(Culling, DashesTakeNothingFromTheHeapOnceTheyHaveBeenSeen)
     picture.context.strokePaint.paintType = kPaintSolid;
     picture.context.dashArray = dashes;
     picture.context.dashCount = 2;
-    for (uint8_t antiAlias : {0, 1}) {
-        picture.context.antiAlias = antiAlias;
+    for (int way = 0; way < 4; ++way) {
+        picture.context.antiAlias = way % 2;
+        picture.context.refined = way / 2;
         picture.context.drawPath(path.data());
         picture.context.drawPath(path.data());
         FailingHeap heap;
         picture.context.drawPath(path.data());
-        EXPECT_EQ(heap.calls(), 0u) << int(antiAlias);
+        EXPECT_EQ(heap.calls(), 0u) << way;
     }
 }
 
