@@ -34,6 +34,8 @@ struct MMPaint {
     uint32_t paintType; // MMPaintType
 
     union {
+        // Classic drawing writes its alpha as it is. By the refined rules it is an opacity, so that
+        // 0x00RRGGBB draws nothing.
         KAVO::Pixel paintColour;
 
         __extension__ struct {
