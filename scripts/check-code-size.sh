@@ -12,7 +12,8 @@ scripts/install-packages.sh build test bench targets
 
 build=build/bench
 mkdir -p $build
-cmake -S . -B $build -G Ninja -DMM2D_BUILD_BENCHMARKS=ON > $build/build.log
+cmake -S . -B $build -G Ninja -DMM2D_BUILD_BENCHMARKS=ON \
+    -DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O2 > $build/build.log
 cmake --build $build --parallel "$(nproc)" >> $build/build.log ||
     { tail -n 30 $build/build.log; exit 1; }
 $build/bench/mm2d_bench --benchmark_filter='^no scene$' > $build/size.log 2>&1 ||

@@ -4,23 +4,25 @@
 #
 #   scripts/test.sh                as users build the library, under sanitizers, and for 32-bit x86
 #   scripts/test.sh --all-targets  also for other machines (emulated), with Clang, at -O0 and -O3,
-#                                  and two threads under their sanitizer
+#                                  and two threads under their sanitizer; all tests for 32-bit x86
+#                                  in place of its core
 #   scripts/test.sh TARGET...      these alone: native sanitized x86-32-core x86-32 x86-32-no-sse2
 #                                  arm-32 arm-64 clang O0 O3 threads
 #
-# Installs what is missing. Build folders are build/test-*; the summary at the end names a log for
-# whatever failed.
+# At -O0 lines are counted, for scripts/coverage.sh. Installs what is missing. Build folders are
+# build/test-*; the summary at the end names a log for whatever failed.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-plain=(native sanitized x86-32-core)
+plain=(native sanitized)
 others=(x86-32 x86-32-no-sse2 arm-32 arm-64 clang O0 O3 threads)
 groups=(build test examples targets)
+long_life= # 1: a million operations in one context instead of a tenth, once
 case "${1:-}" in
-    '') wanted=("${plain[@]}") groups=(build test examples) ;;
+    '') wanted=("${plain[@]}" x86-32-core) groups=(build test examples) ;;
     --all-targets)
-        wanted=(native sanitized "${others[@]}") # x86-32 holds what x86-32-core does
-        export MM2D_LONG_LIFE=1 ;; # a million operations in one context instead of a tenth
+        wanted=("${plain[@]}" "${others[@]}")
+        long_life=1 ;;
     -*) sed -n '3,/^set/p' "$0" | grep '^#' | cut -c3-; exit 2 ;;
     *) wanted=("$@") ;;
 esac
@@ -29,6 +31,7 @@ scripts/install-packages.sh "${groups[@]}"
 # Leaves out debugging information, which would take a third of the time.
 at_level() { printf -- '-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=%s' "$1"; }
 with_examples=-DMM2D_BUILD_EXAMPLES=ON
+count_lines="--coverage -fprofile-abs-path -fprofile-update=atomic"
 sanitize="-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer"
 
 # FreeType and ICU are not there for other machines; the tests' own engines are.
@@ -57,6 +60,7 @@ run() {
         result="BUILD FAILED, see $log"
         failed=true
     else
+        find "$folder" -name '*.gcda' -delete # the counts of runs before
         ctest --test-dir "$folder" --parallel "$(nproc)" --output-on-failure --no-tests=error \
             --exclude-regex "$left_out" >> "$log" 2>&1 ||
             { failed=true; sed -n '/tests failed/,$p' "$log"; }
@@ -70,7 +74,7 @@ run() {
 for target in "${wanted[@]}"; do
     # shellcheck disable=SC2046 # the arguments are words
     case $target in
-        native) run native '' $with_examples "$(at_level -O2)" ;;
+        native) MM2D_LONG_LIFE=$long_life run native '' $with_examples "$(at_level -O2)" ;;
         sanitized) run sanitized '' $with_examples "$(at_level '-O1 -g1')" "-DCMAKE_CXX_FLAGS=$sanitize" ;;
         # Arithmetic, memory, robustness and whole pictures, so that the plain run stays short.
         x86-32-core)
@@ -83,7 +87,7 @@ for target in "${wanted[@]}"; do
         arm-32) run arm-32 "$slow_models" $(for_machine arm) "$(at_level -O2)" ;;
         arm-64) run arm-64 "$slow_models" $(for_machine aarch64) "$(at_level -O2)" ;;
         clang) run clang '' $with_examples -DCMAKE_CXX_COMPILER=clang++ "$(at_level -O2)" ;;
-        O0) run O0 '' "$(at_level -O0)" ;;
+        O0) run O0 '' "$(at_level -O0)" "-DCMAKE_CXX_FLAGS=$count_lines" ;;
         O3) run O3 '' "$(at_level -O3)" ;;
         # Under the thread sanitizer, and nothing but the test of that name.
         threads)
