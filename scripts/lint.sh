@@ -8,7 +8,7 @@
 # With files, clang-tidy alone over these. Installs what is missing.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/install-packages.sh build examples lint
+scripts/install-packages.sh build examples lint clang
 
 files=("$@")
 if [ $# = 0 ]; then
@@ -20,7 +20,9 @@ fi
 
 echo "== clang-tidy"
 build=build/lint
-cmake -S . -B $build -G Ninja -DMM2D_BUILD_EXAMPLES=ON -DCMAKE_EXPORT_COMPILE_COMMANDS=ON > /dev/null
+# With Clang's own options; it does not know all of GCC's.
+cmake -S . -B $build -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DMM2D_BUILD_EXAMPLES=ON \
+    -DCMAKE_EXPORT_COMPILE_COMMANDS=ON > /dev/null
 # Complaints are on standard output; on standard error is only how many were held back.
 printf '%s\0' "${files[@]}" |
     xargs -0 -n 1 -P "$(nproc)" clang-tidy-14 -p $build --quiet 2> $build/tidy.log || exit 1
