@@ -92,22 +92,17 @@ void drawDashScene(Canvas& canvas)
 // below, lines in all directions, smooth and not.
 void drawHairlineScene(Canvas& canvas)
 {
+    const auto line = [&](double x0, double y0, double x1, double y1) {
+        canvas.draw(MMPathBuilder().moveTo(fixed(x0), fixed(y0)).lineTo(fixed(x1), fixed(y1)));
+    };
     for (int i = 0; i < 8; ++i) {
-        const double offset = i / 8.0;
-        canvas.stroke(0xFF000000, 1);
-        canvas.draw(MMPathBuilder()
-                        .moveTo(fixed(10 + 22 * i + offset), 8_fx)
-                        .lineTo(fixed(10 + 22 * i + offset), 60_fx));
-        canvas.draw(MMPathBuilder()
-                        .moveTo(200_fx, fixed(8 + 7 * i + offset))
-                        .lineTo(280_fx, fixed(8 + 7 * i + offset)));
-        canvas.stroke(0xFF000000, 0.5);
-        canvas.draw(MMPathBuilder()
-                        .moveTo(fixed(20 + 22 * i + offset), 8_fx)
-                        .lineTo(fixed(20 + 22 * i + offset), 60_fx));
-        canvas.draw(MMPathBuilder()
-                        .moveTo(290_fx, fixed(8 + 7 * i + offset))
-                        .lineTo(370_fx, fixed(8 + 7 * i + offset)));
+        const double offset = i / 8.0, y = 8 + 7 * i + offset;
+        for (const bool half : {false, true}) {
+            const double x = 10 + 22 * i + offset + (half ? 10 : 0), left = half ? 290 : 200;
+            canvas.stroke(0xFF000000, half ? 0.5 : 1);
+            line(x, 8, x, 60);
+            line(left, y, left + 80, y);
+        }
     }
     for (const bool smooth : {true, false}) {
         canvas.context().antiAlias = smooth;

@@ -117,6 +117,26 @@ TEST(MMCacheContext, FollowsAListOfKeys)
     }
 }
 
+// Asked for again and again, the latest entry stays the first, and goes when it has become the
+// last.
+TEST(MMCacheContext, TheLatestEntryIsFoundAndEvictedAsAnyOther)
+{
+    Cache cache(2 * kLargest, kLargest);
+    Key keys[4] = {{1}, {2}, {3}, {4}};
+    const char content[kLargest] = "entry";
+    cache.Add(content, &keys[0], kLargest);
+    cache.Add(content, &keys[1], kLargest);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_NE(cache.Get(&keys[1]), nullptr);
+    cache.Add(content, &keys[2], kLargest);
+    cache.Add(content, &keys[3], kLargest);
+    EXPECT_EQ(cache.Get(&keys[0]), nullptr);
+    EXPECT_EQ(cache.Get(&keys[1]), nullptr);
+    EXPECT_NE(cache.Get(&keys[2]), nullptr);
+    EXPECT_NE(cache.Get(&keys[3]), nullptr);
+    EXPECT_EQ(cache.usedBytes, 2 * kLargest);
+}
+
 TEST(MMCacheContext, PrefixesAreWholeWords)
 {
     Cache cache(50, 50);

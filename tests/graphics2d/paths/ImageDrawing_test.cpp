@@ -259,6 +259,22 @@ TEST_F(RefinedImage, IsReducedInTheCallersMemoryForAPattern)
     EXPECT_EQ(reduced.width, before.width);
 }
 
+// An image of one column is halved along it; means by alpha are rounded to nearest.
+TEST_F(RefinedImage, IsHalvedAsLongAsItsLongerSideAllows)
+{
+    std::vector<Pixel> texels(64, 0x40000002);
+    for (size_t i = 1; i < 64; i += 2)
+        texels[i] = 0x80000003;
+    MMPixmap narrow = {1, 64, 4, 0, texels.data(), 1};
+    Matrix2D transform = {0x1000, 0, 0, 0x1000, 0, 0};
+    std::vector<Pixel> room(reducedImageRoom(narrow, transform));
+    ASSERT_EQ(room.size(), 32u);
+    reduceImage(narrow, transform, room.data());
+    EXPECT_EQ(narrow.width, 1);
+    EXPECT_EQ(narrow.height, 4);
+    EXPECT_EQ(room[0], 0x60000003u); // (2 * 0x40 + 3 * 0x80) / 0xC0 is 2.67
+}
+
 TEST_F(RefinedImage, IsDrawnFromItselfWithoutMemory)
 {
     const MMPixmap reduced = randomImage(400, 400, false);

@@ -99,6 +99,28 @@ TEST(DashArray, AnEmptyFirstEntryIsADotByTheRefinedRules)
     EXPECT_EQ(dash(gaps.context, kLine20)[0].points.back(), at(5, 0));
 }
 
+// Its place is the start itself, whatever the edge's length rounds to; and a square one is turned
+// with the first edge, also where the subpath comes back on another.
+TEST(DashArray, ADotAtTheStartLiesOnTheFirstEdge)
+{
+    const Points triangle = {at(100.3, 100.7), at(140.3, 100.7), at(120.1, 131.9)};
+    Dashed steep({0, 1000}), dot({0, 1000});
+    steep.context.refined = dot.context.refined = 1;
+    const auto strokes = dash(steep.context, {triangle[2], triangle[0]});
+    ASSERT_EQ(strokes.size(), 1u);
+    EXPECT_EQ(strokes[0].points, (Points{triangle[2], triangle[2]}));
+
+    dot.context.target.pixels = nullptr; // the bounds alone
+    dot.context.capStyle = kCapSquare;
+    dot.context.strokeHalfWidth = 4_fx;
+    dot.context.accumulateBounds = 1;
+    Points closed = triangle;
+    MMLinkPath record = {closed.data(), 3};
+    dot.context.drawDashArray(&record, 1, 1);
+    EXPECT_EQ(dot.context.boundsMinX, triangle[0].x - 4_fx);
+    EXPECT_EQ(dot.context.boundsMaxY, triangle[0].y + 4_fx);
+}
+
 // By the refined rules the dash that runs over the start of a closed subpath is one.
 TEST(DashArray, TheDashOverAClosedStartIsOneByTheRefinedRules)
 {

@@ -167,6 +167,19 @@ TEST(ThinStrokes, SmallOnesLightAPixelAndNoMoreThanTheirOutlineHolds)
     }
 }
 
+// Butt caps add nothing: a line between the pixels' centres leaves none, as a fill would.
+TEST(ThinStrokes, ButtsLightNoPixelWhoseCentreTheyMiss)
+{
+    for (uint8_t cap : {kCapButt, kCapSquare}) {
+        Picture picture(kSide);
+        picture.context.antiAlias = 0;
+        picture.context.strokeHalfWidth = 0.6_fx;
+        picture.context.capStyle = cap;
+        stroke(picture.context, {at(10.9, 10.5), at(11.2, 10.5)});
+        EXPECT_EQ(picture.blank(), cap == kCapButt);
+    }
+}
+
 // The outlines of the pen and of one pixel turn the same way also where the transform mirrors; if
 // they did not, they would cut holes into each other.
 TEST(ThinStrokes, MirroredPensDrawTheSame)
