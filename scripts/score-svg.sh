@@ -65,16 +65,19 @@ size_of() { # of a PNG file, as WxH
 }
 render_one() {
     local group=$2 file=$3 reference=$4 out=pictures/$1 size
-    if [ "$reference" = - ]; then
-        reference=$out-peer.png
-        [ "$group" = clipart ] || side=480
-        rsvg-convert --background-color white --width "$side" --height "$side" \
-            --keep-aspect-ratio --output "$reference" "$file" 2> /dev/null || return 0
-    else
+    if [ "$reference" != - ]; then
         cp "$reference" "$out-peer.png"
+        size=$(size_of "$reference")
+    else
+        [ "$group" = clipart ] || side=480
+        size=$side
     fi
-    size=$(size_of "$reference")
     timeout 60 "$svg2png" --size "$size" --background white "$file" "$out.png" 2> "$out.log" || true
+    [ "$reference" = - ] || return 0
+    # Both fill their last rows and columns, so that a fraction of a pixel is no difference.
+    size=$(size_of "$out.png" 2> /dev/null) || return 0
+    rsvg-convert --background-color white --width "${size%x*}" --height "${size#*x}" \
+        --output "$out-peer.png" "$file" 2> /dev/null || true
 }
 export -f render_one size_of
 export svg2png side
@@ -83,7 +86,7 @@ xargs -P "$(nproc)" -L 1 bash -c 'render_one "$@"' _ < numbered.txt
 # --- The verdict ---------------------------------------------------------------------------------
 
 while read -r number group file reference; do
-    if [ -f "pictures/$number.png" ]; then
+    if [ -f "pictures/$number.png" ] && [ -f "pictures/$number-peer.png" ]; then
         echo "pictures/$number.png pictures/$number-peer.png $number"
     fi
 done < numbered.txt > pairs.txt

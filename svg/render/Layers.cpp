@@ -183,7 +183,7 @@ bool Renderer::clipState(pugi::xml_node clip, const State& state, const Box& bou
     inner.style.opacity = 1;
     inner.toDevice = state.toDevice;
     const Properties properties(clip, document_.sheet());
-    if (!inner.style.displayed || !applyTransform(clip, properties, inner)) return false;
+    if (!applyTransform(clip, properties, inner)) return false;
     if (clip.attribute("clipPathUnits").value() != std::string_view("objectBoundingBox"))
         return true;
     if (!bounds.hasArea()) {

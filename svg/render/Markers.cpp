@@ -66,7 +66,6 @@ void Renderer::drawMarker(pugi::xml_node marker, const Vertex& vertex, bool firs
     inner.style = document_.styleOf(marker, state.viewport);
     inner.style.opacity = state.style.opacity * inner.style.ownOpacity;
     inner.contextPaints = &paints;
-    if (!inner.style.displayed) return;
 
     const LengthContext lengths = inner.style.lengths(state.viewport);
     const auto length = [&](const char* name, Axis axis, double fallback) {

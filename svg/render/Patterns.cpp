@@ -26,6 +26,7 @@ struct Renderer::Tiling {
     Box tile;        // the first tile, in the pattern's space
     Affine toDevice; // of the pattern's space
     Affine content;  // maps the content into the pattern's space, its origin at the tile's corner
+    Viewport viewport;     // that percentages in the content refer to
     pugi::xml_node source; // the pattern whose children are drawn
 };
 
@@ -60,14 +61,15 @@ Renderer::Tiling Renderer::readTiling(pugi::xml_node pattern, const State& state
     tiling.tile = {x, y, x + width, y + height};
     const std::optional<Affine> transform = parseTransform(chain["patternTransform"], lengths);
     tiling.toDevice = state.toDevice * transform.value_or(Affine());
-    // Without a view box the content lies in the pattern's own space, and moves with the tiles.
-    if (const std::optional<Box> box = parseViewBox(chain["viewBox"]))
+    // The content's origin is the corner of each tile.
+    tiling.viewport = state.viewport;
+    if (const std::optional<Box> box = parseViewBox(chain["viewBox"])) {
+        tiling.viewport.width = box->width();
+        tiling.viewport.height = box->height();
         tiling.content = fitViewBox(chain["preserveAspectRatio"], *box, width, height);
-    else if (contentInBox)
-        tiling.content = {userBounds.width(), 0, 0, userBounds.height(), userBounds.left - x,
-                          userBounds.top - y};
-    else
-        tiling.content = translation(-x, -y);
+    } else if (contentInBox) {
+        tiling.content = {userBounds.width(), 0, 0, userBounds.height(), 0, 0};
+    }
     for (const pugi::xml_node link : chain.elements()) {
         const auto isElement = [](pugi::xml_node n) { return n.type() == pugi::node_element; };
         const bool filled = static_cast<bool>(link.find_child(isElement));
@@ -143,7 +145,7 @@ bool Renderer::setTiles(MMPaint& paint, Picture& tiles, pugi::xml_node pattern, 
     State tileState;
     tileState.style = document_.styleOf(tiling.source, state.viewport);
     tileState.style.opacity = 1;
-    tileState.viewport = state.viewport;
+    tileState.viewport = tiling.viewport;
     tileState.depth = state.depth + kPatternDepth;
     tiles = drawTiles(tiling, range, tileState);
     separateAlpha(tiles);
