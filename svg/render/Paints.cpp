@@ -65,12 +65,16 @@ bool Renderer::setPaint(MMPaint& paint, PaintStore& store, const PaintValue& val
     if (value.kind == PaintValue::Server) {
         const pugi::xml_node server = document_.find(value.server);
         const std::string_view name = server.name();
-        if (name == "linearGradient" || name == "radialGradient" || name == "pattern")
-            return setServer(paint, store, server, state, userBounds, opacity);
-        if (server)
+        const bool isPattern = name == "pattern";
+        if (isPattern || name == "linearGradient" || name == "radialGradient") {
+            const bool isSet = setServer(paint, store, server, state, userBounds, opacity);
+            // A pattern without a tile or without content is none.
+            if (isSet || !isPattern || !value.hasFallback) return isSet;
+        } else if (server) {
             note("paint from <" + std::string(name) + ">", server);
-        else if (!value.hasFallback && !value.fallbackNone)
+        } else if (!value.hasFallback && !value.fallbackNone) {
             note("paint that is not there", current_);
+        }
         if (!value.hasFallback) return false;
     }
     paint.paintType = kPaintSolid;

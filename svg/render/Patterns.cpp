@@ -23,10 +23,10 @@ constexpr double kFarthestTile = 1e9; // columns or rows from the first
 
 // What is repeated, and where.
 struct Renderer::Tiling {
-    Box tile;        // the first tile, in the pattern's space
-    Affine toDevice; // of the pattern's space
-    Affine content;  // maps the content into the pattern's space, its origin at the tile's corner
-    Viewport viewport;     // that percentages in the content refer to
+    Box tile;          // the first tile, in the pattern's space
+    Affine toDevice;   // of the pattern's space
+    Affine content;    // maps the content into the pattern's space, its origin at the tile's corner
+    Viewport viewport; // that percentages in the content refer to
     pugi::xml_node source; // the pattern whose children are drawn
 };
 

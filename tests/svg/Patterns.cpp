@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+// Where the content of patterns lies, and what takes the place of patterns that are none.
+#include "tests/svg/Drawing.h"
+
+namespace {
+
+constexpr uint32_t kColour = 0x00FFFFFF;
+
+// A tile of 20 by 20 from (5, 10) on, whose upper left quarter is blue.
+TEST(SvgPatterns, ContentStartsAtTheCornerOfEachTile)
+{
+    const char* const contents[] = {
+        "<pattern id='p' patternUnits='userSpaceOnUse' x='5' y='10' width='20' height='20'>"
+        "<rect width='10' height='10' fill='blue'/></pattern>",
+        "<pattern id='p' patternUnits='userSpaceOnUse' x='5' y='10' width='20' height='20'"
+        " patternContentUnits='objectBoundingBox'>"
+        "<rect width='.125' height='.125' fill='blue'/></pattern>",
+        "<pattern id='p' x='.0625' y='.125' width='.25' height='.25' viewBox='0 0 2 2'>"
+        "<rect width='50%' height='50%' fill='blue'/></pattern>"};
+    for (const char* content : contents) {
+        const KAVO::Svg::Picture picture =
+            drawn("<svg width='80' height='80'>" + std::string(content) +
+                      "<rect width='80' height='80' fill='url(#p)'/></svg>",
+                  80, 80);
+        for (int y = 0; y < 80; ++y)
+            for (int x = 0; x < 80; ++x) {
+                const bool inside = (x + 15) % 20 < 10 && (y + 10) % 20 < 10;
+                ASSERT_EQ(picture.at(x, y) & kColour, inside ? 0x0000FFu : 0xFFFFFFu)
+                    << content << " at " << x << ", " << y;
+            }
+    }
+}
+
+TEST(SvgPatterns, WithoutATileOrContentTheFallbackPaints)
+{
+    for (const char* pattern :
+         {"<pattern id='p' width='0' height='1'><path d='M0 0h9v9'/></pattern>",
+          "<pattern id='p' width='1' height='1'/>", "<pattern id='p' href='#none'/>"})
+        for (const char* fallback : {"lime", "none", ""}) {
+            const KAVO::Svg::Picture picture =
+                drawn("<svg width='20' height='20'>" + std::string(pattern) +
+                          "<rect width='20' height='20' fill='url(#p) " + fallback + "'/></svg>",
+                      20, 20);
+            EXPECT_EQ(picture.at(10, 10) & kColour,
+                      std::string(fallback) == "lime" ? 0x00FF00u : 0xFFFFFFu)
+                << pattern << fallback;
+        }
+}
+
+} // namespace
