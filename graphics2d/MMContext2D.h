@@ -25,6 +25,8 @@
 //
 // Two modes. What stands here are the classic rules, the default. With refined set, rules that come
 // closer to the ideal picture take the place of those whose flaws show; docs/design.md lists them.
+// setTarget (convenience/MMContextState.h), which replaces the three lines of the target above,
+// chooses the refined ones.
 //
 // Failure. Nothing throws and nothing is logged. An operation that cannot get memory sets bit 0 of
 // outOfMemory, gives back what it took and draws nothing (further); the bit stays until the caller

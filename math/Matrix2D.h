@@ -42,6 +42,8 @@ public:
     // Any angle; whole turns change nothing.
     void rotate(KAVO::Degrees angle);
     void rotateCenter(KAVO::Degrees angle, KAVO::Fixed cx, KAVO::Fixed cy);
+    // Within a degree of 90, where the tangent is out of range, the elements that it multiplies
+    // (skewX: c and d, skewY: a and b) become 0x7FFFFFFF first.
     void skewX(KAVO::Degrees angle);
     void skewY(KAVO::Degrees angle);
 

@@ -6,8 +6,9 @@
 
 #pragma GCC visibility push(default)
 
-// The complex polygon rasteriser keeps its active edges here. Items come and go in any order, and
-// there is one heap call for all of them, or none when the pool borrows its block. The lowest free
+// Items come and go in any order, and there is one heap call for all of them, or none when the pool
+// borrows its block: the complex polygon rasteriser keeps its active edges in one that borrows
+// scratch memory. The lowest free
 // slot is always taken first. Sizes are in 32-bit words.
 class MMBucketContext {
 public:

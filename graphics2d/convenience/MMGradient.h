@@ -33,9 +33,9 @@ public:
     MMGradient(const MMGradient&) = delete;
     MMGradient& operator=(const MMGradient&) = delete;
 
-    // Points and radius are in the context's user space as it is now, for the rules of drawing that
-    // it goes by (refined). The paint's opacity is best
-    // set before, see PaintSetup.h, where everything else is told too.
+    // Points and radius are in the context's user space as it is now, and the gradient is for the
+    // rules, classic or refined, that the context draws by now. The paint's opacity is best set
+    // before, see PaintSetup.h, where everything else is told too.
     void setLinear(const MMContext2D& context, MMPaint& paint, MMPoint2D start, MMPoint2D end)
     {
         setLinearGradient(paint, start, end, context.transform, stops(), ramp(),
