@@ -194,6 +194,27 @@ TEST(PaintSetup, StopsOutOfOrderAreBroughtIntoOrder)
     EXPECT_EQ(canvas.paint.paintHasAlpha, 0);
 }
 
+// A ramp is cut where weights begin to count one more: at full opacity half way from an alpha of
+// 128 to one of 129, which is 257/510 of the way from 0 to 255.
+TEST(PaintSetup, LinearRampsAreCutWhereWeightsAreRaised)
+{
+    const Pixel colours[] = {0x00FFFFFF, 0xFFFFFFFF};
+    const Fixed offsets[] = {0, kFixedOne};
+    Canvas canvas(16, 1);
+    setLinearGradient(canvas.paint, {0, 0}, {1000_fx, 0}, kIdentityMatrix, {colours, offsets, 2},
+                      canvas.ramp);
+    const uint32_t count = canvas.paint.gradientStopCount;
+    int cuts = 0;
+    for (uint32_t i = 0; i + 1 < count; ++i) {
+        if (canvas.rampOffsets[i] != canvas.rampOffsets[i + 1]) continue;
+        ++cuts;
+        EXPECT_NEAR(canvas.rampOffsets[i] * 510.0 / canvas.rampOffsets[count - 1], 257, 0.01);
+        EXPECT_EQ(canvas.rampColours[i], 0x80FFFFFFu);
+        EXPECT_EQ(canvas.rampColours[i + 1], 0x81FFFFFFu);
+    }
+    EXPECT_EQ(cuts, 1);
+}
+
 // Images whose colours rise by 12 a texel, blue to the right and green downward, where they are not
 // at their edges.
 TEST(PaintSetup, PatternsLieAtTheSamePlaceUnderAllFilters)

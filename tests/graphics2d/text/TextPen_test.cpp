@@ -48,6 +48,9 @@ TEST(TextPen, MapsToTheNearestPointBothWays)
         ASSERT_NEAR(back.x, double(backX), slack);
         ASSERT_NEAR(back.y, double(backY), slack);
     }
+    MMPoint2D half; // goes away from 0
+    EXPECT_TRUE(unmappedExactly({2_fx, 0, 0, 2_fx, 0, 0}, {3, -3}, half));
+    EXPECT_EQ(half, (MMPoint2D{2, -2}));
     MMPoint2D kept = {3, 4};
     EXPECT_FALSE(unmappedExactly({1_fx, 2_fx, 2_fx, 4_fx, 0, 0}, {1_fx, 1_fx}, kept));
     EXPECT_EQ(kept.x, 3);
