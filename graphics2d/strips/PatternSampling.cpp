@@ -96,8 +96,13 @@ void drawByAlpha(TranslucentRun<ClassicBlend>& run, PaintPiece& piece, int32_t c
 // Weights of the coverage alone, for a piece whose colours hold all else.
 [[gnu::noinline]] void weighByCoverage(PaintPiece& piece, CoverageSequence& coverage, int32_t count)
 {
-    std::fill_n(piece.weights, (count + 3) & ~3, kWholeAlpha);
-    weighAlphas(piece, coverage, count);
+    const uint32_t first = refinedWeight(coarseCoverage(coverage.current()), kWholeAlpha);
+    const bool isFlat = coverage.isFlat();
+    std::fill_n(piece.weights, (count + 3) & ~3, isFlat ? first : kWholeAlpha);
+    if (isFlat)
+        coverage.advance(count);
+    else
+        weighAlphas(piece, coverage, count);
 }
 
 void blendOpaque(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, int32_t count)
