@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// 16.16 division, roots and trigonometry by shifts, additions and tables.
+// 16.16 roots and trigonometry by shifts, additions and tables, and the choice of divisions.
 #include "math/FixedMath.h"
+#include "math/Division.h"
 #include "math/FixedInline.h"
 
 using namespace KAVO;
@@ -44,15 +45,8 @@ Degrees tableAngle(Degrees angle)
     return angle >= 0 && angle <= kDegrees360 ? angle : reducedAngle(angle);
 }
 
-// One step of a long division: subtracts the divisor from a remainder that has reached it; 1 if so,
-// otherwise 0. The bits of a quotient follow no pattern that a processor could guess, so none of
-// them decides a jump.
-uint32_t subtractIfReached(uint32_t& remainder, uint32_t divisor)
-{
-    const uint32_t reached = remainder >= divisor;
-    remainder -= divisor & (0u - reached);
-    return reached;
-}
+// Processors whose addresses have 64 bits divide numbers of 64 bits in hardware.
+constexpr bool kDividesWide = UINTPTR_MAX > UINT32_MAX;
 
 } // namespace
 
@@ -68,45 +62,12 @@ Fixed fixMulSHR(Fixed a, Fixed b, uint8_t shift)
 
 int32_t fixMulDiv(int32_t a, int32_t b, int32_t c)
 {
-    if (c == 0) return 0;
-    const uint32_t magA = magnitudeOf(a);
-    const uint32_t magB = magnitudeOf(b);
-    const bool firstIsSmaller = static_cast<int32_t>(magA) <= static_cast<int32_t>(magB);
-    const uint32_t divisor = magnitudeOf(c);
-    const uint32_t small = firstIsSmaller ? magA : magB;
-    uint32_t big = firstIsSmaller ? magB : magA;
-
-    // The larger factor is multiplied bit by bit with the smaller one's exact quotient and
-    // remainder.
-    uint32_t quotient = small / divisor;
-    uint32_t remainder = small - quotient * divisor;
-    uint32_t sum = 0;
-    uint32_t sumRemainder = 0;
-    while (big != 0) {
-        const uint32_t mask = 0u - (big & 1u);
-        sumRemainder += remainder & mask;
-        sum += (quotient & mask) + subtractIfReached(sumRemainder, divisor);
-        remainder *= 2;
-        quotient = 2 * quotient + subtractIfReached(remainder, divisor);
-        big >>= 1;
-    }
-    if (sumRemainder >= divisor >> 1) ++sum;
-    return applySign(sum, signMaskOf(a) ^ signMaskOf(b) ^ signMaskOf(c));
+    return kDividesWide ? fixMulDivWide(a, b, c) : fixMulDivLong(a, b, c);
 }
 
 Fixed fixDiv(Fixed a, Fixed b)
 {
-    const uint32_t magA = magnitudeOf(a);
-    const uint32_t magB = magnitudeOf(b);
-    uint32_t quotient = magB != 0 ? magA / magB : 0;
-    uint32_t remainder = magA - quotient * magB;
-    quotient += subtractIfReached(remainder, magB); // only for a divisor of 0
-#pragma GCC unroll 16
-    for (int i = 0; i < 16; ++i) {
-        remainder *= 2;
-        quotient = 2 * quotient + subtractIfReached(remainder, magB);
-    }
-    return applySign(quotient, signMaskOf(a) ^ signMaskOf(b));
+    return kDividesWide ? fixDivWide(a, b) : fixDivLong(a, b);
 }
 
 Fixed fixSqrt(Fixed x)

@@ -3,8 +3,9 @@
 //
 // Products and quotients are formed on the operands' magnitudes in unsigned 32-bit arithmetic and
 // get their sign at the end, so they are symmetric about zero; nothing saturates. The rounding of
-// these functions decides the library's pixels, so each is exact in its quirks too, and none uses
-// 64-bit arithmetic (the devices we serve have no 64-bit multiplier and no hardware divider).
+// these functions decides the library's pixels, so each is exact in its quirks too, and none needs
+// 64-bit arithmetic (small devices have no hardware divider); 64-bit processors divide in one step,
+// with the same results.
 // -2^31 is outside the domain of all of them; it does no harm but the result means nothing.
 #pragma once
 

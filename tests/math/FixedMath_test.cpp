@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "math/Division.h"
 #include "math/FixedMath.h"
 
 #include <cmath>
@@ -61,6 +62,21 @@ TEST(FixedMath, ProductsAndQuotientsFollow64BitArithmetic)
         ASSERT_EQ(scaled, static_cast<uint32_t>(rounded)) << input();
         const uint64_t divided = y != 0 ? (x << 16) / y : 0x1FFFF;
         ASSERT_EQ(quotient, static_cast<uint32_t>(divided)) << input();
+    }
+}
+
+// Whatever a processor divides by, also where the domain ends.
+TEST(FixedMath, WideDivisionsAreTheLongOnes)
+{
+    Operands operands;
+    for (int i = 0; i < 4 * kRounds; ++i) {
+        const int32_t a = operands.next(), b = operands.next();
+        const int32_t c = i % 64 == 0 ? INT32_MIN : operands.next();
+        const auto input = [&] { return testing::Message() << a << ", " << b << ", " << c; };
+        ASSERT_EQ(fixDivWide(a, b), fixDivLong(a, b)) << input();
+        ASSERT_EQ(fixDivWide(a, c), fixDivLong(a, c)) << input();
+        ASSERT_EQ(fixMulDivWide(a, b, c), fixMulDivLong(a, b, c)) << input();
+        ASSERT_EQ(fixMulDivWide(c, b, a), fixMulDivLong(c, b, a)) << input();
     }
 }
 
