@@ -91,37 +91,4 @@ TEST(GradientEdges, LongEdgesAreEven)
     }
 }
 
-// Fillers of linear gradients extrapolate weights along a run, those of radial ones compute each.
-// In one colour the two draw the same, on whichever side of half weight a run begins and ends.
-TEST(GradientEdges, LinearOnesOfOneColourDrawAsRadialOnes)
-{
-    std::mt19937 random(43);
-    const auto number = [&](double low, double high) {
-        return low + (high - low) * (random() / 4294967296.0);
-    };
-    const Pixel colour = 0xFF3060C0;
-    const Fixed offset = 0;
-    Pixel rampColours[10];
-    Fixed rampOffsets[10];
-    for (int n = 0; n < 200; ++n) {
-        Picture pictures[2] = {Picture(kSize), Picture(kSize)};
-        Polygon sliver = points({{number(0, 40), number(20, 200)},
-                                 {number(200, 340), number(20, 200)},
-                                 {number(60, 200), number(20, 220)}});
-        for (Picture& picture : pictures) {
-            MMPaint& paint = picture.context.currentPaint;
-            if (&picture == pictures)
-                setLinearGradient(paint, {0, 0}, {kFixedOne, 0}, kIdentityMatrix,
-                                  {&colour, &offset, 1}, {rampColours, rampOffsets});
-            else
-                setRadialGradient(paint, {0, 0}, kFixedOne, kIdentityMatrix, {&colour, &offset, 1},
-                                  {rampColours, rampOffsets});
-            picture.context.rasterMonotonePolygon(sliver.data(), 3);
-        }
-        ASSERT_TRUE(pictures[0].pixels == pictures[1].pixels)
-            << "(" << sliver[0].x << ", " << sliver[0].y << ") (" << sliver[1].x << ", "
-            << sliver[1].y << ") (" << sliver[2].x << ", " << sliver[2].y << ")";
-    }
-}
-
 } // namespace
