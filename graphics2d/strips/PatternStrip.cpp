@@ -4,6 +4,10 @@
 // The sample point is the pixel's centre. Beyond the image its outermost texels repeat.
 #include "graphics2d/strips/PatternSampling.h"
 
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
+
 namespace KAVO {
 namespace Graphics2D {
 
@@ -28,6 +32,20 @@ inline Pixels taken(Pixels texels)
     return kMakeOpaque ? texels | kOpaque : texels;
 }
 
+#if defined(__x86_64__)
+// Makes eights of texels opaque; returns the index of the rest.
+[[gnu::target("avx2")]] int32_t copyOpaqueEights(const Pixel* texels, Pixel* out, int32_t count)
+{
+    const __m256i opaque = _mm256_set1_epi32(static_cast<int32_t>(kOpaque));
+    int32_t i = 0;
+    for (; i + 8 <= count; i += 8) {
+        const __m256i eight = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(texels + i));
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + i), _mm256_or_si256(eight, opaque));
+    }
+    return i;
+}
+#endif
+
 // Texels that follow each other.
 template <bool kMakeOpaque>
 void copyRow(const Pixel* texels, Pixel* out, int32_t count)
@@ -37,16 +55,11 @@ void copyRow(const Pixel* texels, Pixel* out, int32_t count)
         return;
     }
     int32_t i = 0;
-    for (; i + 16 <= count; i += 16) { // four in a step take two thirds of the time of one
-        const U32x4 first = load4(texels + i) | kOpaque;
-        const U32x4 second = load4(texels + i + 4) | kOpaque;
-        const U32x4 third = load4(texels + i + 8) | kOpaque;
-        const U32x4 fourth = load4(texels + i + 12) | kOpaque;
-        store4(out + i, first);
-        store4(out + i + 4, second);
-        store4(out + i + 8, third);
-        store4(out + i + 12, fourth);
-    }
+#if defined(__x86_64__)
+    if (__builtin_cpu_supports("avx2")) i = copyOpaqueEights(texels, out, count);
+#endif
+    for (; i + 4 <= count; i += 4)
+        store4(out + i, load4(texels + i) | kOpaque);
     for (; i < count; ++i)
         out[i] = texels[i] | kOpaque;
 }
