@@ -98,7 +98,9 @@ void drawByAlpha(TranslucentRun<ClassicBlend>& run, PaintPiece& piece, int32_t c
 {
     const uint32_t first = refinedWeight(coarseCoverage(coverage.current()), kWholeAlpha);
     const bool isFlat = coverage.isFlat();
-    std::fill_n(piece.weights, (count + 3) & ~3, isFlat ? first : kWholeAlpha);
+    const U32x4 weights = all4(isFlat ? first : kWholeAlpha);
+    for (int32_t i = 0; i < count; i += 4)
+        store4(piece.weights + i, weights);
     if (isFlat)
         coverage.advance(count);
     else
