@@ -93,6 +93,49 @@ Picture Renderer::drawAside(Function draw)
     return picture;
 }
 
+// A box that lies square on the pixels needs no more than the context's clip rectangle.
+void Renderer::drawInside(const Box& box, const Affine& toDevice, const std::function<void()>& draw)
+{
+    const ClipGuard guard(context_);
+    clipTo(toDevice.mapBox(box));
+    if (context_.clipLeft >= context_.clipRight || context_.clipTop >= context_.clipBottom) return;
+    const bool square =
+        (toDevice.b == 0 && toDevice.c == 0) || (toDevice.a == 0 && toDevice.d == 0);
+    if (square || layers_ == kMostLayers) {
+        draw();
+        return;
+    }
+    std::vector<uint8_t> coverage;
+    multiply(coverByBox(box, toDevice), coverage, [](Pixel pixel) { return channelOf(pixel, 24); });
+    if (session_.pick) { // a single pixel
+        if (coverage[0] >= 128) draw();
+        return;
+    }
+    ++layers_;
+    const Picture layer = drawAside(draw);
+    --layers_;
+    composite(layer, coverage, 1);
+}
+
+Picture Renderer::coverByBox(const Box& box, const Affine& toDevice)
+{
+    const std::optional<PathSpace> space = PathSpace::make(toDevice, targetCentre());
+    Shape shape;
+    shape.outline = Outline::rectangle(box);
+    const Box drawn = session_.bounds;
+    Picture picture = drawAside([&] {
+        if (!space) return;
+        context_.fillPaint.paintType = kPaintSolid;
+        context_.fillPaint.paintColour = 0xFFFFFFFF;
+        context_.fillPaint.paintOpacity = 255;
+        context_.strokePaint.paintType = kPaintNone;
+        context_.fillRule = kFillNonZero;
+        drawGeometry(shape, *space);
+    });
+    session_.bounds = drawn;
+    return picture;
+}
+
 // A shape whose fill and stroke overlap, or a group of several: only then it matters whether the
 // opacity is taken by the whole or by its parts.
 bool Renderer::overlaps(pugi::xml_node node, const Style& style) const
@@ -268,13 +311,11 @@ bool Renderer::coverByMask(pugi::xml_node mask, const State& state, const Box& b
     if (const pugi::xml_node outer = referenced(mask, properties[Property::Mask], "mask")) {
         if (isActive(outer) || !coverByMask(outer, state, bounds, coverage)) return false;
     }
-    // Outside of its rectangle a mask is black; its edge is as sharp as the pixels.
+    // Outside of its rectangle a mask is black.
     const bool clippingBefore = std::exchange(clipping_, false);
     ++layers_;
-    const Picture picture = drawAside([&] {
-        clipTo(state.toDevice.mapBox(region));
-        drawChildren(mask, inner);
-    });
+    const Picture picture =
+        drawAside([&] { drawInside(region, state.toDevice, [&] { drawChildren(mask, inner); }); });
     if (properties[Property::MaskType] == "alpha")
         multiply(picture, coverage, [](Pixel pixel) { return channelOf(pixel, 24); });
     else

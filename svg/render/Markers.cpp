@@ -2,7 +2,6 @@
 // Markers on the vertices of shapes.
 #include "svg/geometry/Vertices.h"
 #include "svg/geometry/ViewBox.h"
-#include "svg/render/ClipGuard.h"
 #include "svg/render/Renderer.h"
 #include "svg/values/TextScanner.h"
 
@@ -103,10 +102,11 @@ void Renderer::drawMarker(pugi::xml_node marker, const Vertex& vertex, bool firs
     inner.toDevice = inner.toDevice * translation(-x, -y);
     if (!inner.toDevice.isFinite()) return;
 
-    const ClipGuard guard(context_);
-    if (inner.style.overflow != "visible" && inner.style.overflow != "auto")
-        clipTo(inner.toDevice.mapBox(visible));
-    drawChildren(marker, inner);
+    const auto draw = [&] { drawChildren(marker, inner); };
+    if (inner.style.overflow == "visible" || inner.style.overflow == "auto")
+        draw();
+    else
+        drawInside(visible, inner.toDevice, draw);
 }
 
 } // namespace Svg

@@ -101,8 +101,8 @@ Picture Renderer::drawTiles(const Tiling& tiling, const TileRange& range, State 
             context.clipTop = context_.clipTop;
             context.clipRight = context_.clipRight;
             context.clipBottom = context_.clipBottom;
-            renderer.clipTo(place.mapBox({0, 0, tiling.tile.width(), tiling.tile.height()}));
-            renderer.drawChildren(tiling.source, state);
+            renderer.drawInside({0, 0, tiling.tile.width(), tiling.tile.height()}, place,
+                                [&] { renderer.drawChildren(tiling.source, state); });
         }
     }
     session_.bounds = drawn;

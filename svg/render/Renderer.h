@@ -12,6 +12,8 @@
 #include "svg/render/Session.h"
 #include "svg/text/Text.h"
 
+#include <functional>
+
 namespace KAVO {
 namespace Svg {
 
@@ -91,14 +93,15 @@ private:
     void drawUse(pugi::xml_node node, const Properties& properties, const State& state);
     void drawSvg(pugi::xml_node node, const Properties& properties, const State& state);
     void drawViewport(pugi::xml_node node, State state, const Size& size, const Affine& place);
-    void noteOverhang(pugi::xml_node node, const State& state, const Affine& viewport,
-                      const Size& size);
     Box boundsOf(pugi::xml_node node, const Properties& properties, const State& state);
 
     // --- Layers.cpp
     class Redirection;
     template <class Function>
     Picture drawAside(Function draw);
+    // What draws nothing outside of a box of some space.
+    void drawInside(const Box& box, const Affine& toDevice, const std::function<void()>& draw);
+    Picture coverByBox(const Box& box, const Affine& toDevice);
     bool overlaps(pugi::xml_node node, const Style& style) const;
     // The element that a property refers to, when it is one of the wanted kind.
     pugi::xml_node referenced(pugi::xml_node node, std::string_view value, std::string_view wanted);

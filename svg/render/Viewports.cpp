@@ -2,7 +2,6 @@
 // Viewports: the whole drawing, nested svg elements, symbols, and what use elements bring in.
 #include "svg/document/References.h"
 #include "svg/geometry/ViewBox.h"
-#include "svg/render/ClipGuard.h"
 #include "svg/render/Renderer.h"
 
 namespace KAVO {
@@ -45,13 +44,11 @@ void Renderer::draw(const Affine& frame, const Size& viewport, const char* aspec
     state.style.opacity = opacity;
     state.viewport = {box.width(), box.height(), document_.size().width, document_.size().height};
     const Properties properties(root, document_.sheet());
-    const ClipGuard guard(context_);
-    clipTo(frame.mapBox({0, 0, viewport.width, viewport.height}));
     if (!enter(root, properties, state)) return;
     if (!aspectRatio) aspectRatio = root.attribute("preserveAspectRatio").value();
     state.toDevice = state.toDevice * fitViewBox(aspectRatio, box, viewport.width, viewport.height);
     const Active active(*this, root);
-    drawChildren(root, state);
+    drawInside({0, 0, viewport.width, viewport.height}, frame, [&] { drawChildren(root, state); });
 }
 
 // A nested one; as large as the viewport around it unless it says otherwise.
@@ -88,33 +85,15 @@ void Renderer::drawViewport(pugi::xml_node node, State state, const Size& size, 
     const Affine fit = state.toDevice;
     state.toDevice = fit * translation(-x, -y);
 
-    const ClipGuard guard(context_);
     const std::string_view overflow = state.style.overflow;
-    if (overflow != "visible" && overflow != "auto") {
-        // The viewport moves along with the point that refX and refY name.
-        const Point moved = fit.mapVector({-x, -y});
-        clipTo((translation(moved.x, moved.y) * outer).mapBox({0, 0, size.width, size.height}));
-        if (outer.b != 0 && outer.a != 0)
-            noteOverhang(node, state, translation(moved.x, moved.y) * outer, size);
+    if (overflow == "visible" || overflow == "auto") {
+        drawChildren(node, state);
+        return;
     }
-    drawChildren(node, state);
-}
-
-// The clip is a rectangle of the device: of what a turned viewport should hide, some is seen.
-void Renderer::noteOverhang(pugi::xml_node node, const State& state, const Affine& viewport,
-                            const Size& size)
-{
-    State inner = state;
-    inner.toDevice = Affine();
-    const Properties none(pugi::xml_node(), document_.sheet());
-    const std::optional<Affine> back = viewport.inverse();
-    if (!back) return;
-    const Box drawn = (*back * state.toDevice).mapBox(boundsOf(node, none, inner));
-    constexpr double kSlack = 1e-6;
-    if (!(drawn.left >= -kSlack && drawn.top >= -kSlack && drawn.right <= size.width + kSlack &&
-          drawn.bottom <= size.height + kSlack) &&
-        !drawn.empty())
-        note("sharp clip of a turned viewport", node);
+    // The viewport moves along with the point that refX and refY name.
+    const Point moved = fit.mapVector({-x, -y});
+    drawInside({0, 0, size.width, size.height}, translation(moved.x, moved.y) * outer,
+               [&] { drawChildren(node, state); });
 }
 
 // The target is drawn as if it were a child of the use element, whose style it inherits.

@@ -111,6 +111,38 @@ TEST(SvgLayers, PointsThatAreCutAwayAreNotFound)
     EXPECT_EQ(document.elementAt({}, 2, 2), "");
 }
 
+// A turned viewport cuts along its edges, not along its bounding box.
+TEST(SvgLayers, TurnedViewportsCut)
+{
+    const Picture picture =
+        drawnElements("<g transform='translate(10 0) rotate(45)'><svg width='14.142' "
+                      "height='14.142'><rect x='-50' y='-50' width='100' height='100'/></svg></g>");
+    EXPECT_NEAR(redness(picture, 10, 10), 255, 2);
+    for (const int corner : {1, 18})
+        EXPECT_NEAR(redness(picture, corner, corner), 0, 2);
+}
+
+// Nothing is drawn where it stands, but it may be referred to.
+TEST(SvgLayers, WhatIsReferredToNeedsNoDisplay)
+{
+    expectSquare("<g display='none'><clipPath id='c' display='none'><rect x='5' y='5' width='10' "
+                 "height='10'/></clipPath></g><rect width='20' height='20' clip-path='url(#c)'/>",
+                 5, 14);
+    expectSquare("<g display='none'><marker id='m' display='none' markerUnits='userSpaceOnUse' "
+                 "markerWidth='10' markerHeight='10'><rect width='10' height='10'/></marker></g>"
+                 "<path d='M5 5h9' fill='none' marker-start='url(#m)'/>",
+                 5, 14);
+}
+
+// The content of a pattern starts at the corner of each tile.
+TEST(SvgLayers, PatternsBeginAtTheirTiles)
+{
+    expectSquare("<pattern id='p' patternUnits='userSpaceOnUse' x='5' y='5' width='40' "
+                 "height='40'><rect width='10' height='10'/></pattern><rect width='20' "
+                 "height='20' fill='url(#p)'/>",
+                 5, 14);
+}
+
 // Each level draws what is inside it twice.
 TEST(SvgLayers, DeepNestingEnds)
 {
