@@ -29,11 +29,12 @@ void fillSpan(ByteReader& in, MMContext2D& context)
     context.spanCoverageNext = in.fixed();
     context.spanCoverageStep = in.fixed();
     context.spanTailCoverage = end < target.width ? in.fixed() : 0;
-    const StripFiller edge = kind == 0 ? &MMContext2D::drawTransStrip : chooseEdgeFiller(context);
+    const StripFiller edge =
+        kind == 0 ? [](MMContext2D& c) { c.drawTransStrip(); } : chooseEdgeFiller(context);
     if (kind >= 4)
         drawSpan(context, chooseSpanFiller(context));
     else if (edge != nullptr)
-        (context.*edge)();
+        edge(context);
 }
 
 // Every kind of paint that the set-up makes, over the whole picture.
