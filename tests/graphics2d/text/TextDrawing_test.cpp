@@ -236,6 +236,10 @@ TEST(WrappedText, UnderlinesLinesThatHoldACharacter)
         context.drawWrappedText(Text(text).data(), 0, 0);
         EXPECT_EQ(scene.blank(), text[1] == u' ') << text[1];
         EXPECT_EQ(context.strokeHalfWidth, 40_fx / 16);
+        if (scene.blank()) continue;
+        // An eighth of the line's height below the baseline.
+        EXPECT_NEAR(context.boundsMinY, 9.7_fx + 5_fx - 2.5_fx, 0.05_fx);
+        EXPECT_NEAR(context.boundsMaxY, 9.7_fx + 5_fx + 2.5_fx, 0.05_fx);
     }
 }
 
