@@ -53,6 +53,19 @@ inline U16x8 moveRounded(U16x8 from, U16x8 to, U16x8 weight)
     return (from << 8 | 128) + (to - from) * weight;
 }
 
+// A premultiplied pixel over the background by its own alpha times the weight, rounded once. No
+// channel of the pixel exceeds its alpha, so that the sum keeps within 16 bits.
+inline U16x8 movePremultiplied(U16x8 background, U16x8 colour, U16x8 weight)
+{
+    const U16x8 alpha = __builtin_shufflevector(colour, colour, 3, 3, 3, 3, 7, 7, 7, 7);
+    // The quotient by 255 is that by 256 and a 256th of itself; rounded down from a half on, it
+    // would let the sum wrap.
+    const U16x8 product = alpha * weight;
+    const U16x8 high = product >> 8;
+    const U16x8 covered = high + (((product & 255) + high + 129) >> 8);
+    return background * (256 - covered) + colour * weight + 128;
+}
+
 // Many pixels of one colour and weight by either rule: d * (256 - w) + s * w, plus a bias, and plus
 // w where d lies below a bound.
 class FlatBlend {

@@ -62,17 +62,11 @@ struct RefinedSolidBlend {
     }
 };
 
-// A premultiplied pixel over the background, both scaled by their weights and rounded once. No
-// channel of the pixel exceeds its alpha, so that the sum keeps within 16 bits.
+// A premultiplied pixel.
 struct RefinedBufferBlend {
     static U16x8 two(U16x8 background, U16x8 colour, U16x8 weight)
     {
-        const U16x8 alpha = __builtin_shufflevector(colour, colour, 3, 3, 3, 3, 7, 7, 7, 7);
-        // The quotient by 255 is that by 256 and a 256th of itself.
-        const U16x8 product = alpha * weight;
-        const U16x8 high = product >> 8;
-        const U16x8 covered = high + (((product & 255) + high + 128) >> 8);
-        return background * (256 - covered) + colour * weight + 128;
+        return movePremultiplied(background, colour, weight);
     }
 };
 

@@ -52,6 +52,24 @@ TEST(RefinedBlending, MovesEveryByteTowardEveryByte)
         }
 }
 
+// Every alpha by every weight, under the brightest background: sums fill 16 bits and do not wrap.
+TEST(RefinedBlending, MovesPremultipliedPixelsWithoutWrapping)
+{
+    for (uint32_t weight = 0; weight <= 256; ++weight)
+        for (uint32_t alpha = 0; alpha <= 255; ++alpha)
+            for (const uint32_t from : {0u, 1u, 128u, 254u, 255u}) {
+                const U32x4 moved = blendLanes(all4(from * 0x01010101u), all4(alpha << 24 | alpha),
+                                               all4(weight), movePremultiplied);
+                const double share = weight / 256.0, rest = 1 - alpha / 255.0 * share;
+                for (const int shift : {0, 8, 24}) {
+                    const double own = shift == 8 ? 0 : alpha * share;
+                    ASSERT_NEAR(moved[1] >> shift & 255, from * rest + own, 1.01)
+                        << alpha << " by " << weight << " over " << from << ", bits " << shift;
+                }
+                ASSERT_LE(moved[1] & 255, moved[1] >> 24);
+            }
+}
+
 // Layers of random colours, opacities and coverages, over an opaque target and over a cleared one,
 // where the result is the premultiplied picture.
 TEST(RefinedBlending, LayersStayCloseToExactOnes)
