@@ -53,17 +53,15 @@ inline U16x8 moveRounded(U16x8 from, U16x8 to, U16x8 weight)
     return (from << 8 | 128) + (to - from) * weight;
 }
 
-// A premultiplied pixel over the background by its own alpha times the weight, rounded once. No
-// channel of the pixel exceeds its alpha, so that the sum keeps within 16 bits.
-inline U16x8 movePremultiplied(U16x8 background, U16x8 colour, U16x8 weight)
+// Each channel of a premultiplied colour times the weight of its coverage, over what the colour's
+// alpha leaves of the background. No channel exceeds its alpha, and that weight times the alpha is
+// rounded to the nearest multiple of 255, so the sum stays below 2^16.
+inline U16x8 movePremultiplied(U16x8 from, U16x8 colour, U16x8 weight)
 {
-    const U16x8 alpha = __builtin_shufflevector(colour, colour, 3, 3, 3, 3, 7, 7, 7, 7);
-    // The quotient by 255 is that by 256 and a 256th of itself; rounded down from a half on, it
-    // would let the sum wrap.
-    const U16x8 product = alpha * weight;
-    const U16x8 high = product >> 8;
-    const U16x8 covered = high + (((product & 255) + high + 129) >> 8);
-    return background * (256 - covered) + colour * weight + 128;
+    const U16x8 share = colour * weight;
+    const U16x8 alphaShare = __builtin_shufflevector(share, share, 3, 3, 3, 3, 7, 7, 7, 7);
+    const U16x8 hidden = mulHigh(alphaShare + 128, U16x8{} + 257); // by 255
+    return from * (256 - hidden) + (share + 128);
 }
 
 // Many pixels of one colour and weight by either rule: d * (256 - w) + s * w, plus a bias, and plus

@@ -119,17 +119,6 @@ void blendOpaque(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, int32_t c
     run.drawPiece(piece, count);
 }
 
-// Each channel of a premultiplied colour times the weight of its coverage, over what the colour's
-// alpha leaves of the background. That weight times the alpha is rounded to a multiple of 255, so
-// the sum stays below 2^16.
-inline U16x8 movePremultiplied(U16x8 from, U16x8 colour, U16x8 weight)
-{
-    const U16x8 share = colour * weight;
-    const U16x8 alphaShare = __builtin_shufflevector(share, share, 3, 3, 3, 3, 7, 7, 7, 7);
-    const U16x8 hidden = mulHigh(alphaShare + 128, U16x8{} + 257); // by 255
-    return from * (256 - hidden) + (share + 128);
-}
-
 void blendPremultiplied(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, int32_t count)
 {
     weighByCoverage(piece, run.coverage, count);
