@@ -6,13 +6,6 @@
 namespace KAVO {
 namespace Graphics2D {
 
-Fixed slopeOf(Fixed dx, Fixed dy)
-{
-    if (sizeof(void*) < 8) return fixDiv(dx, dy);
-    const uint64_t numerator = static_cast<uint64_t>(magnitudeOf(dx)) << 16;
-    return applySign(static_cast<uint32_t>(numerator / static_cast<uint32_t>(dy)), signMaskOf(dx));
-}
-
 Fixed EdgeLine::xAt(Fixed level)
 {
     if (level >= endY) return endX;
@@ -28,7 +21,7 @@ void EdgeLine::findSlope()
     const Fixed dx = endX - x;
     const Fixed dy = endY - y;
     const bool tooFlat = (magnitudeOf(dx) >> 15) >= static_cast<uint32_t>(dy);
-    slope = tooFlat ? kTooFlat : slopeOf(dx, dy);
+    slope = tooFlat ? kTooFlat : fixDiv(dx, dy);
 }
 
 } // namespace Graphics2D

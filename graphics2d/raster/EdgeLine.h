@@ -11,10 +11,6 @@ namespace Graphics2D {
 // Edges of at most this height (1/4096 of a row) are horizontal steps: x jumps to their lower end.
 constexpr Fixed kStepHeight = 16;
 
-// dx / dy as fixDiv gives it, for 0 < dy and |dx| / dy < 32768: by one wide division where the host
-// has that.
-Fixed slopeOf(Fixed dx, Fixed dy);
-
 // Where the line is (x at y), how it goes on, and where it ends. Always evaluated downward, so that
 // two polygons that share an edge agree on it whichever way round they list it.
 struct EdgeLine {

@@ -130,7 +130,7 @@ private:
         // Slopes below 3 / 65536 have no 16.16 reciprocal. They never leave a column far enough
         // to need it.
         if (magnitudeOf(slope) < 3) return 0x7FFFFFFF;
-        return slopeOf(kFixedOne, static_cast<Fixed>(magnitudeOf(slope)));
+        return fixDiv(kFixedOne, static_cast<Fixed>(magnitudeOf(slope)));
     }
 
     const MMPoint2D* vertex_;
