@@ -302,6 +302,10 @@ public:
     void drawBiCubPatternStrip();
     void drawBiCubPatternTStrip();
 
+    // A function's pixels, in both modes by the refined rules. The first writes them as they are.
+    void drawSourceStrip();
+    void drawSourceTStrip();
+
     // --- State ----------------------------------------------------------------------------------
     // All fields, in the order of the record. The heading of a group says whose it is:
     //   SET     by callers; operations read it, and where one writes it, that is said there

@@ -16,11 +16,31 @@ enum MMPaintType : uint32_t {
     kPaintLinearGradient = 6, // gradientStop..., gradientOrigin..., gradientStep...
     kPaintRadialGradient = 8, // gradientStop..., radial...
     kPaintPattern = 10,       // patternTransform, patternImage, patternHasAlpha
-    kPaintPicking = 12        // writes no pixel; reports whether pickX, pickY is covered
+    kPaintPicking = 12,       // writes no pixel; reports whether pickX, pickY is covered
+    kPaintSource = 256        // source...: the colours come from a function of the caller's
 };
 
 } // namespace Graphics2D
 } // namespace KAVO
+
+// Writes count pixels of a row of the target, 1 to 128 from a device column on, often a single one.
+// Pixels are premultiplied; a channel above its alpha is cut down to it. The function is given the
+// paint's sourceState and keeps nothing set up between calls: a shape makes many short ones. What
+// stood in pixels before has no meaning. A paint of bars, eight columns each:
+//
+//     void bars(const void* state, int32_t, int32_t column, int32_t count, KAVO::Pixel* pixels)
+//     {
+//         const auto* colours = static_cast<const KAVO::Pixel*>(state);
+//         for (int32_t i = 0; i < count; ++i)
+//             pixels[i] = colours[(column + i) >> 3 & 1];
+//     }
+//     ...
+//     paint.paintType = kPaintSource;
+//     paint.sourceFunction = bars;
+//     paint.sourceState = twoColours;
+//     paint.sourceIsOpaque = 0;
+using MMPaintFunction = void (*)(const void* state, int32_t row, int32_t column, int32_t count,
+                                 KAVO::Pixel* pixels);
 
 // The parameters share storage as the groups below show: with 4-byte pointers the record is
 // fourteen words. paintColour, gradientStopCount and patternTransform.a are the same word on every
@@ -68,6 +88,14 @@ struct MMPaint {
         __extension__ struct {
             Matrix2D patternTransform; // device pixels to texels
             MMPixmap patternImage;     // rows are exactly width texels apart
+        };
+
+        // Blended over the pixel itself by the refined rules, whatever the context's mode.
+        __extension__ struct {
+            uint32_t sourceUnused;          // paintColour's word, which others may write
+            MMPaintFunction sourceFunction; // null draws nothing
+            const void* sourceState;        // the function's own
+            uint8_t sourceIsOpaque;         // every alpha is 255: may write straight to the target
         };
     };
 

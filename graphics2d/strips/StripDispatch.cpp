@@ -45,6 +45,11 @@ StripFiller byFilter(const StripFiller (&fillers)[3], uint8_t patternFilter)
 SpanFiller chooseSpanFiller(const MMContext2D& context)
 {
     const MMPaint& paint = context.currentPaint;
+    if (paint.paintType == kPaintSource) {
+        if (paint.sourceIsOpaque != 0 && paint.paintOpacity == 255)
+            return {call<&MMContext2D::drawSourceStrip>, false};
+        return {call<&MMContext2D::drawSourceTStrip>, true};
+    }
     // Paint types beyond the last must not reach the sum below: the largest would wrap to solid.
     if (paint.paintType > kPaintPicking + kTranslucentBit) return {nullptr, false};
     switch (paint.paintType + (paint.paintOpacity < 255 ? kTranslucentBit : 0)) {
@@ -97,6 +102,8 @@ StripFiller chooseEdgeFiller(const MMContext2D& context)
         return byFilter(kTranslucentPatternFillers, context.patternFilter);
     case kPaintPicking:
         return call<&MMContext2D::drawPickingStrip>;
+    case kPaintSource:
+        return call<&MMContext2D::drawSourceTStrip>;
     default:
         return nullptr;
     }

@@ -4,6 +4,7 @@
 
 #include "graphics2d/OutOfMemory.h"
 #include "graphics2d/strips/Blending.h"
+#include "graphics2d/strips/SourceStrip.h"
 #include "graphics2d/strips/Span.h"
 #include "graphics2d/strips/StripDispatch.h"
 #include "memory/ScratchArray.h"
@@ -188,6 +189,9 @@ bool GlyphCompositor::begin(const MMPaint& record)
     case kPaintPattern:
         opacity_ = kWholeAlpha; // the row buffer has the paint's
         return true;
+    case kPaintSource:
+        opacity_ = opacityOf(record.paintOpacity, 255);
+        return record.sourceFunction != nullptr;
     default:
         return false;
     }
@@ -223,7 +227,7 @@ void GlyphCompositor::draw(const FS_GrayMap& glyph, const GlyphPlace& place)
     box.levels = glyph.bitmap + box.skippedRows * box.stride + box.skippedColumns / 2;
     box.levelsEnd = glyph.bitmap + glyph.height * box.stride;
     box.pixels = context_.target.pixels + box.y * rowPixels_ + box.x;
-    if (refined_)
+    if (refined_ || record_->paintType == kPaintSource)
         drawBox<RefinedSolidBlend, RefinedBufferBlend>(
             box, record_->paintColour | 0xFF000000,
             RefinedMeeting{opacity_, context_.target.width - box.x - box.width});
@@ -283,6 +287,7 @@ void GlyphCompositor::movePaintLeft(int32_t columns)
 template <class Blend, class Meeting>
 void GlyphCompositor::drawThroughBuffer(const Box& box, const Meeting& meeting)
 {
+    const bool isSource = record_->paintType == kPaintSource;
     const SpanFiller paint = chooseSpanFiller(context_);
     if (paint.filler == nullptr) return;
     // In whole pieces, with the pixel past the last that the translucent fillers read.
@@ -292,14 +297,17 @@ void GlyphCompositor::drawThroughBuffer(const Box& box, const Meeting& meeting)
         noteOutOfMemory(context_);
         return;
     }
-    movePaintLeft(box.x);
+    if (!isSource) movePaintLeft(box.x);
     context_.spanEnd = fixFromInt(box.width);
     context_.spanPixels = buffer.data();
     context_.spanRow = box.y;
     const Pixel* colours = buffer.data();
     for (int32_t y = 0; y < box.height; ++y, ++context_.spanRow) {
         fillPixels(buffer.data(), static_cast<int32_t>(words), 0);
-        drawSpan(context_, paint);
+        if (isSource)
+            readSource(*record_, context_.spanRow, box.x, box.width, buffer.data());
+        else
+            drawSpan(context_, paint);
         compositeRow<Blend>(box, y, meeting, [=](int32_t i) { return load4(colours + i); });
     }
 }

@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+// The pixels of a paint that is a function. Internal.
+#pragma once
+
+#include "graphics2d/MMPaint.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+// Writes count premultiplied pixels of a row from a device column on, in calls of at most 128.
+void readSource(const MMPaint& paint, int32_t row, int32_t column, int32_t count, Pixel* pixels);
+
+} // namespace Graphics2D
+} // namespace KAVO
