@@ -45,6 +45,7 @@
 #include "../memory/MMCacheContext.h"
 #include "../memory/MMStackContext.h"
 #include "MMLinkPath.h"
+#include "MMMask.h"
 #include "MMPaint.h"
 #include "MMPathPos.h"
 #include "MMPixmap.h"
@@ -70,6 +71,8 @@ constexpr uint16_t kScratchExhausted = 1;
 // The bounds fields of an operation that drew nothing.
 constexpr Fixed kEmptyBoundsMin = 0x7FFFFFFF;
 constexpr Fixed kEmptyBoundsMax = -0x7FFFFFFF;
+
+struct LayerSurface;
 
 #pragma GCC visibility push(default)
 
@@ -197,8 +200,9 @@ public:
 
     // Draws the part source of the image into destinationRect of another pixmap, scaled to fit and
     // turned by 360 degrees - angle about the rectangle's top left corner. Takes over the
-    // destination as target, with the clip open and transform without anything but the turn, and
-    // leaves them so. Whether the image has alpha is as currentPaint.patternHasAlpha stands.
+    // destination as target, with the clip open, no masks and transform without anything but the
+    // turn, and leaves them so. Whether the image has alpha is as currentPaint.patternHasAlpha
+    // stands.
     void drawImage(const MMPixmap* image, const MMFixedRegion* source, const MMPixmap* destination,
                    const MMFixedRegion* destinationRect, Degrees angle);
 
@@ -437,6 +441,20 @@ public:
     // refined drawing, closer to the ideal picture; it may change as it becomes better.
     // Decided once per call, so that neither costs the other anything.
     uint8_t refined;
+
+    // SET: what shows of all that is drawn by the operations (not by the strip fillers above);
+    // null, the default: everything. Coverage is multiplied with the mask's levels; exclusive-or
+    // and picking take a pixel whole from a level of 128 on. The bounds fields are those of the
+    // shapes, as with the clip rectangle. The mask must stay while it is named here.
+    const MMMask* clipMask;
+
+    // SET: null, the default, or the mask that the operations draw into in place of the target:
+    // whatever the paint, it writes its coverage times its opacity (by the refined rules also times
+    // the alpha of a solid colour) over the levels that are there. kPaintNone and kPaintPicking
+    // draw nothing. clipMask counts here too: so a clip is drawn inside another.
+    MMMask* maskTarget;
+
+    LayerSurface* layer; // INNER: where the innermost MMLayer is drawn
 };
 
 // Turns every run of tabs, line ends and spaces into one space, also at both ends; dst may be src.

@@ -4,6 +4,8 @@
 
 #include "graphics2d/MMContext2D.h"
 
+#include <cstddef>
+
 namespace KAVO {
 namespace Graphics2D {
 
@@ -17,8 +19,17 @@ struct PixelBox {
     bool empty() const { return left >= right || top >= bottom; }
 };
 
-// The part of the target inside the clip rectangle; nothing without pixels.
+// The part of the target inside the clip rectangle, and of its layer and masks if it has any;
+// nothing without pixels.
 PixelBox drawableBox(const MMContext2D& context);
+
+// Column 0 of a row. By whole numbers, for where drawing goes into a layer or a mask that address
+// need not lie in any memory.
+inline Pixel* targetRow(const MMPixmap& target, int32_t row, size_t rowBytes)
+{
+    return reinterpret_cast<Pixel*>(reinterpret_cast<uintptr_t>(target.pixels) +
+                                    static_cast<uintptr_t>(row) * rowBytes);
+}
 
 } // namespace Graphics2D
 } // namespace KAVO

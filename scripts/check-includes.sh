@@ -20,10 +20,12 @@ platform/freetype:      platform math util
 platform/icu:           platform util
 graphics2d:             math memory util platform
 graphics2d/strips:      graphics2d math memory
-graphics2d/raster:      graphics2d/strips graphics2d math memory
+graphics2d/masks:       graphics2d/strips graphics2d math memory
+graphics2d/raster:      graphics2d/masks graphics2d/strips graphics2d math memory
 graphics2d/strokes:     graphics2d/raster graphics2d/strips graphics2d math memory
 graphics2d/paths:       graphics2d/strokes graphics2d/raster graphics2d/strips graphics2d math memory
-graphics2d/text:        graphics2d/strips graphics2d math memory util platform
+graphics2d/text:        graphics2d/masks graphics2d/strips graphics2d math memory util platform
+graphics2d/layers:      graphics2d/masks graphics2d/strips graphics2d math memory
 graphics2d/convenience: graphics2d/paths graphics2d/text graphics2d math memory util platform
 '
 

@@ -34,6 +34,7 @@ static_assert(onWord(sizeof(MMCacheEntry), 6), "");
 static_assert(onWord(sizeof(MMCacheContext<48>), 9), "");
 static_assert(onWord(sizeof(MMIntersect), 13), "");
 static_assert(onWord(sizeof(MMLinkPath), 2), "");
+static_assert(onWord(sizeof(MMMask), 4), "");
 static_assert(onWord(sizeof(MMTextLayout), 2), "");
 
 // Without pointers: on every target.
@@ -102,7 +103,11 @@ static_assert(ascend({offsetof(Context, scratchStack),
                       offsetof(Context, pickHit),
                       offsetof(Context, outOfMemory),
                       offsetof(Context, layoutControl),
-                      offsetof(Context, pointStep)}),
+                      offsetof(Context, pointStep),
+                      offsetof(Context, refined),
+                      offsetof(Context, clipMask),
+                      offsetof(Context, maskTarget),
+                      offsetof(Context, layer)}),
               "");
 
 } // namespace

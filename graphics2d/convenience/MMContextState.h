@@ -27,8 +27,8 @@ void setTarget(MMContext2D& context, Pixel* pixels, int32_t width, int32_t heigh
 //     } // transform and paint are as before
 //
 // That is the transform, the clip rectangle, both paints, the fill rule, the stroke style,
-// patternFilter, imageOpacity, antiAlias and refined. The arrays of gradients, images and dashes
-// are not copied: they stay where they are.
+// patternFilter, imageOpacity, antiAlias, refined and clipMask. The arrays of gradients, images and
+// dashes are not copied, nor is the mask: they stay where they are.
 class MMContextState {
 public:
     explicit MMContextState(MMContext2D& context)
@@ -40,7 +40,7 @@ public:
           dashCount_(context.dashCount), joinStyle_(context.joinStyle), capStyle_(context.capStyle),
           fillRule_(context.fillRule), patternFilter_(context.patternFilter),
           imageOpacity_(context.imageOpacity), antiAlias_(context.antiAlias),
-          refined_(context.refined)
+          refined_(context.refined), clipMask_(context.clipMask)
     {
     }
     ~MMContextState()
@@ -64,6 +64,7 @@ public:
         context_.imageOpacity = imageOpacity_;
         context_.antiAlias = antiAlias_;
         context_.refined = refined_;
+        context_.clipMask = clipMask_;
     }
     MMContextState(const MMContextState&) = delete;
     MMContextState& operator=(const MMContextState&) = delete;
@@ -89,6 +90,7 @@ private:
     const uint8_t imageOpacity_;
     const uint8_t antiAlias_;
     const uint8_t refined_;
+    const MMMask* const clipMask_;
 };
 
 } // namespace Graphics2D

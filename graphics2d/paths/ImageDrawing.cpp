@@ -119,6 +119,9 @@ void MMContext2D::drawImage(const MMPixmap* image, const MMFixedRegion* source,
     const MMFixedRegion from = *source;
     const MMFixedRegion to = *destinationRect;
     target = *destination;
+    clipMask = nullptr;
+    maskTarget = nullptr;
+    layer = nullptr;
     clipLeft = 0;
     clipTop = 0;
     clipRight = clipEnd(target.width);

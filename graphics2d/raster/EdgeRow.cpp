@@ -4,6 +4,7 @@
 // row, each column gets the difference of the two ramps.
 #include "graphics2d/raster/EdgeRow.h"
 
+#include "graphics2d/Redirection.h"
 #include "math/FixedMath.h"
 
 namespace KAVO {
@@ -116,6 +117,8 @@ void MMContext2D::smoothEdges()
 {
     const PixelBox visible = drawableBox(*this);
     if (visible.empty()) return;
+    // Masks and layers have no rows beyond these.
+    if (isRedirected(*this) && (spanRow < visible.top || spanRow >= visible.bottom)) return;
     RowPainter painter(*this, visible);
     const Fixed leftX = spanStart;
     const Fixed rightX = spanEnd;

@@ -2,6 +2,8 @@
 // From coverage to strip fillers.
 #include "graphics2d/raster/RowPainter.h"
 
+#include "graphics2d/Redirection.h"
+
 namespace KAVO {
 namespace Graphics2D {
 
@@ -33,6 +35,8 @@ RowPainter::RowPainter(MMContext2D& context, const PixelBox& visible)
       edgeIgnoresCoverage_(context.currentPaint.paintType == kPaintXOR ||
                            context.currentPaint.paintType == kPaintPicking)
 {
+    if constexpr (kHasLayers)
+        if (isRedirected(context)) redirect();
     edge_ = limits_ == RunLimits::kNone ? anyEdge_ : nullptr;
     const PixelBox drawable = drawableBox(context);
     drawableStart_ = fixFromInt(drawable.left);
@@ -43,9 +47,7 @@ void RowPainter::beginRow(int32_t row)
 {
     const MMPixmap& target = context_.target;
     context_.spanRow = row;
-    uint8_t* bytes = reinterpret_cast<uint8_t*>(target.pixels);
-    bytes += static_cast<std::size_t>(row) * target.rowBytes;
-    context_.spanPixels = reinterpret_cast<Pixel*>(bytes);
+    context_.spanPixels = targetRow(target, row, target.rowBytes);
 }
 
 void RowPainter::drawWhole(int32_t first, int32_t end)

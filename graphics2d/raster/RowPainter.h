@@ -103,6 +103,7 @@ private:
         Run part(int32_t from, int32_t length) const;
     };
 
+    [[gnu::noinline]] void redirect();
     void drawRun(StripFiller filler, const Run& run);
     void drawLimited(const Run& run);
     void drawInHalves(const Run& run);

@@ -181,6 +181,12 @@ inline U16x8 refinedWeights(U16x8 coverage, U16x8 alpha)
     return mulHigh(mulHigh(coverage, alpha) + 127, U16x8{} + 258);
 }
 
+// Opacity and alpha, 0 to 255 each, in one, 8.8.
+inline uint16_t opacityWith(uint32_t opacity, uint32_t alpha)
+{
+    return static_cast<uint16_t>((opacity * alpha * 256 + 127) / 255);
+}
+
 // Weights are 0 to 256. A pixel is blended over itself, rounded to nearest and monotonely, so that
 // no channel of a premultiplied pixel comes to exceed its alpha; a colour's alpha is part of its
 // weight, and moves the target's toward 255.

@@ -10,7 +10,7 @@
 // they can then leave the image by a texel, which texelAt mends.
 #pragma once
 
-#include "graphics2d/strips/TranslucentRun.h"
+#include "graphics2d/strips/PieceBlending.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -102,10 +102,6 @@ struct TexelRange {
         start = begin - fixFromInt(first);
     }
 };
-
-// What becomes of the texels' alpha. Where texels are mixed, colours of little alpha must count for
-// as little: they are premultiplied before.
-enum class TexelAlpha { kKept, kPremultiplied, kMadeWhole };
 
 class PatternWalk {
 public:

@@ -56,27 +56,6 @@ template <class Rule>
     return i;
 }
 
-struct ClassicColour {
-    using Rule = ClassicBlend;
-    Pixel source;
-
-    explicit ClassicColour(Pixel colour) : source(colour) {}
-    // The colour's alpha is one of its channels and no more.
-    uint32_t weightOf(Coverage coverage) const { return roundedWeight(coverage); }
-};
-
-struct RefinedColour {
-    using Rule = RefinedBlend;
-    Pixel source;
-    uint32_t alpha; // 8.8
-
-    explicit RefinedColour(Pixel colour) : source(colour | kOpaque), alpha(colour >> 24 << 8) {}
-    uint32_t weightOf(Coverage coverage) const
-    {
-        return refinedWeight(coarseCoverage(coverage), alpha);
-    }
-};
-
 template <class Colour>
 [[gnu::always_inline]] inline void drawTranslucentColour(MMContext2D& context)
 {

@@ -2,7 +2,8 @@
 // The strip fillers of a paint that is a function.
 #include "graphics2d/strips/SourceStrip.h"
 
-#include "graphics2d/strips/TranslucentRun.h"
+#include "graphics2d/strips/PieceBlending.h"
+#include "graphics2d/strips/Span.h"
 
 namespace KAVO {
 namespace Graphics2D {
@@ -23,24 +24,17 @@ void clampToAlpha(Pixel* pixels, int32_t count)
 }
 
 // Blends count pixels from a device column on.
-void blendSource(MMContext2D& context, TranslucentRun<RefinedBlend>& run, int32_t column,
+void blendSource(const MMContext2D& context, TranslucentRun<RefinedBlend>& run, int32_t column,
                  int32_t count)
 {
+    const MMPaint& paint = context.currentPaint;
     PaintPiece piece;
-    while (count > 0) {
-        const int32_t length = std::min(count, kPieceLength);
-        readSource(context.currentPaint, context.spanRow, column, length, piece.colours);
+    for (int32_t length; count > 0; column += length, count -= length) {
+        length = std::min(count, kPieceLength);
+        readSource(paint, context.spanRow, column, length, piece.colours);
         for (int32_t i = length; i % 4 != 0; ++i)
-            piece.colours[i] = piece.weights[i] = 0;
-        for (int32_t i = 0; i < length; ++i)
-            piece.weights[i] = kWholeAlpha;
-        weighAlphas(piece, run.coverage, length);
-        run.blendBy(length, [&](U32x4 backgrounds, int32_t i) {
-            return blendLanes(backgrounds, load4(piece.colours + i), load4(piece.weights + i),
-                              movePremultiplied);
-        });
-        column += length;
-        count -= length;
+            piece.colours[i] = 0;
+        blendRefined(run, TexelAlpha::kPremultiplied, piece, length);
     }
 }
 

@@ -3,6 +3,7 @@
 #include "graphics2d/text/GlyphCompositor.h"
 
 #include "graphics2d/OutOfMemory.h"
+#include "graphics2d/Redirection.h"
 #include "graphics2d/strips/Blending.h"
 #include "graphics2d/strips/SourceStrip.h"
 #include "graphics2d/strips/Span.h"
@@ -161,12 +162,6 @@ struct RefinedMeeting {
     }
 };
 
-// Opacity and alpha in one, 8.8.
-uint16_t opacityOf(uint32_t opacity, uint32_t alpha)
-{
-    return static_cast<uint16_t>((opacity * alpha * 256 + 127) / 255);
-}
-
 } // namespace
 
 bool GlyphCompositor::begin(const MMPaint& record)
@@ -177,12 +172,16 @@ bool GlyphCompositor::begin(const MMPaint& record)
     refined_ = context_.refined != 0;
     const MMPixmap& target = context_.target;
     visible_ = drawableBox(context_);
-    rowPixels_ = refined_ ? target.rowBytes / sizeof(Pixel) : target.width;
-    if (target.pixels == nullptr || record.paintOpacity == 0) return false;
-    targetEnd_ = target.pixels + target.height * rowPixels_;
+    redirected_ = isRedirected(context_);
+    // A layer's rows are where its rowBytes say, by whatever rules.
+    rowPixels_ =
+        refined_ || context_.layer != nullptr ? target.rowBytes / sizeof(Pixel) : target.width;
+    if (record.paintOpacity == 0) return false;
+    if (target.pixels == nullptr && context_.maskTarget == nullptr) return false;
+    targetEnd_ = targetRow(target, target.height, rowBytes());
     switch (record.paintType) {
     case kPaintSolid:
-        opacity_ = opacityOf(record.paintOpacity, record.paintColour >> 24);
+        opacity_ = opacityWith(record.paintOpacity, record.paintColour >> 24);
         return true;
     case kPaintLinearGradient:
     case kPaintRadialGradient:
@@ -190,7 +189,7 @@ bool GlyphCompositor::begin(const MMPaint& record)
         opacity_ = kWholeAlpha; // the row buffer has the paint's
         return true;
     case kPaintSource:
-        opacity_ = opacityOf(record.paintOpacity, 255);
+        opacity_ = opacityWith(record.paintOpacity, 255);
         return record.sourceFunction != nullptr;
     default:
         return false;
@@ -226,11 +225,18 @@ void GlyphCompositor::draw(const FS_GrayMap& glyph, const GlyphPlace& place)
     box.startsLow = box.skippedColumns % 2 != 0;
     box.levels = glyph.bitmap + box.skippedRows * box.stride + box.skippedColumns / 2;
     box.levelsEnd = glyph.bitmap + glyph.height * box.stride;
-    box.pixels = context_.target.pixels + box.y * rowPixels_ + box.x;
+    if constexpr (kHasLayers)
+        if (redirected_) return drawRedirected(box);
+    box.pixels = targetRow(context_.target, box.y, rowBytes()) + box.x;
+    drawOver(box, context_.target.width - box.x - box.width);
+}
+
+// beside: how many pixels right of the box may be read.
+void GlyphCompositor::drawOver(const Box& box, int32_t beside)
+{
     if (refined_ || record_->paintType == kPaintSource)
-        drawBox<RefinedSolidBlend, RefinedBufferBlend>(
-            box, record_->paintColour | 0xFF000000,
-            RefinedMeeting{opacity_, context_.target.width - box.x - box.width});
+        drawBox<RefinedSolidBlend, RefinedBufferBlend>(box, record_->paintColour | 0xFF000000,
+                                                       RefinedMeeting{opacity_, beside});
     else
         drawBox<SolidBlend, BufferBlend>(box, record_->paintColour,
                                          ClassicMeeting{targetEnd_, record_->paintOpacity});

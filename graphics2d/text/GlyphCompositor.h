@@ -68,6 +68,11 @@ private:
     // The visible rectangle alone; its size is not positive when there is none.
     Box visible(const FS_GrayMap& glyph, const GlyphPlace& place) const;
 
+    size_t rowBytes() const { return rowPixels_ * sizeof(Pixel); }
+    void drawOver(const Box& box, int32_t beside);
+    void drawRedirected(Box box);
+    void drawIntoMask(const Box& box);
+    void drawThroughMask(const Box& box);
     template <class SolidBlend, class BufferBlend, class Meeting>
     void drawBox(const Box& box, Pixel colour, const Meeting& meeting);
     template <class Blend, class Meeting, class ColoursAt>
@@ -81,8 +86,9 @@ private:
 
     PixelBox visible_;    // where pixels may be drawn
     ptrdiff_t rowPixels_; // from one row to the next
-    const Pixel* targetEnd_;
+    Pixel* targetEnd_;
     bool refined_;
+    bool redirected_;
     uint16_t opacity_; // refined: of a whole glyph, 8.8
 };
 

@@ -1,0 +1,431 @@
+// SPDX-License-Identifier: MIT
+// A row seen through a mask is cut into stretches: hidden ones are skipped, those of full levels
+// are drawn by the paint's own filler, and only what lies between is weighed pixel by pixel. There
+// a colour is blended with coverage, opacity and level in one weight; any other paint is drawn over
+// a copy of up to 127 pixels of the target, which the target is then moved to by the levels. So
+// every paint keeps the rules of its mode, and a mask that hides nothing changes nothing.
+#include "graphics2d/masks/MaskedStrip.h"
+
+#include "graphics2d/OutOfMemory.h"
+#include "graphics2d/strips/Blending.h"
+#include "graphics2d/strips/SolidStrip.h"
+#include "graphics2d/strips/Span.h"
+
+#include "memory/ScratchArray.h"
+
+#include <cstring>
+
+namespace KAVO {
+namespace Graphics2D {
+
+namespace {
+
+// --- Levels -------------------------------------------------------------------------------------
+
+constexpr int32_t kLane = 8; // levels at a time
+constexpr uint32_t kWholeLevel = 255;
+constexpr uint32_t kHalfLevel = 128; // from which on a pixel that cannot be weighed is taken
+
+uint64_t eightLevels(const uint8_t* levels)
+{
+    uint64_t eight;
+    std::memcpy(&eight, levels, sizeof eight);
+    return eight;
+}
+
+// The end of the columns from `from` on that all have the level.
+int32_t endOfLevel(const uint8_t* levels, int32_t from, int32_t end, uint8_t level)
+{
+    const uint64_t pattern = level * 0x0101010101010101u;
+    for (; end - from >= kLane; from += kLane) {
+        const uint64_t others = eightLevels(levels + from) ^ pattern;
+        if (others != 0) return from + __builtin_ctzll(others) / 8;
+    }
+    while (from < end && levels[from] == level)
+        ++from;
+    return from;
+}
+
+// The end of the columns from `from` on before eight that are all hidden or all visible.
+int32_t endOfMixture(const uint8_t* levels, int32_t from, int32_t end)
+{
+    for (; end - from >= kLane; from += kLane) {
+        const uint64_t eight = eightLevels(levels + from);
+        if (eight == 0 || eight == ~uint64_t{0}) return from;
+    }
+    return end;
+}
+
+// Eight levels as 16-bit lanes, or fewer and zeros.
+U16x8 widenLevels(const uint8_t* levels, int32_t count)
+{
+    U32x4 bytes = {};
+    std::memcpy(&bytes, levels, count < kLane ? static_cast<size_t>(count) : size_t{kLane});
+    return widenLow(bytes);
+}
+
+// a * b / 255 of a coverage, rounded.
+Coverage coverageThrough(Coverage coverage, uint32_t level)
+{
+    const uint32_t clamped = static_cast<uint32_t>(std::clamp(coverage, 0, 0x00FF0000));
+    return static_cast<Coverage>((clamped * level + 127) / kWholeLevel);
+}
+
+// --- Into the target ----------------------------------------------------------------------------
+
+const uint8_t* clipLevels(const MMContext2D& context)
+{
+    return maskRow(*context.clipMask, context.spanRow);
+}
+
+// Points the context at columns of its span, or at a copy of them, until the scope ends.
+class PartOfSpan {
+public:
+    explicit PartOfSpan(MMContext2D& context)
+        : context_(context), pixels_(context.spanPixels), start_(context.spanStart),
+          end_(context.spanEnd)
+    {
+    }
+    ~PartOfSpan()
+    {
+        context_.spanPixels = pixels_;
+        context_.spanStart = start_;
+        context_.spanEnd = end_;
+    }
+    PartOfSpan(const PartOfSpan&) = delete;
+    PartOfSpan& operator=(const PartOfSpan&) = delete;
+
+    int32_t first() const { return fixFloor(start_); }
+    int32_t end() const { return fixFloor(end_); }
+    Pixel* at(int32_t column) const { return pixels_ + column; }
+
+    // The part keeps the fraction of the span's start, from which some images are sampled.
+    void select(int32_t first, int32_t end)
+    {
+        const int32_t fraction = static_cast<int32_t>(fixFraction(start_));
+        context_.spanStart = fixFromInt(first) + fraction;
+        context_.spanEnd = fixFromInt(end) + fraction;
+    }
+
+    // Lets the columns from first on be drawn into a copy.
+    void drawInto(Pixel* copy, int32_t first)
+    {
+        context_.spanPixels = reinterpret_cast<Pixel*>(reinterpret_cast<uintptr_t>(copy) -
+                                                       static_cast<uintptr_t>(int64_t{first} * 4));
+    }
+    void drawIntoTarget() { context_.spanPixels = pixels_; }
+
+private:
+    MMContext2D& context_;
+    Pixel* const pixels_;
+    const Fixed start_;
+    const Fixed end_;
+};
+
+constexpr int32_t kCopyLength = 127; // pixels; one more is the right-hand neighbour of the last
+
+// Draws the columns from first to end - 1, which are selected, by draw() into a copy, which has
+// room for one more, and moves the target to it by the levels.
+template <class Draw>
+void drawThroughCopy(MMContext2D& context, PartOfSpan& part, int32_t first, int32_t end,
+                     const uint8_t* levels, Pixel* copy, Draw draw)
+{
+    Pixel* const pixels = part.at(first);
+    const int32_t count = end - first;
+    std::memcpy(copy, pixels, static_cast<size_t>(count) * sizeof(Pixel));
+    copy[count] = pixels[end < context.target.width ? count : count - 1];
+    part.drawInto(copy, first);
+    draw();
+    part.drawIntoTarget();
+    moveByLevels(pixels, copy, levels + first, count);
+}
+
+// A colour's source pixel and its opacity, 8.8.
+struct Tint {
+    explicit Tint(const MMContext2D& context)
+        : source(context.currentPaint.paintColour),
+          opacity(static_cast<uint16_t>(context.currentPaint.paintOpacity << 8))
+    {
+        if (context.refined == 0) return;
+        opacity = opacityWith(context.currentPaint.paintOpacity, source >> 24);
+        source |= kOpaque;
+    }
+
+    Pixel source;
+    uint16_t opacity;
+};
+
+// Eight pixels, or the first of them.
+void tintEight(Pixel* pixels, U16x8 weights, U16x8 source)
+{
+    const U32x4 low = zipLow(weights, weights);
+    const U32x4 high = zipHigh(weights, weights);
+    const auto four = [&](Pixel* at, U32x4 pairs) {
+        const U32x4 from = load4(at);
+        store4(at, narrowHighBytes(
+                       moveRounded(widenLow(from), source,
+                                   (U16x8)__builtin_shufflevector(pairs, pairs, 0, 0, 1, 1)),
+                       moveRounded(widenHigh(from), source,
+                                   (U16x8)__builtin_shufflevector(pairs, pairs, 2, 2, 3, 3))));
+    };
+    four(pixels, low);
+    four(pixels + 4, high);
+}
+
+void tintByLevels(Pixel* pixels, const Tint& tint, const uint8_t* levels, int32_t count)
+{
+    const U16x8 source = widenLow(all4(tint.source));
+    const U16x8 opacity = all8(tint.opacity);
+    const auto weightsAt = [&](int32_t i) {
+        return refinedWeights(widenLevels(levels + i, count - i) << 8, opacity);
+    };
+    int32_t i = 0;
+    for (; i + kLane <= count; i += kLane)
+        tintEight(pixels + i, weightsAt(i), source);
+    if (i == count) return;
+    Pixel rest[kLane] = {};
+    const size_t bytes = static_cast<size_t>(count - i) * sizeof(Pixel);
+    std::memcpy(rest, pixels + i, bytes);
+    tintEight(rest, weightsAt(i), source);
+    std::memcpy(pixels + i, rest, bytes);
+}
+
+void invertByLevels(Pixel* pixels, Pixel colour, const uint8_t* levels, int32_t count)
+{
+    for (int32_t i = 0; i < count; ++i)
+        if (levels[i] >= kHalfLevel) pixels[i] ^= colour;
+}
+
+// A stretch of a span with mixed levels.
+void drawMixture(MMContext2D& context, const SpanFiller& paint, PartOfSpan& part, int32_t first,
+                 int32_t end, const uint8_t* levels)
+{
+    switch (context.currentPaint.paintType) {
+    case kPaintSolid:
+        return tintByLevels(part.at(first), Tint(context), levels + first, end - first);
+    case kPaintXOR:
+        return invertByLevels(part.at(first), context.currentPaint.paintColour, levels + first,
+                              end - first);
+    default:
+        Pixel copy[kCopyLength + 1];
+        for (int32_t next; first < end; first = next) {
+            next = std::min(end, first + kCopyLength);
+            part.select(first, next);
+            drawThroughCopy(context, part, first, next, levels, copy,
+                            [&] { drawSpan(context, paint); });
+        }
+    }
+}
+
+// A span in one piece, for paints whose pixels depend on where their span starts.
+void drawUncut(MMContext2D& context, const SpanFiller& paint, PartOfSpan& part,
+               const uint8_t* levels)
+{
+    ScratchArray<Pixel> copy(context.scratchStack,
+                             static_cast<uint32_t>(part.end() - part.first()) + 1);
+    if (!copy) return noteOutOfMemory(context);
+    drawThroughCopy(context, part, part.first(), part.end(), levels, copy.data(),
+                    [&] { drawSpan(context, paint); });
+}
+
+bool dependsOnStart(const MMContext2D& context)
+{
+    return context.refined == 0 && context.currentPaint.paintType != kPaintSolid &&
+           context.currentPaint.paintType != kPaintXOR;
+}
+
+void drawSpanThroughMask(MMContext2D& context)
+{
+    const SpanFiller paint = chooseSpanFiller(context);
+    const uint8_t* levels = clipLevels(context);
+    PartOfSpan part(context);
+    const int32_t end = part.end();
+    if (part.first() < end && dependsOnStart(context)) {
+        if (endOfLevel(levels, part.first(), end, 0) == end) return;
+        if (endOfLevel(levels, part.first(), end, kWholeLevel) == end)
+            return drawSpan(context, paint);
+        return drawUncut(context, paint, part, levels);
+    }
+    for (int32_t first = part.first(), next; first < end; first = next) {
+        if (levels[first] == 0) {
+            next = endOfLevel(levels, first, end, 0);
+        } else if (levels[first] == kWholeLevel) {
+            next = endOfLevel(levels, first, end, kWholeLevel);
+            part.select(first, next);
+            drawSpan(context, paint);
+        } else {
+            next = endOfMixture(levels, first, end);
+            // A few pixels before a whole word of hidden or visible ones belong to the mixture.
+            if (next == first) next = std::min(end, first + kLane);
+            drawMixture(context, paint, part, first, next, levels);
+        }
+    }
+}
+
+template <class Colour>
+void drawColourRun(MMContext2D& context, const uint8_t* levels)
+{
+    using Rule = typename Colour::Rule;
+    const Colour colour(context.currentPaint.paintColour);
+    const auto blend = [&](int32_t column, Coverage coverage) {
+        Pixel& pixel = context.spanPixels[column];
+        const uint32_t weight = colour.weightOf(coverageThrough(coverage, levels[column]));
+        pixel = blendPixel<Rule>(pixel, colour.source, weight);
+    };
+    CoverageSequence coverage(context);
+    const int32_t end = fixFloor(context.spanEnd);
+    for (int32_t column = fixFloor(context.spanStart); column < end; ++column) {
+        blend(column, coverage.current());
+        coverage.advance(1);
+    }
+    if (context.spanTailCoverage > 0) blend(end, context.spanTailCoverage);
+}
+
+void drawPaintRun(MMContext2D& context, const uint8_t* levels)
+{
+    const StripFiller paint = chooseEdgeFiller(context);
+    CoverageSequence coverage(context);
+    const Coverage tail = context.spanTailCoverage;
+    PartOfSpan part(context);
+    const int32_t end = part.end();
+    Pixel copy[kCopyLength + 1];
+    for (int32_t first = part.first(), next; first < end; first = next) {
+        next = std::min(end, first + kCopyLength - 1);
+        const bool takesTail = next == end && tail > 0;
+        part.select(first, next);
+        context.spanCoverage = coverage.current();
+        context.spanCoverageNext = coverage.next();
+        context.spanCoverageStep = coverage.step();
+        context.spanTailCoverage = takesTail ? tail : 0;
+        coverage.advance(next - first);
+        drawThroughCopy(context, part, first, next + (takesTail ? 1 : 0), levels, copy,
+                        [&] { paint(context); });
+    }
+}
+
+void drawRunThroughMask(MMContext2D& context)
+{
+    const uint8_t* levels = clipLevels(context);
+    switch (context.currentPaint.paintType) {
+    case kPaintSolid:
+        context.refined != 0 ? drawColourRun<RefinedColour>(context, levels)
+                             : drawColourRun<ClassicColour>(context, levels);
+        return;
+    case kPaintXOR:
+        invertByLevels(spanFirstPixel(context), context.currentPaint.paintColour,
+                       levels + fixFloor(context.spanStart), spanLength(context));
+        return;
+    default:
+        drawPaintRun(context, levels);
+    }
+}
+
+// --- Into a mask --------------------------------------------------------------------------------
+
+// By the refined rules the alpha of a colour is an opacity.
+uint32_t maskAlpha(const MMContext2D& context)
+{
+    const MMPaint& paint = context.currentPaint;
+    const bool counts = context.refined != 0 && paint.paintType == kPaintSolid;
+    return counts ? paint.paintColour >> 24 : kWholeLevel;
+}
+
+// The opacity that the current paint has in a mask, 8.8.
+uint32_t maskOpacity(const MMContext2D& context)
+{
+    return opacityWith(context.currentPaint.paintOpacity, maskAlpha(context));
+}
+
+void drawSpanIntoMask(MMContext2D& context)
+{
+    const int32_t first = fixFloor(context.spanStart);
+    const int32_t count = spanLength(context);
+    uint8_t* levels = maskRow(*context.maskTarget, context.spanRow) + first;
+    const uint8_t* clip = context.clipMask != nullptr ? clipLevels(context) + first : nullptr;
+    const uint32_t opacity = maskOpacity(context);
+    if (clip == nullptr && opacity == kWholeAlpha) {
+        std::memset(levels, kWholeLevel, static_cast<size_t>(count));
+        return;
+    }
+    for (int32_t i = 0; i < count; ++i)
+        addLevel(levels[i], clip != nullptr ? shareOfLevel(opacity, clip[i]) : opacity);
+}
+
+void drawRunIntoMask(MMContext2D& context)
+{
+    uint8_t* levels = maskRow(*context.maskTarget, context.spanRow);
+    const uint8_t* clip = context.clipMask != nullptr ? clipLevels(context) : nullptr;
+    const uint32_t alpha = maskAlpha(context);
+    const auto add = [&](int32_t column, Coverage areaAndOpacity) {
+        uint32_t coverage = shareOfLevel(coarseCoverage(areaAndOpacity), alpha);
+        if (clip != nullptr) coverage = shareOfLevel(coverage, clip[column]);
+        addLevel(levels[column], coverage);
+    };
+    CoverageSequence coverage(context);
+    const int32_t end = fixFloor(context.spanEnd);
+    for (int32_t column = fixFloor(context.spanStart); column < end; ++column) {
+        add(column, coverage.current());
+        coverage.advance(1);
+    }
+    if (context.spanTailCoverage > 0) add(end, context.spanTailCoverage);
+}
+
+// --- Picking ------------------------------------------------------------------------------------
+
+bool shows(const MMMask* mask, int32_t column, int32_t row)
+{
+    if (mask == nullptr) return true;
+    const PixelBox box = boxOf(*mask);
+    return column >= box.left && column < box.right && row >= box.top && row < box.bottom &&
+           maskRow(*mask, row)[column] >= kHalfLevel;
+}
+
+void pickThroughMasks(MMContext2D& context)
+{
+    const int32_t column = fixFloor(context.pickX);
+    const int32_t row = context.spanRow;
+    if (!shows(context.clipMask, column, row)) return;
+    for (const LayerSurface* layer = context.layer; layer != nullptr; layer = layer->outer)
+        if (!shows(layer->outerMask, column, row)) return;
+    context.drawPickingStrip();
+}
+
+} // namespace
+
+StripFiller maskedSpanFiller(const MMContext2D& context)
+{
+    if (context.currentPaint.paintType == kPaintPicking) return pickThroughMasks;
+    return context.maskTarget != nullptr ? drawSpanIntoMask : drawSpanThroughMask;
+}
+
+StripFiller maskedEdgeFiller(const MMContext2D& context)
+{
+    if (context.currentPaint.paintType == kPaintPicking) return pickThroughMasks;
+    return context.maskTarget != nullptr ? drawRunIntoMask : drawRunThroughMask;
+}
+
+void moveByLevels(Pixel* pixels, const Pixel* drawn, const uint8_t* levels, int32_t count)
+{
+    const auto moved = [](U16x8 from, U16x8 to, U16x8 level) {
+        const U16x8 sum = from * (255 - level) + to * level + 128;
+        return sum + (sum >> 8); // / 255, in the high bytes
+    };
+    for (int32_t i = 0; i < count; i += 4) {
+        const int32_t part = std::min(4, count - i);
+        U32x4 spread = {};
+        U32x4 from = {};
+        U32x4 to = {};
+        std::memcpy(&spread, levels + i, static_cast<size_t>(part));
+        std::memcpy(&from, pixels + i, static_cast<size_t>(part) * sizeof(Pixel));
+        std::memcpy(&to, drawn + i, static_cast<size_t>(part) * sizeof(Pixel));
+        spread = zipLowBytes(spread, spread);
+        spread = zipLowBytes(spread, spread); // each level four times
+        storeFew(pixels + i,
+                 narrowHighBytes(moved(widenLow(from), widenLow(to), widenLow(spread)),
+                                 moved(widenHigh(from), widenHigh(to), widenHigh(spread))),
+                 part);
+    }
+}
+
+} // namespace Graphics2D
+} // namespace KAVO

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+// Pieces of pixels with an alpha of their own, blended by the refined rule. Internal.
+#pragma once
+
+#include "graphics2d/strips/TranslucentRun.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+// What becomes of the texels' alpha. Where texels are mixed, colours of little alpha must count for
+// as little: they are premultiplied before.
+enum class TexelAlpha { kKept, kPremultiplied, kMadeWhole };
+
+// Whether every alpha of at least one colour is 255.
+bool areOpaque(const Pixel* colours, int32_t count);
+
+// Blends the first count pixels of a piece by the run's coverage, which moves on. Colours are read
+// up to the next multiple of four.
+void blendRefined(TranslucentRun<RefinedBlend>& run, TexelAlpha alpha, PaintPiece& piece,
+                  int32_t count);
+
+} // namespace Graphics2D
+} // namespace KAVO
