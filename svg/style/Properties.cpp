@@ -39,34 +39,12 @@ void addShorthand(std::string_view name, std::string_view value, bool important,
     }
 }
 
-// Where a declaration ends: at a semicolon outside of quotes and brackets.
-size_t endOfDeclaration(std::string_view text)
-{
-    char quote = 0;
-    int brackets = 0;
-    for (size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (quote != 0) {
-            if (c == quote) quote = 0;
-        } else if (c == '"' || c == '\'') {
-            quote = c;
-        } else if (c == '(') {
-            ++brackets;
-        } else if (c == ')') {
-            --brackets;
-        } else if (c == ';' && brackets <= 0) {
-            return i;
-        }
-    }
-    return text.npos;
-}
-
 } // namespace
 
 void parseDeclarations(std::string_view text, std::vector<Declaration>& declarations)
 {
     while (!text.empty()) {
-        const size_t end = endOfDeclaration(text);
+        const size_t end = findOutside(text, ";");
         const std::string_view declaration = text.substr(0, end);
         text = end == text.npos ? std::string_view() : text.substr(end + 1);
         const size_t colon = declaration.find(':');

@@ -124,19 +124,13 @@ void StyleSheet::addRule(std::string_view selectors, std::string_view body)
     const size_t first = declarations_.size();
     parseDeclarations(body, declarations_);
     const size_t last = declarations_.size();
-    const size_t firstRule = rules_.size();
-    while (!selectors.empty()) {
-        const size_t comma = findOutsideQuotes(selectors, ",");
-        const std::optional<Selector> selector = Selector::parse(selectors.substr(0, comma));
-        if (!selector) { // one that is wrong makes the whole rule wrong
-            rules_.resize(firstRule);
-            return;
-        }
-        rules_.push_back({*selector, first, last});
-        selectors = comma == selectors.npos ? std::string_view() : selectors.substr(comma + 1);
+    // One selector that is wrong makes the whole rule wrong.
+    const std::optional<std::vector<Selector>> list = Selector::parseList(selectors);
+    if (!list) return;
+    for (const Selector& selector : *list) {
+        byKey_[selector.key()].push_back(rules_.size());
+        rules_.push_back({selector, first, last});
     }
-    for (size_t i = firstRule; i < rules_.size(); ++i)
-        byKey_[rules_[i].selector.key()].push_back(i);
 }
 
 void StyleSheet::match(pugi::xml_node node, std::vector<Declaration>& declarations) const
@@ -146,7 +140,7 @@ void StyleSheet::match(pugi::xml_node node, std::vector<Declaration>& declaratio
         const auto found = byKey_.find(key);
         if (found == byKey_.end()) return;
         for (const size_t rule : found->second) {
-            if (rules_[rule].selector.matches(node)) matching.push_back(rule);
+            if (rules_[rule].selector.matches(node, siblings_)) matching.push_back(rule);
         }
     };
     collect("");

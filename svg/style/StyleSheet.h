@@ -24,7 +24,8 @@ public:
 
     bool empty() const { return rules_.empty(); }
 
-    // Appends the declarations that apply to the element, the most specific ones last.
+    // Appends the declarations that apply to the element, the most specific ones last. All elements
+    // are of one tree, which does not change.
     void match(pugi::xml_node node, std::vector<Declaration>& declarations) const;
 
 private:
@@ -43,6 +44,7 @@ private:
     // Rules by the id, class or element name that their last part asks for: "#id", ".class",
     // "name", or "" for all others.
     std::unordered_map<std::string, std::vector<size_t>> byKey_;
+    mutable Siblings siblings_; // what matching has counted so far
 };
 
 } // namespace Svg

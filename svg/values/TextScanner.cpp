@@ -112,6 +112,29 @@ std::vector<double> parseNumbers(std::string_view text)
     return values;
 }
 
+size_t findOutside(std::string_view text, std::string_view wanted)
+{
+    char quote = 0;
+    int brackets = 0;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (c == '\\') {
+            ++i;
+        } else if (quote != 0) {
+            if (c == quote) quote = 0;
+        } else if (brackets <= 0 && wanted.find(c) != wanted.npos) {
+            return i;
+        } else if (c == '"' || c == '\'') {
+            quote = c;
+        } else if (c == '(' || c == '[') {
+            ++brackets;
+        } else if (c == ')' || c == ']') {
+            --brackets;
+        }
+    }
+    return text.npos;
+}
+
 bool equalsIgnoringCase(std::string_view a, std::string_view b)
 {
     const auto lower = [](char c) {

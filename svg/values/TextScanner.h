@@ -35,6 +35,10 @@ std::string_view trimmed(std::string_view text);
 // Numbers between separators, up to the first thing that is none.
 std::vector<double> parseNumbers(std::string_view text);
 
+// Where the first of the wanted characters stands outside of quotes and of brackets that the text
+// opens, or npos. A backslash takes the meaning from the next character.
+size_t findOutside(std::string_view text, std::string_view wanted);
+
 // For keywords and units.
 bool equalsIgnoringCase(std::string_view a, std::string_view b);
 

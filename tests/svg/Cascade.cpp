@@ -26,47 +26,35 @@ uint32_t fillOf(const std::string& sheet, const std::string& attributes = "")
 
 TEST(SvgCascade, SelectorsMatchOrDoNot)
 {
-    const char* const matching[] = {"rect",
-                                    "*",
-                                    ".a",
-                                    ".a.b",
-                                    "#x",
-                                    "rect#x.b",
-                                    "svg rect",
-                                    ".outer rect",
-                                    "#y > rect",
-                                    "g g rect",
-                                    "circle + rect",
-                                    "circle ~ rect",
-                                    "[id]",
-                                    "[id=x]",
-                                    "rect[class~='b']",
-                                    "[data-k^=one]",
-                                    "[data-k$='two']",
-                                    "[data-k*='e t']",
-                                    ":lang(de)",
-                                    "svg > g > g > rect",
-                                    "path, rect",
-                                    "rect:not-known, .a, rect"};
-    const char* const others[] = {"circle",
-                                  ".c",
-                                  "#z",
-                                  "svg > rect",
-                                  "rect rect",
-                                  "path + rect",
-                                  "rect:first-child",
-                                  "rect:last-child",
-                                  "[id=z]",
-                                  "[data-k=one]",
-                                  "[data-k|=one]",
-                                  "rect:hover",
-                                  ":lang(en)",
-                                  "rect >",
-                                  "> rect",
-                                  "rect..a",
-                                  "rect[id",
-                                  ".a,,.b",
-                                  "g > g > g > rect"};
+    const char* const matching[] = {
+        "rect", "*", ".a", ".a.b", "#x", "rect#x.b", "svg rect", ".outer rect", "#y > rect",
+        "g g rect", "circle + rect", "circle ~ rect", "[id]", "[id=x]", "rect[class~='b']",
+        "[data-k^=one]", "[data-k$='two']", "[data-k*='e t']", ":lang(de)", "svg > g > g > rect",
+        "path, rect", ":lang(fr, de)", ":lang('DE')", ":lang(*)", "rect:hover, rect",
+        "rect::before, rect",
+        // The middle one of three children, alone of its kind.
+        ":nth-child(2)", ":nth-child(even)", ":nth-child(2n)", ":NTH-CHILD( -N + 2 )",
+        ":nth-child(n)", ":nth-child(3n-1)", ":nth-child(+2n + 2)", ":nth-last-child(2)",
+        ":nth-of-type(1)", ":nth-of-type(odd)", ":nth-last-of-type(-n+1)", "rect:first-of-type",
+        "rect:last-of-type", "rect:only-of-type", "g:only-child rect", "circle:first-child + rect",
+        "rect:empty", ":root rect", "svg:root rect", "rect:not(circle)",
+        "rect:not(:first-child):not(.c, #z)", ":not(svg > rect)", "[class]:not([class='a'])",
+        ":is(circle, rect.b)", ":where(#x)", "[class='A B' i]", "[data-k*='E T' i]", "#\\78",
+        "#\\78 .b", ".\\61.b"};
+    const char* const others[] = {
+        "circle", ".c", "#z", "svg > rect", "rect rect", "path + rect", "rect:first-child",
+        "rect:last-child", "[id=z]", "[data-k=one]", "[data-k|=one]", "rect:hover", "rect:lang(en)",
+        "rect >", "> rect", "rect..a", "rect:lang(fr, en)", "rect:lang(d)", "rect:nth-child(1)",
+        "rect:nth-child(odd)", "rect:nth-child(-2)", "rect:nth-child(0n)", "rect:nth-child(n+3)",
+        "rect:nth-child(-n+1)", "rect:nth-last-child(3)", "rect:nth-of-type(2)", "rect:only-child",
+        "g:empty rect", "rect:root", "rect:not(rect)", "rect:not(.c, .b)", "rect:not(g > rect)",
+        "rect:is(circle, .c)", "[class='A B']", "[class='A B' s]",
+        // What nobody knows drops all selectors of its rule.
+        "rect:not-known, .a, rect", "rect:nth-child, rect", "rect:nth-child(), rect",
+        "rect:nth-child(2 n), rect", "rect:nth-child(n 1), rect", "rect:nth-child(n++1), rect",
+        "rect:nth-child(1.0n), rect", "rect:not(), rect", "rect:not(..a), rect",
+        "rect:lang(), rect", "rect:has(circle), rect", "rect:not(.c, rect", "rect[id", ".a,,.b",
+        "g > g > g > rect"};
     for (const char* selector : matching)
         EXPECT_EQ(fillOf(std::string(selector) + "{fill:#123456}"), 0x123456u) << selector;
     for (const char* selector : others)
@@ -89,6 +77,11 @@ TEST(SvgCascade, TheStrongestDeclarationCounts)
         {"#x{fill:#010101}.a{fill:#020202}rect{fill:#030303}", "", 0x010101},
         {".a{fill:#010101}svg g g rect{fill:#020202}", "", 0x010101},
         {".a{fill:#010101}.b{fill:#020202}", "", 0x020202},
+        // :not() and :is() count like their strongest argument, :where() not at all.
+        {":not(#z){fill:#010101}.a{fill:#020202}", "", 0x010101},
+        {":is(rect,.c){fill:#010101}rect{fill:#020202}", "", 0x010101},
+        {":where(#x){fill:#010101}rect{fill:#020202}", "", 0x020202},
+        {":nth-child(2){fill:#010101}rect{fill:#020202}", "", 0x010101},
         {"[id]{fill:#010101}rect{fill:#020202}", "", 0x010101},
         // Comments, media and broken rules.
         {"<![CDATA[/* rect{fill:#010101} */<!-- rect{fill:#020202} -->]]>", "", 0x020202},
@@ -119,6 +112,24 @@ TEST(SvgCascade, ShorthandsAreTakenApart)
         EXPECT_EQ(marker, "m");
     EXPECT_EQ(style.paintOrder[0], PaintStep::Stroke);
     EXPECT_EQ(style.paintOrder[1], PaintStep::Fill);
+}
+
+// Every element asks for its place among all the others.
+TEST(SvgCascade, ManySiblingsAreCountedOnce)
+{
+    constexpr int kCount = 60000;
+    std::string text = "<svg><style>rect:nth-last-of-type(2n+1){fill:#010101}</style>";
+    for (int i = 1; i <= kCount; ++i)
+        text += "<rect/>";
+    SvgDocument document({}, {"", false, 1 << 22});
+    ASSERT_EQ(document.parse(text + "</svg>"), "");
+    int place = kCount;
+    for (const pugi::xml_node rect : document.root().children("rect")) {
+        const Style style = document.styleOf(rect, Viewport());
+        ASSERT_EQ(style.fill.colour & 0xFFFFFF, place % 2 == 1 ? 0x010101u : 0u) << place;
+        --place;
+    }
+    EXPECT_EQ(place, 0);
 }
 
 // Ancestors in all combinations would take longer than anyone waits.
