@@ -30,7 +30,7 @@ struct Limits {
     uint32_t usedElements = 200000;      // drawn again through use, patterns and markers
     uint32_t characters = 1u << 20;      // of one text element
     uint64_t imagePixels = 128u << 20;   // of all images together
-    uint64_t patternTiles = 20000;       // of one paint
+    uint64_t patternTiles = 20000;       // of one paint, drawn beside each other
 };
 
 struct LoadOptions {

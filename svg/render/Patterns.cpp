@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Patterns: the tiles are drawn into a picture of their own, which then paints like an image that
-// lies pixel on pixel.
+// lies pixel on pixel. Tiles whose edges lie between pixels are one tile, sampled: drawn beside
+// each other their edges would show.
 #include "graphics2d/PaintSetup.h"
 #include "svg/document/References.h"
 #include "svg/geometry/ViewBox.h"
 #include "svg/render/ClipGuard.h"
 #include "svg/render/Renderer.h"
+#include "svg/render/TileSampling.h"
 #include "svg/values/TransformParser.h"
 
 #include <algorithm>
@@ -19,6 +21,11 @@ namespace {
 
 constexpr double kFarthestTile = 1e9; // columns or rows from the first
 
+bool isWhole(double v)
+{
+    return std::fabs(v - std::round(v)) < 1.0 / 256;
+}
+
 } // namespace
 
 // What is repeated, and where.
@@ -28,6 +35,14 @@ struct Renderer::Tiling {
     Affine content;    // maps the content into the pattern's space, its origin at the tile's corner
     Viewport viewport; // that percentages in the content refer to
     pugi::xml_node source; // the pattern whose children are drawn
+
+    // Every tile begins and ends with a pixel.
+    bool liesOnPixels() const
+    {
+        const Point corner = toDevice.map({tile.left, tile.top});
+        return toDevice.b == 0 && toDevice.c == 0 && isWhole(corner.x) && isWhole(corner.y) &&
+               isWhole(toDevice.a * tile.width()) && isWhole(toDevice.d * tile.height());
+    }
 };
 
 struct Renderer::TileRange {
@@ -35,6 +50,48 @@ struct Renderer::TileRange {
     int lastColumn;
     int firstRow;
     int lastRow;
+};
+
+// Draws tiles into a picture of their own.
+class Renderer::TileDrawing {
+public:
+    TileDrawing(Renderer& outer, Picture& picture)
+        : outer_(outer), drawn_(outer.session_.bounds),
+          renderer_(outer.document_, context_, outer.session_, outer.report_)
+    {
+        const auto width = static_cast<uint16_t>(picture.width);
+        const auto height = static_cast<uint16_t>(picture.height);
+        context_.target = {width, height, width * 4u, 0, picture.pixels.data(), 0};
+        context_.antiAlias = outer.context_.antiAlias;
+        context_.accumulateBounds = 1;
+        context_.refined = 1;
+        renderer_.active_ = outer.active_;
+    }
+    ~TileDrawing()
+    {
+        outer_.session_.bounds = drawn_; // tiles are no part of the drawing
+        outer_.context_.outOfMemory |= context_.outOfMemory;
+    }
+    TileDrawing(const TileDrawing&) = delete;
+    TileDrawing& operator=(const TileDrawing&) = delete;
+
+    // One tile at its place within a clip rectangle.
+    void draw(const Tiling& tiling, const Affine& place, State& state, const PixelArea& clip)
+    {
+        context_.clipLeft = static_cast<int16_t>(clip.left);
+        context_.clipTop = static_cast<int16_t>(clip.top);
+        context_.clipRight = static_cast<int16_t>(clip.right);
+        context_.clipBottom = static_cast<int16_t>(clip.bottom);
+        state.toDevice = place * tiling.content;
+        renderer_.drawInside({0, 0, tiling.tile.width(), tiling.tile.height()}, place,
+                             [&] { renderer_.drawChildren(tiling.source, state); });
+    }
+
+private:
+    Renderer& outer_;
+    Box drawn_;
+    MMContext2D context_;
+    Renderer renderer_;
 };
 
 Renderer::Tiling Renderer::readTiling(pugi::xml_node pattern, const State& state,
@@ -78,36 +135,40 @@ Renderer::Tiling Renderer::readTiling(pugi::xml_node pattern, const State& state
     return tiling;
 }
 
-Picture Renderer::drawTiles(const Tiling& tiling, const TileRange& range, State state)
+void Renderer::drawTiles(const Tiling& tiling, const TileRange& range, State state,
+                         const PixelArea& area, Picture& tiles)
 {
-    Picture tiles(context_.target.width, context_.target.height, 0);
-    const auto width = static_cast<uint16_t>(tiles.width);
-    const auto height = static_cast<uint16_t>(tiles.height);
-    MMContext2D context;
-    context.target = {width, height, width * 4u, 0, tiles.pixels.data(), 0};
-    context.antiAlias = context_.antiAlias;
-    context.accumulateBounds = 1;
-    context.refined = 1;
-    Renderer renderer(document_, context, session_, report_);
-    renderer.active_ = active_;
-    const Box drawn = session_.bounds;
+    TileDrawing drawing(*this, tiles);
     for (int row = range.firstRow; row <= range.lastRow; ++row) {
         for (int column = range.firstColumn; column <= range.lastColumn; ++column) {
             const Affine place =
                 tiling.toDevice * translation(tiling.tile.left + column * tiling.tile.width(),
                                               tiling.tile.top + row * tiling.tile.height());
-            state.toDevice = place * tiling.content;
-            context.clipLeft = context_.clipLeft;
-            context.clipTop = context_.clipTop;
-            context.clipRight = context_.clipRight;
-            context.clipBottom = context_.clipBottom;
-            renderer.drawInside({0, 0, tiling.tile.width(), tiling.tile.height()}, place,
-                                [&] { renderer.drawChildren(tiling.source, state); });
+            drawing.draw(tiling, place, state, area);
         }
     }
-    session_.bounds = drawn;
-    context_.outOfMemory = static_cast<uint16_t>(context_.outOfMemory | context.outOfMemory);
-    return tiles;
+}
+
+// False when a tile would be larger than the whole picture is worth.
+bool Renderer::sampleTiles(const Tiling& tiling, State state, const PixelArea& area, Picture& tiles)
+{
+    const Affine& m = tiling.toDevice;
+    const double width = std::hypot(m.a, m.b) * tiling.tile.width() * kTileSamples;
+    const double height = std::hypot(m.c, m.d) * tiling.tile.height() * kTileSamples;
+    const double most = 4.0 * static_cast<double>(tiles.pixels.size());
+    if (!(width <= kLargestSide && height <= kLargestSide && width * height <= most)) return false;
+
+    Picture tile(std::max(1, static_cast<int>(std::ceil(width))),
+                 std::max(1, static_cast<int>(std::ceil(height))), 0);
+    const Affine tilesToPattern{tiling.tile.width(), 0, 0, tiling.tile.height(), tiling.tile.left,
+                                tiling.tile.top};
+    const std::optional<Affine> toTile = (tiling.toDevice * tilesToPattern).inverse();
+    if (!toTile) return true;
+    const Affine place{tile.width / tiling.tile.width(),   0, 0,
+                       tile.height / tiling.tile.height(), 0, 0};
+    TileDrawing(*this, tile).draw(tiling, place, state, {0, 0, tile.width, tile.height});
+    repeatTile(tile, *toTile, area, tiles);
+    return true;
 }
 
 bool Renderer::setTiles(MMPaint& paint, Picture& tiles, pugi::xml_node pattern, const State& state,
@@ -122,6 +183,11 @@ bool Renderer::setTiles(MMPaint& paint, Picture& tiles, pugi::xml_node pattern, 
     }
     const Active active(*this, tiling.source);
 
+    if (state.depth >= static_cast<int>(session_.limits.depth)) {
+        note("patterns in patterns without end", pattern);
+        return false;
+    }
+
     // The tiles that the visible part of the shape needs.
     const Box visible = visiblePart(userBounds, state);
     if (!visible.hasArea()) return false;
@@ -133,21 +199,29 @@ bool Renderer::setTiles(MMPaint& paint, Picture& tiles, pugi::xml_node pattern, 
     const double firstRow = std::floor((needed.top - tiling.tile.top) / height);
     const double lastRow = std::floor((needed.bottom - tiling.tile.top) / height);
     const double count = (lastColumn - firstColumn + 1) * (lastRow - firstRow + 1);
-    if (!(count <= static_cast<double>(session_.limits.patternTiles) &&
-          std::fabs(firstColumn) < kFarthestTile && std::fabs(firstRow) < kFarthestTile) ||
-        state.depth >= static_cast<int>(session_.limits.depth)) {
-        note("pattern of too many tiles", pattern);
-        return false;
-    }
+    const bool affordable = count <= static_cast<double>(session_.limits.patternTiles) &&
+                            std::fabs(firstColumn) < kFarthestTile &&
+                            std::fabs(firstRow) < kFarthestTile;
 
-    const TileRange range{static_cast<int>(firstColumn), static_cast<int>(lastColumn),
-                          static_cast<int>(firstRow), static_cast<int>(lastRow)};
     State tileState;
     tileState.style = document_.styleOf(tiling.source, state.viewport);
     tileState.style.opacity = 1;
     tileState.viewport = tiling.viewport;
     tileState.depth = state.depth + kPatternDepth;
-    tiles = drawTiles(tiling, range, tileState);
+    tiles = Picture(context_.target.width, context_.target.height, 0);
+    const PixelArea area{
+        static_cast<int>(std::floor(visible.left)), static_cast<int>(std::floor(visible.top)),
+        static_cast<int>(std::ceil(visible.right)), static_cast<int>(std::ceil(visible.bottom))};
+    const bool beside = affordable && (count == 1 || tiling.liesOnPixels());
+    if (beside || !sampleTiles(tiling, tileState, area, tiles)) {
+        if (!affordable) {
+            note("pattern of too many tiles", pattern);
+            return false;
+        }
+        const TileRange range{static_cast<int>(firstColumn), static_cast<int>(lastColumn),
+                              static_cast<int>(firstRow), static_cast<int>(lastRow)};
+        drawTiles(tiling, range, tileState, area, tiles);
+    }
     separateAlpha(tiles);
     const auto pixmapWidth = static_cast<uint16_t>(tiles.width);
     const auto pixmapHeight = static_cast<uint16_t>(tiles.height);

@@ -17,6 +17,8 @@
 namespace KAVO {
 namespace Svg {
 
+struct PixelArea;
+
 class Renderer {
 public:
     // The pixels of the context's target are premultiplied, and it draws by the refined rules.
@@ -52,6 +54,7 @@ private:
     struct TextRun;
     struct Tiling;
     struct TileRange;
+    class TileDrawing;
 
     // What a paint of the context points into.
     struct PaintStore {
@@ -136,7 +139,9 @@ private:
                    const Box& userBounds, double opacity);
     bool setTiles(MMPaint& paint, Picture& tiles, pugi::xml_node pattern, const State& state,
                   const Box& userBounds);
-    Picture drawTiles(const Tiling& tiling, const TileRange& range, State state);
+    void drawTiles(const Tiling& tiling, const TileRange& range, State state, const PixelArea& area,
+                   Picture& tiles);
+    bool sampleTiles(const Tiling& tiling, State state, const PixelArea& area, Picture& tiles);
     Tiling readTiling(pugi::xml_node pattern, const State& state, const Box& userBounds) const;
     void setPen(const State& state, const PathSpace& space);
     void setDashes(const Style& style, const PathSpace& space);

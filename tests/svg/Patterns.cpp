@@ -2,6 +2,8 @@
 // Where the content of patterns lies, and what takes the place of patterns that are none.
 #include "tests/svg/Drawing.h"
 
+#include <cmath>
+
 namespace {
 
 constexpr uint32_t kColour = 0x00FFFFFF;
@@ -27,6 +29,46 @@ TEST(SvgPatterns, ContentStartsAtTheCornerOfEachTile)
                 const bool inside = (x + 15) % 20 < 10 && (y + 10) % 20 < 10;
                 ASSERT_EQ(picture.at(x, y) & kColour, inside ? 0x0000FFu : 0xFFFFFFu)
                     << content << " at " << x << ", " << y;
+            }
+    }
+}
+
+// A ground that fills its tile, with stripes of half a tile's width on it. Skewed, rotated and
+// scaled tiles meet between pixels, which shows nowhere.
+TEST(SvgPatterns, TilesThatMeetBetweenPixelsLeaveNoSeams)
+{
+    const struct {
+        const char* transform;
+        double acrossX; // tiles to the right for a pixel to the right, and for one down
+        double acrossY;
+    } cases[] = {{"skewX(45)", 1 / 20.0, -1 / 20.0},
+                 {"scale(1.03)", 1 / 20.6, 0},
+                 {"rotate(90) scale(.815)", 0, 1 / 16.3},
+                 {"translate(.5 .5) skewY(-45) scale(2 1)", 1 / 40.0, 0}};
+    for (const auto& c : cases) {
+        const KAVO::Svg::Picture picture =
+            drawn("<svg width='80' height='80'><pattern id='p' patternUnits='userSpaceOnUse' "
+                  "width='20' height='20' patternTransform='" +
+                      std::string(c.transform) +
+                      "'><rect width='20' height='20' fill='#ccf'/>"
+                      "<rect width='10' height='20' fill='blue'/></pattern>"
+                      "<rect width='80' height='80' fill='url(#p)'/></svg>",
+                  80, 80);
+        for (int y = 0; y < 80; ++y)
+            for (int x = 0; x < 80; ++x) {
+                const double tiles = (x + 0.5) * c.acrossX + (y + 0.5) * c.acrossY;
+                const double part = tiles - std::floor(tiles);
+                const double reach = std::abs(c.acrossX) + std::abs(c.acrossY);
+                const double toEdge =
+                    std::min({part, std::abs(part - 0.5), 1 - part}); // of a stripe
+                const uint32_t pixel = picture.at(x, y) & kColour;
+                // Between the two there is nothing lighter than the ground.
+                ASSERT_LE(pixel >> 16, 0xCCu) << c.transform << " at " << x << ", " << y;
+                ASSERT_EQ(pixel & 0xFF, 0xFFu) << c.transform << " at " << x << ", " << y;
+                if (toEdge > reach) {
+                    ASSERT_EQ(pixel, part < 0.5 ? 0x0000FFu : 0xCCCCFFu)
+                        << c.transform << " at " << x << ", " << y;
+                }
             }
     }
 }
