@@ -44,15 +44,16 @@ void includeTurns(Box& box, Point p0, Point c1, Point c2, Point p3)
 
 void Outline::moveTo(Point p)
 {
+    segments_.push_back({Move, {p, {}, {}}, false});
     start_ = current_ = p;
-    open_ = false;
+    open_ = true;
 }
 
-// The Move is written with the first segment, so that a point alone leaves no subpath.
+// What follows a Close begins where the closed subpath did.
 void Outline::beginSubpath()
 {
     if (open_) return;
-    segments_.push_back({Move, {start_, {}, {}}, false});
+    segments_.push_back({Move, {start_, {}, {}}, true});
     open_ = true;
 }
 
@@ -163,6 +164,11 @@ Box Outline::bounds() const
     Point previous;
     for (const Segment& segment : segments_) {
         const Point* p = segment.points;
+        if (segment.verb == Move) {
+            previous = p[0];
+            continue;
+        }
+        box.include(previous);
         if (segment.verb == Curve) {
             includeTurns(box, previous, p[0], p[1], p[2]);
             previous = p[2];

@@ -15,7 +15,7 @@ public:
     struct Segment {
         Verb verb;
         Point points[3];     // the end is points[0]; of a curve points[2], after its control points
-        bool inside = false; // of an arc: the end is no vertex of the path
+        bool inside = false; // of an arc, or before its subpath: the end is no vertex of the path
         Point end() const { return points[verb == Curve ? 2 : 0]; }
     };
 
@@ -33,7 +33,8 @@ public:
     const std::vector<Segment>& segments() const { return segments_; }
     bool empty() const { return segments_.empty(); }
     Point current() const { return current_; }
-    Box bounds() const; // tight, also around curves
+    // Tight, also around curves; a Move that nothing follows does not count.
+    Box bounds() const;
     Outline mapped(const Affine& transform) const;
 
 private:

@@ -24,6 +24,7 @@ private:
 
     const PathSpace& space_;
     Point current_;
+    std::optional<MMPoint2D> start_; // of a subpath that has no segment yet: it may get none
 };
 
 // A curve stays within an eighth of its largest second derivative of its chord, and cutting it into
@@ -58,10 +59,15 @@ void Encoder::add(const Outline::Segment& segment)
 {
     const Point* p = segment.points;
     const MMPoint2D end = space_.point(p[0]);
+    if (segment.verb == Outline::Move) {
+        start_ = end;
+        current_ = p[0];
+        return;
+    }
+    if (start_) path.moveTo(start_->x, start_->y);
+    start_.reset();
     switch (segment.verb) {
     case Outline::Move:
-        path.moveTo(end.x, end.y);
-        current_ = p[0];
         break;
     case Outline::Line:
         path.lineTo(end.x, end.y);

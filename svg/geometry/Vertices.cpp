@@ -41,7 +41,7 @@ Piece pieceOf(Point from, const Outline::Segment& segment)
 // The vertices of one subpath.
 class Subpath {
 public:
-    explicit Subpath(Point start) : places_{start} {}
+    Subpath(Point start, bool isVertex) : places_{start}, startIsVertex_(isVertex) {}
 
     void add(const Outline::Segment& segment)
     {
@@ -58,7 +58,7 @@ public:
     void finish(std::vector<Vertex>& vertices)
     {
         spreadDirections();
-        for (size_t i = 0; i < places_.size(); ++i)
+        for (size_t i = startIsVertex_ ? 0 : 1; i < places_.size(); ++i)
             vertices.push_back({places_[i], directionAt(i) * 180 / std::acos(-1.0)});
     }
 
@@ -67,6 +67,7 @@ private:
     double directionAt(size_t vertex) const;
 
     std::vector<Point> places_;
+    bool startIsVertex_;
     std::vector<Piece> pieces_; // piece i leads from place i to place i + 1
     std::optional<Point> end_;
     bool joining_ = false;
@@ -108,7 +109,7 @@ std::vector<Vertex> verticesOf(const Outline& outline)
     for (const Outline::Segment& segment : outline.segments()) {
         if (segment.verb == Outline::Move) {
             if (subpath) subpath->finish(vertices);
-            subpath.emplace(segment.points[0]);
+            subpath.emplace(segment.points[0], !segment.inside);
         } else if (subpath) {
             subpath->add(segment);
         }

@@ -46,7 +46,7 @@ void Renderer::drawOutline(const Shape& shape, const State& state, bool markers)
     const CrispEdges crisp(context_, state.style.crisp);
     for (const PaintStep step : state.style.paintOrder) {
         if (step == PaintStep::Markers && markers && !clipping_) drawMarkers(shape.outline, state);
-        if (!state.style.visible || !space) continue;
+        if (!state.style.visible || !space || bounds.empty()) continue;
         if (step == PaintStep::Fill) drawFill(shape, *space, state, bounds);
         if (step == PaintStep::Stroke) drawStroke(shape, *space, state, bounds);
     }

@@ -51,15 +51,17 @@ TEST(SvgPath, CommandsShorthandsAndErrors)
         // A quarter circle: handles of 4/3 tan(22.5 degrees) times the radius. Compact flags.
         {"M10 0A10 10 0 010 10", "M10,0C10,5.52 5.52,10 0,10", true},
         {"M0 0A0 5 0 1 1 7 7", "M0,0L7,7", true},
-        {"M0 0a5 5 0 1 1 0 0", "", true},
+        {"M0 0a5 5 0 1 1 0 0", "M0,0", true},
         {"", "", true},
-        {"M5 5", "", true},
+        {"M5 5", "M5,5", true},
+        {"M5 5m1 1M2 2", "M5,5M6,6M2,2", true},
+        {"M5 5z", "M5,5Z", true},
         {"L1 1", "", false},
         {"M0 0L1 1 2", "M0,0L1,1", false},
         {"M0 0L1 1X2 2", "M0,0L1,1", false},
         {"M0 0Z5 5", "M0,0Z", false},
         {"M0 0L1 1A1 1 0 2 0 5 5", "M0,0L1,1", false},
-        {"M0 0Linf nan", "", false},
+        {"M0 0Linf nan", "M0,0", false},
     };
     for (const PathCase& c : cases) {
         Outline outline;
