@@ -13,12 +13,6 @@ double angleOf(Point p)
     return std::atan2(p.y, p.x);
 }
 
-Point pointOnCurve(Point p0, Point c1, Point c2, Point p3, double t)
-{
-    const double u = 1 - t;
-    return p0 * (u * u * u) + c1 * (3 * u * u * t) + c2 * (3 * u * t * t) + p3 * (t * t * t);
-}
-
 // Where one coordinate of a curve turns round: the roots of a t^2 + b t + c inside it.
 template <class Function>
 void forRoots(double a, double b, double c, Function function)
@@ -35,12 +29,18 @@ void includeTurns(Box& box, Point p0, Point c1, Point c2, Point p3)
     const Point a = (c1 - c2) * 3 + p3 - p0;
     const Point b = (p0 - c1 * 2 + c2) * 2;
     const Point c = c1 - p0;
-    const auto include = [&](double t) { box.include(pointOnCurve(p0, c1, c2, p3, t)); };
+    const auto include = [&](double t) { box.include(Outline::pointOnCurve(p0, c1, c2, p3, t)); };
     forRoots(a.x, b.x, c.x, include);
     forRoots(a.y, b.y, c.y, include);
 }
 
 } // namespace
+
+Point Outline::pointOnCurve(Point p0, Point c1, Point c2, Point p3, double t)
+{
+    const double u = 1 - t;
+    return p0 * (u * u * u) + c1 * (3 * u * u * t) + c2 * (3 * u * t * t) + p3 * (t * t * t);
+}
 
 void Outline::moveTo(Point p)
 {

@@ -21,6 +21,9 @@ public:
 
     static Outline rectangle(const Box& box); // clockwise from its top left corner
 
+    // Of a cubic curve, at t from 0 to 1.
+    static Point pointOnCurve(Point p0, Point control1, Point control2, Point p3, double t);
+
     void moveTo(Point p);
     void lineTo(Point p);
     void curveTo(Point control1, Point control2, Point end);

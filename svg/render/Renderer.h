@@ -152,9 +152,12 @@ private:
     void drawPicture(const Picture& picture, const Affine& frame, const Size& size,
                      const char* aspectRatio, const Style& style);
 
-    // --- Text: TextDrawing.cpp
+    // --- Text: TextDrawing.cpp, TextOnPath.cpp
     void drawText(pugi::xml_node node, const State& state);
     void drawTextArea(pugi::xml_node node, const State& state);
+    size_t layOnPath(const TextContent& content, size_t index, const State& state,
+                     const PathSpace& space, std::vector<TextRun>& runs, Point& pen);
+    Outline outlineForText(pugi::xml_node textPath, const State& state);
     void drawRun(const TextRun& run, const State& state);
     void pickRun(const TextRun& run, const PathSpace& space);
     void drawUnderline(const TextRun& run, const State& state);

@@ -2,7 +2,7 @@
 // Text: positioned runs of characters, and paragraphs.
 #include "graphics2d/convenience/MMText.h"
 #include "svg/render/ClipGuard.h"
-#include "svg/render/Renderer.h"
+#include "svg/render/TextRun.h"
 
 namespace KAVO {
 namespace Svg {
@@ -34,23 +34,11 @@ bool beginsChunk(const TextCharacter& character)
 
 bool beginsRun(const TextCharacter& character, const TextCharacter& before)
 {
-    return beginsChunk(character) || character.style != before.style || character.dx ||
-           character.dy || character.rotate || before.rotate;
+    return beginsChunk(character) || character.path || character.style != before.style ||
+           character.dx || character.dy || character.rotate || before.rotate;
 }
 
 } // namespace
-
-// Characters that are drawn in one go: one style, no jump or turn inside. They lie along the x axis
-// of a space of their own, from its origin on.
-struct Renderer::TextRun {
-    std::vector<uint16_t> text;
-    const Style* style = nullptr;
-    Point start;     // user space
-    double turn = 0; // degrees
-    double width = 0;
-
-    Affine toUser() const { return translation(start.x, start.y) * rotation(turn); }
-};
 
 void Renderer::drawText(pugi::xml_node node, const State& state)
 {
@@ -58,13 +46,9 @@ void Renderer::drawText(pugi::xml_node node, const State& state)
     const std::optional<PathSpace> space = PathSpace::make(state.toDevice, targetCentre());
     if (!space || content.characters.empty() || !affordsGlyphs(node, content, *space)) return;
     context_.transform = space->transform;
+    context_.preserveSpace = 1; // what is left of it counts, also where a run begins
     noteMissingGlyphs(node, content);
     if (content.cut) note("more characters in a text than the limit", node);
-    const auto undrawn = [](pugi::xml_node n) {
-        return n.name() == std::string_view("textPath") || n.name() == std::string_view("tref");
-    };
-    if (const pugi::xml_node found = node.find_node(undrawn))
-        note("<" + std::string(found.name()) + ">", found);
 
     std::vector<TextRun> runs;
     size_t chunk = 0; // first run of the chunk
@@ -72,6 +56,12 @@ void Renderer::drawText(pugi::xml_node node, const State& state)
     const std::vector<TextCharacter>& characters = content.characters;
     for (size_t i = 0; i < characters.size();) {
         const TextCharacter& first = characters[i];
+        if (first.path) {
+            anchorChunk(runs, chunk);
+            i = layOnPath(content, i, state, *space, runs, pen);
+            chunk = runs.size();
+            continue;
+        }
         if (i > 0 && beginsChunk(first)) {
             anchorChunk(runs, chunk);
             chunk = runs.size();

@@ -26,12 +26,14 @@ public:
 
 private:
     void append(std::string_view utf8, const Style& style);
+    void appendAll(pugi::xml_node node, const Style& style);
     void applyLists(pugi::xml_node node, size_t first, const Style& style);
 
     const SvgDocument& document_;
     TextContent& content_;
     Viewport viewport_;
     uint32_t charactersLeft_;
+    std::optional<size_t> path_; // that characters stand on
     bool afterSpace_ = true; // a space would collapse into the one before, or into the beginning
 };
 
@@ -53,6 +55,7 @@ void TextReader::append(std::string_view utf8, const Style& style)
         TextCharacter character;
         character.code = code;
         character.style = styleIndex;
+        character.path = path_;
         content_.characters.push_back(character);
     }
 }
@@ -88,10 +91,28 @@ void TextReader::applyLists(pugi::xml_node node, size_t first, const Style& styl
     }
 }
 
+// The characters of an element and of all inside it, without their styles.
+void TextReader::appendAll(pugi::xml_node node, const Style& style)
+{
+    struct Collector : pugi::xml_tree_walker {
+        std::string text;
+        bool for_each(pugi::xml_node& inner) override
+        {
+            if (inner.type() == pugi::node_pcdata || inner.type() == pugi::node_cdata)
+                text += inner.value();
+            return true;
+        }
+    };
+    Collector collector;
+    node.traverse(collector);
+    append(collector.text, style);
+}
+
 void TextReader::read(pugi::xml_node node, const Style& style, int depth)
 {
     const size_t first = content_.characters.size();
     content_.styles.push_back(style);
+    if (node.name() == std::string_view("tref")) appendAll(document_.target(node), style);
     for (const pugi::xml_node child : node.children()) {
         if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata) {
             append(child.value(), style);
@@ -109,7 +130,13 @@ void TextReader::read(pugi::xml_node node, const Style& style, int depth)
             content_.characters.push_back(lineBreak);
             afterSpace_ = true;
         } else if (spans && depth < kMostNesting && childStyle.displayed) {
+            const std::optional<size_t> outerPath = path_;
+            if (name == "textPath" && !path_) {
+                path_ = content_.paths.size();
+                content_.paths.push_back(child);
+            }
             read(child, childStyle, depth + 1);
+            path_ = outerPath;
             content_.styles.push_back(style); // for what follows the child
         }
     }

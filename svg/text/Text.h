@@ -21,12 +21,14 @@ struct TextCharacter {
     std::optional<double> dx; // a shift on top of that
     std::optional<double> dy;
     std::optional<double> rotate; // degrees
+    std::optional<size_t> path;   // index into TextContent::paths: it stands on one
 };
 
 struct TextContent {
     std::vector<TextCharacter> characters;
     std::vector<Style> styles;
-    bool cut = false; // it had more characters than the limit
+    std::vector<pugi::xml_node> paths; // textPath elements
+    bool cut = false;                  // it had more characters than the limit
 };
 
 // The characters of a text element with white space collapsed as xml:space says. style is that of

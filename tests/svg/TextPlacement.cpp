@@ -146,6 +146,54 @@ TEST_F(SvgTextDrawing, LettersStandApartBySpacing)
     EXPECT_NEAR(boundsOf(text("-1px")).right, normal - 3, 1);
 }
 
+TEST_F(SvgTextDrawing, SpacesCountWhereRunsBegin)
+{
+    const auto end = [&](const char* inner) {
+        return boundsOf("<text x='5' y='30'>" + std::string(inner) + "</text>").right;
+    };
+    const double whole = end("i i");
+    EXPECT_GT(whole, end("ii") + 3);
+    for (const char* inner :
+         {"i<tspan> i</tspan>", "i <tspan>i</tspan>", "<tspan letter-spacing='1e-9'>i i</tspan>"})
+        EXPECT_NEAR(end(inner), whole, 1) << inner;
+}
+
+// On straight paths text stands as it would under a transform that leads there.
+TEST_F(SvgTextDrawing, CharactersStandAlongPaths)
+{
+    const struct {
+        const char* onPath; // attributes of the textPath and its content
+        const char* plain;  // the same for a text
+    } cases[] = {{"path='M10 30H70'>A i", "transform='translate(10 30)'>A i"},
+                 {"path='M10 5V75'>MM", "transform='translate(10 5) rotate(90)'>MM"},
+                 {"path='M10 30H70' startOffset='20'>i", "x='30' y='30'>i"},
+                 {"path='M10 30H70' startOffset='50%'>i", "x='40' y='30'>i"},
+                 // 20 long under its own transform, of which it counts 2.
+                 {"href='#half' startOffset='1'>i", "x='50' y='30'>i"},
+                 {"path='M10 30H70' startOffset='100%' text-anchor='end'>MM",
+                  "x='70' y='30' text-anchor='end'>MM"},
+                 {"path='M10 30H70'><tspan dx='5' dy='9'>i</tspan>", "x='15' y='39'>i"},
+                 // Jumps have no length, and what has its middle beyond an end is left out.
+                 {"path='M10 30h4M38 30h30' startOffset='4'>i", "x='38' y='30'>i"},
+                 {"path='M10 30H70' startOffset='50'>iii", "x='60' y='30'>ii"}};
+    const auto text = [](const char* attributes, const char* element) {
+        return "<" + std::string(element) + " " + attributes + "</" + element + ">";
+    };
+    for (const auto& c : cases) {
+        const std::string path = "<defs><path id='half' pathLength='2' transform='translate(40) "
+                                 "scale(.5)' d='M0 60H40'/></defs>";
+        const Box along = boundsOf(path + "<text>" + text(c.onPath, "textPath") + "</text>");
+        EXPECT_TRUE(shortcomings.empty()) << c.onPath;
+        const Box plain = boundsOf(text(c.plain, "text"));
+        for (const auto side : {&Box::left, &Box::top, &Box::right, &Box::bottom})
+            EXPECT_NEAR(along.*side, plain.*side, 1) << c.onPath;
+    }
+    const Box after = boundsOf("<text><textPath path='M10 30H40'>i</textPath>M</text>");
+    EXPECT_NEAR(after.right, boundsOf("<text x='40' y='30'>M</text>").right, 1);
+    drawn("<text y='20'><textPath href='#none'>a</textPath></text>");
+    EXPECT_EQ(shortcomings.size(), 1u);
+}
+
 // A gradient or pattern of one colour looks like that colour.
 TEST_F(SvgTextDrawing, EveryPaintReachesAllGlyphsWithItsOpacity)
 {
