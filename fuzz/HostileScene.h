@@ -50,6 +50,10 @@ public:
         c.pickX = in.fixed();
         c.pickY = in.fixed();
         c.currentPaint = c.fillPaint;
+        readMask(clip_, c.clipMask);
+        const MMMask* into = nullptr;
+        readMask(into_, into);
+        if (into != nullptr) c.maskTarget = &into_.mask;
     }
 
     // An image whose memory ends with its last texel.
@@ -144,6 +148,32 @@ private:
                         : static_cast<int16_t>(static_cast<int32_t>(in_.below(80)) - 8);
     }
 
+    struct LevelledMask {
+        std::vector<uint8_t> levels;
+        MMMask mask;
+    };
+
+    // One in four, over any rectangle, of levels that repeat.
+    void readMask(LevelledMask& levelled, const MMMask*& named)
+    {
+        if (in_.below(4) != 3) return;
+        const int16_t left = static_cast<int16_t>(static_cast<int32_t>(in_.below(96)) - 16);
+        const int16_t top = static_cast<int16_t>(static_cast<int32_t>(in_.below(96)) - 16);
+        const uint16_t width = static_cast<uint16_t>(in_.below(80));
+        const uint16_t height = static_cast<uint16_t>(in_.below(80));
+        levelled.levels.resize(size_t{width} * height);
+        const uint32_t levels = in_.word();
+        for (size_t i = 0; i < levelled.levels.size(); ++i)
+            levelled.levels[i] = static_cast<uint8_t>(levels >> i / 5 % 4 * 8);
+        levelled.mask = {left,
+                         top,
+                         static_cast<int16_t>(left + width),
+                         static_cast<int16_t>(top + height),
+                         width,
+                         levelled.levels.empty() ? nullptr : levelled.levels.data()};
+        named = &levelled.mask;
+    }
+
     void readStops(MMPaint& paint)
     {
         const size_t count = in_.below(6);
@@ -162,4 +192,5 @@ private:
     std::vector<KAVO::Fixed> dashes_;
     std::vector<std::vector<KAVO::Pixel>> images_, colours_;
     std::vector<std::vector<KAVO::Fixed>> offsets_;
+    LevelledMask clip_, into_;
 };

@@ -2,6 +2,9 @@
 // Shapes of all kinds, above all encoded paths, drawn by a context in any state.
 #include "fuzz/HostileScene.h"
 #include "graphics2d/MMPathWords.h"
+#include "graphics2d/layers/MMLayer.h"
+
+#include <optional>
 
 using namespace KAVO;
 using namespace KAVO::Graphics2D;
@@ -28,6 +31,14 @@ std::vector<uint32_t> readPath(ByteReader& in)
     }
     words[1] = (words[1] & ~kPathSubpathMask) | std::min(words[1] & kPathSubpathMask, subpaths);
     return words;
+}
+
+MMLayerOptions readLayer(ByteReader& in)
+{
+    MMLayerOptions options;
+    options.opacity = in.byte();
+    options.blendMode = static_cast<MMBlendMode>(in.byte());
+    return options;
 }
 
 std::vector<MMPoint2D> readPolygon(ByteReader& in)
@@ -90,6 +101,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const bool isPath = in.below(4) != 0;
     HostileScene scene(in, true);
     bool dashed = scene.context.dashCount != 0;
+    std::optional<MMLayer> layer, inner;
+    if (!dashed && in.below(4) == 3) {
+        layer.emplace(scene.context, readLayer(in));
+        if (in.below(2) != 0) inner.emplace(scene.context, 3, -4, 50, 40, readLayer(in));
+    }
     if (isPath) {
         const Fixed step = in.fixed();
         const std::vector<uint32_t> path = readPath(in);
@@ -99,6 +115,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     } else {
         dashed = drawShape(in, scene.context);
     }
+    inner.reset();
+    layer.reset();
     scene.check(dashed);
     return 0;
 }

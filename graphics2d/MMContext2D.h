@@ -44,6 +44,7 @@
 #include "../math/Matrix2D.h"
 #include "../memory/MMCacheContext.h"
 #include "../memory/MMStackContext.h"
+#include "MMLayerSurface.h"
 #include "MMLinkPath.h"
 #include "MMMask.h"
 #include "MMPaint.h"
@@ -71,8 +72,6 @@ constexpr uint16_t kScratchExhausted = 1;
 // The bounds fields of an operation that drew nothing.
 constexpr Fixed kEmptyBoundsMin = 0x7FFFFFFF;
 constexpr Fixed kEmptyBoundsMax = -0x7FFFFFFF;
-
-struct LayerSurface;
 
 #pragma GCC visibility push(default)
 
@@ -454,7 +453,7 @@ public:
     // draw nothing. clipMask counts here too: so a clip is drawn inside another.
     MMMask* maskTarget;
 
-    LayerSurface* layer; // INNER: where the innermost MMLayer is drawn
+    const MMLayerSurface* layer; // INNER: where the innermost MMLayer is drawn
 };
 
 // Turns every run of tabs, line ends and spaces into one space, also at both ends; dst may be src.

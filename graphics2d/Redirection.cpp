@@ -6,30 +6,29 @@
 namespace KAVO {
 namespace Graphics2D {
 
-void LayerSurface::prepare(const PixelBox& part)
+void prepareLayer(const MMLayerSurface& layer, const PixelBox& part)
 {
-    const PixelBox common = commonBox(part, box);
+    const PixelBox common = commonBox(part, boxOf(layer));
     if (common.empty()) return;
     const int16_t first = static_cast<int16_t>(common.left);
     const int16_t end = static_cast<int16_t>(common.right);
     for (int32_t row = common.top; row < common.bottom; ++row) {
-        ColumnRange& range = prepared[row - box.top];
-        Pixel* const columns = rowAt(row);
+        MMLayerSurface::Columns& columns = layer.prepared[row - layer.top];
         const auto clear = [&](int32_t from, int32_t to) {
-            std::fill(columns + (from - box.left), columns + (to - box.left), 0u);
+            std::fill_n(layerRow(layer, row) + (from - layer.left), to - from, 0u);
         };
-        if (range.first >= range.end) {
+        if (columns.first >= columns.end) {
             clear(first, end);
-            range = {first, end};
+            columns = {first, end};
             continue;
         }
-        if (first < range.first) {
-            clear(first, range.first);
-            range.first = first;
+        if (first < columns.first) {
+            clear(first, columns.first);
+            columns.first = first;
         }
-        if (end > range.end) {
-            clear(range.end, end);
-            range.end = end;
+        if (end > columns.end) {
+            clear(columns.end, end);
+            columns.end = end;
         }
     }
 }
@@ -63,8 +62,7 @@ PixelBox redirectedBox(const MMContext2D& context)
     if (context.maskTarget != nullptr)
         box = commonBox(box, boxOf(*context.maskTarget));
     else if (target.pixels != nullptr)
-        box = commonBox(box, context.layer != nullptr ? commonBox(context.layer->box, whole(target))
-                                                      : whole(target));
+        box = commonBox(box, context.layer != nullptr ? boxOf(*context.layer) : whole(target));
     else
         return {0, 0, 0, 0};
     if (context.clipMask != nullptr) box = commonBox(box, boxOf(*context.clipMask));

@@ -5,35 +5,12 @@
 // All of it is asked for once per polygon and once per run of glyphs, by isRedirected.
 #pragma once
 
+#include "graphics2d/MMLayerSurface.h"
 #include "graphics2d/MMMask.h"
 #include "graphics2d/PixelBox.h"
 
 namespace KAVO {
 namespace Graphics2D {
-
-// The columns of a row from first to end - 1; none where end is not greater.
-struct ColumnRange {
-    int16_t first;
-    int16_t end;
-};
-
-// The pixels of an open layer. They are cleared when something is about to be drawn there and not
-// before, so that a layer costs what is drawn into it.
-struct LayerSurface {
-    PixelBox box;              // device pixels
-    Pixel* pixels;             // of (box.left, box.top)
-    uint32_t rowPixels;        // from one row to the next
-    ColumnRange* prepared;     // of each row, the columns that are cleared or drawn
-    const MMMask* outerMask;   // what clips the layer, or null: inside it only picking asks
-    const LayerSurface* outer; // the layer around this one, or null
-
-    // Clears what has not been cleared of a box.
-    void prepare(const PixelBox& part);
-    Pixel* rowAt(int32_t row) const
-    {
-        return pixels + static_cast<size_t>(row - box.top) * rowPixels;
-    }
-};
 
 // A build may leave masks and layers out (MM2D_BUILD_LAYERS); the fields are there all the same.
 #ifdef MM2D_WITHOUT_LAYERS
@@ -50,6 +27,21 @@ inline bool isRedirected(const MMContext2D& context)
 
 // The mask's rectangle, empty when it has no levels.
 PixelBox boxOf(const MMMask& mask);
+
+inline PixelBox boxOf(const MMLayerSurface& layer)
+{
+    return {layer.left, layer.top, layer.right, layer.bottom};
+}
+
+// Of the first column of the layer's rectangle.
+inline Pixel* layerRow(const MMLayerSurface& layer, int32_t row)
+{
+    const size_t width = static_cast<size_t>(layer.right - layer.left);
+    return layer.pixels + static_cast<size_t>(row - layer.top) * width;
+}
+
+// Clears what has not been cleared of a part of a layer.
+void prepareLayer(const MMLayerSurface& layer, const PixelBox& part);
 
 PixelBox commonBox(const PixelBox& a, const PixelBox& b);
 

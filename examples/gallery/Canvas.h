@@ -78,6 +78,9 @@ void drawPositionScene(Canvas& canvas);
 void drawPaintScene(Canvas& canvas);
 void drawImageScene(Canvas& canvas);
 
+void drawBlendScene(Canvas& canvas);
+void drawGroupScene(Canvas& canvas);
+
 void drawModesScene(Canvas& canvas);
 
 void drawSizeScene(Canvas& canvas);

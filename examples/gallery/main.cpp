@@ -10,10 +10,10 @@ namespace {
 using Scene = void (*)(Canvas&);
 
 constexpr Scene kScenes[] = {
-    drawFillScene,    drawRoundedScene,  drawArcScene,      drawJoinScene,
-    drawDashScene,    drawHairlineScene, drawCrossingScene, drawPositionScene,
-    drawPaintScene,   drawImageScene,    drawSizeScene,     drawLetterScene,
-    drawEnglishScene, drawChineseScene,  drawThaiScene,     drawModesScene};
+    drawFillScene,     drawRoundedScene,  drawArcScene,      drawJoinScene,    drawDashScene,
+    drawHairlineScene, drawCrossingScene, drawPositionScene, drawPaintScene,   drawImageScene,
+    drawSizeScene,     drawLetterScene,   drawEnglishScene,  drawChineseScene, drawThaiScene,
+    drawBlendScene,    drawGroupScene,    drawModesScene};
 
 constexpr int kColumns = 3;
 constexpr int kGap = 10;

@@ -7,6 +7,7 @@
 #include <graphics2d/convenience/MMGradient.h>
 #include <graphics2d/convenience/MMPathBuilder.h>
 #include <graphics2d/convenience/MMText.h>
+#include <graphics2d/layers/MMLayer.h>
 
 using KAVO::Fixed;
 using KAVO::Pixel;
@@ -40,6 +41,9 @@ void scrollList(MMContext2D& context, List& list, int32_t rows);
 // Draws the upper and the lower half of a picture at the same time.
 void drawInTwoThreads(Pixel* pixels, int32_t width, int32_t height,
                       void (*draw)(MMContext2D& context));
+
+void drawClipped(MMContext2D& context);
+void drawGroups(MMContext2D& context);
 
 // Draws a picture that is never in memory as a whole.
 constexpr int32_t kBandRows = 16;

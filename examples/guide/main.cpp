@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
 
 using namespace KAVO;
 using namespace KAVO::Graphics2D;
@@ -12,7 +13,7 @@ using namespace KAVO::Graphics2D;
 namespace {
 
 constexpr int kGap = 8;
-constexpr int kColumns = 5;
+constexpr int kColumns = 4;
 
 void drawHits(MMContext2D& context)
 {
@@ -62,8 +63,9 @@ void drawBanded(MMContext2D& context)
 }
 
 constexpr void (*kRecipes[])(MMContext2D&) = {
-    fillShapes,  strokeLines, paintGradients, drawImages,   drawLabels,
-    drawWrapped, drawHits,    drawScrolled,   drawThreaded, drawBanded};
+    fillShapes, strokeLines,  paintGradients, drawImages, drawLabels,  drawWrapped,
+    drawHits,   drawScrolled, drawThreaded,   drawBanded, drawClipped, drawGroups};
+constexpr int kRows = (static_cast<int>(std::size(kRecipes)) + kColumns - 1) / kColumns;
 
 } // namespace
 
@@ -73,7 +75,7 @@ int main(int argc, char** argv)
         std::fputs("usage: guide OUTPUT.png [FONT]\n", stderr);
         return 1;
     }
-    Picture sheet(kColumns * (kRecipeWidth + kGap) + kGap, 2 * (kRecipeHeight + kGap) + kGap,
+    Picture sheet(kColumns * (kRecipeWidth + kGap) + kGap, kRows * (kRecipeHeight + kGap) + kGap,
                   0xFFE4E7EB);
     int index = 0;
     for (const auto recipe : kRecipes) {

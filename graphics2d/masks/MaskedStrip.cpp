@@ -385,7 +385,7 @@ void pickThroughMasks(MMContext2D& context)
     const int32_t column = fixFloor(context.pickX);
     const int32_t row = context.spanRow;
     if (!shows(context.clipMask, column, row)) return;
-    for (const LayerSurface* layer = context.layer; layer != nullptr; layer = layer->outer)
+    for (const MMLayerSurface* layer = context.layer; layer != nullptr; layer = layer->outer)
         if (!shows(layer->outerMask, column, row)) return;
     context.drawPickingStrip();
 }

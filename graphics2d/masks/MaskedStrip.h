@@ -17,7 +17,7 @@ inline void prepareTarget(const MMContext2D& context, const PixelBox& box)
     if (context.layer == nullptr || context.maskTarget != nullptr) return;
     // A pixel more on the left and two on the right: classic spans may be rounded to there, and
     // read their right-hand neighbours.
-    context.layer->prepare({box.left - 1, box.top, box.right + 2, box.bottom});
+    prepareLayer(*context.layer, {box.left - 1, box.top, box.right + 2, box.bottom});
 }
 
 // Whether spans of the current paint meet a mask. Picking asks those around the open layers, too.

@@ -195,6 +195,25 @@ TEST(Guide, BandsMakeTheSamePicture)
     EXPECT_TRUE(bands.pixels == whole.pixels);
 }
 
+TEST(Guide, Clip)
+{
+    Panel panel;
+    drawClipped(panel.context);
+    expectNear(panel.at(60, 11), 0xFF1D4E89, 8); // the top of the disc, where the gradient begins
+    EXPECT_EQ(panel.at(12, 12), kWhite);
+    EXPECT_GT(panel.ink(0, kRecipeHeight).second, 150); // letters, too
+}
+
+TEST(Guide, Layers)
+{
+    Panel panel;
+    drawGroups(panel.context);
+    expectNear(panel.at(20, 40), 0xFF8EA6C4, 2);  // half white, half 1D4E89
+    expectNear(panel.at(52, 40), 0xFFEFCF9E, 2);  // half E09F3E: nothing of the other disc
+    expectNear(panel.at(144, 58), 0xFF000000, 2); // all three inks
+    expectNear(panel.at(115, 40), 0xFF00FFFF, 2);
+}
+
 } // namespace
 
 int main(int argc, char** argv)

@@ -4,6 +4,9 @@
 
 #include "math/FixedMath.h"
 #include "tests/pictures/Canvas.h"
+#ifndef MM2D_WITHOUT_LAYERS
+#include "tests/pictures/LayerScenes.h"
+#endif
 
 namespace KAVO::Graphics2D::pictures {
 
@@ -196,6 +199,15 @@ const Scene kScenes[] = {
     {"text-pattern", [](Canvas& c) { c.pattern(kFilterBilinear), c.texts(); }, true},
     {"text-placed", placedText},
     {"text-wrapped", wrappedText, true},
+#ifndef MM2D_WITHOUT_LAYERS
+    // Masks and layers.
+    {"mask-clip", maskClip, true},
+    {"mask-text", maskText},
+    {"mask-soft", maskSoft},
+    {"layer-opacity", layerOpacity, true},
+    {"layer-blend-modes", layerBlendModes},
+    {"layer-operators", layerOperators},
+#endif
 };
 
 } // namespace KAVO::Graphics2D::pictures
