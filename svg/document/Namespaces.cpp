@@ -23,10 +23,17 @@ struct Binding {
 
 class Resolver : public pugi::xml_tree_walker {
 public:
+    // Names without a prefix are of SVG where nothing else is said, unless the root has one.
+    explicit Resolver(std::string_view rootName)
+        : bindings_{{0, "", rootName.find(':') == rootName.npos ? kSvg : ""},
+                    {0, "svg", kSvg},
+                    {0, "xlink", kXlink}}
+    {
+    }
     bool for_each(pugi::xml_node& node) override
     {
         if (node.type() != pugi::node_element) return true;
-        resolve(node, depth() + 1);
+        resolve(node, depth() + 2); // the root is at 1, and its children are at 0 here
         return true;
     }
     void resolve(pugi::xml_node node, int depth);
@@ -34,7 +41,7 @@ public:
 private:
     std::string_view nameOf(std::string_view prefix) const;
 
-    std::vector<Binding> bindings_{{0, "", kSvg}, {0, "svg", kSvg}, {0, "xlink", kXlink}};
+    std::vector<Binding> bindings_;
 };
 
 std::string_view Resolver::nameOf(std::string_view prefix) const
@@ -79,7 +86,7 @@ void Resolver::resolve(pugi::xml_node node, int depth)
 
 void resolveNamespaces(pugi::xml_node root)
 {
-    Resolver resolver;
+    Resolver resolver(root.name());
     resolver.resolve(root, 1);
     root.traverse(resolver);
 }

@@ -130,15 +130,7 @@ Shape makePoly(const char* points, bool closed)
     return shape;
 }
 
-} // namespace
-
-bool isShape(std::string_view name)
-{
-    return name == "path" || name == "rect" || name == "circle" || name == "ellipse" ||
-           name == "line" || name == "polyline" || name == "polygon";
-}
-
-Shape makeShape(pugi::xml_node node, const Properties& properties, const LengthContext& context)
+Shape makeOutline(pugi::xml_node node, const Properties& properties, const LengthContext& context)
 {
     const std::string_view name = node.name();
     const Lengths lengths(node, properties, context);
@@ -155,6 +147,22 @@ Shape makeShape(pugi::xml_node node, const Properties& properties, const LengthC
     } else if (name == "path") {
         shape.malformed = !parsePath(node.attribute("d").value(), shape.outline);
     }
+    return shape;
+}
+
+} // namespace
+
+bool isShape(std::string_view name)
+{
+    return name == "path" || name == "rect" || name == "circle" || name == "ellipse" ||
+           name == "line" || name == "polyline" || name == "polygon";
+}
+
+Shape makeShape(pugi::xml_node node, const Properties& properties, const LengthContext& context)
+{
+    Shape shape = makeOutline(node, properties, context);
+    const double pathLength = node.attribute("pathLength").as_double();
+    if (pathLength > 0 && std::isfinite(pathLength)) shape.pathLength = pathLength;
     return shape;
 }
 

@@ -24,6 +24,7 @@ struct RoundedBox {
 struct Shape {
     Outline outline;               // always there
     std::optional<RoundedBox> box; // the same, when it is one with round corners
+    double pathLength = 0;         // of the outline as the author has it; 0: not given
     bool malformed = false;        // its data broke off; what stands before is in the outline
 };
 

@@ -36,6 +36,12 @@ double alignment(std::string_view keyword, double room)
 
 } // namespace
 
+bool isEmptyViewBox(const char* text)
+{
+    const std::vector<double> v = parseNumbers(text);
+    return v.size() == 4 && v[2] >= 0 && v[3] >= 0 && (v[2] == 0 || v[3] == 0);
+}
+
 std::optional<Box> parseViewBox(const char* text)
 {
     const std::vector<double> v = parseNumbers(text);

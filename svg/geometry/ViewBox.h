@@ -9,6 +9,9 @@
 namespace KAVO {
 namespace Svg {
 
+// A viewBox attribute without width or height, in which nothing is drawn.
+bool isEmptyViewBox(const char* text);
+
 // A viewBox attribute; nothing when it is empty or malformed.
 std::optional<Box> parseViewBox(const char* text);
 

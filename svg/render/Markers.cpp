@@ -72,6 +72,7 @@ void Renderer::drawMarker(pugi::xml_node marker, const Vertex& vertex, bool firs
     };
     const Size size{length("markerWidth", Axis::X, 3), length("markerHeight", Axis::Y, 3)};
     if (!(size.width > 0 && size.height > 0)) return;
+    if (isEmptyViewBox(marker.attribute("viewBox").value())) return;
     const bool inStrokes =
         marker.attribute("markerUnits").value() != std::string_view("userSpaceOnUse");
     const double unit = inStrokes ? state.style.strokeWidth : 1;

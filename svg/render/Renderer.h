@@ -143,8 +143,8 @@ private:
                    Picture& tiles);
     bool sampleTiles(const Tiling& tiling, State state, const PixelArea& area, Picture& tiles);
     Tiling readTiling(pugi::xml_node pattern, const State& state, const Box& userBounds) const;
-    void setPen(const State& state, const PathSpace& space);
-    void setDashes(const Style& style, const PathSpace& space);
+    void setPen(const Shape& shape, const State& state, const PathSpace& space);
+    void setDashes(const Shape& shape, const Style& style, const PathSpace& space);
     Box visiblePart(const Box& userBounds, const State& state) const;
 
     // --- Images: Images.cpp

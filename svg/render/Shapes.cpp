@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Shapes: their fills, strokes and pens.
-#include "svg/geometry/Shapes.h"
-
+#include "svg/geometry/PathWalk.h"
 #include "svg/render/Renderer.h"
 
 namespace KAVO {
@@ -32,7 +31,8 @@ private:
 void Renderer::drawShape(pugi::xml_node node, const Properties& properties, const State& state)
 {
     const Shape shape = makeShape(node, properties, state.style.lengths(state.viewport));
-    if (shape.malformed) note("malformed path data", node);
+    if (shape.malformed)
+        note(node.attribute("points") ? "malformed points" : "malformed path data", node);
     const std::string_view name = node.name();
     if (!shape.outline.empty())
         drawOutline(shape, state,
@@ -45,8 +45,9 @@ void Renderer::drawOutline(const Shape& shape, const State& state, bool markers)
     const Box bounds = shape.outline.bounds();
     const CrispEdges crisp(context_, state.style.crisp);
     for (const PaintStep step : state.style.paintOrder) {
+        if (!state.style.visible) return;
         if (step == PaintStep::Markers && markers && !clipping_) drawMarkers(shape.outline, state);
-        if (!state.style.visible || !space || bounds.empty()) continue;
+        if (!space || bounds.empty()) continue;
         if (step == PaintStep::Fill) drawFill(shape, *space, state, bounds);
         if (step == PaintStep::Stroke) drawStroke(shape, *space, state, bounds);
     }
@@ -75,16 +76,17 @@ void Renderer::drawStroke(const Shape& shape, const PathSpace& space, const Stat
         // The pen is a circle of device pixels.
         Shape mapped;
         mapped.outline = shape.outline.mapped(state.toDevice);
+        mapped.pathLength = shape.pathLength;
         const std::optional<PathSpace> device = PathSpace::make(Affine(), targetCentre());
         if (!setStroke(state, bounds)) return;
-        setPen(state, *device);
+        setPen(mapped, state, *device);
         context_.fillPaint.paintType = kPaintNone;
         drawGeometry(mapped, *device);
         return;
     }
     const Box deviceBox = state.toDevice.mapBox(drawn);
     if (isOutside(deviceBox) || !setStroke(state, bounds)) return;
-    setPen(state, space);
+    setPen(shape, state, space);
     context_.fillPaint.paintType = kPaintNone;
     drawGeometry(shape, space);
 }
@@ -122,25 +124,28 @@ bool Renderer::drawRoundedBox(const RoundedBox& box, const PathSpace& space)
     return true;
 }
 
-void Renderer::setPen(const State& state, const PathSpace& space)
+void Renderer::setPen(const Shape& shape, const State& state, const PathSpace& space)
 {
     const Style& style = state.style;
     context_.strokeHalfWidth = std::max(1, space.length(style.strokeWidth / 2));
     context_.miterLimit = toFixed(style.miterLimit);
     context_.joinStyle = style.join;
     context_.capStyle = style.cap;
-    setDashes(style, space);
+    setDashes(shape, style, space);
 }
 
-void Renderer::setDashes(const Style& style, const PathSpace& space)
+void Renderer::setDashes(const Shape& shape, const Style& style, const PathSpace& space)
 {
     dashes_.clear();
     context_.dashArray = nullptr;
     if (!style.dashes) return;
+    // Of the dashes, in user units.
+    const double unit =
+        shape.pathLength > 0 ? PathWalk(shape.outline).length() / shape.pathLength : 1;
     double period = 0;
     for (size_t rounds = style.dashes->size() % 2 == 0 ? 1 : 2; rounds > 0; --rounds) {
         for (const double dash : *style.dashes) {
-            dashes_.push_back(space.length(dash));
+            dashes_.push_back(space.length(dash * unit));
             period += dash;
         }
     }
@@ -148,7 +153,7 @@ void Renderer::setDashes(const Style& style, const PathSpace& space)
     context_.dashArray = dashes_.data();
     context_.dashCount = static_cast<uint16_t>(dashes_.size());
     const double offset = std::fmod(style.dashOffset, period);
-    context_.dashOffset = toFixed((offset < 0 ? offset + period : offset) * space.scale);
+    context_.dashOffset = toFixed((offset < 0 ? offset + period : offset) * unit * space.scale);
 }
 
 } // namespace Svg

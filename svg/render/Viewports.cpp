@@ -58,8 +58,12 @@ void Renderer::drawSvg(pugi::xml_node node, const Properties& properties, const 
     const Viewport& outer = state.viewport;
     const double x = parseLength(properties[Property::X], lengths, Axis::X, 0);
     const double y = parseLength(properties[Property::Y], lengths, Axis::Y, 0);
-    const Size size{parseLength(properties[Property::Width], lengths, Axis::X, outer.width),
-                    parseLength(properties[Property::Height], lengths, Axis::Y, outer.height)};
+    const auto side = [&](Property property, Axis axis, double whole) {
+        const double given = parseLength(properties[property], lengths, axis, whole);
+        return given < 0 ? whole : given;
+    };
+    const Size size{side(Property::Width, Axis::X, outer.width),
+                    side(Property::Height, Axis::Y, outer.height)};
     drawViewport(node, state, size, translation(x, y));
 }
 
@@ -67,6 +71,7 @@ void Renderer::drawSvg(pugi::xml_node node, const Properties& properties, const 
 void Renderer::drawViewport(pugi::xml_node node, State state, const Size& size, const Affine& place)
 {
     if (!(size.width > 0 && size.height > 0)) return;
+    if (isEmptyViewBox(node.attribute("viewBox").value())) return;
     state.toDevice = state.toDevice * place;
     const Affine outer = state.toDevice;
     state.viewport.width = size.width;

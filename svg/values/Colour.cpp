@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "svg/values/Colour.h"
 
+#include "svg/values/ColourSpaces.h"
 #include "svg/values/NamedColours.h"
 #include "svg/values/TextScanner.h"
 
@@ -52,20 +53,32 @@ struct Component {
     bool percent = false;
 };
 
+// The end of a function: its parenthesis, or that of the text.
+bool closes(TextScanner& scanner)
+{
+    scanner.skipSpace();
+    return scanner.character(')') || scanner.atEnd();
+}
+
 // Between the parentheses: three numbers and perhaps an alpha, separated by commas, or by white
-// space with a slash before the alpha.
+// space with a slash before the alpha, where none stands for 0.
 bool parseComponents(TextScanner& scanner, Component (&components)[4], int& count)
 {
     bool commas = false;
+    bool hasNone = false;
     for (count = 0; count < 4; ++count) {
-        scanner.skipSpace();
-        if (scanner.character(')')) return count == 3;
+        if (closes(scanner)) return count == 3;
         if (count == 1) commas = scanner.character(',');
+        if (commas && hasNone) return false;
         if (count == 2 && commas && !scanner.character(',')) return false;
         if (count == 3 && !scanner.character(commas ? ',' : '/')) return false;
         scanner.skipSpace();
         Component& component = components[count];
-        if (!scanner.number(component.value)) return false;
+        if (!scanner.number(component.value)) {
+            if (scanner.word() != "none") return false;
+            hasNone = true;
+            continue;
+        }
         if (scanner.character('%')) {
             component.percent = true;
             continue;
@@ -80,8 +93,7 @@ bool parseComponents(TextScanner& scanner, Component (&components)[4], int& coun
         else if (!unit.empty() && unit != "deg")
             return false;
     }
-    scanner.skipSpace();
-    return scanner.character(')');
+    return closes(scanner);
 }
 
 uint32_t byteOf(double part)
@@ -89,9 +101,9 @@ uint32_t byteOf(double part)
     return static_cast<uint32_t>(std::lround(std::clamp(part, 0.0, 1.0) * 255));
 }
 
-uint32_t pack(double red, double green, double blue)
+uint32_t pack(const Rgb& c)
 {
-    return byteOf(red) << 16 | byteOf(green) << 8 | byteOf(blue);
+    return byteOf(c[0]) << 16 | byteOf(c[1]) << 8 | byteOf(c[2]);
 }
 
 // The channel of a pure hue, 0 to 1: offset 0 for red, 8 for green, 4 for blue.
@@ -103,27 +115,64 @@ double hueChannel(double degrees, double offset, double saturation, double light
     return lightness - reach * std::max(-1.0, std::min({k - 3, 9 - k, 1.0}));
 }
 
+// hsl() or hwb().
+Rgb rgbOfHue(bool hwb, double degrees, double firstPercent, double secondPercent)
+{
+    const double first = std::clamp(firstPercent / 100, 0.0, 1.0);
+    const double second = std::clamp(secondPercent / 100, 0.0, 1.0);
+    const auto channel = [&](double offset) {
+        if (!hwb) return hueChannel(degrees, offset, first, second);
+        if (first + second >= 1) return first / (first + second); // white and black alone
+        return hueChannel(degrees, offset, 1, 0.5) * (1 - first - second) + first;
+    };
+    return {channel(0), channel(8), channel(4)};
+}
+
+// lab(), lch() and their like, by what a whole of a hundred stands for.
+Rgb rgbOfLab(std::string_view name, const Component (&c)[4])
+{
+    const bool isOk = name.substr(0, 2) == "ok";
+    const bool polar = name.substr(name.size() - 2) == "ch";
+    const double wholeLightness = isOk ? 1 : 100;
+    const double wholeAxis = isOk ? 0.4 : polar ? 150 : 125;
+    const auto part = [](const Component& x, double whole) {
+        return x.percent ? x.value / 100 * whole : x.value;
+    };
+    const double lightness = std::clamp(part(c[0], wholeLightness), 0.0, wholeLightness);
+    double a = part(c[1], wholeAxis);
+    double b = part(c[2], wholeAxis);
+    if (polar) {
+        const double hue = c[2].value * std::acos(-1.0) / 180;
+        b = std::max(0.0, a) * std::sin(hue);
+        a = std::max(0.0, a) * std::cos(hue);
+    }
+    return isOk ? oklabToSrgb(lightness, a, b) : labToSrgb(lightness, a, b);
+}
+
 std::optional<uint32_t> parseFunction(std::string_view name, TextScanner& scanner)
 {
+    std::string_view space; // of color()
+    if (name == "color") {
+        scanner.skipSpace();
+        space = scanner.word();
+    }
     Component c[4];
     int count = 0;
     if (!parseComponents(scanner, c, count)) return std::nullopt;
-    uint32_t rgb = 0;
-    if (name.substr(0, 3) == "rgb") {
+    Rgb rgb{};
+    if (name == "rgb" || name == "rgba") {
         const auto part = [](const Component& x) { return x.value / (x.percent ? 100 : 255); };
-        rgb = pack(part(c[0]), part(c[1]), part(c[2]));
+        rgb = {part(c[0]), part(c[1]), part(c[2])};
+    } else if (name == "color") {
+        const auto part = [](const Component& x) { return x.value / (x.percent ? 100 : 1); };
+        if (!spaceToSrgb(space, {part(c[0]), part(c[1]), part(c[2])}, rgb)) return std::nullopt;
+    } else if (name[0] == 'h') {
+        rgb = rgbOfHue(name == "hwb", c[0].value, c[1].value, c[2].value);
     } else {
-        const double first = std::clamp(c[1].value / 100, 0.0, 1.0);
-        const double second = std::clamp(c[2].value / 100, 0.0, 1.0);
-        const auto hue = [&](double offset) {
-            if (name != "hwb") return hueChannel(c[0].value, offset, first, second);
-            if (first + second >= 1) return first / (first + second); // white and black alone
-            return hueChannel(c[0].value, offset, 1, 0.5) * (1 - first - second) + first;
-        };
-        rgb = pack(hue(0), hue(8), hue(4));
+        rgb = rgbOfLab(name, c);
     }
     const double alpha = count < 4 ? 1 : c[3].value / (c[3].percent ? 100 : 1);
-    return byteOf(alpha) << 24 | rgb;
+    return byteOf(alpha) << 24 | pack(rgb);
 }
 
 std::optional<uint32_t> parseOne(TextScanner& scanner, uint32_t current)
@@ -132,7 +181,8 @@ std::optional<uint32_t> parseOne(TextScanner& scanner, uint32_t current)
     const std::string_view word = scanner.word();
     if (word == "currentcolor") return current;
     if (word == "transparent") return 0;
-    for (const std::string_view function : {"rgb", "rgba", "hsl", "hsla", "hwb"}) {
+    for (const std::string_view function :
+         {"rgb", "rgba", "hsl", "hsla", "hwb", "lab", "lch", "oklab", "oklch", "color"}) {
         if (word == function && scanner.character('(')) return parseFunction(word, scanner);
     }
     return findNamedColour(word);

@@ -120,6 +120,25 @@ TEST(SvgColour, EveryNotation)
         {"hsl(0.5turn 0% 20%)", 0xFF333333},
         {"hwb(0 20% 20%)", 0xFFCC3333}, // red from 20 % to 80 %
         {"hwb(90 60% 60%)", 0xFF808080},
+        {"rgb(1 2 3", 0xFF010203}, // closed by the end
+        {"rgb(none 2 3 / none)", 0x00000203},
+        {"hsl(none 0% 20%)", 0xFF333333},
+        // Greys: a light of (66/116)^3 is coded as 0.4663, one of 0.5^3 as 0.3886. Red and blue as
+        // other spaces have them.
+        {"lab(50% 0 0)", 0xFF777777},
+        {"lch(50 0 120 / 20%)", 0x33777777},
+        {"oklab(0.5 0 0)", 0xFF636363},
+        {"oklch(50% 0% none)", 0xFF636363},
+        {"lab(54.29% 80.805 69.891)", 0xFFFF0000},
+        {"lch(54.29% 106.84 40.858deg)", 0xFFFF0000},
+        {"oklab(0.452014 -0.032457 -0.311528)", 0xFF0000FF},
+        {"oklch(62.7955% 0.257683 29.2339)", 0xFFFF0000},
+        {"color(srgb 1 50% 0 / .2)", 0x33FF8000},
+        {"color(srgb-linear 0.125 .125 12.5%)", 0xFF636363},
+        {"color(display-p3 1 1 1)", 0xFFFFFFFF},
+        {"color(display-p3 .4 .4 .4)", 0xFF666666},
+        {"color(display-p3 0 1 0)", 0xFF00FF00}, // greener than that can be shown
+        {"RebeccaPurple", 0xFF663399},
         {"transparent", 0},
         {"aliceblue", 0xFFF0F8FF},
         {"YellowGreen", 0xFF9ACD32},
@@ -129,7 +148,8 @@ TEST(SvgColour, EveryNotation)
     for (const auto& [text, expected] : cases)
         EXPECT_EQ(findColour(text, current).value_or(1), expected) << text;
     for (const char* text :
-         {"", "none", "#12", "#12345", "#12345g", "rgb(1,2)", "rgb(1 2 3", "no", "red blue",
+         {"", "none", "#12", "#12345", "#12345g", "rgb(1,2)", "rgb(1 2", "rgb(none,2,3)",
+          "rgb(1 2 3 / 4) 5", "lab(1 2)", "color(cmyk 1 2 3)", "color(1 2 3)", "no", "red blue",
           "rgb(1 2, 3)", "rgb(1, 2, 3 / 4)", "rgb(1 2 3 4)", "hsl(1 2)", "rgb(1,2,3,4,5)"})
         EXPECT_FALSE(findColour(text, current)) << text;
 }

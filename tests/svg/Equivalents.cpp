@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: MIT
+// Pairs of drawings that look the same: a feature beside what it stands for.
+#include "tests/svg/Drawing.h"
+
+namespace {
+
+struct Pair {
+    std::string feature;
+    std::string plain;
+};
+
+void expectSame(const Pair& pair)
+{
+    constexpr int kSide = 40;
+    const KAVO::Svg::Picture feature = drawn(pair.feature, kSide, kSide);
+    const KAVO::Svg::Picture plain = drawn(pair.plain, kSide, kSide);
+    EXPECT_TRUE(feature.pixels == plain.pixels) << pair.feature << "\nis not\n" << pair.plain;
+}
+
+// Inside a drawing of 40 by 40; an empty one must stay white.
+void expectSameElements(std::initializer_list<Pair> pairs)
+{
+    for (const Pair& pair : pairs)
+        expectSame({"<svg width='40' height='40'>" + pair.feature + "</svg>",
+                    "<svg width='40' height='40'>" + pair.plain + "</svg>"});
+}
+
+TEST(SvgEquivalents, Namespaces)
+{
+    const std::string plain = "<svg width='40' height='40'><rect width='9' height='9'/></svg>";
+    const std::string names = "xmlns:v='http://www.w3.org/2000/svg' "
+                              "xmlns:l='http://www.w3.org/1999/xlink' width='40' height='40'";
+    for (const std::string& feature :
+         {"<v:svg " + names + "><v:rect width='9' height='9'/></v:svg>",
+          "<v:svg " + names + "><v:g><v:g/></v:g><v:rect width='9' height='9'/></v:svg>",
+          "<v:svg " + names + "><v:defs><v:rect id='r' width='9' height='9'/></v:defs>" +
+              "<v:use l:href='#r'/></v:svg>",
+          "<v:svg " + names + "><v:rect width='9' height='9'/><rect width='40' height='40'/>" +
+              "<rect xmlns='http://elsewhere' width='40' height='40'/></v:svg>",
+          "<v:svg " + names + "><rect xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>" +
+              "</v:svg>"})
+        expectSame({feature, plain});
+}
+
+TEST(SvgEquivalents, Visibility)
+{
+    expectSameElements(
+        {{"<marker id='m'><circle r='9'/></marker><path d='M9 9H30' visibility='hidden' "
+          "stroke='red' marker-start='url(#m)'/>",
+          ""},
+         {"<g visibility='hidden'><circle r='9'/><circle r='5' visibility='visible'/></g>",
+          "<circle r='5'/>"},
+         {"<g display='none'><circle r='9' display='inline'/></g>", ""}});
+}
+
+TEST(SvgEquivalents, PathLengthsMeasureDashes)
+{
+    const std::string dashed = "<path fill='none' stroke='red' stroke-width='4' d='M0 20H40' ";
+    const std::string plain = dashed + "stroke-dasharray='8 4' stroke-dashoffset='6'/>";
+    expectSameElements(
+        {{dashed + "pathLength='20' stroke-dasharray='4 2' stroke-dashoffset='3'/>", plain},
+         {dashed + "pathLength='80' stroke-dasharray='16 8' stroke-dashoffset='12'/>", plain},
+         {dashed + "pathLength='-1' stroke-dasharray='8 4' stroke-dashoffset='6'/>", plain},
+         {dashed + "pathLength='20' transform='scale(.5)' vector-effect='non-scaling-stroke' "
+                   "stroke-dasharray='4 2'/>",
+          "<path fill='none' stroke='red' stroke-width='4' d='M0 10H20' stroke-dasharray='4 2'/>"},
+         {"<rect width='30' height='20' stroke='red' pathLength='10' stroke-dasharray='1'/>",
+          "<rect width='30' height='20' stroke='red' stroke-dasharray='10'/>"}});
+}
+
+TEST(SvgEquivalents, Viewports)
+{
+    expectSameElements({{"<svg viewBox='0 0 0 9' width='20' height='20'><circle r='9'/></svg>", ""},
+                        {"<svg viewBox='0 0 9 -9' width='20' height='20'><circle r='9'/></svg>",
+                         "<circle r='9'/>"},
+                        {"<svg x='9' y='9' width='-9' height='20'><circle cx='9' r='9'/></svg>",
+                         "<svg x='9' y='9' width='40' height='20'><circle cx='9' r='9'/></svg>"}});
+}
+
+} // namespace
