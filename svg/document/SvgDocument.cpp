@@ -39,7 +39,13 @@ std::string SvgDocument::parse(std::string text)
     const pugi::xml_parse_result result =
         document_.load_buffer(text.data(), text.size(), kParseFlags);
     if (!result) return result.description();
+    lookForBlending(text);
     return readRoot();
+}
+
+void SvgDocument::lookForBlending(const std::string& text)
+{
+    blends_ = blends_ || text.find("mix-blend-mode") != text.npos;
 }
 
 std::string SvgDocument::readRoot()
@@ -94,6 +100,7 @@ void SvgDocument::readSheets()
     const StyleSheet::Import import = [this](const std::string& reference) {
         std::string text;
         resources_.read(reference, text);
+        lookForBlending(text);
         return text;
     };
     struct StyleCollector : pugi::xml_tree_walker {

@@ -32,6 +32,8 @@ public:
     const LoadOptions& options() const { return options_; }
     const Resources& resources() const { return resources_; }
     const StyleSheet& sheet() const { return sheet_; }
+    // Whether blend modes occur, so that it matters what is drawn apart from what lies below.
+    bool blends() const { return blends_; }
 
     // The element with that id, or a null node.
     pugi::xml_node find(std::string_view id) const;
@@ -51,6 +53,7 @@ public:
 private:
     std::string readRoot();
     void readSheets();
+    void lookForBlending(const std::string& text);
 
     LoadOptions options_;
     Resources resources_;
@@ -60,6 +63,7 @@ private:
     std::vector<std::ptrdiff_t> lineEnds_;
     StyleSheet sheet_;
     size_t nodeCount_ = 0;
+    bool blends_ = false;
     Size size_;
 };
 

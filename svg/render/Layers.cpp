@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
-// What is drawn aside first: groups with an opacity, and what clip paths and masks cut.
+// What is drawn aside first: groups with an opacity or a blend mode, and what clip paths and masks
+// cut.
+#include "graphics2d/layers/MMLayer.h"
 #include "svg/document/References.h"
 #include "svg/render/ClipGuard.h"
 #include "svg/render/Renderer.h"
@@ -18,32 +20,6 @@ namespace {
 
 constexpr int kMostLayers = 50; // inside one another: each takes a picture of its own
 
-int channelOf(Pixel pixel, int shift)
-{
-    return static_cast<int>(pixel >> shift & 0xFF);
-}
-
-// Of light times alpha, 0 to 255, by the weights of the standard in 16 bits.
-int luminanceOf(Pixel pixel)
-{
-    return (channelOf(pixel, 16) * 13926 + channelOf(pixel, 8) * 46884 +
-            channelOf(pixel, 0) * 4726 + 32768) >>
-           16;
-}
-
-// One premultiplied pixel over another, by a weight up to 255.
-Pixel over(Pixel above, Pixel below, int weight)
-{
-    constexpr int kWhole = 255 * 255;
-    const int shown = kWhole - channelOf(above, 24) * weight; // of what is below
-    Pixel result = 0;
-    for (int shift = 0; shift < 32; shift += 8) {
-        const int sum = channelOf(below, shift) * shown + channelOf(above, shift) * weight * 255;
-        result |= static_cast<Pixel>(std::min(255, (sum + kWhole / 2) / kWhole)) << shift;
-    }
-    return result;
-}
-
 bool hasMarkers(const Style& style)
 {
     return std::any_of(std::begin(style.markers), std::end(style.markers),
@@ -58,40 +34,68 @@ int visibleChildren(pugi::xml_node node)
     return count;
 }
 
+// The blend mode of that name; normal for what is none.
+MMBlendMode blendModeOf(std::string_view name)
+{
+    static constexpr std::string_view kNames[] = {
+        "normal",      "multiply",   "screen",     "overlay",    "darken",     "lighten",
+        "color-dodge", "color-burn", "hard-light", "soft-light", "difference", "exclusion",
+        "hue",         "saturation", "color",      "luminosity"};
+    if (name == "plus-lighter") return kBlendPlus;
+    const auto found = std::find(std::begin(kNames), std::end(kNames), name);
+    return found == std::end(kNames)
+               ? kBlendNormal
+               : static_cast<MMBlendMode>(kBlendNormal + (found - std::begin(kNames)));
+}
+
 } // namespace
 
-// The context draws into a premultiplied picture of the clip rectangle instead, which keeps its
-// coordinates: its pixels are addressed from where the target's first one would be.
-class Renderer::Redirection {
+// Levels for the clip rectangle as it is.
+class Renderer::Coverage {
 public:
-    Redirection(MMContext2D& context, Picture& picture) : context_(context), target_(context.target)
+    explicit Coverage(const MMContext2D& context)
+        : levels_(static_cast<size_t>(std::max(0, context.clipRight - context.clipLeft)) *
+                  static_cast<size_t>(std::max(0, context.clipBottom - context.clipTop))),
+          mask_(makeMask(levels_.data(), context.clipLeft, context.clipTop, context.clipRight,
+                         context.clipBottom))
     {
-        const size_t width = static_cast<size_t>(picture.width);
-        const size_t before =
-            static_cast<size_t>(context.clipTop) * width + static_cast<size_t>(context.clipLeft);
-        context.target.pixels = reinterpret_cast<Pixel*>(
-            reinterpret_cast<uintptr_t>(picture.pixels.data()) - before * sizeof(Pixel));
-        context.target.rowBytes = static_cast<uint32_t>(width * sizeof(Pixel));
     }
-    ~Redirection() { context_.target = target_; }
-    Redirection(const Redirection&) = delete;
-    Redirection& operator=(const Redirection&) = delete;
+    Coverage(const Coverage&) = delete;
+    Coverage& operator=(const Coverage&) = delete;
+
+    const MMMask& mask() const { return mask_; }
+    // While picking, the rectangle is a single pixel.
+    bool coversPick() const { return !levels_.empty() && levels_[0] >= 128; }
+
+    void setWhole() { fillMask(mask_, 255); }
+
+    // Keeps what draw() covers.
+    template <class Function>
+    void cutTo(MMContext2D& context, Function draw)
+    {
+        Coverage drawn(context);
+        MMMask* const outer = std::exchange(context.maskTarget, &drawn.mask_);
+        draw();
+        context.maskTarget = outer;
+        intersectMask(mask_, drawn.mask_);
+    }
+
+    // Keeps what the pixels that draw() draws say.
+    template <class Function>
+    void cutBy(MMContext2D& context, MMMaskSource source, Function draw)
+    {
+        Coverage drawn(context);
+        MMLayer layer(context);
+        draw();
+        layer.fill(drawn.mask_, source);
+        layer.discard();
+        intersectMask(mask_, drawn.mask_);
+    }
 
 private:
-    MMContext2D& context_;
-    MMPixmap target_;
+    std::vector<uint8_t> levels_;
+    MMMask mask_;
 };
-
-template <class Function>
-Picture Renderer::drawAside(Function draw)
-{
-    Picture picture(context_.clipRight - context_.clipLeft, context_.clipBottom - context_.clipTop,
-                    0);
-    const ClipGuard guard(context_);
-    const Redirection redirection(context_, picture);
-    draw();
-    return picture;
-}
 
 // A box that lies square on the pixels needs no more than the context's clip rectangle.
 void Renderer::drawInside(const Box& box, const Affine& toDevice, const std::function<void()>& draw)
@@ -105,35 +109,37 @@ void Renderer::drawInside(const Box& box, const Affine& toDevice, const std::fun
         draw();
         return;
     }
-    std::vector<uint8_t> coverage;
-    multiply(coverByBox(box, toDevice), coverage, [](Pixel pixel) { return channelOf(pixel, 24); });
-    if (session_.pick) { // a single pixel
-        if (coverage[0] >= 128) draw();
+    Coverage coverage(context_);
+    coverage.setWhole();
+    coverage.cutTo(context_, [&] { coverBox(box, toDevice); });
+    if (session_.pick) {
+        if (coverage.coversPick()) draw();
         return;
     }
+    MMLayerOptions options;
+    options.mask = &coverage.mask();
     ++layers_;
-    const Picture layer = drawAside(draw);
+    {
+        const MMLayer layer(context_, options);
+        draw();
+    }
     --layers_;
-    composite(layer, coverage, 1);
 }
 
-Picture Renderer::coverByBox(const Box& box, const Affine& toDevice)
+void Renderer::coverBox(const Box& box, const Affine& toDevice)
 {
     const std::optional<PathSpace> space = PathSpace::make(toDevice, targetCentre());
+    if (!space) return;
     Shape shape;
     shape.outline = Outline::rectangle(box);
     const Box drawn = session_.bounds;
-    Picture picture = drawAside([&] {
-        if (!space) return;
-        context_.fillPaint.paintType = kPaintSolid;
-        context_.fillPaint.paintColour = 0xFFFFFFFF;
-        context_.fillPaint.paintOpacity = 255;
-        context_.strokePaint.paintType = kPaintNone;
-        context_.fillRule = kFillNonZero;
-        drawGeometry(shape, *space);
-    });
+    context_.fillPaint.paintType = kPaintSolid;
+    context_.fillPaint.paintColour = 0xFFFFFFFF;
+    context_.fillPaint.paintOpacity = 255;
+    context_.strokePaint.paintType = kPaintNone;
+    context_.fillRule = kFillNonZero;
+    drawGeometry(shape, *space);
     session_.bounds = drawn;
-    return picture;
 }
 
 // A shape whose fill and stroke overlap, or a group of several: only then it matters whether the
@@ -154,8 +160,15 @@ void Renderer::drawLayered(pugi::xml_node node, const Properties& properties, co
 {
     const pugi::xml_node clip = referenced(node, properties[Property::ClipPath], "clipPath");
     const pugi::xml_node mask = referenced(node, properties[Property::Mask], "mask");
-    const bool faded = state.style.opacity < 1 && !clipping_ && overlaps(node, state.style);
-    if (!clip && !mask && (!faded || session_.pick)) {
+    MMLayerOptions options;
+    if (!clipping_) {
+        options.blendMode = blendModeOf(properties[Property::MixBlendMode]);
+        options.opacity = static_cast<uint8_t>(std::lround(state.style.opacity * 255));
+    }
+    const bool isolated = properties[Property::Isolation] == "isolate" && document_.blends();
+    const bool faded = options.opacity < 255 && (document_.blends() || overlaps(node, state.style));
+    const bool aside = faded || isolated || options.blendMode != kBlendNormal;
+    if (!clip && !mask && (!aside || session_.pick)) {
         drawEntered(node, properties, state);
         return;
     }
@@ -170,20 +183,27 @@ void Renderer::drawLayered(pugi::xml_node node, const Properties& properties, co
     if (isShape(node.name()) && !hasMarkers(state.style)) clipTo(visiblePart(bounds, state));
     if (clip) narrowTo(clip, state, bounds);
     if (context_.clipLeft >= context_.clipRight || context_.clipTop >= context_.clipBottom) return;
-    std::vector<uint8_t> coverage;
-    if (clip && !coverByClip(clip, state, bounds, coverage)) return;
-    if (session_.pick) { // a single pixel
-        if (coverage.empty() || coverage[0] >= 128) drawEntered(node, properties, state);
+    std::optional<Coverage> coverage;
+    if (clip || mask) {
+        coverage.emplace(context_);
+        coverage->setWhole();
+        options.mask = &coverage->mask();
+    }
+    if (clip && !coverByClip(clip, state, bounds, *coverage)) return;
+    if (session_.pick) {
+        if (!clip || coverage->coversPick()) drawEntered(node, properties, state);
         return;
     }
-    if (mask && !coverByMask(mask, state, bounds, coverage)) return;
+    if (mask && !coverByMask(mask, state, bounds, *coverage)) return;
 
     State inner = state;
     inner.style.opacity = 1;
     ++layers_;
-    const Picture layer = drawAside([&] { drawEntered(node, properties, inner); });
+    {
+        const MMLayer layer(context_, options);
+        drawEntered(node, properties, inner);
+    }
     --layers_;
-    composite(layer, coverage, state.style.opacity);
 }
 
 pugi::xml_node Renderer::referenced(pugi::xml_node node, std::string_view value,
@@ -196,25 +216,6 @@ pugi::xml_node Renderer::referenced(pugi::xml_node node, std::string_view value,
                                                            : " that is not there"),
          node);
     return {};
-}
-
-void Renderer::composite(const Picture& layer, const std::vector<uint8_t>& coverage, double opacity)
-{
-    const MMPixmap& target = context_.target;
-    const int weight = static_cast<int>(std::lround(opacity * 255));
-    for (int y = 0; y < layer.height; ++y) {
-        Pixel* row = target.pixels +
-                     static_cast<size_t>(context_.clipTop + y) * (target.rowBytes / sizeof(Pixel));
-        for (int x = 0; x < layer.width; ++x) {
-            const Pixel above = layer.at(x, y);
-            if (above >> 24 == 0) continue;
-            const size_t i =
-                static_cast<size_t>(y) * static_cast<size_t>(layer.width) + static_cast<size_t>(x);
-            const int covered = coverage.empty() ? weight : (weight * coverage[i] + 127) / 255;
-            Pixel& pixel = row[context_.clipLeft + x];
-            pixel = over(above, pixel, covered);
-        }
-    }
 }
 
 // How the children of a clip path are drawn; false when they cover nothing.
@@ -251,7 +252,7 @@ void Renderer::narrowTo(pugi::xml_node clip, const State& state, const Box& boun
 // Multiplies the coverage of each pixel of the clip rectangle by what the clip path covers; false
 // when that is nothing.
 bool Renderer::coverByClip(pugi::xml_node clip, const State& state, const Box& bounds,
-                           std::vector<uint8_t>& coverage)
+                           Coverage& coverage)
 {
     const Active active(*this, clip);
     State inner;
@@ -261,19 +262,18 @@ bool Renderer::coverByClip(pugi::xml_node clip, const State& state, const Box& b
         if (isActive(outer) || !coverByClip(outer, state, bounds, coverage)) return false;
     }
     const bool clippingBefore = std::exchange(clipping_, true);
-    const Picture picture = drawAside([&] {
+    coverage.cutTo(context_, [&] {
         for (const pugi::xml_node child : clip.children()) {
             const std::string_view name = child.name();
             if (isShape(name) || name == "text" || name == "use") drawElement(child, inner);
         }
     });
     clipping_ = clippingBefore;
-    multiply(picture, coverage, [](Pixel pixel) { return channelOf(pixel, 24); });
     return true;
 }
 
 bool Renderer::coverByMask(pugi::xml_node mask, const State& state, const Box& bounds,
-                           std::vector<uint8_t>& coverage)
+                           Coverage& coverage)
 {
     const Active active(*this, mask);
     State inner;
@@ -314,25 +314,12 @@ bool Renderer::coverByMask(pugi::xml_node mask, const State& state, const Box& b
     // Outside of its rectangle a mask is black.
     const bool clippingBefore = std::exchange(clipping_, false);
     ++layers_;
-    const Picture picture =
-        drawAside([&] { drawInside(region, state.toDevice, [&] { drawChildren(mask, inner); }); });
-    if (properties[Property::MaskType] == "alpha")
-        multiply(picture, coverage, [](Pixel pixel) { return channelOf(pixel, 24); });
-    else
-        multiply(picture, coverage, luminanceOf);
+    const bool byAlpha = properties[Property::MaskType] == "alpha";
+    coverage.cutBy(context_, byAlpha ? kMaskFromAlpha : kMaskFromLuminance,
+                   [&] { drawInside(region, state.toDevice, [&] { drawChildren(mask, inner); }); });
     --layers_;
     clipping_ = clippingBefore;
     return true;
-}
-
-template <class Function>
-void Renderer::multiply(const Picture& picture, std::vector<uint8_t>& coverage, Function valueOf)
-{
-    if (coverage.empty()) coverage.assign(picture.pixels.size(), 255);
-    std::transform(picture.pixels.begin(), picture.pixels.end(), coverage.begin(), coverage.begin(),
-                   [&](Pixel pixel, uint8_t covered) {
-                       return static_cast<uint8_t>((valueOf(pixel) * covered + 127) / 255);
-                   });
 }
 
 } // namespace Svg

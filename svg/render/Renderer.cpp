@@ -215,7 +215,6 @@ void Renderer::noteUndrawn(pugi::xml_node node, const Properties& properties)
         Property property;
         const char* name;
     } kUndrawn[] = {{Property::Filter, "filter"},
-                    {Property::MixBlendMode, "mix-blend-mode"},
                     {Property::WritingMode, "writing-mode"},
                     {Property::TextLength, "textLength"},
                     {Property::DominantBaseline, "dominant-baseline"},

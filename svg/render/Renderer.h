@@ -99,24 +99,19 @@ private:
     Box boundsOf(pugi::xml_node node, const Properties& properties, const State& state);
 
     // --- Layers.cpp
-    class Redirection;
-    template <class Function>
-    Picture drawAside(Function draw);
+    class Coverage;
     // What draws nothing outside of a box of some space.
     void drawInside(const Box& box, const Affine& toDevice, const std::function<void()>& draw);
-    Picture coverByBox(const Box& box, const Affine& toDevice);
+    void coverBox(const Box& box, const Affine& toDevice);
     bool overlaps(pugi::xml_node node, const Style& style) const;
     // The element that a property refers to, when it is one of the wanted kind.
     pugi::xml_node referenced(pugi::xml_node node, std::string_view value, std::string_view wanted);
-    void composite(const Picture& layer, const std::vector<uint8_t>& coverage, double opacity);
     void narrowTo(pugi::xml_node clip, const State& state, const Box& bounds);
     bool clipState(pugi::xml_node clip, const State& state, const Box& bounds, State& inner);
     bool coverByClip(pugi::xml_node clip, const State& state, const Box& bounds,
-                     std::vector<uint8_t>& coverage);
+                     Coverage& coverage);
     bool coverByMask(pugi::xml_node mask, const State& state, const Box& bounds,
-                     std::vector<uint8_t>& coverage);
-    template <class Function>
-    static void multiply(const Picture& picture, std::vector<uint8_t>& coverage, Function valueOf);
+                     Coverage& coverage);
 
     // --- Shapes: Shapes.cpp, Markers.cpp, Paints.cpp
     void drawShape(pugi::xml_node node, const Properties& properties, const State& state);

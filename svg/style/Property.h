@@ -30,6 +30,7 @@ enum class Property : uint8_t {
     FontWeight,
     Height,
     ImageRendering,
+    Isolation,
     LetterSpacing,
     MarkerEnd,
     MarkerMid,

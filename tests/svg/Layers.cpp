@@ -158,4 +158,29 @@ TEST(SvgLayers, DeepNestingEnds)
     EXPECT_EQ(document.shortcomings().size(), 1u);
 }
 
+// Of the whole of a group, with what lies below it, or below it in the nearest group that is apart.
+TEST(SvgLayers, BlendModesMixWithWhatLiesBelow)
+{
+    const std::string below = "<rect width='20' height='20' fill='#80c040'/>";
+    const auto blended = [](const std::string& style) {
+        return "<rect width='20' height='20' fill='#4080ff' style='" + style + "'/>";
+    };
+    const std::pair<std::string, uint32_t> cases[] = {
+        {below + blended("mix-blend-mode:multiply"), 0xFF206040}, // 80 * 40 / ff and so on
+        {below + blended("mix-blend-mode:screen"), 0xFFA0E0FF},   // the sum less that
+        {below + blended("mix-blend-mode:difference"), 0xFF4040BF},
+        {below + blended("mix-blend-mode:multiply;opacity:.5"), 0xFF509040},
+        {below + "<g style='isolation:isolate'>" + blended("mix-blend-mode:multiply") + "</g>",
+         0xFF4080FF},
+        {below + "<g opacity='.5'>" + blended("mix-blend-mode:multiply") + "</g>", 0xFF60A0A0},
+        {below + "<g>" + blended("mix-blend-mode:multiply") + "</g>", 0xFF206040},
+        {below + blended("mix-blend-mode:nonsense"), 0xFF4080FF}};
+    for (const auto& [elements, expected] : cases) {
+        const uint32_t pixel = drawnElements(elements).at(9, 9);
+        for (int shift = 0; shift < 32; shift += 8)
+            EXPECT_NEAR(pixel >> shift & 255, expected >> shift & 255, 1)
+                << std::hex << pixel << ' ' << elements;
+    }
+}
+
 } // namespace
