@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // svg2png: renders SVG files to PNG files.
+#include "common/FontFile.h"
 #include "common/Picture.h"
-#include "graphics2d/convenience/MMText.h"
+#include "common/Shortcomings.h"
 #include "svg/MMSvgDocument.h"
 #include "svg2png/Arguments.h"
 
@@ -93,8 +94,7 @@ bool run(const Arguments& arguments, const Arguments::Job& job)
 
     const std::vector<Svg::Shortcoming> shortcomings = document.shortcomings();
     for (const Svg::Shortcoming& s : shortcomings)
-        complain(job.input + ":" + std::to_string(s.line) + ": not drawn: " + s.what + " (<" +
-                 s.element + ">)");
+        complain(describe(job.input, s));
     if (document.result().outOfMemory) return complain(job.input + ": out of memory");
     const std::string writing = writePng(job.output, picture);
     if (!writing.empty()) return complain(job.output + ": " + writing);
@@ -116,16 +116,6 @@ bool runAll(const Arguments& arguments)
         good = run(arguments, arguments.jobs[i]) && good;
     }
     return good;
-}
-
-// Whether the file is a font that has a glyph for any character.
-bool useFont(const std::string& file)
-{
-    if (!Graphics2D::setFontFile(file.c_str())) return false;
-    const Graphics2D::MMContext2D context;
-    for (uint32_t character = 1; character <= 0xFFFF; ++character)
-        if (Graphics2D::hasGlyph(context, static_cast<uint16_t>(character))) return true;
-    return false;
 }
 
 } // namespace
