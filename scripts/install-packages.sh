@@ -14,9 +14,10 @@ for group in "$@"; do
         build) packages+=(g++ binutils cmake ninja-build pkg-config libfreetype-dev libicu-dev) ;;
         test)
             packages+=(libgtest-dev googletest valgrind g++-i686-linux-gnu qemu-user
+                xvfb xdotool imagemagick
                 fonts-dejavu-core fonts-wqy-microhei fonts-tlwg-garuda-ttf) ;;
         examples)
-            packages+=(libpugixml-dev libpng-dev libjpeg62-turbo-dev zlib1g-dev
+            packages+=(libpugixml-dev libpng-dev libjpeg62-turbo-dev zlib1g-dev libsdl2-dev
                 librsvg2-bin librsvg2-tests openclipart-svg
                 fonts-dejavu-core fonts-wqy-microhei fonts-tlwg-garuda-ttf) ;;
         bench)

@@ -1,14 +1,14 @@
 #!/bin/bash
 # SPDX-License-Identifier: MIT
-# The manual page of svg2png describes exactly the options that --help lists, with the same values.
+# The manual page of a program describes exactly the options that --help lists, with the same values.
 #
-#   man-page.sh SVG2PNG PAGE
+#   man-page.sh PROGRAM PAGE
 set -euo pipefail
-svg2png=$1
+program=$1
 page=$2
 
 # Both as sorted lines like "--size N". The page says "\-" for a hyphen.
-listed=$("$svg2png" --help | sed -nE 's/^  (--[a-z-]+( [A-Za-z]+)?)  .*/\1/p' | sort)
+listed=$("$program" --help | sed -nE 's/^  (--[a-z-]+( [A-Za-z]+)?)  .*/\1/p' | sort)
 described=$(sed -n '/^\.SH OPTIONS/,/^\.SH EXIT/p' "$page" |
     sed -nE '/^\.BI? \\-\\-/{ s/^\.BI? //; s/\\-/-/g; s/"//g; s/ +/ /g; p }' | sort)
 
