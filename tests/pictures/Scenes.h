@@ -6,6 +6,7 @@
 #include "tests/pictures/Canvas.h"
 #ifndef MM2D_WITHOUT_LAYERS
 #include "tests/pictures/LayerScenes.h"
+#include "tests/pictures/SourceScenes.h"
 #endif
 
 namespace KAVO::Graphics2D::pictures {
@@ -207,6 +208,10 @@ const Scene kScenes[] = {
     {"layer-opacity", layerOpacity, true},
     {"layer-blend-modes", layerBlendModes},
     {"layer-operators", layerOperators},
+    // Paint sources.
+    {"source-linear", sourceLinear},
+    {"source-radial", sourceRadial},
+    {"source-conic", sourceConic},
 #endif
 };
 

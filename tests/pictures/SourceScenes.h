@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+// Scenes painted by gradient sources.
+#pragma once
+
+#include "graphics2d/sources/MMGradientSource.h"
+#include "tests/pictures/Canvas.h"
+
+namespace KAVO::Graphics2D::pictures {
+
+// Draws with a paint of the record that set makes of it.
+template <class Set, class Draw>
+void drawSource(Canvas& c, Set set, Draw draw)
+{
+    MMGradientSource source;
+    set(source);
+    draw();
+    c.solid(kBlue); // the record ends here
+}
+
+inline void sourceLinear(Canvas& c)
+{
+    c.place(.9, .2, -.1, 1, 0, 0);
+    const auto set = [&](MMSpread spread, bool translucent) {
+        return [=, &c](MMGradientSource& source) {
+            setLinearSource(c.context.fillPaint, source, at(20, 20), at(35, 28),
+                            c.context.transform, stops(translucent), spread);
+        };
+    };
+    drawSource(c, set(kSpreadRepeat, false), [&] { c.star(); });
+    drawSource(c, set(kSpreadReflect, true), [&] { c.blob(); });
+    drawSource(c, set(kSpreadPad, false), [&] { c.texts(); });
+}
+
+// A focal point inside and one on the edge, a cone, and circles that shrink.
+inline void sourceRadial(Canvas& c)
+{
+    c.place(.9, .1, -.2, 1, 10, 0);
+    const auto set = [&](MMSourceCircle start, MMSourceCircle end, MMSpread spread) {
+        return [=, &c](MMGradientSource& source) {
+            setRadialSource(c.context.fillPaint, source, start, end, c.context.transform,
+                            stops(true), spread);
+        };
+    };
+    drawSource(c, set({at(30, 30), 0}, {at(40, 40), 20_fx}, kSpreadReflect), [&] { c.star(); });
+    drawSource(c, set({at(60, 40), 0}, {at(60, 60), 20_fx}, kSpreadPad), [&] { c.blob(); });
+    drawSource(c, set({at(20, 80), 4_fx}, {at(60, 80), 9_fx}, kSpreadRepeat),
+               [&] { c.roundRectangles(); });
+    drawSource(c, set({at(50, 50), 30_fx}, {at(40, 60), 3_fx}, kSpreadPad), [&] { c.texts(); });
+}
+
+inline void sourceConic(Canvas& c)
+{
+    c.place(1, .1, 0, .7, 0, 10);
+    const auto set = [&](MMPoint2D centre, double start, double end, MMSpread spread) {
+        return [=, &c](MMGradientSource& source) {
+            setConicSource(c.context.fillPaint, source, centre, fx(start), fx(end),
+                           c.context.transform, stops(false), spread);
+        };
+    };
+    drawSource(c, set(at(44, 40), 0, 360, kSpreadPad), [&] { c.star(); });
+    drawSource(c, set(at(60, 60), 30, -60, kSpreadReflect), [&] { c.blob(); });
+    drawSource(c, set(at(30, 100), 10, 50, kSpreadRepeat), [&] { c.texts(); });
+}
+
+} // namespace KAVO::Graphics2D::pictures
