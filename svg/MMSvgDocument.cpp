@@ -65,6 +65,10 @@ bool MMSvgDocument::Parts::load(std::string bytes, const std::string& folder)
         options, Resources(folder, options.files, options.limits.documentBytes));
     problem = document->parse(std::move(bytes));
     if (!problem.empty()) document.reset();
+    if (document) {
+        for (const SvgDocument::Remark& remark : document->remarks())
+            report.note(remark.what, *document, remark.node);
+    }
     return problem.empty();
 }
 

@@ -27,6 +27,26 @@ bool isCss(pugi::xml_node style)
     return type.empty() || type.substr(0, 8) == "text/css";
 }
 
+// Calls function with reference and media of each style sheet that a processing instruction names.
+template <class Function>
+void forStyleSheets(std::string_view prolog, Function function)
+{
+    constexpr std::string_view kInstruction = "<?xml-stylesheet";
+    for (size_t at = prolog.find(kInstruction); at != prolog.npos;
+         at = prolog.find(kInstruction, at)) {
+        at += kInstruction.size();
+        const std::string_view inside = prolog.substr(at, prolog.find("?>", at) - at);
+        // It looks like an element's attributes.
+        pugi::xml_document instruction;
+        const std::string element = "<x " + std::string(inside) + "/>";
+        if (!instruction.load_buffer(element.data(), element.size())) continue;
+        const pugi::xml_node node = instruction.document_element();
+        const std::string reference = node.attribute("href").value();
+        if (isCss(node) && !reference.empty() && reference[0] != '#')
+            function(reference, node.attribute("media").value());
+    }
+}
+
 } // namespace
 
 std::string SvgDocument::parse(std::string text)
@@ -40,7 +60,8 @@ std::string SvgDocument::parse(std::string text)
         document_.load_buffer(text.data(), text.size(), kParseFlags);
     if (!result) return result.description();
     lookForBlending(text);
-    return readRoot();
+    const auto rootAt = static_cast<size_t>(document_.document_element().offset_debug());
+    return readRoot(std::string_view(text).substr(0, rootAt));
 }
 
 void SvgDocument::lookForBlending(const std::string& text)
@@ -48,7 +69,7 @@ void SvgDocument::lookForBlending(const std::string& text)
     blends_ = blends_ || text.find("mix-blend-mode") != text.npos;
 }
 
-std::string SvgDocument::readRoot()
+std::string SvgDocument::readRoot(std::string_view prolog)
 {
     root_ = document_.document_element();
     resolveNamespaces(root_);
@@ -70,7 +91,7 @@ std::string SvgDocument::readRoot()
     IdCollector collector(byId_);
     document_.traverse(collector);
     nodeCount_ = collector.count;
-    readSheets();
+    readSheets(prolog);
 
     // A side that is not given follows from the view box, and from the other side by its
     // proportions.
@@ -95,14 +116,23 @@ std::string SvgDocument::readRoot()
     return "";
 }
 
-void SvgDocument::readSheets()
+// The sheets that the text before the root names, and those of style elements.
+void SvgDocument::readSheets(std::string_view prolog)
 {
-    const StyleSheet::Import import = [this](const std::string& reference) {
-        std::string text;
-        resources_.read(reference, text);
-        lookForBlending(text);
-        return text;
-    };
+    pugi::xml_node current = root_;
+    const StyleSheet::Surroundings around{[this](const std::string& reference) {
+                                              std::string text;
+                                              resources_.read(reference, text);
+                                              lookForBlending(text);
+                                              return text;
+                                          },
+                                          [&](const std::string& what) {
+                                              remarks_.push_back({what, current});
+                                          }};
+    forStyleSheets(prolog, [&](const std::string& reference, std::string_view media) {
+        if (StyleSheet::isForScreens(media, around)) sheet_.addFrom(reference, around);
+    });
+
     struct StyleCollector : pugi::xml_tree_walker {
         std::vector<pugi::xml_node> styles;
         bool for_each(pugi::xml_node& node) override
@@ -114,10 +144,12 @@ void SvgDocument::readSheets()
     StyleCollector collector;
     document_.traverse(collector);
     for (const pugi::xml_node style : collector.styles) {
+        current = style;
+        if (!StyleSheet::isForScreens(style.attribute("media").value(), around)) continue;
         std::string text;
         for (const pugi::xml_node child : style.children())
             text += child.value();
-        sheet_.add(std::move(text), import);
+        sheet_.add(text, around);
     }
 }
 

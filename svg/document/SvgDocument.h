@@ -48,11 +48,18 @@ public:
     // What its own coordinates span.
     Box viewBox() const;
 
+    // What loading had to leave out, and the element that asked for it.
+    struct Remark {
+        std::string what;
+        pugi::xml_node node;
+    };
+    const std::vector<Remark>& remarks() const { return remarks_; }
+
     uint32_t lineOf(pugi::xml_node node) const; // from 1 on
 
 private:
-    std::string readRoot();
-    void readSheets();
+    std::string readRoot(std::string_view prolog);
+    void readSheets(std::string_view prolog);
     void lookForBlending(const std::string& text);
 
     LoadOptions options_;
@@ -62,6 +69,7 @@ private:
     std::unordered_map<std::string_view, pugi::xml_node> byId_;
     std::vector<std::ptrdiff_t> lineEnds_;
     StyleSheet sheet_;
+    std::vector<Remark> remarks_;
     size_t nodeCount_ = 0;
     bool blends_ = false;
     Size size_;

@@ -2,12 +2,24 @@
 #include "svg/style/Properties.h"
 
 #include "svg/style/StyleSheet.h"
+#include "svg/style/Validity.h"
 #include "svg/values/TextScanner.h"
 
 namespace KAVO {
 namespace Svg {
 
 namespace {
+
+// What follows the comments that a declaration begins with.
+std::string_view withoutComment(std::string_view text)
+{
+    text = trimmed(text);
+    while (text.substr(0, 2) == "/*") {
+        const size_t end = text.find("*/", 2);
+        text = end == text.npos ? std::string_view() : trimmed(text.substr(end + 2));
+    }
+    return text;
+}
 
 void addShorthand(std::string_view name, std::string_view value, bool important,
                   std::vector<Declaration>& declarations)
@@ -44,6 +56,7 @@ void addShorthand(std::string_view name, std::string_view value, bool important,
 void parseDeclarations(std::string_view text, std::vector<Declaration>& declarations)
 {
     while (!text.empty()) {
+        text = withoutComment(text);
         const size_t end = findOutside(text, ";");
         const std::string_view declaration = text.substr(0, end);
         text = end == text.npos ? std::string_view() : text.substr(end + 1);
@@ -58,7 +71,7 @@ void parseDeclarations(std::string_view text, std::vector<Declaration>& declarat
             value = trimmed(value.substr(0, mark));
         }
         if (value.empty()) continue;
-        if (const std::optional<Property> property = findProperty(name))
+        if (const std::optional<Property> property = findProperty(lowerCase(name)))
             declarations.push_back({*property, value, important});
         else
             addShorthand(name, value, important, declarations);
@@ -88,8 +101,15 @@ Properties::Properties(pugi::xml_node node, const StyleSheet& sheet)
 
 void Properties::set(const Declaration& declaration)
 {
-    needsCalc_ = needsCalc_ || declaration.value.find("calc(") != std::string_view::npos;
-    values_[static_cast<size_t>(declaration.property)] = declaration.value;
+    std::string_view& value = values_[static_cast<size_t>(declaration.property)];
+    const std::string_view text = declaration.value;
+    needsCalc_ = needsCalc_ || text.find("calc(") != text.npos;
+    if (text == "unset" || text == "revert")
+        value = {};
+    else if (text == "initial")
+        value = initialValue(declaration.property);
+    else if (value.empty() || isValid(declaration.property, text)) // else that before it stays
+        value = text;
 }
 
 } // namespace Svg

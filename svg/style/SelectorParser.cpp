@@ -21,14 +21,6 @@ bool isName(char c)
            static_cast<unsigned char>(c) >= 0x80;
 }
 
-std::string lowerCase(std::string_view text)
-{
-    std::string result(text);
-    for (char& c : result)
-        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return result;
-}
-
 void appendUtf8(uint32_t code, std::string& text)
 {
     if (code == 0 || code > 0x10FFFF || (code >= 0xD800 && code < 0xE000)) code = 0xFFFD;

@@ -1,17 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "svg/style/StyleSheet.h"
 
+#include "svg/style/MediaQuery.h"
 #include "svg/values/TextScanner.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace KAVO {
 namespace Svg {
 
 namespace {
 
-constexpr int kMostImports = 8;  // of sheets that import sheets
-constexpr int kMostBrackets = 8; // of media rules in media rules
+constexpr size_t kMostSheets = 32; // with those that sheets import
+constexpr int kMostBrackets = 8;   // of media rules in media rules
 
 std::string withoutComments(const std::string& text)
 {
@@ -72,19 +74,38 @@ std::string_view takeBlock(std::string_view& text)
 
 } // namespace
 
-void StyleSheet::add(std::string text, const Import& import)
+void StyleSheet::add(const std::string& text, const Surroundings& around)
 {
     texts_.push_back(withoutComments(text));
-    parse(texts_.back(), import, 0);
+    parse(texts_.back(), around, 0);
 }
 
-void StyleSheet::parse(std::string_view text, const Import& import, int depth)
+void StyleSheet::addFrom(const std::string& reference, const Surroundings& around)
+{
+    if (texts_.size() >= kMostSheets) {
+        around.note("more style sheets than the limit");
+        return;
+    }
+    const std::string text = around.import(reference);
+    if (text.empty()) around.note("style sheet that cannot be read: " + reference.substr(0, 40));
+    add(text, around);
+}
+
+bool StyleSheet::isForScreens(std::string_view media, const Surroundings& around)
+{
+    const MediaMatch match = matchMedia(media);
+    if (match == MediaMatch::Unknown)
+        around.note("style rules for " + std::string(trimmed(media).substr(0, 40)));
+    return match == MediaMatch::Yes;
+}
+
+void StyleSheet::parse(std::string_view text, const Surroundings& around, int depth)
 {
     for (;;) {
         text = trimmed(text);
         if (text.empty()) return;
         if (text.front() == '@') {
-            parseAtRule(text, import, depth);
+            parseAtRule(text, around, depth);
             continue;
         }
         const size_t brace = findOutsideQuotes(text, "{");
@@ -95,7 +116,7 @@ void StyleSheet::parse(std::string_view text, const Import& import, int depth)
     }
 }
 
-void StyleSheet::parseAtRule(std::string_view& text, const Import& import, int depth)
+void StyleSheet::parseAtRule(std::string_view& text, const Surroundings& around, int depth)
 {
     const size_t end = findOutsideQuotes(text, ";{");
     const std::string_view head = trimmed(text.substr(0, end));
@@ -104,19 +125,27 @@ void StyleSheet::parseAtRule(std::string_view& text, const Import& import, int d
     const std::string_view block = hasBlock ? takeBlock(text) : std::string_view();
 
     if (head.substr(0, 6) == "@media" && depth < kMostBrackets) {
-        const std::string_view media = trimmed(head.substr(6));
-        if (media.find("screen") != media.npos || media.find("all") != media.npos)
-            parse(block, import, depth + 1);
-    } else if (head.substr(0, 7) == "@import" && texts_.size() < kMostImports) {
-        std::string_view reference = trimmed(head.substr(7));
-        if (reference.substr(0, 4) == "url(") reference = reference.substr(4);
-        const size_t from = reference.find_first_not_of(" \t\"'");
-        const size_t to = reference.find_first_of("\"')", from);
-        if (from == reference.npos) return;
-        std::string imported = import(std::string(reference.substr(from, to - from)));
-        texts_.push_back(withoutComments(imported));
-        parse(texts_.back(), import, depth);
+        if (isForScreens(head.substr(6), around)) parse(block, around, depth + 1);
+    } else if (head.substr(0, 7) == "@import") {
+        parseImport(head.substr(7), around);
     }
+}
+
+// url(file) or "file", and media.
+void StyleSheet::parseImport(std::string_view head, const Surroundings& around)
+{
+    head = trimmed(head);
+    const bool isUrl = head.substr(0, 4) == "url(";
+    const size_t end = isUrl ? head.find(')') : head.find_first_of("\"'", 1);
+    std::string_view reference = head.substr(0, end);
+    if (isUrl) reference.remove_prefix(4);
+    const auto isAround = [](char c) { return std::strchr(" \t\r\n\"'", c) != nullptr; };
+    while (!reference.empty() && isAround(reference.front()))
+        reference.remove_prefix(1);
+    while (!reference.empty() && isAround(reference.back()))
+        reference.remove_suffix(1);
+    const std::string_view media = end == head.npos ? std::string_view() : head.substr(end + 1);
+    if (!reference.empty() && isForScreens(media, around)) addFrom(std::string(reference), around);
 }
 
 void StyleSheet::addRule(std::string_view selectors, std::string_view body)

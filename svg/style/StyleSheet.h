@@ -15,12 +15,22 @@ namespace Svg {
 
 class StyleSheet {
 public:
-    // Finds the text of an imported sheet; empty when it cannot be had.
-    using Import = std::function<std::string(const std::string& reference)>;
+    struct Surroundings {
+        // Finds the text of another sheet; empty when it cannot be had.
+        std::function<std::string(const std::string& reference)> import;
+        // Hears what is left out that should have counted, or might have.
+        std::function<void(const std::string& what)> note;
+    };
 
     // Appends the rules of a text. Rules that are not understood are passed over, as the
     // standard wants it; of the rules for certain media those for all and for screens count.
-    void add(std::string text, const Import& import);
+    void add(const std::string& text, const Surroundings& around);
+
+    // Those of another sheet.
+    void addFrom(const std::string& reference, const Surroundings& around);
+
+    // A list of media takes in a screen. Notes what it cannot tell.
+    static bool isForScreens(std::string_view media, const Surroundings& around);
 
     bool empty() const { return rules_.empty(); }
 
@@ -34,8 +44,9 @@ private:
         size_t first; // of its declarations
         size_t last;
     };
-    void parse(std::string_view text, const Import& import, int depth);
-    void parseAtRule(std::string_view& text, const Import& import, int depth);
+    void parse(std::string_view text, const Surroundings& around, int depth);
+    void parseAtRule(std::string_view& text, const Surroundings& around, int depth);
+    void parseImport(std::string_view head, const Surroundings& around);
     void addRule(std::string_view selectors, std::string_view body);
 
     std::deque<std::string> texts_; // that the declarations point into

@@ -16,15 +16,6 @@ namespace {
 
 constexpr uint32_t kOpaque = 0xFF000000;
 
-std::string lowerCase(std::string_view text)
-{
-    std::string result(text);
-    for (char& c : result) {
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    }
-    return result;
-}
-
 std::optional<uint32_t> hexDigit(char c)
 {
     if (c >= '0' && c <= '9') return static_cast<uint32_t>(c - '0');

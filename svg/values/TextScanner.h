@@ -2,6 +2,7 @@
 // Reads the little languages inside SVG attributes: numbers, words and separators.
 #pragma once
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -38,6 +39,9 @@ std::vector<double> parseNumbers(std::string_view text);
 // Where the first of the wanted characters stands outside of quotes and of brackets that the text
 // opens, or npos. A backslash takes the meaning from the next character.
 size_t findOutside(std::string_view text, std::string_view wanted);
+
+// Of ASCII letters alone.
+std::string lowerCase(std::string_view text);
 
 // For keywords and units.
 bool equalsIgnoringCase(std::string_view a, std::string_view b);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Which of the things said about a property counts.
+#include "graphics2d/MMContext2D.h"
 #include "svg/document/SvgDocument.h"
 
 #include <gtest/gtest.h>
@@ -86,16 +87,90 @@ TEST(SvgCascade, TheStrongestDeclarationCounts)
         // Comments, media and broken rules.
         {"<![CDATA[/* rect{fill:#010101} */<!-- rect{fill:#020202} -->]]>", "", 0x020202},
         {"@media print{rect{fill:#010101}}@media screen{rect{fill:#020202}}", "", 0x020202},
+        {"@media not print{rect{fill:#010101}}@media print, all{.a{fill:#020202}}", "", 0x020202},
+        {"rect{fill:#010101}@media screen and (prefers-color-scheme: dark){rect{fill:#020202}}", "",
+         0x010101},
+        {"@media only screen and (prefers-color-scheme:light) and (color){rect{fill:#010101}}", "",
+         0x010101},
+        {"@import 'data:text/css,.a%7Bfill:%23010101%7D';rect{fill:#020202}", "", 0x010101},
+        {"@import url(\"data:text/css,.a%7Bfill:%23010101%7D\") print;rect{fill:#020202}", "",
+         0x020202},
         {"@charset \"x\";rect{fill:#010101}", "", 0x010101},
         {"rect{fill:#010101;fill}", "", 0x010101},
         {"rect{nonsense;fill:#010101", "", 0x010101},
-        // What is wrong leaves what was inherited.
+        // What is wrong leaves what was said before, or else what was inherited.
+        {"rect{fill:#010101;fill:#02020g}", "", 0x010101},
+        {"rect{fill:#010101}.a{fill:rgb(1)}", "style='fill:url'", 0x010101},
+        {"rect{FILL:#010101}", "", 0x010101},
+        {"", "style='/* a; */ /**/fill:#010101'", 0x010101},
+        {"svg{fill:#010101}rect{fill:#020202}.a{fill:unset}", "", 0x010101},
+        {"svg{fill:#010101}rect{fill:#020202}.a{fill:initial}", "", 0x000000},
         {"svg{fill:#010101}rect{fill:#02020g}", "", 0x010101},
         {"svg{fill:#010101}", "fill='inherit'", 0x010101},
         {"svg{color:#010101}g{color:#020202}", "fill='currentColor'", 0x020202},
         {"svg{color:#010101;fill:currentColor}g{color:#020202}", "", 0x010101}};
     for (const auto& c : cases)
         EXPECT_EQ(fillOf(c.sheet, c.attributes), c.fill) << c.sheet << ' ' << c.attributes;
+}
+
+// Every value that is wrong comes after one that is right.
+TEST(SvgCascade, WrongValuesAreDropped)
+{
+    SvgDocument document({}, {"", false, 1 << 20});
+    ASSERT_EQ(
+        document.parse("<svg><style>.a{opacity:.25;stroke-width:7;stroke-linecap:round;"
+                       "text-anchor:end;visibility:hidden;fill-rule:evenodd;stroke:lime}"
+                       ".b{opacity:x;stroke-width:-3;stroke-linecap:oval;text-anchor:left;"
+                       "visibility:no;fill-rule:odd;stroke:5}"
+                       ".c{opacity:initial;stroke-width:initial;stroke-linecap:initial;"
+                       "text-anchor:unset;visibility:initial;fill-rule:initial;stroke:initial}"
+                       "</style><g id='b' class='a b'><g id='c' class='c'/></g></svg>"),
+        "");
+    const Style b = document.styleOf(document.find("b"), Viewport());
+    EXPECT_EQ(b.ownOpacity, 0.25);
+    EXPECT_EQ(b.strokeWidth, 7);
+    EXPECT_EQ(b.cap, KAVO::Graphics2D::kCapRound);
+    EXPECT_EQ(b.textAnchor, 2);
+    EXPECT_FALSE(b.visible);
+    EXPECT_TRUE(b.evenOdd);
+    EXPECT_EQ(b.stroke.colour, 0xFF00FF00);
+    const Style c = document.styleOf(document.find("c"), Viewport());
+    EXPECT_EQ(c.ownOpacity, 1);
+    EXPECT_EQ(c.strokeWidth, 1);
+    EXPECT_EQ(c.cap, KAVO::Graphics2D::kCapButt);
+    EXPECT_EQ(c.textAnchor, 2); // inherited
+    EXPECT_TRUE(c.visible);
+    EXPECT_FALSE(c.evenOdd);
+    EXPECT_EQ(c.stroke.kind, PaintValue::None);
+}
+
+TEST(SvgCascade, SheetsComeFromTheProlog)
+{
+    const std::string sheet = "href='data:text/css,rect%7Bfill:%23010101%7D'";
+    const std::pair<std::string, uint32_t> cases[] = {
+        {"<?xml-stylesheet type='text/css' " + sheet + "?>", 0x010101},
+        {"<?xml-stylesheet " + sheet + " media='screen'?><!-- -->", 0x010101},
+        {"<?xml-stylesheet " + sheet + " media='print'?>", 0},
+        {"<?xml-stylesheet type='text/xsl' " + sheet + "?>", 0}};
+    for (const auto& [prolog, fill] : cases) {
+        SvgDocument document({}, {"", false, 1 << 20});
+        ASSERT_EQ(document.parse("<?xml version='1.0'?>" + prolog + treeWith("", "")), "");
+        EXPECT_EQ(document.styleOf(document.find("x"), Viewport()).fill.colour & 0xFFFFFF, fill)
+            << prolog;
+        EXPECT_TRUE(document.remarks().empty());
+    }
+}
+
+TEST(SvgCascade, SheetsThatDoNotCountAreNamed)
+{
+    SvgDocument document({}, {"", false, 1 << 20});
+    ASSERT_EQ(document.parse("<svg>\n<style media='print'>a{}</style>\n<style>@import 'no.css';"
+                             "@media (min-width: 9px){rect{fill:red}}</style></svg>"),
+              "");
+    ASSERT_EQ(document.remarks().size(), 2u);
+    EXPECT_EQ(document.remarks()[0].what, "style sheet that cannot be read: no.css");
+    EXPECT_EQ(document.remarks()[1].what, "style rules for (min-width: 9px)");
+    EXPECT_EQ(document.lineOf(document.remarks()[1].node), 3u);
 }
 
 TEST(SvgCascade, ShorthandsAreTakenApart)
