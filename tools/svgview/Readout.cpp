@@ -29,7 +29,7 @@ void Readout::write(const std::string& text)
     MMText line(text.c_str());
     const Fixed advance = context_.getTextWidth(line.units(), static_cast<uint16_t>(line.length()));
     const int32_t width = advance > 0 ? fixFloor(advance) + 1 + 2 * kMargin : 0;
-    pixels_.assign(static_cast<size_t>(width * kHeight), kGround);
+    pixels_.assign(static_cast<size_t>(width) * kHeight, kGround);
     setTarget(context_, pixels_.data(), width, kHeight);
     context_.drawText(line.units(), fixFromInt(kMargin), 13_fx);
 }
