@@ -216,15 +216,14 @@ void Renderer::noteUndrawn(pugi::xml_node node, const Properties& properties)
         const char* name;
     } kUndrawn[] = {{Property::Filter, "filter"},
                     {Property::WritingMode, "writing-mode"},
-                    {Property::TextLength, "textLength"},
-                    {Property::DominantBaseline, "dominant-baseline"},
-                    {Property::BaselineShift, "baseline-shift"},
+                    {Property::Direction, "direction"},
+                    {Property::UnicodeBidi, "unicode-bidi"},
+                    {Property::TextTransform, "text-transform"},
                     {Property::FontVariant, "font-variant"}};
     for (const auto& undrawn : kUndrawn) {
         const std::string_view value = properties[undrawn.property];
-        static constexpr std::string_view kPlain[] = {
-            "",         "none",       "normal",  "auto", "lr-tb", "lr", "horizontal-tb",
-            "baseline", "alphabetic", "inherit", "0"};
+        static constexpr std::string_view kPlain[] = {"",   "none",          "normal", "lr-tb",
+                                                      "lr", "horizontal-tb", "ltr",    "inherit"};
         if (!contains(kPlain, value)) note(undrawn.name, node);
     }
     // What stands inside a shape is not walked through.

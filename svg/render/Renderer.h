@@ -147,7 +147,7 @@ private:
     void drawPicture(const Picture& picture, const Affine& frame, const Size& size,
                      const char* aspectRatio, const Style& style);
 
-    // --- Text: TextDrawing.cpp, TextOnPath.cpp
+    // --- Text: TextDrawing.cpp, TextLayout.cpp, TextOnPath.cpp
     void drawText(pugi::xml_node node, const State& state);
     void drawTextArea(pugi::xml_node node, const State& state);
     size_t layOnPath(const TextContent& content, size_t index, const State& state,
@@ -155,7 +155,13 @@ private:
     Outline outlineForText(pugi::xml_node textPath, const State& state);
     void drawRun(const TextRun& run, const State& state);
     void pickRun(const TextRun& run, const PathSpace& space);
-    void drawUnderline(const TextRun& run, const State& state);
+    void drawLine(const TextRun& run, double offset, const State& state);
+    void noteParts(pugi::xml_node node);
+    void measure(TextRun& run, const PathSpace& space);
+    std::vector<TextRun> layOut(const TextContent& content, const State& state,
+                                const PathSpace& space);
+    void fitLength(pugi::xml_node node, TextContent& content, const State& state,
+                   const PathSpace& space, std::vector<TextRun>& runs);
     void anchorChunk(std::vector<TextRun>& runs, size_t first);
     void setFont(const Style& style, const PathSpace& space);
     bool setTextPaint(const Style& style, State state, const Box& bounds, double overhang);

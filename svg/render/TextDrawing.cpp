@@ -11,38 +11,41 @@ using namespace Graphics2D;
 
 namespace {
 
-// A font's extents above and below the baseline, and what underlines are like, as parts of the font
-// size.
+// A font's extents above and below the baseline, and the upper edges and the width of lines at a
+// text, downwards as parts of the font size.
 constexpr double kAscent = 0.8;
 constexpr double kDescent = 0.25;
 constexpr double kUnderlineOffset = 0.11;
-constexpr double kUnderlineWidth = 1.0 / 16;
+constexpr double kOverlineOffset = -0.9;
+constexpr double kLineThroughOffset = -0.3;
+constexpr double kLineWidth = 1.0 / 16;
 constexpr double kLineSpacing = 1.2;
-
-constexpr size_t kMostPerRun = 0xFFFF; // renderText counts in 16 bits
 
 // Glyphs that do not fit the glyph cache are rendered whenever they are met, whole, however little
 // of them is seen: a drawing gets as many pixels of them as four of the largest pictures have.
 constexpr double kLargeGlyph = 256; // pixels an em
 constexpr double kMostGlyphPixels = 4.0 * kLargestSide * kLargestSide;
 
-// A new chunk begins where an absolute position is given; text-anchor places chunks.
-bool beginsChunk(const TextCharacter& character)
+// Elements that texts are made of.
+bool isTextPart(std::string_view name)
 {
-    return character.x || character.y;
+    for (const std::string_view part :
+         {"tspan", "a", "textPath", "tref", "tbreak", "title", "desc", "metadata"}) {
+        if (name == part) return true;
+    }
+    return false;
 }
 
-bool beginsRun(const TextCharacter& character, const TextCharacter& before)
+bool isFromRightToLeft(uint16_t code)
 {
-    return beginsChunk(character) || character.path || character.style != before.style ||
-           character.dx || character.dy || character.rotate || before.rotate;
+    return (code >= 0x590 && code < 0x900) || (code >= 0xFB1D && code < 0xFF00);
 }
 
 } // namespace
 
 void Renderer::drawText(pugi::xml_node node, const State& state)
 {
-    const TextContent content = readText(document_, node, state.style, state.viewport);
+    TextContent content = readText(document_, node, state.style, state.viewport);
     const std::optional<PathSpace> space = PathSpace::make(state.toDevice, targetCentre());
     if (!space || content.characters.empty() || !affordsGlyphs(node, content, *space)) return;
     context_.transform = space->transform;
@@ -50,52 +53,24 @@ void Renderer::drawText(pugi::xml_node node, const State& state)
     noteMissingGlyphs(node, content);
     if (content.cut) note("more characters in a text than the limit", node);
 
-    std::vector<TextRun> runs;
-    size_t chunk = 0; // first run of the chunk
-    Point pen;
-    const std::vector<TextCharacter>& characters = content.characters;
-    for (size_t i = 0; i < characters.size();) {
-        const TextCharacter& first = characters[i];
-        if (first.path) {
-            anchorChunk(runs, chunk);
-            i = layOnPath(content, i, state, *space, runs, pen);
-            chunk = runs.size();
-            continue;
-        }
-        if (i > 0 && beginsChunk(first)) {
-            anchorChunk(runs, chunk);
-            chunk = runs.size();
-        }
-        pen = {first.x.value_or(pen.x) + first.dx.value_or(0),
-               first.y.value_or(pen.y) + first.dy.value_or(0)};
-        TextRun run;
-        run.style = &content.styles[first.style];
-        run.start = pen;
-        run.turn = first.rotate.value_or(0);
-        do {
-            run.text.push_back(characters[i].code);
-            ++i;
-        } while (i < characters.size() && run.text.size() < kMostPerRun &&
-                 run.style->letterSpacing == 0 && !beginsRun(characters[i], characters[i - 1]));
-        setFont(*run.style, *space);
-        const auto length = static_cast<uint16_t>(run.text.size());
-        run.width = toDouble(context_.getTextWidth(run.text.data(), length)) / space->scale +
-                    run.style->letterSpacing;
-        pen.x += run.width; // a turn changes nothing about where the next character stands
-        runs.push_back(std::move(run));
-    }
-    anchorChunk(runs, chunk);
+    noteParts(node);
 
+    std::vector<TextRun> runs = layOut(content, state, *space);
+    fitLength(node, content, state, *space, runs);
     Box bounds;
     for (const TextRun& run : runs) {
         const double size = run.style->fontSize;
         const Box cells = run.toUser().mapBox({0, -kAscent * size, run.width, kDescent * size});
         bounds.include(cells);
     }
-    for (const TextRun& run : runs) {
-        if (run.style->underline && setTextPaint(*run.style, state, bounds, 0))
-            drawUnderline(run, state);
-    }
+    const auto drawLines = [&](bool Style::*kind, double offset) {
+        for (const TextRun& run : runs) {
+            if (run.style->*kind && setTextPaint(*run.style, state, bounds, 0))
+                drawLine(run, offset, state);
+        }
+    };
+    drawLines(&Style::underline, kUnderlineOffset);
+    drawLines(&Style::overline, kOverlineOffset);
     const Style* style = nullptr; // that the paint is set for
     bool painted = false;
     for (const TextRun& run : runs) {
@@ -103,6 +78,22 @@ void Renderer::drawText(pugi::xml_node node, const State& state)
             painted = setTextPaint(*run.style, state, bounds, run.style->fontSize);
         style = run.style;
         if (painted) drawRun(run, state);
+    }
+    drawLines(&Style::lineThrough, kLineThroughOffset);
+}
+
+// What the elements inside a text ask for and do not get.
+void Renderer::noteParts(pugi::xml_node node)
+{
+    for (const pugi::xml_node child : node.children()) {
+        if (child.type() != pugi::node_element) continue;
+        if (!isTextPart(child.name())) {
+            note("<" + std::string(child.name()) + "> in a text", child);
+            continue;
+        }
+        if (child.attribute("textLength")) note("textLength of a span", child);
+        noteUndrawn(child, Properties(child, document_.sheet()));
+        noteParts(child);
     }
 }
 
@@ -128,18 +119,8 @@ void Renderer::noteMissingGlyphs(pugi::xml_node node, const TextContent& content
         if (character.code != '\n' && session_.charactersMet.insert(character.code).second &&
             !hasGlyph(context_, character.code))
             note("characters that the font lacks", node);
+        if (isFromRightToLeft(character.code)) note("text from right to left", node);
     }
-}
-
-// Moves the runs from first on, laid out from where the chunk begins, to where its anchor wants
-// them.
-void Renderer::anchorChunk(std::vector<TextRun>& runs, size_t first)
-{
-    if (first == runs.size()) return;
-    const int anchor = runs[first].style->textAnchor;
-    const double width = runs.back().start.x + runs.back().width - runs[first].start.x;
-    for (size_t i = first; i < runs.size(); ++i)
-        runs[i].start.x -= width * anchor / 2;
 }
 
 void Renderer::setFont(const Style& style, const PathSpace& space)
@@ -193,14 +174,13 @@ void Renderer::pickRun(const TextRun& run, const PathSpace& space)
     drawGeometry(shape, space);
 }
 
-void Renderer::drawUnderline(const TextRun& run, const State& state)
+void Renderer::drawLine(const TextRun& run, double offset, const State& state)
 {
     const Affine toDevice = state.toDevice * run.toUser();
     const std::optional<PathSpace> space = PathSpace::make(toDevice, targetCentre());
     if (!space) return;
     const double size = run.style->fontSize;
-    const Box line{0, kUnderlineOffset * size, run.width,
-                   (kUnderlineOffset + kUnderlineWidth) * size};
+    const Box line{0, offset * size, run.width, (offset + kLineWidth) * size};
     Shape shape;
     shape.outline = Outline::rectangle(line);
     context_.strokePaint.paintType = kPaintNone;
@@ -213,6 +193,8 @@ void Renderer::drawTextArea(pugi::xml_node node, const State& state)
     const TextContent content = readText(document_, node, state.style, state.viewport);
     const std::optional<PathSpace> space = PathSpace::make(state.toDevice, targetCentre());
     if (!space || content.characters.empty() || !affordsGlyphs(node, content, *space)) return;
+    noteParts(node);
+    if (state.style.overline || state.style.lineThrough) note("lines at a text area", node);
     noteMissingGlyphs(node, content);
     if (content.cut) note("more characters in a text than the limit", node);
     if (content.styles.size() > 1) note("style of a span in a text area", node);

@@ -72,10 +72,8 @@ size_t Renderer::layOnPath(const TextContent& content, size_t index, const State
         run.text.push_back(character.code);
         run.style = &content.styles[character.style];
         run.turn = character.rotate.value_or(0);
-        setFont(*run.style, space);
-        run.width = context_.getTextWidth(run.text.data(), 1) / 65536.0 / space.scale +
-                    run.style->letterSpacing;
-        places.push_back({advance, rise});
+        measure(run, space);
+        places.push_back({advance, rise - character.rise});
         advance += run.width;
         runs.push_back(std::move(run));
     }

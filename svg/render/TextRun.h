@@ -17,8 +17,12 @@ struct Renderer::TextRun {
     Point start;     // user space
     double turn = 0; // degrees
     double width = 0;
+    double stretch = 1; // of the x axis, along which the width is measured before
 
-    Affine toUser() const { return translation(start.x, start.y) * rotation(turn); }
+    Affine toUser() const
+    {
+        return translation(start.x, start.y) * rotation(turn) * Affine{stretch, 0, 0, 1, 0, 0};
+    }
 };
 
 } // namespace Svg

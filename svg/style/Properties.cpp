@@ -24,6 +24,10 @@ std::string_view withoutComment(std::string_view text)
 void addShorthand(std::string_view name, std::string_view value, bool important,
                   std::vector<Declaration>& declarations)
 {
+    if (name == "text-decoration-line") {
+        declarations.push_back({Property::TextDecoration, value, important});
+        return;
+    }
     if (name == "marker") {
         for (const Property p : {Property::MarkerStart, Property::MarkerMid, Property::MarkerEnd})
             declarations.push_back({p, value, important});

@@ -10,6 +10,7 @@ namespace KAVO {
 namespace Svg {
 
 enum class Property : uint8_t {
+    AlignmentBaseline,
     BaselineShift,
     ClipPath,
     ClipRule,
@@ -57,12 +58,14 @@ enum class Property : uint8_t {
     StrokeWidth,
     TextAnchor,
     TextDecoration,
-    TextLength,
+    TextTransform,
     Transform,
     TransformBox,
     TransformOrigin,
+    UnicodeBidi,
     VectorEffect,
     Visibility,
+    WhiteSpace,
     Width,
     WordSpacing,
     WritingMode,

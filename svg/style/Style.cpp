@@ -100,11 +100,24 @@ void setFontSize(double& size, std::string_view text, const Viewport& viewport)
     if (length >= 0) size = length;
 }
 
-// A list of kinds of lines; the underline is the one that is drawn.
-void setDecoration(bool& underline, std::string_view text)
+// A list of kinds of lines.
+void setDecoration(Style& style, std::string_view text)
 {
-    if (text == "none") underline = false;
-    if (text.find("underline") != text.npos) underline = true;
+    if (text == "none") style.underline = style.overline = style.lineThrough = false;
+    if (text.find("underline") != text.npos) style.underline = true;
+    if (text.find("overline") != text.npos) style.overline = true;
+    if (text.find("line-through") != text.npos) style.lineThrough = true;
+}
+
+// A keyword, a length, or a share of the line's height, which is the parent's font size here.
+double shiftOfBaseline(std::string_view text, const LengthContext& lengths, double parentSize)
+{
+    double shift = 0;
+    const Keyword<double> keywords[] = {{"super", 0.4 * parentSize}, {"sub", -0.2 * parentSize}};
+    setKeyword(shift, text, keywords);
+    const Viewport line{parentSize, parentSize, lengths.viewport.windowWidth,
+                        lengths.viewport.windowHeight};
+    return parseLength(text, {line, lengths.fontSize}, Axis::Y, shift);
 }
 
 // The steps named first come first, the others in their usual order.
@@ -180,7 +193,24 @@ Style Style::child(const Properties& p, const Viewport& viewport) const
         {"normal", false}, {"italic", true}, {"oblique", true}};
     static constexpr Keyword<int> kAnchors[] = {{"start", 0}, {"middle", 1}, {"end", 2}};
     static constexpr Keyword<double> kSpacings[] = {{"normal", 0}};
-    static constexpr Keyword<bool> kSpaces[] = {{"default", false}, {"preserve", true}};
+    static constexpr Keyword<bool> kSpaces[] = {
+        {"default", false},  {"preserve", true}, {"normal", false},  {"nowrap", false},
+        {"pre-line", false}, {"pre", true},      {"pre-wrap", true}, {"break-spaces", true}};
+    // As most fonts have them.
+    static constexpr Keyword<double> kBaselines[] = {{"auto", 0},
+                                                     {"baseline", 0},
+                                                     {"alphabetic", 0},
+                                                     {"middle", 0.27},
+                                                     {"central", 0.3},
+                                                     {"mathematical", 0.5},
+                                                     {"hanging", 0.73},
+                                                     {"text-before-edge", 0.8},
+                                                     {"text-top", 0.8},
+                                                     {"before-edge", 0.8},
+                                                     {"ideographic", -0.25},
+                                                     {"text-after-edge", -0.25},
+                                                     {"text-bottom", -0.25},
+                                                     {"after-edge", -0.25}};
     static constexpr Keyword<ImageFilter> kFilters[] = {
         {"auto", ImageFilter::Bilinear},           {"optimizeSpeed", ImageFilter::Nearest},
         {"pixelated", ImageFilter::Nearest},       {"crisp-edges", ImageFilter::Nearest},
@@ -226,8 +256,14 @@ Style Style::child(const Properties& p, const Viewport& viewport) const
     setKeyword(s.wordSpacing, p[Property::WordSpacing], kSpacings);
     s.wordSpacing = length(Property::WordSpacing, s.wordSpacing);
     setKeyword(s.preserveSpace, p[Property::XmlSpace], kSpaces);
-    setDecoration(s.underline, p[Property::TextDecoration]);
+    setKeyword(s.preserveSpace, p[Property::WhiteSpace], kSpaces);
+    setKeyword(s.dominantBaseline, p[Property::DominantBaseline], kBaselines);
+    setDecoration(s, p[Property::TextDecoration]);
     setKeyword(s.imageFilter, p[Property::ImageRendering], kFilters);
+
+    s.baseline = s.dominantBaseline;
+    setKeyword(s.baseline, p[Property::AlignmentBaseline], kBaselines);
+    s.baselineShift = shiftOfBaseline(p[Property::BaselineShift], lengths, fontSize);
 
     const Style initial;
     s.ownOpacity =

@@ -54,13 +54,19 @@ struct Style {
     double letterSpacing = 0;
     double wordSpacing = 0;
     bool preserveSpace = false;
-    bool underline = false; // handed down here although the standard paints it from outside
+    // Lines at a text, handed down here although the standard paints them from outside.
+    bool underline = false;
+    bool overline = false;
+    bool lineThrough = false;
+    double dominantBaseline = 0; // above the alphabetic one, as part of the font size
     ImageFilter imageFilter = ImageFilter::Bilinear;
 
     // Not inherited.
     double opacity = 1; // of the element and of all around it, multiplied
     double ownOpacity = 1;
     bool displayed = true;
+    double baseline = 0;      // the dominant one, or the one to align: part of the font size
+    double baselineShift = 0; // upwards from the parent's, user units
     bool fixedStroke = false; // vector-effect: non-scaling-stroke
     uint32_t stopColour = 0xFF000000;
     double stopOpacity = 1;

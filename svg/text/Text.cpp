@@ -33,6 +33,7 @@ private:
     TextContent& content_;
     Viewport viewport_;
     uint32_t charactersLeft_;
+    double rise_ = 0;            // of the baseline by all shifts around it
     std::optional<size_t> path_; // that characters stand on
     bool afterSpace_ = true; // a space would collapse into the one before, or into the beginning
 };
@@ -56,6 +57,7 @@ void TextReader::append(std::string_view utf8, const Style& style)
         character.code = code;
         character.style = styleIndex;
         character.path = path_;
+        character.rise = rise_ - style.baseline * style.fontSize;
         content_.characters.push_back(character);
     }
 }
@@ -135,7 +137,9 @@ void TextReader::read(pugi::xml_node node, const Style& style, int depth)
                 path_ = content_.paths.size();
                 content_.paths.push_back(child);
             }
+            rise_ += childStyle.baselineShift;
             read(child, childStyle, depth + 1);
+            rise_ -= childStyle.baselineShift;
             path_ = outerPath;
             content_.styles.push_back(style); // for what follows the child
         }

@@ -20,6 +20,7 @@ struct TextCharacter {
     std::optional<double> y;
     std::optional<double> dx; // a shift on top of that
     std::optional<double> dy;
+    double rise = 0;              // above the baseline of the whole text
     std::optional<double> rotate; // degrees
     std::optional<size_t> path;   // index into TextContent::paths: it stands on one
 };

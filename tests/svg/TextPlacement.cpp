@@ -146,6 +146,82 @@ TEST_F(SvgTextDrawing, LettersStandApartBySpacing)
     EXPECT_NEAR(boundsOf(text("-1px")).right, normal - 3, 1);
 }
 
+TEST_F(SvgTextDrawing, WordsStandApartAndTextsAreAsLongAsWanted)
+{
+    const auto text = [](const char* attributes) {
+        return "<text x='5' y='30' " + std::string(attributes) + ">i m i</text>";
+    };
+    const Box plain = boundsOf(text(""));
+    EXPECT_NEAR(boundsOf(text("word-spacing='7'")).right, plain.right + 14, 1);
+    for (const char* adjust : {"spacing", "spacingAndGlyphs"}) {
+        const std::string how = "lengthAdjust='" + std::string(adjust) + "' ";
+        const double side = boundsOf(text((how + "textLength='40'").c_str())).right;
+        EXPECT_NEAR(side, 45, 2) << adjust; // but for the room beside the last letter
+        EXPECT_NEAR(boundsOf(text((how + "textLength='60'").c_str())).right, side + 20, 1.5)
+            << adjust;
+        const Box back = boundsOf(text((how + "textLength='40' text-anchor='end'").c_str()));
+        EXPECT_NEAR(back.right, 5, 2) << adjust;
+    }
+}
+
+TEST_F(SvgTextDrawing, BaselinesShift)
+{
+    // Attributes of a span of 10 px in a text of 20, and how much higher it stands.
+    const std::pair<const char*, double> cases[] = {{"baseline-shift='3'", 3},
+                                                    {"baseline-shift='-50%'", -10},
+                                                    {"baseline-shift='super'", 8},
+                                                    {"baseline-shift='sub'", -4},
+                                                    {"dominant-baseline='middle'", -2.7},
+                                                    {"alignment-baseline='hanging'", -7.3},
+                                                    {"dominant-baseline='alphabetic'", 0}};
+    const auto bottom = [&](const std::string& attributes, const char* inner) {
+        return boundsOf("<text x='5' y='40' font-size='20'><tspan font-size='10' " + attributes +
+                        ">" + inner + "</tspan></text>")
+            .bottom;
+    };
+    const double plain = bottom("", "M");
+    for (const auto& [attributes, up] : cases) {
+        EXPECT_NEAR(bottom(attributes, "M"), plain - up, 1) << attributes;
+        EXPECT_TRUE(shortcomings.empty()) << attributes;
+    }
+    // Shifts add up from span to span, and end with them.
+    EXPECT_NEAR(bottom("baseline-shift='3'", "<tspan baseline-shift='4'>M</tspan>"), plain - 7, 1);
+    EXPECT_NEAR(bottom("", "<tspan baseline-shift='9'> </tspan>M"), plain, 1);
+}
+
+TEST_F(SvgTextDrawing, LinesLieAtTexts)
+{
+    const auto lines = [&](const char* kinds) {
+        const Picture picture = drawn("<text x='5' y='40' font-size='32' text-decoration='" +
+                                      std::string(kinds) + "'>\u00a0</text>");
+        std::string rows;
+        for (int y = 0; y < kSide; ++y)
+            if ((picture.at(8, y) & 0xFF) < 128) rows += std::to_string(y) + " ";
+        return rows;
+    };
+    // Two pixels thick; 3.5 below, 28.8 and 9.6 above the baseline.
+    EXPECT_EQ(lines("none"), "");
+    EXPECT_EQ(lines("underline"), "44 45 ");
+    EXPECT_EQ(lines("overline"), "11 12 ");
+    EXPECT_EQ(lines("line-through"), "30 31 ");
+    EXPECT_EQ(lines("overline line-through underline"), "11 12 30 31 44 45 ");
+}
+
+TEST_F(SvgTextDrawing, WhatSpansAskForAndDoNotGetIsNamed)
+{
+    const std::pair<const char*, const char*> cases[] = {
+        {"<tspan writing-mode='tb'>a</tspan>", "writing-mode"},
+        {"<tspan><tspan style='text-transform:uppercase'>a</tspan></tspan>", "text-transform"},
+        {"<tspan textLength='9'>a</tspan>", "textLength of a span"},
+        {"a<animate/>", "<animate> in a text"},
+        {"\u05d0", "text from right to left"}};
+    for (const auto& [inner, what] : cases) {
+        drawn("<text y='20'>" + std::string(inner) + "</text>");
+        ASSERT_GE(shortcomings.size(), 1u) << inner;
+        EXPECT_EQ(shortcomings.back().what, what) << inner;
+    }
+}
+
 TEST_F(SvgTextDrawing, SpacesCountWhereRunsBegin)
 {
     const auto end = [&](const char* inner) {
