@@ -212,6 +212,9 @@ const Scene kScenes[] = {
     {"source-linear", sourceLinear},
     {"source-radial", sourceRadial},
     {"source-conic", sourceConic},
+    {"source-tiles-nearest", sourceTiles<kFilterNearest>},
+    {"source-tiles-bilinear", sourceTiles<kFilterBilinear>},
+    {"source-tiles-bicubic", sourceTiles<kFilterBicubic>},
 #endif
 };
 

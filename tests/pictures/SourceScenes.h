@@ -3,15 +3,16 @@
 #pragma once
 
 #include "graphics2d/sources/MMGradientSource.h"
+#include "graphics2d/sources/MMTileSource.h"
 #include "tests/pictures/Canvas.h"
 
 namespace KAVO::Graphics2D::pictures {
 
 // Draws with a paint of the record that set makes of it.
-template <class Set, class Draw>
+template <class Source = MMGradientSource, class Set, class Draw>
 void drawSource(Canvas& c, Set set, Draw draw)
 {
-    MMGradientSource source;
+    Source source;
     set(source);
     draw();
     c.solid(kBlue); // the record ends here
@@ -60,6 +61,23 @@ inline void sourceConic(Canvas& c)
     drawSource(c, set(at(44, 40), 0, 360, kSpreadPad), [&] { c.star(); });
     drawSource(c, set(at(60, 60), 30, -60, kSpreadReflect), [&] { c.blob(); });
     drawSource(c, set(at(30, 100), 10, 50, kSpreadRepeat), [&] { c.texts(); });
+}
+
+template <MMPatternFilter filter>
+void sourceTiles(Canvas& c)
+{
+    const auto set = [&](MMTileMode across, MMTileMode down) {
+        return [=, &c](MMTileSource& source) {
+            setTileSource(c.context.fillPaint, source, c.image, c.context.transform, filter, across,
+                          down);
+        };
+    };
+    c.place(1.3, .4, -.3, 1.2, 0, 0), c.image.pixmapExtra = 0;
+    drawSource<MMTileSource>(c, set(kTileRepeat, kTileMirror), [&] { c.star(); });
+    c.place(-.6, .1, 0, .8, 90, 5), c.image.pixmapExtra = 1;
+    drawSource<MMTileSource>(c, set(kTileMirror, kTileRepeat), [&] { c.roundRectangles(); });
+    c.place(1, 0, 0, 1, 3, 2), c.image.pixmapExtra = 0;
+    drawSource<MMTileSource>(c, set(kTileRepeat, kTileRepeat), [&] { c.texts(); });
 }
 
 } // namespace KAVO::Graphics2D::pictures
