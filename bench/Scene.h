@@ -54,6 +54,7 @@ std::vector<Scene> fillScenes();
 std::vector<Scene> strokeScenes();
 std::vector<Scene> paintScenes();
 std::vector<Scene> textScenes();
+std::vector<Scene> layerScenes();
 std::vector<Growth> growthSeries();
 
 // The scenes of text that are compared with each other.

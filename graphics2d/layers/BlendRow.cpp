@@ -4,7 +4,7 @@
 // one rounding. Sums of products wrap on the way and are right in the end.
 #include "graphics2d/layers/BlendRow.h"
 
-#include "graphics2d/strips/PixelLanes.h"
+#include "graphics2d/strips/Blending.h"
 
 #include <algorithm>
 
@@ -93,10 +93,6 @@ struct Plus {
         return smaller(s.channels + b.channels, U16x8{} + 255) * 255;
     }
 };
-struct Normal {
-    static U16x8 of(const Pair& s, const Pair& b) { return s.channels * 255 + targetShare(s, b); }
-};
-
 // --- Modes that mix colours ---------------------------------------------------------------------
 // A mixture is as * ab * mixed(B / ab, S / as), times 255 * 255; mixed is 1 for the alpha. Each has
 // as * B and ab * S at hand.
@@ -338,11 +334,12 @@ class Shares {
 public:
     explicit Shares(uint32_t opacity) : opacity_(all8(opacity)) {}
 
-    void take(const uint8_t* levels, int32_t count)
+    // Reads four levels.
+    void take(const uint8_t* levels)
     {
-        if (levels == nullptr) return;
-        U32x4 spread = {};
-        std::memcpy(&spread, levels, static_cast<size_t>(count));
+        uint32_t four;
+        std::memcpy(&four, levels, sizeof four);
+        U32x4 spread = {four, 0, 0, 0};
         spread = zipLowBytes(spread, spread);
         spread = zipLowBytes(spread, spread); // each level four times
         low_ = widenLow(spread);
@@ -387,57 +384,152 @@ inline U16x8 moved(U16x8 target, U16x8 result, U16x8 share)
     return mulHigh(widened(result), share) + mulHigh(target << 8, ~share) + 128;
 }
 
-inline U32x4 loadFew(const Pixel* from, int32_t count)
+// blender(target, layer) is asked for two pixels at a time.
+inline void blendFour(PairBlender blender, Pixel* target, const Pixel* layer, const Shares& shares)
 {
-    if (count >= 4) return load4(from);
-    U32x4 pixels = {};
-    std::memcpy(&pixels, from, static_cast<size_t>(count) * sizeof *from);
-    return pixels;
+    const U32x4 below = load4(target);
+    const U32x4 above = load4(layer);
+    const U16x8 low = widenLow(below), high = widenHigh(below);
+    const U16x8 lowResult = blender(low, widenLow(above));
+    const U16x8 highResult = blender(high, widenHigh(above));
+    store4(target, narrowHighBytes(moved(low, lowResult, shares.low()),
+                                   moved(high, highResult, shares.high())));
 }
 
 void blendPixels(PairBlender blender, Pixel* target, const Pixel* layer, const uint8_t* levels,
                  uint32_t opacity, int32_t count)
 {
     Shares shares(opacity);
-    for (int32_t i = 0; i < count; i += 4) {
-        const int32_t few = std::min(4, count - i);
-        shares.take(levels != nullptr ? levels + i : nullptr, few);
-        const U32x4 below = loadFew(target + i, few);
-        const U32x4 above = loadFew(layer + i, few);
-        const U16x8 low = widenLow(below), high = widenHigh(below);
-        const U16x8 lowResult = blender(low, widenLow(above));
-        const U16x8 highResult = blender(high, widenHigh(above));
-        storeFew(target + i,
-                 narrowHighBytes(moved(low, lowResult, shares.low()),
-                                 moved(high, highResult, shares.high())),
-                 few);
+    int32_t i = 0;
+    for (; i + 4 <= count; i += 4) {
+        if (levels != nullptr) shares.take(levels + i);
+        blendFour(blender, target + i, layer + i, shares);
+    }
+    if (i == count) return;
+    Pixel lastTarget[4] = {}, lastLayer[4] = {};
+    uint8_t lastLevels[4] = {};
+    const size_t rest = static_cast<size_t>(count - i);
+    std::copy_n(target + i, rest, lastTarget);
+    std::copy_n(layer + i, rest, lastLayer);
+    if (levels != nullptr) {
+        std::copy_n(levels + i, rest, lastLevels);
+        shares.take(lastLevels);
+    }
+    blendFour(blender, lastTarget, lastLayer, shares);
+    std::copy_n(lastTarget, rest, target + i);
+}
+
+// --- The normal mode ----------------------------------------------------------------------------
+// By the arithmetic that premultiplied paints are blended with, its weights rounded to 1/256.
+
+// Of four levels.
+inline U32x4 weightsOf(const uint8_t* levels, U16x8 opacity)
+{
+    uint32_t four;
+    std::memcpy(&four, levels, sizeof four);
+    const U32x4 bytes = zipLowBytes(U32x4{four, 0, 0, 0}, U32x4{});
+    return (U32x4)refinedWeights((U16x8)zipLow((U16x8)bytes, U16x8{}) << 8, opacity);
+}
+
+inline U16x8 cutToAlpha(const Pair& s)
+{
+    return (U16x8)((I16x8)s.channels < (I16x8)s.alpha ? s.channels : s.alpha);
+}
+
+// All of the layer's pixels counts: S + B * (1 - as), rounded to nearest.
+struct CoverWhole {
+    static U16x8 two(U16x8 from, U16x8 colour)
+    {
+        const Pair s(colour);
+        const U16x8 sum = cutToAlpha(s) * 255 + from * (255 - s.alpha) + 128;
+        return sum + (sum >> 8); // / 255, in the high bytes
+    }
+    void operator()(Pixel* target, const Pixel* layer, const uint8_t*) const
+    {
+        const U32x4 below = load4(target), above = load4(layer);
+        store4(target, narrowHighBytes(two(widenLow(below), widenLow(above)),
+                                       two(widenHigh(below), widenHigh(above))));
+    }
+};
+
+inline void coverByWeights(Pixel* target, const Pixel* layer, U32x4 weights)
+{
+    const auto move = [](U16x8 from, U16x8 colour, U16x8 weight) {
+        return movePremultiplied(from, cutToAlpha(Pair(colour)), weight);
+    };
+    store4(target, blendLanes(load4(target), load4(layer), weights, move));
+}
+
+struct CoverByOpacity {
+    U32x4 weights;
+    void operator()(Pixel* target, const Pixel* layer, const uint8_t*) const
+    {
+        coverByWeights(target, layer, weights);
+    }
+};
+
+struct CoverByLevels {
+    U16x8 opacity;
+    void operator()(Pixel* target, const Pixel* layer, const uint8_t* levels) const
+    {
+        coverByWeights(target, layer, weightsOf(levels, opacity));
+    }
+};
+
+// Sixteen pixels that are all transparent are skipped, and opaque ones copied where all of them
+// counts. coverFour(target, layer, levels) blends four.
+template <class Cover>
+void coverPixels(Pixel* target, const Pixel* layer, const uint8_t* levels, int32_t count,
+                 bool copies, Cover coverFour)
+{
+    constexpr int32_t kBlock = 16;
+    int32_t i = 0;
+    for (; i + kBlock <= count; i += kBlock) {
+        U32x4 all = load4(layer + i), any = all;
+        for (int32_t k = 4; k < kBlock; k += 4) {
+            const U32x4 four = load4(layer + i + k);
+            all &= four;
+            any |= four;
+        }
+        if ((any[0] | any[1] | any[2] | any[3]) >> 24 == 0) continue;
+        if (copies && (all[0] & all[1] & all[2] & all[3]) >> 24 == 255) {
+            std::copy_n(layer + i, kBlock, target + i);
+            continue;
+        }
+        for (int32_t k = 0; k < kBlock; k += 4)
+            coverFour(target + i + k, layer + i + k, levels == nullptr ? nullptr : levels + i + k);
+    }
+    for (; i < count; i += 4) {
+        const size_t few = static_cast<size_t>(std::min(4, count - i));
+        Pixel lastTarget[4] = {}, lastLayer[4] = {};
+        uint8_t lastLevels[4] = {};
+        std::copy_n(target + i, few, lastTarget);
+        std::copy_n(layer + i, few, lastLayer);
+        if (levels != nullptr) std::copy_n(levels + i, few, lastLevels);
+        coverFour(lastTarget, lastLayer, lastLevels);
+        std::copy_n(lastTarget, few, target + i);
     }
 }
 
-// Four pixels alike are the usual case.
-void blendNormal(Pixel* target, const Pixel* layer, const uint8_t* levels, uint32_t opacity,
-                 int32_t count)
+void coverRow(Pixel* target, const Pixel* layer, const uint8_t* levels, uint32_t opacity,
+              int32_t count)
 {
-    if (levels != nullptr || opacity != 255)
-        return blendPixels(blendPair<Normal>, target, layer, levels, opacity, count);
-    for (int32_t i = 0; i < count; i += 4) {
-        const int32_t few = std::min(4, count - i);
-        uint32_t all = layer[i], any = layer[i];
-        for (int32_t k = 1; k < few; ++k) {
-            all &= layer[i + k];
-            any |= layer[i + k];
-        }
-        if (any >> 24 == 0) continue;
-        if (all >> 24 == 255)
-            std::memcpy(target + i, layer + i, static_cast<size_t>(few) * sizeof *layer);
-        else
-            blendPixels(blendPair<Normal>, target + i, layer + i, nullptr, 255, few);
-    }
+    const U16x8 opacities = all8(opacity << 8);
+    const uint8_t whole[4] = {255, 255, 255, 255};
+    if (levels != nullptr)
+        coverPixels(target, layer, levels, count, false, CoverByLevels{opacities});
+    else if (opacity != 255)
+        coverPixels(target, layer, nullptr, count, false,
+                    CoverByOpacity{weightsOf(whole, opacities)});
+    else
+        coverPixels(target, layer, nullptr, count, true, CoverWhole{});
 }
+
+// ------------------------------------------------------------------------------------------------
 
 // In the order of MMBlendMode.
 constexpr PairBlender kBlenders[] = {
-    blendPair<Normal>,
+    nullptr, // has a loop of its own
     blendPair<Mixed<Multiply>>,
     blendPair<Mixed<Screen>>,
     blendPair<Mixed<Overlay>>,
@@ -474,7 +566,7 @@ void blendRow(MMBlendMode mode, Pixel* target, const Pixel* layer, const uint8_t
               uint32_t opacity, int32_t count)
 {
     if (mode == kBlendNormal || mode > kBlendPlus)
-        return blendNormal(target, layer, levels, opacity, count);
+        return coverRow(target, layer, levels, opacity, count);
     blendPixels(kBlenders[mode], target, layer, levels, opacity, count);
 }
 

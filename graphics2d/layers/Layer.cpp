@@ -26,12 +26,16 @@ int32_t sideOf(int32_t from, int32_t to)
     return static_cast<int32_t>(std::clamp<int64_t>(side, 0, kLargestSide));
 }
 
-// The levels of columns of a row through up to two masks; null when there is none.
+// The levels of columns of a row through up to two masks; null where all are 255.
 const uint8_t* levelsOf(const MMMask* a, const MMMask* b, int32_t row, int32_t first, int32_t count,
                         uint8_t* levels)
 {
     if (a == nullptr && b == nullptr) return nullptr;
-    if (a == nullptr || b == nullptr) return maskRow(a != nullptr ? *a : *b, row) + first;
+    if (a == nullptr || b == nullptr) {
+        const uint8_t* const some = maskRow(a != nullptr ? *a : *b, row) + first;
+        const auto isWhole = [](uint8_t level) { return level == 255; };
+        return std::all_of(some, some + count, isWhole) ? nullptr : some;
+    }
     const uint8_t* const one = maskRow(*a, row) + first;
     const uint8_t* const other = maskRow(*b, row) + first;
     for (int32_t i = 0; i < count; ++i)

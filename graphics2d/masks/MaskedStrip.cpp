@@ -37,10 +37,19 @@ uint64_t eightLevels(const uint8_t* levels)
 int32_t endOfLevel(const uint8_t* levels, int32_t from, int32_t end, uint8_t level)
 {
     const uint64_t pattern = level * 0x0101010101010101u;
-    for (; end - from >= kLane; from += kLane) {
-        const uint64_t others = eightLevels(levels + from) ^ pattern;
-        if (others != 0) return from + __builtin_ctzll(others) / 8;
+    // Long stretches first, sixty-four at a time.
+    for (const U64x2 patterns = {pattern, pattern}; end - from >= 64; from += 64) {
+        U64x2 others = {};
+        for (int32_t i = 0; i < 64; i += 16) {
+            U64x2 sixteen;
+            std::memcpy(&sixteen, levels + from + i, sizeof sixteen);
+            others |= sixteen ^ patterns;
+        }
+        if ((others[0] | others[1]) != 0) break;
     }
+    for (; end - from >= kLane; from += kLane)
+        if (const uint64_t others = eightLevels(levels + from) ^ pattern)
+            return from + __builtin_ctzll(others) / 8;
     while (from < end && levels[from] == level)
         ++from;
     return from;
@@ -56,12 +65,10 @@ int32_t endOfMixture(const uint8_t* levels, int32_t from, int32_t end)
     return end;
 }
 
-// Eight levels as 16-bit lanes, or fewer and zeros.
-U16x8 widenLevels(const uint8_t* levels, int32_t count)
+// Eight levels as 16-bit lanes.
+U16x8 widenLevels(const uint8_t* levels)
 {
-    U32x4 bytes = {};
-    std::memcpy(&bytes, levels, count < kLane ? static_cast<size_t>(count) : size_t{kLane});
-    return widenLow(bytes);
+    return widenLow((U32x4)U64x2{eightLevels(levels), 0});
 }
 
 // a * b / 255 of a coverage, rounded.
@@ -176,18 +183,20 @@ void tintByLevels(Pixel* pixels, const Tint& tint, const uint8_t* levels, int32_
 {
     const U16x8 source = widenLow(all4(tint.source));
     const U16x8 opacity = all8(tint.opacity);
-    const auto weightsAt = [&](int32_t i) {
-        return refinedWeights(widenLevels(levels + i, count - i) << 8, opacity);
+    const auto weightsOf = [&](const uint8_t* eight) {
+        return refinedWeights(widenLevels(eight) << 8, opacity);
     };
     int32_t i = 0;
     for (; i + kLane <= count; i += kLane)
-        tintEight(pixels + i, weightsAt(i), source);
+        tintEight(pixels + i, weightsOf(levels + i), source);
     if (i == count) return;
-    Pixel rest[kLane] = {};
-    const size_t bytes = static_cast<size_t>(count - i) * sizeof(Pixel);
-    std::memcpy(rest, pixels + i, bytes);
-    tintEight(rest, weightsAt(i), source);
-    std::memcpy(pixels + i, rest, bytes);
+    Pixel lastPixels[kLane] = {};
+    uint8_t lastLevels[kLane] = {};
+    const size_t rest = static_cast<size_t>(count - i);
+    std::copy_n(pixels + i, rest, lastPixels);
+    std::copy_n(levels + i, rest, lastLevels);
+    tintEight(lastPixels, weightsOf(lastLevels), source);
+    std::copy_n(lastPixels, rest, pixels + i);
 }
 
 void invertByLevels(Pixel* pixels, Pixel colour, const uint8_t* levels, int32_t count)
@@ -410,21 +419,29 @@ void moveByLevels(Pixel* pixels, const Pixel* drawn, const uint8_t* levels, int3
         const U16x8 sum = from * (255 - level) + to * level + 128;
         return sum + (sum >> 8); // / 255, in the high bytes
     };
-    for (int32_t i = 0; i < count; i += 4) {
-        const int32_t part = std::min(4, count - i);
-        U32x4 spread = {};
-        U32x4 from = {};
-        U32x4 to = {};
-        std::memcpy(&spread, levels + i, static_cast<size_t>(part));
-        std::memcpy(&from, pixels + i, static_cast<size_t>(part) * sizeof(Pixel));
-        std::memcpy(&to, drawn + i, static_cast<size_t>(part) * sizeof(Pixel));
+    const auto moveFour = [&](Pixel* at, const Pixel* to, const uint8_t* level) {
+        uint32_t four;
+        std::memcpy(&four, level, sizeof four);
+        U32x4 spread = {four, 0, 0, 0};
         spread = zipLowBytes(spread, spread);
         spread = zipLowBytes(spread, spread); // each level four times
-        storeFew(pixels + i,
-                 narrowHighBytes(moved(widenLow(from), widenLow(to), widenLow(spread)),
-                                 moved(widenHigh(from), widenHigh(to), widenHigh(spread))),
-                 part);
-    }
+        const U32x4 old = load4(at);
+        const U32x4 drawn4 = load4(to);
+        store4(at, narrowHighBytes(moved(widenLow(old), widenLow(drawn4), widenLow(spread)),
+                                   moved(widenHigh(old), widenHigh(drawn4), widenHigh(spread))));
+    };
+    int32_t i = 0;
+    for (; i + 4 <= count; i += 4)
+        moveFour(pixels + i, drawn + i, levels + i);
+    if (i == count) return;
+    Pixel lastPixels[4] = {}, lastDrawn[4] = {};
+    uint8_t lastLevels[4] = {};
+    const size_t rest = static_cast<size_t>(count - i);
+    std::copy_n(pixels + i, rest, lastPixels);
+    std::copy_n(drawn + i, rest, lastDrawn);
+    std::copy_n(levels + i, rest, lastLevels);
+    moveFour(lastPixels, lastDrawn, lastLevels);
+    std::copy_n(lastPixels, rest, pixels + i);
 }
 
 } // namespace Graphics2D
