@@ -12,7 +12,9 @@ LoadedImage read(const SvgDocument& document, const std::string& href, uint64_t 
 {
     LoadedImage image;
     std::string bytes;
-    if (!document.resources().read(href, bytes)) {
+    // What a fragment names is a view of the whole drawing at most.
+    const bool isData = href.compare(0, 5, "data:") == 0;
+    if (!document.resources().read(isData ? href : href.substr(0, href.find('#')), bytes)) {
         image.problem = "cannot be read";
         return image;
     }

@@ -211,6 +211,7 @@ pugi::xml_node Renderer::referenced(pugi::xml_node node, std::string_view value,
 {
     if (value.empty() || value == "none" || value == "inherit") return {};
     const pugi::xml_node found = document_.find(referenceIn(value));
+    if (isActive(found)) note(std::string(wanted) + " inside itself", node);
     if (found.name() == wanted) return found;
     note(std::string(wanted) + (referenceIn(value).empty() ? " of a basic shape or another document"
                                                            : " that is not there"),
@@ -230,10 +231,7 @@ bool Renderer::clipState(pugi::xml_node clip, const State& state, const Box& bou
     if (!applyTransform(clip, properties, inner)) return false;
     if (clip.attribute("clipPathUnits").value() != std::string_view("objectBoundingBox"))
         return true;
-    if (!bounds.hasArea()) {
-        if (bounds.empty()) note("bounding box of text", clip);
-        return false;
-    }
+    if (!bounds.hasArea()) return false;
     inner.toDevice =
         inner.toDevice * Affine{bounds.width(), 0, 0, bounds.height(), bounds.left, bounds.top};
     return true;
@@ -243,8 +241,11 @@ bool Renderer::clipState(pugi::xml_node clip, const State& state, const Box& bou
 void Renderer::narrowTo(pugi::xml_node clip, const State& state, const Box& bounds)
 {
     State inner;
-    const auto isText = [](pugi::xml_node n) { return n.name() == std::string_view("text"); };
-    if (!clipState(clip, state, bounds, inner) || clip.find_child(isText)) return;
+    // Letters reach beyond the box of their text, which may be used, too.
+    const auto mayBeText = [](pugi::xml_node n) {
+        return n.name() == std::string_view("text") || n.name() == std::string_view("use");
+    };
+    if (!clipState(clip, state, bounds, inner) || clip.find_child(mayBeText)) return;
     const Box box = boundsOf(clip, Properties(clip, document_.sheet()), inner);
     clipTo(box.empty() ? Box{0, 0, 0, 0} : inner.toDevice.mapBox(box));
 }
@@ -285,10 +286,7 @@ bool Renderer::coverByMask(pugi::xml_node mask, const State& state, const Box& b
 
     // The mask's own rectangle.
     const bool inBox = mask.attribute("maskUnits").value() != std::string_view("userSpaceOnUse");
-    if (inBox && !bounds.hasArea()) {
-        if (bounds.empty()) note("bounding box of text", mask);
-        return false;
-    }
+    if (inBox && !bounds.hasArea()) return false;
     Viewport units = state.viewport;
     if (inBox) units.width = units.height = 1;
     const LengthContext lengths = inner.style.lengths(units);

@@ -151,6 +151,8 @@ bool Renderer::applyTransform(pugi::xml_node node, const Properties& properties,
     if (style.transformBox == "fill-box" || style.transformBox == "content-box" ||
         style.transformBox == "stroke-box" || style.transformBox == "border-box")
         box = boundsOf(node, properties, state);
+    if (style.transformBox == "stroke-box" || style.transformBox == "border-box")
+        note("transform-box of the stroke", node);
     const std::optional<Affine> transform = parseTransform(style.transform, lengths, box);
     if (!transform) {
         note("malformed transform", node);
@@ -158,7 +160,7 @@ bool Renderer::applyTransform(pugi::xml_node node, const Properties& properties,
     }
     const std::optional<Point> origin = transformOrigin(style.transformOrigin, box, lengths);
     if (!origin) note("malformed transform-origin", node);
-    const Point o = style.transformOrigin.empty() ? Point() : origin.value_or(Point());
+    const Point o = origin.value_or(Point());
     state.toDevice = state.toDevice * translation(o.x, o.y) * *transform * translation(-o.x, -o.y);
     return true;
 }

@@ -156,6 +156,8 @@ private:
     void drawRun(const TextRun& run, const State& state);
     void pickRun(const TextRun& run, const PathSpace& space);
     void drawLine(const TextRun& run, double offset, const State& state);
+    Box boundsOfText(pugi::xml_node node, const State& state);
+    static Box boundsOfRuns(const std::vector<TextRun>& runs);
     void noteParts(pugi::xml_node node);
     void measure(TextRun& run, const PathSpace& space);
     std::vector<TextRun> layOut(const TextContent& content, const State& state,

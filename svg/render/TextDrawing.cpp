@@ -57,12 +57,7 @@ void Renderer::drawText(pugi::xml_node node, const State& state)
 
     std::vector<TextRun> runs = layOut(content, state, *space);
     fitLength(node, content, state, *space, runs);
-    Box bounds;
-    for (const TextRun& run : runs) {
-        const double size = run.style->fontSize;
-        const Box cells = run.toUser().mapBox({0, -kAscent * size, run.width, kDescent * size});
-        bounds.include(cells);
-    }
+    const Box bounds = boundsOfRuns(runs);
     const auto drawLines = [&](bool Style::*kind, double offset) {
         for (const TextRun& run : runs) {
             if (run.style->*kind && setTextPaint(*run.style, state, bounds, 0))
@@ -80,6 +75,33 @@ void Renderer::drawText(pugi::xml_node node, const State& state)
         if (painted) drawRun(run, state);
     }
     drawLines(&Style::lineThrough, kLineThroughOffset);
+}
+
+// Of the cells of all characters, user space.
+Box Renderer::boundsOfRuns(const std::vector<TextRun>& runs)
+{
+    Box bounds;
+    for (const TextRun& run : runs) {
+        const double size = run.style->fontSize;
+        const Box cells = run.toUser().mapBox({0, -kAscent * size, run.width, kDescent * size});
+        bounds.include(cells);
+    }
+    return bounds;
+}
+
+// Measured at a size at which rounding to pixels does not show.
+Box Renderer::boundsOfText(pugi::xml_node node, const State& state)
+{
+    constexpr double kMeasuredSize = 64;
+    TextContent content = readText(document_, node, state.style, state.viewport);
+    const double scale = kMeasuredSize / state.style.fontSize;
+    const std::optional<PathSpace> space =
+        PathSpace::make(Affine{scale, 0, 0, scale, 0, 0}, targetCentre());
+    if (!space || content.characters.empty()) return {};
+    context_.preserveSpace = 1;
+    std::vector<TextRun> runs = layOut(content, state, *space);
+    fitLength(node, content, state, *space, runs);
+    return boundsOfRuns(runs);
 }
 
 // What the elements inside a text ask for and do not get.

@@ -158,6 +158,7 @@ Box Renderer::boundsOf(pugi::xml_node node, const Properties& properties, const 
         return {x, y, x + parseLength(properties[Property::Width], lengths, Axis::X, 0),
                 y + parseLength(properties[Property::Height], lengths, Axis::Y, 0)};
     }
+    if (node.name() == std::string_view("text")) return boundsOfText(node, state);
     Box box;
     const bool isUse = node.name() == std::string_view("use");
     if (state.depth >= static_cast<int>(session_.limits.depth)) return box;

@@ -12,17 +12,22 @@ namespace {
 
 class PathParser {
 public:
-    PathParser(std::string_view text, Outline& outline) : scanner_(text), outline_(outline) {}
+    PathParser(std::string_view text, Outline& outline)
+        : text_(text), scanner_(text), outline_(outline)
+    {
+    }
 
     bool parse();
 
 private:
+    bool endsWithComma() const; // what has been read
     bool parseSegment();
     bool parseArc();
     bool numbers(double* values, int count);
     bool points(Point* values, int count); // absolute, also for a relative command
     Point reflected(Point control) const { return outline_.current() * 2 - control; }
 
+    std::string_view text_;
     TextScanner scanner_;
     Outline& outline_;
     char command_ = 'M'; // upper case
@@ -30,6 +35,13 @@ private:
     char previous_ = '\0'; // command of the segment before
     Point control_;        // last control point of that segment, if it is a curve
 };
+
+bool PathParser::endsWithComma() const
+{
+    const std::string_view read = text_.substr(0, text_.size() - scanner_.rest().size());
+    const size_t last = read.find_last_not_of(" \t\r\n\f");
+    return last != read.npos && read[last] == ',';
+}
 
 bool PathParser::numbers(double* values, int count)
 {
@@ -143,6 +155,7 @@ bool PathParser::parse()
         do {
             if (!parseSegment()) return false;
         } while (!scanner_.atEnd() && !std::isalpha(static_cast<unsigned char>(scanner_.peek())));
+        if (endsWithComma()) return false;
     }
 }
 

@@ -68,6 +68,20 @@ TEST(SvgEquivalents, PathLengthsMeasureDashes)
           "<rect width='30' height='20' stroke='red' stroke-dasharray='10'/>"}});
 }
 
+TEST(SvgEquivalents, TransformBoxes)
+{
+    const std::string turned = "<rect x='10' y='10' width='20' height='10' style='transform:"
+                               "rotate(90deg);";
+    const std::string aroundCorner = "<rect y='10' width='10' height='20'/>";
+    expectSameElements({{turned + "transform-box:fill-box'/>", aroundCorner},
+                        {turned + "transform-box:fill-box;transform-origin:0 0'/>", aroundCorner},
+                        {turned + "transform-origin:10px 10px'/>", aroundCorner},
+                        {turned + "transform-box:fill-box;transform-origin:right bottom'/>",
+                         "<rect x='30' width='10' height='20'/>"},
+                        {turned + "transform-box:view-box;transform-origin:50% 50%'/>",
+                         "<rect x='20' y='10' width='10' height='20'/>"}});
+}
+
 TEST(SvgEquivalents, Viewports)
 {
     expectSameElements({{"<svg viewBox='0 0 0 9' width='20' height='20'><circle r='9'/></svg>", ""},

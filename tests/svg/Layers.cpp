@@ -101,6 +101,20 @@ TEST(SvgLayers, MasksWeighByLightOrAlpha)
     }
 }
 
+TEST(SvgLayers, WhatRefersToItselfIsNamed)
+{
+    for (const char* name : {"clipPath", "mask"}) {
+        const std::string reference =
+            std::string(name == std::string("mask") ? "mask" : "clip-path") + "='url(#c)'";
+        KAVO::Svg::MMSvgDocument document;
+        ASSERT_TRUE(document.loadBytes("<svg><" + std::string(name) + " id='c' " + reference +
+                                       "><rect width='9' height='9'/></" + name +
+                                       "><rect width='20' height='20' " + reference + "/></svg>"));
+        drawn(document, kSide, kSide);
+        EXPECT_TRUE(lacks(document, std::string(name) + " inside itself"));
+    }
+}
+
 TEST(SvgLayers, PointsThatAreCutAwayAreNotFound)
 {
     MMSvgDocument document;

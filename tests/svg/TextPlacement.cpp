@@ -189,6 +189,32 @@ TEST_F(SvgTextDrawing, BaselinesShift)
     EXPECT_NEAR(bottom("", "<tspan baseline-shift='9'> </tspan>M"), plain, 1);
 }
 
+// A gradient over the box of a text, and a clip path in its units: its right half.
+TEST_F(SvgTextDrawing, TextsHaveABoundingBox)
+{
+    const std::string text = "<text x='5' y='40' font-size='20' textLength='60' "
+                             "lengthAdjust='spacingAndGlyphs' ";
+    const std::string clip = "<clipPath id='c' clipPathUnits='objectBoundingBox'>"
+                             "<rect x='.5' width='.5' height='1'/></clipPath>";
+    EXPECT_NEAR(boundsOf(text + ">MMMM</text>").left, 5, 3);
+    const Picture whole = drawn(text + ">MMMM</text>");
+    const Picture half = drawn(clip + text + "clip-path='url(#c)'>MMMM</text>");
+    EXPECT_TRUE(shortcomings.empty());
+    for (int y = 0; y < kSide; ++y)
+        for (int x = 0; x < kSide; ++x) {
+            if (x < 34) {
+                EXPECT_EQ(half.at(x, y), kWhite) << x << ' ' << y;
+            } else if (x > 35 && y > 24) {
+                EXPECT_EQ(half.at(x, y), whole.at(x, y)) << x << ' ' << y;
+            }
+        }
+    // Text that is used clips, too.
+    const Picture letters = drawn("<defs><text id='t' x='5' y='40' font-size='20'>M</text></defs>"
+                                  "<clipPath id='u'><use href='#t'/></clipPath>"
+                                  "<rect width='80' height='80' clip-path='url(#u)'/>");
+    EXPECT_TRUE(letters.pixels == drawn("<text x='5' y='40' font-size='20'>M</text>").pixels);
+}
+
 TEST_F(SvgTextDrawing, LinesLieAtTexts)
 {
     const auto lines = [&](const char* kinds) {
