@@ -133,8 +133,8 @@ bool Renderer::enter(pugi::xml_node node, const Properties& properties, State& s
     ++state.depth;
     state.style = state.style.child(properties, state.viewport);
     if (!state.style.displayed || !meetsConditions(node)) return false;
-    if (properties.needsCalc()) {
-        note("a value that calc() computes", node);
+    if (!properties.unknownFunction().empty()) {
+        note("a value that " + std::string(properties.unknownFunction()) + ") computes", node);
         return false;
     }
     noteUndrawn(node, properties);
@@ -218,16 +218,21 @@ void Renderer::noteUndrawn(pugi::xml_node node, const Properties& properties)
         const char* name;
     } kUndrawn[] = {{Property::Filter, "filter"},
                     {Property::WritingMode, "writing-mode"},
+                    {Property::Clip, "clip"},
                     {Property::Direction, "direction"},
                     {Property::UnicodeBidi, "unicode-bidi"},
                     {Property::TextTransform, "text-transform"},
                     {Property::FontVariant, "font-variant"}};
+    const std::string_view join = properties[Property::StrokeLinejoin];
+    if (join == "arcs" || join == "miter-clip") note(std::string(join) + " joins", node);
     for (const auto& undrawn : kUndrawn) {
         const std::string_view value = properties[undrawn.property];
-        static constexpr std::string_view kPlain[] = {"",   "none",          "normal", "lr-tb",
-                                                      "lr", "horizontal-tb", "ltr",    "inherit"};
+        static constexpr std::string_view kPlain[] = {
+            "", "none", "normal", "auto", "lr-tb", "lr", "horizontal-tb", "ltr", "inherit"};
         if (!contains(kPlain, value)) note(undrawn.name, node);
     }
+    for (const std::string_view name : properties.undrawn())
+        note(std::string(name), node);
     // What stands inside a shape is not walked through.
     if (!isShape(node.name())) return;
     for (const pugi::xml_node child : node.children()) {

@@ -5,6 +5,8 @@
 #include "svg/style/Validity.h"
 #include "svg/values/TextScanner.h"
 
+#include <algorithm>
+
 namespace KAVO {
 namespace Svg {
 
@@ -25,12 +27,12 @@ void addShorthand(std::string_view name, std::string_view value, bool important,
                   std::vector<Declaration>& declarations)
 {
     if (name == "text-decoration-line") {
-        declarations.push_back({Property::TextDecoration, value, important});
+        declarations.push_back({Property::TextDecoration, value, important, {}});
         return;
     }
     if (name == "marker") {
         for (const Property p : {Property::MarkerStart, Property::MarkerMid, Property::MarkerEnd})
-            declarations.push_back({p, value, important});
+            declarations.push_back({p, value, important, {}});
         return;
     }
     // font: [style || weight || ...] size[/line height] family
@@ -40,19 +42,32 @@ void addShorthand(std::string_view name, std::string_view value, bool important,
         std::string_view word = value.substr(0, end);
         value = end == value.npos ? std::string_view() : trimmed(value.substr(end));
         if (word == "italic" || word == "oblique") {
-            declarations.push_back({Property::FontStyle, word, important});
+            declarations.push_back({Property::FontStyle, word, important, {}});
         } else if (word == "bold" || word == "bolder" || word == "lighter" ||
                    (word.size() == 3 && word.substr(1) == "00")) {
-            declarations.push_back({Property::FontWeight, word, important});
+            declarations.push_back({Property::FontWeight, word, important, {}});
         } else if (word == "small-caps") {
-            declarations.push_back({Property::FontVariant, word, important});
+            declarations.push_back({Property::FontVariant, word, important, {}});
         } else if (word != "normal" && word.find("condensed") == word.npos &&
                    word.find("expanded") == word.npos) {
-            declarations.push_back({Property::FontSize, word.substr(0, word.find('/')), important});
-            declarations.push_back({Property::FontFamily, value, important});
+            declarations.push_back(
+                {Property::FontSize, word.substr(0, word.find('/')), important, {}});
+            declarations.push_back({Property::FontFamily, value, important, {}});
             return;
         }
     }
+}
+
+// Properties that change a picture in ways that are not known here.
+bool isUndrawn(std::string_view name, std::string_view value)
+{
+    if (value == "none" || value == "normal" || value == "auto") return false;
+    for (const std::string_view undrawn :
+         {"animation", "animation-name", "backdrop-filter", "mask-image", "offset-path", "rotate",
+          "scale", "translate", "zoom"}) {
+        if (name == undrawn) return true;
+    }
+    return false;
 }
 
 } // namespace
@@ -75,29 +90,41 @@ void parseDeclarations(std::string_view text, std::vector<Declaration>& declarat
             value = trimmed(value.substr(0, mark));
         }
         if (value.empty()) continue;
-        if (const std::optional<Property> property = findProperty(lowerCase(name)))
-            declarations.push_back({*property, value, important});
+        const std::optional<Property> property = findProperty(lowerCase(name));
+        if (property)
+            declarations.push_back({*property, value, important, {}});
+        else if (name.substr(0, 2) == "--" || isUndrawn(name, value))
+            declarations.push_back({Property::Count, value, important, name});
         else
             addShorthand(name, value, important, declarations);
     }
 }
 
-Properties::Properties(pugi::xml_node node, const StyleSheet& sheet)
+Properties::Properties(pugi::xml_node node, const StyleSheet& sheet) : node_(node), sheet_(sheet)
 {
-    std::vector<Declaration> own;
-    for (const pugi::xml_attribute attribute : node.attributes()) {
-        const std::string_view name = attribute.name();
-        if (name == "style")
-            parseDeclarations(attribute.value(), own);
-        else if (const std::optional<Property> property = findProperty(name))
-            set({*property, trimmed(attribute.value())});
-    }
-    std::vector<Declaration> rules;
+    Declarations own;
+    Declarations rules;
+    parseDeclarations(node.attribute("style").value(), own);
     if (!sheet.empty()) sheet.match(node, rules);
+    for (const pugi::xml_attribute attribute : node.attributes()) {
+        if (const std::optional<Property> property = findProperty(attribute.name()))
+            set({*property, trimmed(attribute.value()), false, {}});
+    }
+    forAll(rules, own, [&](const Declaration& declaration) {
+        if (declaration.property != Property::Count)
+            set(declaration);
+        else if (declaration.name.substr(0, 2) != "--")
+            undrawn_.push_back(declaration.name);
+    });
+}
+
+template <class Function>
+void Properties::forAll(const Declarations& rules, const Declarations& own, Function function)
+{
     for (const bool important : {false, true}) {
-        for (const std::vector<Declaration>* list : {&rules, &own}) {
+        for (const Declarations* list : {&rules, &own}) {
             for (const Declaration& declaration : *list) {
-                if (declaration.important == important) set(declaration);
+                if (declaration.important == important) function(declaration);
             }
         }
     }
@@ -106,14 +133,51 @@ Properties::Properties(pugi::xml_node node, const StyleSheet& sheet)
 void Properties::set(const Declaration& declaration)
 {
     std::string_view& value = values_[static_cast<size_t>(declaration.property)];
-    const std::string_view text = declaration.value;
-    needsCalc_ = needsCalc_ || text.find("calc(") != text.npos;
-    if (text == "unset" || text == "revert")
+    const std::string_view text = resolved(declaration.value);
+    if (text.find('(') != text.npos) {
+        for (const std::string_view function :
+             {"calc(", "var(", "min(", "max(", "clamp(", "env(", "attr("}) {
+            if (text.find(function) != text.npos) unknownFunction_ = function;
+        }
+    }
+    if (text == "unset" || text == "revert" || text.empty())
         value = {};
     else if (text == "initial")
         value = initialValue(declaration.property);
     else if (value.empty() || isValid(declaration.property, text)) // else that before it stays
         value = text;
+}
+
+std::string_view Properties::resolved(std::string_view text) const
+{
+    for (int i = 0; i < kMostVariables && text.substr(0, 4) == "var("; ++i) {
+        const std::string_view inside = text.substr(4);
+        const size_t end = findOutside(inside, ")");
+        if (end != inside.npos && end + 1 != inside.size()) return text; // more follows
+        const size_t comma = findOutside(inside.substr(0, end), ",");
+        const std::string_view value =
+            variable(node_, sheet_, trimmed(inside.substr(0, std::min(comma, end))));
+        const bool hasFallback = value.empty() && comma != inside.npos;
+        text = hasFallback ? trimmed(inside.substr(comma + 1, end - comma - 1)) : value;
+    }
+    return text;
+}
+
+std::string_view Properties::variable(pugi::xml_node node, const StyleSheet& sheet,
+                                      std::string_view name)
+{
+    for (; node.type() == pugi::node_element; node = node.parent()) {
+        Declarations own;
+        Declarations rules;
+        parseDeclarations(node.attribute("style").value(), own);
+        if (!sheet.empty()) sheet.match(node, rules);
+        std::string_view value;
+        forAll(rules, own, [&](const Declaration& declaration) {
+            if (declaration.name == name) value = declaration.value;
+        });
+        if (!value.empty()) return value;
+    }
+    return {};
 }
 
 } // namespace Svg

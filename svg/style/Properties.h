@@ -18,6 +18,8 @@ struct Declaration {
     Property property;
     std::string_view value; // without white space around it
     bool important = false;
+    std::string_view name = {}; // of a property of the author's own, "--name", or of one that is
+                                // not drawn; the property is Count then
 };
 
 // Appends the declarations between semicolons; shorthands are taken apart.
@@ -37,14 +39,32 @@ public:
     }
     bool inherits(Property property) const { return (*this)[property] == "inherit"; }
 
-    // The element has a value that is computed by calc(), which nothing here does.
-    bool needsCalc() const { return needsCalc_; }
+    // The function in one of the values that nothing here computes, as calc(); or nothing.
+    std::string_view unknownFunction() const { return unknownFunction_; }
+
+    // Properties that are set and mean nothing here, though they would change the picture.
+    const std::vector<std::string_view>& undrawn() const { return undrawn_; }
 
 private:
+    using Declarations = std::vector<Declaration>;
+    static constexpr int kMostVariables = 16; // that lead from one to the next
+
+    // Calls function for all declarations, those that go over others last.
+    template <class Function>
+    static void forAll(const Declarations& rules, const Declarations& own, Function function);
+    // The value of an author's own property that the element or the nearest one around it gives;
+    // empty when none does.
+    static std::string_view variable(pugi::xml_node node, const StyleSheet& sheet,
+                                     std::string_view name);
     void set(const Declaration& declaration);
+    // What stands for "var(--name, fallback)" on this element; other texts are left alone.
+    std::string_view resolved(std::string_view text) const;
 
     std::array<std::string_view, kPropertyCount> values_;
-    bool needsCalc_ = false;
+    pugi::xml_node node_;
+    const StyleSheet& sheet_;
+    std::vector<std::string_view> undrawn_;
+    std::string_view unknownFunction_;
 };
 
 } // namespace Svg

@@ -12,6 +12,7 @@ namespace {
 // In the order of Property, which is alphabetical, for the binary search.
 constexpr std::string_view kNames[] = {"alignment-baseline",
                                        "baseline-shift",
+                                       "clip",
                                        "clip-path",
                                        "clip-rule",
                                        "color",

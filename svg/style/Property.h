@@ -12,6 +12,7 @@ namespace Svg {
 enum class Property : uint8_t {
     AlignmentBaseline,
     BaselineShift,
+    Clip,
     ClipPath,
     ClipRule,
     Color,

@@ -113,6 +113,28 @@ TEST(SvgCascade, TheStrongestDeclarationCounts)
         EXPECT_EQ(fillOf(c.sheet, c.attributes), c.fill) << c.sheet << ' ' << c.attributes;
 }
 
+TEST(SvgCascade, VariablesStandForValues)
+{
+    const struct {
+        const char* sheet;
+        const char* attributes;
+        uint32_t fill;
+    } cases[] = {{"rect{--c:#010101;fill:var(--c)}", "", 0x010101},
+                 {"svg{--c:#010101}rect{fill:var( --c )}", "", 0x010101},
+                 {"svg{--c:#010101}g{--c:#020202}", "fill='var(--c)'", 0x020202},
+                 {"svg{--c:#010101}", "style='--c:#020202;fill:var(--c)'", 0x020202},
+                 {"rect{--c:#010101!important}", "style='--c:#020202;fill:var(--c)'", 0x010101},
+                 {"rect{fill:var(--c,#010101)}", "", 0x010101},
+                 {"rect{fill:var(--c, var(--d, rgb(1, 1, 1)))}", "", 0x010101},
+                 {"svg{--c:var(--d);--d:#010101}rect{fill:var(--c)}", "", 0x010101},
+                 {"svg{--C:#010101}rect{fill:var(--c,#020202)}", "", 0x020202},
+                 // Without a value the property is unset; circles end.
+                 {"svg{fill:#010101}rect{fill:#020202}.a{fill:var(--c)}", "", 0x010101},
+                 {"svg{--c:var(--d);--d:var(--c)}rect{fill:var(--c)}", "", 0}};
+    for (const auto& c : cases)
+        EXPECT_EQ(fillOf(c.sheet, c.attributes), c.fill) << c.sheet << ' ' << c.attributes;
+}
+
 // Every value that is wrong comes after one that is right.
 TEST(SvgCascade, WrongValuesAreDropped)
 {
