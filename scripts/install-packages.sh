@@ -17,7 +17,8 @@ for group in "$@"; do
                 xvfb xdotool imagemagick
                 fonts-dejavu-core fonts-wqy-microhei fonts-tlwg-garuda-ttf) ;;
         examples)
-            packages+=(libpugixml-dev libpng-dev libjpeg62-turbo-dev zlib1g-dev libsdl2-dev
+            packages+=(libpugixml-dev libpng-dev libjpeg62-turbo-dev libgif-dev libwebp-dev
+                zlib1g-dev libsdl2-dev
                 librsvg2-bin librsvg2-tests openclipart-svg
                 fonts-dejavu-core fonts-wqy-microhei fonts-tlwg-garuda-ttf) ;;
         bench)

@@ -10,7 +10,7 @@ std::string_view kindOf(std::string_view bytes)
     if (starts("\x89PNG\r\n\x1A\n")) return "png";
     if (starts("\xFF\xD8\xFF")) return "jpeg";
     if (starts("GIF8")) return "gif";
-    if (starts("RIFF") && bytes.substr(8, 4) == "WEBP") return "webp";
+    if (starts("RIFF") && bytes.size() > 12 && bytes.substr(8, 4) == "WEBP") return "webp";
     // A drawing: XML, or compressed.
     if (starts("\x1F\x8B")) return "svg";
     const size_t first = bytes.find_first_not_of("\xEF\xBB\xBF \t\r\n");

@@ -17,6 +17,9 @@ std::string_view kindOf(std::string_view bytes);
 // decoded; one that breaks off is kept up to there.
 std::string decodePng(std::string_view bytes, uint64_t mostPixels, Picture& picture);
 std::string decodeJpeg(std::string_view bytes, uint64_t mostPixels, Picture& picture);
+// Say that they are left out when the build found no library for them.
+std::string decodeGif(std::string_view bytes, uint64_t mostPixels, Picture& picture);
+std::string decodeWebp(std::string_view bytes, uint64_t mostPixels, Picture& picture);
 
 } // namespace Svg
 } // namespace KAVO

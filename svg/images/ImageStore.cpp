@@ -23,12 +23,16 @@ LoadedImage read(const SvgDocument& document, const std::string& href, uint64_t 
         image.problem = decodePng(bytes, pixelsLeft, image.picture);
     } else if (kind == "jpeg") {
         image.problem = decodeJpeg(bytes, pixelsLeft, image.picture);
+    } else if (kind == "gif") {
+        image.problem = decodeGif(bytes, pixelsLeft, image.picture);
+    } else if (kind == "webp") {
+        image.problem = decodeWebp(bytes, pixelsLeft, image.picture);
     } else if (kind == "svg") {
         image.drawing =
             std::make_unique<SvgDocument>(document.options(), document.resources().beside(href));
         image.problem = image.drawing->parse(std::move(bytes));
     } else {
-        image.problem = kind.empty() ? "is of an unknown kind" : "is " + std::string(kind);
+        image.problem = "is of an unknown kind";
     }
     return image;
 }
