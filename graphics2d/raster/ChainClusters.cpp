@@ -70,15 +70,34 @@ inline bool isBefore(const WindingStep& a, const WindingStep& b)
     return a.level != b.level ? a.level < b.level : a.winding < b.winding;
 }
 
+// The chains of one list, of which some are looked at: those of a row are where they were placed.
+struct ChainList {
+    const Chain* chains; // null: the places
+    RowPlacing* row;
+    const RowPlace* places;
+
+    Chain operator[](uint32_t i) const
+    {
+        return chains != nullptr ? chains[i] : row->chainOf(places[i]);
+    }
+};
+
 class ChainClusters {
 public:
     ChainClusters(SlabFill& slabs, const VertexRings& rings) : slabs_(slabs), rings_(rings) {}
 
-    void add(Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to);
+    // Of a row, whose chains have been measured when they were placed.
+    void add(RowPlacing& row, const RowPlace* places, uint32_t count, int32_t winding);
 
 private:
+    // Between two levels of it. Takes the chains down past the upper one.
+    void add(Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to);
+    void add(const ChainList& list, ChainExtent* extents, uint32_t count, int32_t winding,
+             Fixed from, Fixed to);
     bool measure(Chain chain, Fixed from, Fixed to, ChainExtent& extent) const;
-    void addCluster(Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to);
+    void addCluster(const ChainList& list, const ChainExtent* extents, uint32_t count,
+                    int32_t winding, Fixed from, Fixed to, bool isHidden);
+    void addAlong(Chain chain, Fixed from, Fixed to, int32_t sign);
     Levels levelsBetween(const Chain* chains, uint32_t count, Fixed from, Fixed to) const;
     void addSlabs(Chain* chains, uint32_t count, const Levels& levels, int32_t winding, Fixed from,
                   Fixed to);
@@ -112,11 +131,25 @@ bool ChainClusters::measure(Chain chain, Fixed from, Fixed to, ChainExtent& exte
     return true;
 }
 
+void ChainClusters::add(RowPlacing& row, const RowPlace* places, uint32_t count, int32_t winding)
+{
+    ScratchArray<ChainExtent> extents(slabs_.scratch(), count);
+    if (!extents) {
+        slabs_.fail();
+        return;
+    }
+    for (uint32_t i = 0; i < count; ++i) {
+        const RowPlace& place = places[i];
+        const uint32_t imbalance = place.partial ? row.imbalanceOf(place) : 0;
+        extents[i] = {place.minX, place.maxX, i, imbalance, row.isBorn(place) ? 0 : place.winding};
+    }
+    add({nullptr, &row, places}, extents.data(), count, winding, row.top(), row.bottom());
+}
+
 void ChainClusters::add(Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to)
 {
     ScratchArray<ChainExtent> extents(slabs_.scratch(), count);
-    ScratchArray<Chain> cluster(slabs_.scratch(), count);
-    if (!extents || !cluster) {
+    if (!extents) {
         slabs_.fail();
         return;
     }
@@ -126,35 +159,51 @@ void ChainClusters::add(Chain* chains, uint32_t count, int32_t winding, Fixed fr
         extents[crossing].chain = i;
         if (measure(chains[i], from, to, extents[crossing])) ++crossing;
     }
-    sortNearlySorted(extents.data(), crossing);
-    for (uint32_t i = 0; i < crossing;) {
+    add({chains, nullptr, nullptr}, extents.data(), crossing, winding, from, to);
+}
+
+void ChainClusters::add(const ChainList& list, ChainExtent* extents, uint32_t count,
+                        int32_t winding, Fixed from, Fixed to)
+{
+    sortNearlySorted(extents, count);
+    for (uint32_t i = 0; i < count;) {
+        const uint32_t first = i;
         Fixed reach = extents[i].maxX;
-        const Fixed start = extents[i].minX;
         uint32_t open = 0;
         int32_t after = winding;
-        uint32_t size = 0;
         do {
             reach = std::max(reach, extents[i].maxX);
             open += extents[i].imbalance;
             after += extents[i].passed;
-            cluster[size++] = chains[extents[i].chain];
             ++i;
-        } while (i < crossing && (open != 0 || extents[i].minX < reach));
-        if (start >= slabs_.coverage().endX()) return;
-        if (reach <= slabs_.coverage().startX())
-            addHidden(cluster.data(), size, winding, from, to);
-        else if (!slabs_.isDeepInside(winding, size))
-            addCluster(cluster.data(), size, winding, from, to);
+        } while (i < count && (open != 0 || extents[i].minX < reach));
+        if (extents[first].minX >= slabs_.coverage().endX()) return;
+        const uint32_t size = i - first;
+        const bool isHidden = reach <= slabs_.coverage().startX();
+        if (size == 1 && list.row != nullptr)
+            addChain(slabs_, *list.row, list.places[extents[first].chain], winding);
+        else if (isHidden || !slabs_.isDeepInside(winding, size))
+            addCluster(list, extents + first, size, winding, from, to, isHidden);
         winding = after;
     }
 }
 
-void ChainClusters::addCluster(Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to)
+void ChainClusters::addCluster(const ChainList& list, const ChainExtent* extents, uint32_t count,
+                               int32_t winding, Fixed from, Fixed to, bool isHidden)
 {
+    ScratchArray<Chain> cluster(slabs_.scratch(), count);
+    if (!cluster) {
+        slabs_.fail();
+        return;
+    }
+    for (uint32_t i = 0; i < count; ++i)
+        cluster[i] = list[extents[i].chain];
+    Chain* const chains = cluster.data();
+    if (isHidden) return addHidden(chains, count, winding, from, to);
     if (count == 1) {
         const bool was = slabs_.inside(winding);
         if (slabs_.inside(winding + chains->winding) != was)
-            addAlong(slabs_.coverage(), rings_, *chains, from, to, was ? -1 : 1);
+            addAlong(*chains, from, to, was ? -1 : 1);
         return;
     }
     const Levels levels = levelsBetween(chains, count, from, to);
@@ -228,8 +277,7 @@ void ChainClusters::addByMiddles(const Chain* chains, uint32_t count, int32_t wi
         const Chain& chain = chains[order[i].index];
         const bool was = slabs_.inside(winding);
         winding += chain.winding;
-        if (slabs_.inside(winding) != was)
-            addAlong(slabs_.coverage(), rings_, chain, from, to, was ? -1 : 1);
+        if (slabs_.inside(winding) != was) addAlong(chain, from, to, was ? -1 : 1);
     }
 }
 
@@ -263,24 +311,48 @@ void ChainClusters::addHidden(const Chain* chains, uint32_t count, int32_t windi
     slabs_.coverage().addPiece(x, x, static_cast<uint32_t>(gain), was ? -1 : 1);
 }
 
-} // namespace
-
-void addChains(SlabFill& slabs, const VertexRings& rings, Chain* chains, uint32_t count,
-               int32_t winding, Fixed from, Fixed to)
-{
-    ChainClusters(slabs, rings).add(chains, count, winding, from, to);
-}
-
-void addAlong(CoverageRow& coverage, const VertexRings& rings, Chain chain, Fixed from, Fixed to,
-              int32_t sign)
+// Adds a chain between two levels, as a left (sign 1) or a right (-1) edge of what is inside.
+void ChainClusters::addAlong(Chain chain, Fixed from, Fixed to, int32_t sign)
 {
     for (Fixed level = std::max(chain.line.y, from);;) {
         const Fixed next = std::min(chain.line.endY, to);
-        coverage.addPiece(chain.line.xAt(level), chain.line.xAt(next),
-                          static_cast<uint32_t>(next - level), sign);
-        if (next == to || !chain.step(rings)) return;
+        slabs_.coverage().addPiece(chain.line.xAt(level), chain.line.xAt(next),
+                                   static_cast<uint32_t>(next - level), sign);
+        if (next == to || !chain.step(rings_)) return;
         level = next;
     }
+}
+
+} // namespace
+
+void addChains(SlabFill& slabs, RowPlacing& row, const RowPlace* places, uint32_t count,
+               int32_t winding)
+{
+    ChainClusters(slabs, row.rings()).add(row, places, count, winding);
+}
+
+void addChain(SlabFill& slabs, RowPlacing& row, const RowPlace& place, int32_t winding)
+{
+    const bool was = slabs.inside(winding);
+    if (slabs.inside(winding + place.winding) == was) return;
+    CoverageRow& coverage = slabs.coverage();
+    const int32_t sign = was ? -1 : 1;
+    if (place.straight) {
+        coverage.addPiece(place.topX, place.bottomX, kFixedOne, sign);
+        return;
+    }
+    const ActiveChain& chain = row.recordOf(place);
+    const VertexRings& rings = row.rings();
+    Fixed x = place.topX;
+    Fixed y = chain.startY;
+    for (uint32_t i = chain.startVertex; i != chain.vertex; i = rings.next(i, chain.winding)) {
+        const MMPoint2D& p = rings[i];
+        coverage.addPiece(x, p.x, static_cast<uint32_t>(p.y - y), sign);
+        x = p.x;
+        y = p.y;
+    }
+    const Fixed end = std::min(chain.line.endY, row.bottom());
+    coverage.addPiece(x, place.bottomX, static_cast<uint32_t>(end - y), sign);
 }
 
 } // namespace Graphics2D

@@ -2,14 +2,13 @@
 // Chains with vertices inside a row that may cross each other, settled together. Internal.
 #pragma once
 
-#include "graphics2d/raster/Chain.h"
+#include "graphics2d/raster/RowPlacing.h"
 #include "graphics2d/raster/SlabFill.h"
 
 namespace KAVO {
 namespace Graphics2D {
 
-// Adds what lies inside between two levels of a row, given the winding number left of all chains.
-// Takes the chains down past the upper level.
+// Adds what lies inside among chains of a row, given the winding number left of all of them.
 //
 // Where the chains' extents do not overlap, and all that starts or ends left of the gap cancels,
 // the chains on either side are settled apart, cluster by cluster:
@@ -20,12 +19,11 @@ namespace Graphics2D {
 //
 // So no input makes a chain cost more than some 272 slabs in a row, and a crowd of small shapes
 // costs little more than each of them alone.
-void addChains(SlabFill& slabs, const VertexRings& rings, Chain* chains, uint32_t count,
-               int32_t winding, Fixed from, Fixed to);
+void addChains(SlabFill& slabs, RowPlacing& row, const RowPlace* places, uint32_t count,
+               int32_t winding);
 
-// Adds a chain between two levels, as a left (sign 1) or a right (-1) edge of what is inside.
-void addAlong(CoverageRow& coverage, const VertexRings& rings, Chain chain, Fixed from, Fixed to,
-              int32_t sign);
+// Adds a chain that meets no other in its row.
+void addChain(SlabFill& slabs, RowPlacing& row, const RowPlace& place, int32_t winding);
 
 // Spreads a level over 32 bits, so that sums of such numbers vanish only when the levels cancel.
 inline uint32_t mixed(Fixed level)

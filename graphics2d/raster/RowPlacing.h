@@ -56,6 +56,9 @@ public:
     // where they are at their start. False when scratch memory ran out.
     bool sort(MMStackContext& stack, StepBudget& budget);
 
+    // The chain's record, of a chain with vertices in the row.
+    const ActiveChain& recordOf(const RowPlace& place) const { return active_.chainOf(place); }
+
     // The chain at the top of the row, or at its first vertex there.
     Chain chainOf(const RowPlace& place);
 

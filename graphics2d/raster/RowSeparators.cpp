@@ -22,7 +22,7 @@ public:
 
 private:
     void markCrossed(const RowPlace& bent, uint32_t behind);
-    bool staysBeside(Chain chain, const RowPlace& straight, int32_t side);
+    bool staysBeside(const RowPlace& bent, const RowPlace& straight, int32_t side);
 
     RowPlacing& row_;
     StepBudget& budget_;
@@ -54,23 +54,23 @@ void SeparatorSearch::run()
 // off cannot be crossed once one is not.
 void SeparatorSearch::markCrossed(const RowPlace& bent, uint32_t behind)
 {
-    const Chain chain = row_.chainOf(bent);
     for (uint32_t i = behind; i > 0 && budget_.spend(); --i) {
         RowPlace& place = row_.begin()[straight_[i - 1]];
-        if (bent.minX >= place.maxX || staysBeside(chain, place, 1)) break;
+        if (bent.minX >= place.maxX || staysBeside(bent, place, 1)) break;
         place.separates = false;
     }
     for (uint32_t i = behind; i < straightCount_ && budget_.spend(); ++i) {
         RowPlace& place = row_.begin()[straight_[i]];
-        if (bent.maxX <= place.minX || staysBeside(chain, place, -1)) break;
+        if (bent.maxX <= place.minX || staysBeside(bent, place, -1)) break;
         place.separates = false;
     }
 }
 
 // Whether a chain stays on one side of a straight one throughout the row: right of it for side 1,
 // left of it for -1.
-bool SeparatorSearch::staysBeside(Chain chain, const RowPlace& straight, int32_t side)
+bool SeparatorSearch::staysBeside(const RowPlace& bent, const RowPlace& straight, int32_t side)
 {
+    Chain chain = row_.chainOf(bent);
     const auto isBeside = [&](Fixed x, Fixed y) {
         const Fixed at = y == row_.bottom()
                              ? straight.bottomX

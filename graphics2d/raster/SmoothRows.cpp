@@ -46,10 +46,8 @@ private:
     void addApart();
     void addRow();
     void addBetween(const RowPlace* first, const RowPlace* end, int32_t winding);
-    void addSingle(const RowPlace& place, int32_t winding);
     void addStraight(const RowPlace* first, const RowPlace* end, int32_t winding);
     void addPassed(const RowPlace* first, const RowPlace* end, int32_t winding);
-    void addBent(const RowPlace* first, const RowPlace* end, int32_t winding);
 
     MMStackContext& stack_;
     RowPainter& painter_;
@@ -84,7 +82,7 @@ void SmoothFill::addApart()
 {
     int32_t winding = 0;
     for (const RowPlace& place : row_) {
-        addSingle(place, winding);
+        addChain(slabs_, row_, place, winding);
         winding += place.winding;
     }
 }
@@ -104,7 +102,7 @@ void SmoothFill::addRow()
     int32_t winding = 0;
     for (const RowPlace* place = row_.begin(); place != end;) {
         if (place->straight && place->separates) {
-            addSingle(*place, winding);
+            addChain(slabs_, row_, *place, winding);
             winding += place->winding;
             ++place;
             continue;
@@ -120,41 +118,17 @@ void SmoothFill::addRow()
     }
 }
 
-// Adds a chain that meets no other.
-void SmoothFill::addSingle(const RowPlace& place, int32_t winding)
-{
-    const bool was = slabs_.inside(winding);
-    if (slabs_.inside(winding + place.winding) == was) return;
-    const int32_t sign = was ? -1 : 1;
-    if (place.straight) {
-        coverage_.addPiece(place.topX, place.bottomX, kFixedOne, sign);
-        return;
-    }
-    const ActiveChain& chain = active_.chainOf(place);
-    const VertexRings& rings = active_.rings();
-    Fixed x = place.topX;
-    Fixed y = chain.startY;
-    for (uint32_t i = chain.startVertex; i != chain.vertex; i = rings.next(i, chain.winding)) {
-        const MMPoint2D& p = rings[i];
-        coverage_.addPiece(x, p.x, static_cast<uint32_t>(p.y - y), sign);
-        x = p.x;
-        y = p.y;
-    }
-    const Fixed end = std::min(chain.line.endY, row_.bottom());
-    coverage_.addPiece(x, place.bottomX, static_cast<uint32_t>(end - y), sign);
-}
-
 // Adds the chains between two separators.
 void SmoothFill::addBetween(const RowPlace* first, const RowPlace* end, int32_t winding)
 {
     const uint32_t count = static_cast<uint32_t>(end - first);
     if (slabs_.isDeepInside(winding, count)) return;
     if (count == 1)
-        addSingle(*first, winding);
+        addChain(slabs_, row_, *first, winding);
     else if (std::all_of(first, end, [](const RowPlace& place) { return place.straight; }))
         addStraight(first, end, winding);
     else
-        addBent(first, end, winding);
+        addChains(slabs_, row_, first, count, winding);
 }
 
 void SmoothFill::addStraight(const RowPlace* first, const RowPlace* end, int32_t winding)
@@ -183,19 +157,6 @@ void SmoothFill::addPassed(const RowPlace* first, const RowPlace* end, int32_t w
         winding += place->winding;
     const Fixed x = coverage_.startX();
     if (slabs_.inside(winding) != was) coverage_.addPiece(x, x, kFixedOne, was ? -1 : 1);
-}
-
-void SmoothFill::addBent(const RowPlace* first, const RowPlace* end, int32_t winding)
-{
-    const uint32_t count = static_cast<uint32_t>(end - first);
-    ScratchArray<Chain> chains(stack_, count);
-    if (!chains) {
-        slabs_.fail();
-        return;
-    }
-    for (uint32_t i = 0; i < count; ++i)
-        chains[i] = row_.chainOf(first[i]);
-    addChains(slabs_, active_.rings(), chains.data(), count, winding, row_.top(), row_.bottom());
 }
 
 } // namespace
