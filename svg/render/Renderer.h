@@ -94,6 +94,8 @@ private:
     void drawChildren(pugi::xml_node node, const State& state);
     void drawSwitch(pugi::xml_node node, const State& state);
     void drawUse(pugi::xml_node node, const Properties& properties, const State& state);
+    void drawUseOfFile(pugi::xml_node node, const Properties& properties, const State& state);
+    void drawUsed(pugi::xml_node target, const Properties& properties, const State& state);
     void drawSvg(pugi::xml_node node, const Properties& properties, const State& state);
     void drawViewport(pugi::xml_node node, State state, const Size& size, const Affine& place);
     Box boundsOf(pugi::xml_node node, const Properties& properties, const State& state);

@@ -3,6 +3,9 @@
 #include "svg/document/References.h"
 #include "svg/geometry/ViewBox.h"
 #include "svg/render/Renderer.h"
+#include "svg/values/TextScanner.h"
+
+#include <utility>
 
 namespace KAVO {
 namespace Svg {
@@ -101,19 +104,55 @@ void Renderer::drawViewport(pugi::xml_node node, State state, const Size& size, 
                [&] { drawChildren(node, state); });
 }
 
-// The target is drawn as if it were a child of the use element, whose style it inherits.
 void Renderer::drawUse(pugi::xml_node node, const Properties& properties, const State& outer)
 {
+    const std::string_view href = trimmed(hrefOf(node));
     const pugi::xml_node target = document_.target(node);
-    if (!target) {
-        const bool elsewhere = *hrefOf(node) != '\0' && *hrefOf(node) != '#';
-        note(elsewhere ? "use of another document" : "use of something that is not there", node);
-        return;
-    }
-    if (isActive(target) || isWithin(node, target)) {
+    if (!href.empty() && href[0] != '#')
+        drawUseOfFile(node, properties, outer);
+    else if (!target)
+        note("use of something that is not there", node);
+    else if (isActive(target) || isWithin(node, target))
         note("use of an element inside itself", node);
+    else
+        drawUsed(target, properties, outer);
+}
+
+// An element of another document, or the whole of it, drawn by that document's style sheet.
+void Renderer::drawUseOfFile(pugi::xml_node node, const Properties& properties, const State& outer)
+{
+    const std::string href(trimmed(hrefOf(node)));
+    const size_t hash = href.find('#');
+    const LoadedImage& file = images_.load(href.substr(0, hash), session_.imagePixelsLeft);
+    const pugi::xml_node target = !file.drawing       ? pugi::xml_node()
+                                  : hash == href.npos ? file.drawing->root()
+                                                      : file.drawing->find(href.substr(hash + 1));
+    if (!target) {
+        note("use of what is not there: " + href.substr(0, 40), node);
         return;
     }
+    State state = outer;
+    state.depth += kPatternDepth; // it may use this document in turn
+    if (static_cast<uint32_t>(state.depth) >= session_.limits.depth) {
+        note("uses of documents without end", node);
+        return;
+    }
+    session_.elementsLeft += file.drawing->nodeCount();
+    Report report;
+    const pugi::xml_node picked = std::exchange(session_.picked, {});
+    Renderer renderer(*file.drawing, context_, session_, report);
+    renderer.clipping_ = clipping_;
+    renderer.layers_ = layers_;
+    renderer.drawUsed(target, properties, state);
+    session_.picked = session_.picked ? current_ : picked;
+    for (const Shortcoming& shortcoming : report.list())
+        note(shortcoming.what + " in another document", node);
+}
+
+// The target is drawn as if it were a child of the use element, whose properties these are and
+// whose style it inherits.
+void Renderer::drawUsed(pugi::xml_node target, const Properties& properties, const State& outer)
+{
     const Active active(*this, target);
     const LengthContext lengths = outer.style.lengths(outer.viewport);
     State state = outer;

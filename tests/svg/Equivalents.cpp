@@ -68,6 +68,28 @@ TEST(SvgEquivalents, PathLengthsMeasureDashes)
           "<rect width='30' height='20' stroke='red' stroke-dasharray='10'/>"}});
 }
 
+TEST(SvgEquivalents, OtherDocuments)
+{
+    const std::string other = "data:image/svg+xml,%3Csvg xmlns=%22http://www.w3.org/2000/svg%22 "
+                              "width=%2220%22 height=%2210%22%3E%3Cstyle%3Ecircle{stroke:blue}"
+                              "%3C/style%3E%3Ccircle id=%22c%22 r=%229%22/%3E%3C/svg%3E";
+    expectSameElements(
+        {{"<style>circle{stroke:red}</style><use href='" + other + "#c' x='9' fill='lime'/>",
+          "<circle cx='9' r='9' fill='lime' stroke='blue'/>"},
+         {"<use href='" + other + "' y='9'/>",
+          "<svg y='9' width='20' height='10'><circle r='9' stroke='blue'/></svg>"},
+         {"<clipPath id='p'><use href='" + other +
+              "#c'/></clipPath><rect width='40' height='40' "
+              "clip-path='url(#p)'/>",
+          "<clipPath id='p'><circle r='9'/></clipPath><rect width='40' height='40' "
+          "clip-path='url(#p)'/>"}});
+    KAVO::Svg::MMSvgDocument document;
+    ASSERT_TRUE(
+        document.loadBytes("<svg width='9' height='9'><use href='" + other + "#d'/></svg>"));
+    drawn(document, 9, 9);
+    EXPECT_EQ(document.shortcomings().size(), 1u);
+}
+
 TEST(SvgEquivalents, TransformBoxes)
 {
     const std::string turned = "<rect x='10' y='10' width='20' height='10' style='transform:"
