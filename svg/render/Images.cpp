@@ -13,36 +13,49 @@ namespace Svg {
 
 using namespace Graphics2D;
 
+// What an element refers to; null when that is nothing that can be shown.
+const LoadedImage* Renderer::imageOf(pugi::xml_node node)
+{
+    const std::string href(trimmed(hrefOf(node)));
+    if (href.empty()) return nullptr;
+    const LoadedImage& image = images_->load(href, session_.imagePixelsLeft);
+    if (image.problem.empty()) return &image;
+    note("image that " + image.problem + ": " + href.substr(0, 40), node);
+    return nullptr;
+}
+
 void Renderer::drawImage(pugi::xml_node node, const Properties& properties, const State& state)
 {
-    const Style& style = state.style;
-    const LengthContext lengths = style.lengths(state.viewport);
-    const std::string href(trimmed(hrefOf(node)));
-    if (!style.visible || href.empty()) return;
-    const LoadedImage& image = images_.load(href, session_.imagePixelsLeft);
-    if (!image.problem.empty()) {
-        note("image that " + image.problem + ": " + href.substr(0, 40), node);
-        return;
-    }
+    const LengthContext lengths = state.style.lengths(state.viewport);
+    const LoadedImage* image = state.style.visible ? imageOf(node) : nullptr;
+    if (!image) return;
 
     // A side that is not given follows from the other by the image's proportions.
-    const Size own = image.drawing ? image.drawing->size()
-                                   : Size{static_cast<double>(image.picture.width),
-                                          static_cast<double>(image.picture.height)};
+    const Size own = image->drawing ? image->drawing->size()
+                                    : Size{static_cast<double>(image->picture.width),
+                                           static_cast<double>(image->picture.height)};
     const std::optional<double> width = findLength(properties[Property::Width], lengths, Axis::X);
     const std::optional<double> height = findLength(properties[Property::Height], lengths, Axis::Y);
     Size size{width.value_or(own.width), height.value_or(own.height)};
     if (width && !height) size.height = size.width * own.height / own.width;
     if (height && !width) size.width = size.height * own.width / own.height;
+    const double x = parseLength(properties[Property::X], lengths, Axis::X, 0);
+    const double y = parseLength(properties[Property::Y], lengths, Axis::Y, 0);
+    drawImageIn(node, *image, {x, y, x + size.width, y + size.height}, state);
+}
+
+// Into a box of user space.
+void Renderer::drawImageIn(pugi::xml_node node, const LoadedImage& image, const Box& box,
+                           const State& state)
+{
+    const Size size{box.width(), box.height()};
     if (!(size.width > 0 && size.height > 0)) return;
-    const Affine frame =
-        state.toDevice * translation(parseLength(properties[Property::X], lengths, Axis::X, 0),
-                                     parseLength(properties[Property::Y], lengths, Axis::Y, 0));
+    const Affine frame = state.toDevice * translation(box.left, box.top);
     if (isOutside(frame.mapBox({0, 0, size.width, size.height}))) return;
     const char* aspectRatio = node.attribute("preserveAspectRatio").value();
 
     if (!image.drawing) {
-        drawPicture(image.picture, frame, size, aspectRatio, style);
+        drawPicture(image.picture, frame, size, aspectRatio, state.style);
         return;
     }
     if (static_cast<uint32_t>(state.depth + kPatternDepth) >= session_.limits.depth) {
@@ -53,7 +66,7 @@ void Renderer::drawImage(pugi::xml_node node, const Properties& properties, cons
     Report report;
     const pugi::xml_node picked = std::exchange(session_.picked, {});
     Renderer renderer(*image.drawing, context_, session_, report);
-    renderer.draw(frame, size, aspectRatio, style.opacity, state.depth + kPatternDepth);
+    renderer.draw(frame, size, aspectRatio, state.style.opacity, state.depth + kPatternDepth);
     session_.picked = session_.picked ? current_ : picked;
     for (const Shortcoming& shortcoming : report.list())
         note(shortcoming.what + " in an image", node);

@@ -5,6 +5,7 @@
 #include "svg/document/References.h"
 #include "svg/render/ClipGuard.h"
 #include "svg/render/Renderer.h"
+#include "svg/values/BlendModes.h"
 #include "svg/values/TransformParser.h"
 
 #include <algorithm>
@@ -18,8 +19,6 @@ using namespace Graphics2D;
 
 namespace {
 
-constexpr int kMostLayers = 50; // inside one another: each takes a picture of its own
-
 bool hasMarkers(const Style& style)
 {
     return std::any_of(std::begin(style.markers), std::end(style.markers),
@@ -32,20 +31,6 @@ int visibleChildren(pugi::xml_node node)
     for (const pugi::xml_node child : node.children())
         count += child.type() == pugi::node_element;
     return count;
-}
-
-// The blend mode of that name; normal for what is none.
-MMBlendMode blendModeOf(std::string_view name)
-{
-    static constexpr std::string_view kNames[] = {
-        "normal",      "multiply",   "screen",     "overlay",    "darken",     "lighten",
-        "color-dodge", "color-burn", "hard-light", "soft-light", "difference", "exclusion",
-        "hue",         "saturation", "color",      "luminosity"};
-    if (name == "plus-lighter") return kBlendPlus;
-    const auto found = std::find(std::begin(kNames), std::end(kNames), name);
-    return found == std::end(kNames)
-               ? kBlendNormal
-               : static_cast<MMBlendMode>(kBlendNormal + (found - std::begin(kNames)));
 }
 
 } // namespace
@@ -166,10 +151,12 @@ void Renderer::drawLayered(pugi::xml_node node, const Properties& properties, co
         options.opacity = static_cast<uint8_t>(std::lround(state.style.opacity * 255));
     }
     const bool isolated = properties[Property::Isolation] == "isolate" && document_.blends();
-    const bool faded = options.opacity < 255 && (document_.blends() || overlaps(node, state.style));
+    const bool filtered = isFiltered(properties);
+    const bool faded =
+        options.opacity < 255 && (filtered || document_.blends() || overlaps(node, state.style));
     const bool aside = faded || isolated || options.blendMode != kBlendNormal;
     if (!clip && !mask && (!aside || session_.pick)) {
-        drawEntered(node, properties, state);
+        drawFiltered(node, properties, state);
         return;
     }
     if (isActive(clip) || isActive(mask)) return;
@@ -180,7 +167,8 @@ void Renderer::drawLayered(pugi::xml_node node, const Properties& properties, co
     }
     const ClipGuard guard(context_);
     const Box bounds = boundsOf(node, properties, state);
-    if (isShape(node.name()) && !hasMarkers(state.style)) clipTo(visiblePart(bounds, state));
+    if (isShape(node.name()) && !hasMarkers(state.style) && !filtered)
+        clipTo(visiblePart(bounds, state));
     if (clip) narrowTo(clip, state, bounds);
     if (context_.clipLeft >= context_.clipRight || context_.clipTop >= context_.clipBottom) return;
     std::optional<Coverage> coverage;
@@ -201,7 +189,7 @@ void Renderer::drawLayered(pugi::xml_node node, const Properties& properties, co
     ++layers_;
     {
         const MMLayer layer(context_, options);
-        drawEntered(node, properties, inner);
+        drawFiltered(node, properties, inner);
     }
     --layers_;
 }

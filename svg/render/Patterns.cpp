@@ -5,8 +5,7 @@
 #include "graphics2d/PaintSetup.h"
 #include "svg/document/References.h"
 #include "svg/geometry/ViewBox.h"
-#include "svg/render/ClipGuard.h"
-#include "svg/render/Renderer.h"
+#include "svg/render/PictureDrawing.h"
 #include "svg/render/TileSampling.h"
 #include "svg/values/TransformParser.h"
 
@@ -55,43 +54,20 @@ struct Renderer::TileRange {
 // Draws tiles into a picture of their own.
 class Renderer::TileDrawing {
 public:
-    TileDrawing(Renderer& outer, Picture& picture)
-        : outer_(outer), drawn_(outer.session_.bounds),
-          renderer_(outer.document_, context_, outer.session_, outer.report_)
-    {
-        const auto width = static_cast<uint16_t>(picture.width);
-        const auto height = static_cast<uint16_t>(picture.height);
-        context_.target = {width, height, width * 4u, 0, picture.pixels.data(), 0};
-        context_.antiAlias = outer.context_.antiAlias;
-        context_.accumulateBounds = 1;
-        context_.refined = 1;
-        renderer_.active_ = outer.active_;
-    }
-    ~TileDrawing()
-    {
-        outer_.session_.bounds = drawn_; // tiles are no part of the drawing
-        outer_.context_.outOfMemory |= context_.outOfMemory;
-    }
-    TileDrawing(const TileDrawing&) = delete;
-    TileDrawing& operator=(const TileDrawing&) = delete;
+    TileDrawing(Renderer& outer, Picture& picture) : drawing_(outer, picture) {}
 
     // One tile at its place within a clip rectangle.
     void draw(const Tiling& tiling, const Affine& place, State& state, const PixelArea& clip)
     {
-        context_.clipLeft = static_cast<int16_t>(clip.left);
-        context_.clipTop = static_cast<int16_t>(clip.top);
-        context_.clipRight = static_cast<int16_t>(clip.right);
-        context_.clipBottom = static_cast<int16_t>(clip.bottom);
+        drawing_.clipTo(clip);
+        Renderer& renderer = drawing_.renderer();
         state.toDevice = place * tiling.content;
-        renderer_.drawInside({0, 0, tiling.tile.width(), tiling.tile.height()}, place,
-                             [&] { renderer_.drawChildren(tiling.source, state); });
+        renderer.drawInside({0, 0, tiling.tile.width(), tiling.tile.height()}, place,
+                            [&] { renderer.drawChildren(tiling.source, state); });
     }
 
 private:
-    Renderer& outer_;
-    Box drawn_;
-    MMContext2D context_;
-    Renderer renderer_;
+    PictureDrawing drawing_;
 };
 
 Renderer::Tiling Renderer::readTiling(pugi::xml_node pattern, const State& state,

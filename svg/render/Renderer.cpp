@@ -91,7 +91,8 @@ std::optional<Point> transformOrigin(std::string_view text, const Box& box,
 
 Renderer::Renderer(const SvgDocument& document, Graphics2D::MMContext2D& context, Session& session,
                    Report& report)
-    : document_(document), context_(context), session_(session), report_(report), images_(document)
+    : document_(document), context_(context), session_(session), report_(report),
+      images_(std::make_shared<ImageStore>(document))
 {
 }
 
@@ -216,13 +217,10 @@ void Renderer::noteUndrawn(pugi::xml_node node, const Properties& properties)
     static constexpr struct {
         Property property;
         const char* name;
-    } kUndrawn[] = {{Property::Filter, "filter"},
-                    {Property::WritingMode, "writing-mode"},
-                    {Property::Clip, "clip"},
-                    {Property::Direction, "direction"},
-                    {Property::UnicodeBidi, "unicode-bidi"},
-                    {Property::TextTransform, "text-transform"},
-                    {Property::FontVariant, "font-variant"}};
+    } kUndrawn[] = {
+        {Property::WritingMode, "writing-mode"},     {Property::Clip, "clip"},
+        {Property::Direction, "direction"},          {Property::UnicodeBidi, "unicode-bidi"},
+        {Property::TextTransform, "text-transform"}, {Property::FontVariant, "font-variant"}};
     const std::string_view join = properties[Property::StrokeLinejoin];
     if (join == "arcs" || join == "miter-clip") note(std::string(join) + " joins", node);
     for (const auto& undrawn : kUndrawn) {

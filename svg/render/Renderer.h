@@ -55,6 +55,7 @@ private:
     struct Tiling;
     struct TileRange;
     class TileDrawing;
+    class PictureDrawing;
 
     // What a paint of the context points into.
     struct PaintStore {
@@ -64,6 +65,8 @@ private:
 
     // A pattern counts as several levels of nesting, as each takes a picture of its own.
     static constexpr int kPatternDepth = 50;
+
+    static constexpr int kMostLayers = 50; // inside one another: each takes a picture of its own
 
     // Keeps an element from drawing itself, while an object of this class lives.
     class Active {
@@ -88,7 +91,7 @@ private:
     bool applyTransform(pugi::xml_node node, const Properties& properties, State& state);
     bool meetsConditions(pugi::xml_node node) const;
     void drawElement(pugi::xml_node node, const State& parent);
-    // With its clip path, mask and opacity.
+    // With its filters, clip path, mask and opacity.
     void drawLayered(pugi::xml_node node, const Properties& properties, const State& state);
     void drawEntered(pugi::xml_node node, const Properties& properties, const State& state);
     void drawChildren(pugi::xml_node node, const State& state);
@@ -114,6 +117,12 @@ private:
                      Coverage& coverage);
     bool coverByMask(pugi::xml_node mask, const State& state, const Box& bounds,
                      Coverage& coverage);
+
+    // --- Filters.cpp
+    bool isFiltered(const Properties& properties) const;
+    void drawFiltered(pugi::xml_node node, const Properties& properties, const State& state);
+    bool drawThroughFilters(pugi::xml_node node, const Properties& properties, const State& state);
+    class FilterPictures;
 
     // --- Shapes: Shapes.cpp, Markers.cpp, Paints.cpp
     void drawShape(pugi::xml_node node, const Properties& properties, const State& state);
@@ -146,6 +155,9 @@ private:
 
     // --- Images: Images.cpp
     void drawImage(pugi::xml_node node, const Properties& properties, const State& state);
+    void drawImageIn(pugi::xml_node node, const LoadedImage& image, const Box& box,
+                     const State& state);
+    const LoadedImage* imageOf(pugi::xml_node node);
     void drawPicture(const Picture& picture, const Affine& frame, const Size& size,
                      const char* aspectRatio, const Style& style);
 
@@ -186,7 +198,7 @@ private:
     Graphics2D::MMContext2D& context_;
     Session& session_;
     Report& report_;
-    ImageStore images_;
+    std::shared_ptr<ImageStore> images_; // shared with those that draw parts of this drawing
     PaintStore fillStore_;
     PaintStore strokeStore_;
     std::vector<Fixed> dashes_;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "svg/geometry/Affine.h"
+#include "svg/geometry/PixelArea.h"
 #include "svg/images/Picture.h"
 
 namespace KAVO {
@@ -10,14 +11,6 @@ namespace Svg {
 
 // Samples along each side of a pixel. A tile is best drawn with as many texels in a pixel's length.
 constexpr int kTileSamples = 3;
-
-// Device pixels from the left and top on, without those on the right and bottom.
-struct PixelArea {
-    int left;
-    int top;
-    int right;
-    int bottom;
-};
 
 // Sets the pixels of the area to the mean of the texels at their samples. toTile maps device
 // pixels to tiles: each is a square of side 1, the first at the origin. Both pictures are

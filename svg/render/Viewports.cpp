@@ -123,7 +123,7 @@ void Renderer::drawUseOfFile(pugi::xml_node node, const Properties& properties, 
 {
     const std::string href(trimmed(hrefOf(node)));
     const size_t hash = href.find('#');
-    const LoadedImage& file = images_.load(href.substr(0, hash), session_.imagePixelsLeft);
+    const LoadedImage& file = images_->load(href.substr(0, hash), session_.imagePixelsLeft);
     const pugi::xml_node target = !file.drawing       ? pugi::xml_node()
                                   : hash == href.npos ? file.drawing->root()
                                                       : file.drawing->find(href.substr(hash + 1));

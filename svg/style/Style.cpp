@@ -217,6 +217,9 @@ Style Style::child(const Properties& p, const Viewport& viewport) const
         {"optimizeQuality", ImageFilter::Bicubic}, {"smooth", ImageFilter::Bicubic},
         {"high-quality", ImageFilter::Bicubic}};
 
+    static constexpr Keyword<bool> kFilterSpaces[] = {
+        {"auto", true}, {"linearRGB", true}, {"sRGB", false}};
+
     Style s = *this;
     setFontSize(s.fontSize, p[Property::FontSize], viewport);
     const LengthContext lengths = s.lengths(viewport);
@@ -260,6 +263,7 @@ Style Style::child(const Properties& p, const Viewport& viewport) const
     setKeyword(s.dominantBaseline, p[Property::DominantBaseline], kBaselines);
     setDecoration(s, p[Property::TextDecoration]);
     setKeyword(s.imageFilter, p[Property::ImageRendering], kFilters);
+    setKeyword(s.linearFilters, p[Property::ColorInterpolationFilters], kFilterSpaces);
 
     s.baseline = s.dominantBaseline;
     setKeyword(s.baseline, p[Property::AlignmentBaseline], kBaselines);
@@ -275,6 +279,13 @@ Style Style::child(const Properties& p, const Viewport& viewport) const
         s.stopColour = findColour(p[Property::StopColor], s.colour).value_or(initial.stopColour);
     if (!p.inherits(Property::StopOpacity))
         s.stopOpacity = parseOpacity(p[Property::StopOpacity], 1);
+    if (!p.inherits(Property::FloodColor))
+        s.floodColour = findColour(p[Property::FloodColor], s.colour).value_or(initial.floodColour);
+    if (!p.inherits(Property::FloodOpacity))
+        s.floodOpacity = parseOpacity(p[Property::FloodOpacity], 1);
+    if (!p.inherits(Property::LightingColor))
+        s.lightingColour =
+            findColour(p[Property::LightingColor], s.colour).value_or(initial.lightingColour);
     for (auto [target, property] : {std::pair{&s.transform, Property::Transform},
                                     std::pair{&s.transformOrigin, Property::TransformOrigin},
                                     std::pair{&s.transformBox, Property::TransformBox},

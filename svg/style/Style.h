@@ -60,6 +60,7 @@ struct Style {
     bool lineThrough = false;
     double dominantBaseline = 0; // above the alphabetic one, as part of the font size
     ImageFilter imageFilter = ImageFilter::Bilinear;
+    bool linearFilters = true; // filter primitives work in linear light
 
     // Not inherited.
     double opacity = 1; // of the element and of all around it, multiplied
@@ -70,6 +71,9 @@ struct Style {
     bool fixedStroke = false; // vector-effect: non-scaling-stroke
     uint32_t stopColour = 0xFF000000;
     double stopOpacity = 1;
+    uint32_t floodColour = 0xFF000000;
+    double floodOpacity = 1;
+    uint32_t lightingColour = 0xFFFFFFFF;
     std::string_view transform;
     std::string_view transformOrigin;
     std::string_view transformBox;

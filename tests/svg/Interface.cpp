@@ -156,7 +156,7 @@ TEST(SvgInterface, WhatIsNotDrawnIsNamedOnceWithItsPlace)
         "<rect width='9' height='9' mask='url(#m)'><animate/></rect><circle mask='url(#m)'/>\n"
         "<foreignObject/><rect width='calc(1px)'/></svg>"));
     drawn(document, 9, 9);
-    const std::pair<const char*, uint32_t> expected[] = {{"filter", 2},
+    const std::pair<const char*, uint32_t> expected[] = {{"filter that is not there", 2},
                                                          {"animation", 4},
                                                          {"mask that is not there", 4},
                                                          {"<foreignObject>", 5},

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+// The graph of a filter property, as its elements and functions are read one after the other.
+#pragma once
+
+#include "svg/filters/FilterGraph.h"
+#include "svg/filters/FilterTarget.h"
+
+#include <string>
+
+namespace KAVO {
+namespace Svg {
+
+enum class FilterOutcome {
+    Drawn,
+    Ignored, // the element is drawn without the filter
+    NotDrawn // nor is the element
+};
+
+class FilterBuilder {
+public:
+    explicit FilterBuilder(const FilterTarget& target) : target_(target) {}
+
+    // A step with the subregion that it has in user space.
+    struct Result {
+        size_t step = FilterGraph::kSource;
+        Box region;
+    };
+
+    const FilterTarget& target() const { return target_; }
+    FilterGraph& graph() { return *graph_; }
+
+    // What the next filter takes: what the element draws, or what the filter before made of it, as
+    // far as it lies in a region.
+    Result source(const Box& region);
+    Result add(EffectPointer effect, std::vector<size_t> inputs, const Box& region, bool linear);
+    // A shadow below what casts it, of a colour 0xAARRGGBB.
+    Result addShadow(const Result& input, EffectPointer blur, EffectPointer offset, uint32_t colour,
+                     const Box& region, bool linear);
+
+    // Notes what is not drawn, and answers Ignored. A null node stands for the element itself.
+    FilterOutcome fail(std::string problem, pugi::xml_node node = {});
+    const std::string& problem() const { return problem_; }
+    pugi::xml_node culprit() const { return culprit_; }
+
+private:
+    const FilterTarget& target_;
+    std::optional<FilterGraph> graph_;
+    std::string problem_;
+    pugi::xml_node culprit_;
+};
+
+// The value of a filter property.
+FilterOutcome readFilters(std::string_view value, FilterBuilder& builder);
+// A filter element.
+FilterOutcome readFilterElement(pugi::xml_node filter, FilterBuilder& builder);
+// A filter function, without its brackets.
+FilterOutcome readFilterFunction(std::string_view name, std::string_view arguments,
+                                 FilterBuilder& builder);
+
+} // namespace Svg
+} // namespace KAVO
