@@ -77,6 +77,10 @@ Polar tangent(const UnitVector& direction)
     return {direction, kNoEdge};
 }
 
+// What most lines leave of their outlines fits; the buffer of others grows with what is seen of
+// them.
+constexpr uint32_t kUsualOutlinePoints = 4096;
+
 uint32_t fitted(uint64_t count)
 {
     return static_cast<uint32_t>(std::min<uint64_t>(count, UINT32_MAX));
@@ -89,8 +93,8 @@ StrokeOutline::StrokeOutline(MMStackContext& stack, const StrokePen& pen, uint32
     : pen_(pen), toDevice_(toDevice), window_(window), stepCosine_(rotationBy(pen.greatestStep).x),
       leastMiter_(leastMiterOf(pen.miterLimit)),
       room_(static_cast<uint32_t>(kDegrees360 / pen.greatestStep) + 8),
-      capacity_(fitted(uint64_t{pointCount} * 4 + room_ * 2)), back_(capacity_),
-      points_(stack, capacity_)
+      capacity_(std::min(fitted(uint64_t{pointCount} * 4), kUsualOutlinePoints) + room_ * 2),
+      back_(capacity_), points_(stack, capacity_)
 {
 }
 
