@@ -107,15 +107,16 @@ bool Renderer::isFiltered(const Properties& properties) const
     return !value.empty() && value != "none" && value != "inherit" && !clipping_ && !session_.pick;
 }
 
-void Renderer::drawFiltered(pugi::xml_node node, const Properties& properties, const State& state)
+void Renderer::drawFiltered(pugi::xml_node node, const Properties& properties, const State& state,
+                            const Content& content)
 {
-    if (!isFiltered(properties) || !drawThroughFilters(node, properties, state))
-        drawEntered(node, properties, state);
+    if (!isFiltered(properties) || !drawThroughFilters(node, properties, state, content))
+        content(*this, state);
 }
 
 // False when the element is to be drawn without them.
 bool Renderer::drawThroughFilters(pugi::xml_node node, const Properties& properties,
-                                  const State& state)
+                                  const State& state, const Content& content)
 {
     if (layers_ == kMostLayers) {
         note("clips, masks and opacities inside one another beyond the limit", node);
@@ -149,9 +150,7 @@ bool Renderer::drawThroughFilters(pugi::xml_node node, const Properties& propert
         return false;
     }
     const PixelArea& area = graph.sourceArea();
-    const Picture source = pictures.of(area, [&](Renderer& renderer, const State& inner) {
-        renderer.drawEntered(node, properties, inner);
-    });
+    const Picture source = pictures.of(area, content);
     const std::optional<FilterImage> result = graph.run(FilterImage(source, area));
     if (!result) {
         note("filter of more memory than the limit", node);

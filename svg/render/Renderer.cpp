@@ -117,7 +117,10 @@ void Renderer::drawElement(pugi::xml_node node, const State& parent)
     }
     const Properties properties(node, document_.sheet());
     State state = parent;
-    if (enter(node, properties, state)) drawLayered(node, properties, state);
+    if (!enter(node, properties, state)) return;
+    drawLayered(node, properties, state, [&](Renderer& renderer, const State& inner) {
+        renderer.drawEntered(node, properties, inner);
+    });
 }
 
 bool Renderer::enter(pugi::xml_node node, const Properties& properties, State& state)

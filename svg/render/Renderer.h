@@ -51,6 +51,9 @@ private:
         Box bounds; // user space of that state
     };
 
+    // Draws what an element holds by the renderer that it is given, a filter's or this one.
+    using Content = std::function<void(Renderer& renderer, const State& state)>;
+
     struct TextRun;
     struct Tiling;
     struct TileRange;
@@ -92,7 +95,8 @@ private:
     bool meetsConditions(pugi::xml_node node) const;
     void drawElement(pugi::xml_node node, const State& parent);
     // With its filters, clip path, mask and opacity.
-    void drawLayered(pugi::xml_node node, const Properties& properties, const State& state);
+    void drawLayered(pugi::xml_node node, const Properties& properties, const State& state,
+                     const Content& content);
     void drawEntered(pugi::xml_node node, const Properties& properties, const State& state);
     void drawChildren(pugi::xml_node node, const State& state);
     void drawSwitch(pugi::xml_node node, const State& state);
@@ -120,8 +124,10 @@ private:
 
     // --- Filters.cpp
     bool isFiltered(const Properties& properties) const;
-    void drawFiltered(pugi::xml_node node, const Properties& properties, const State& state);
-    bool drawThroughFilters(pugi::xml_node node, const Properties& properties, const State& state);
+    void drawFiltered(pugi::xml_node node, const Properties& properties, const State& state,
+                      const Content& content);
+    bool drawThroughFilters(pugi::xml_node node, const Properties& properties, const State& state,
+                            const Content& content);
     class FilterPictures;
 
     // --- Shapes: Shapes.cpp, Markers.cpp, Paints.cpp
