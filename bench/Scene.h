@@ -80,6 +80,7 @@ Scene sceneOf(std::string name, const Content& content)
 std::vector<Scene> fillScenes();
 std::vector<Scene> strokeScenes();
 std::vector<Scene> paintScenes();
+std::vector<Scene> sourceScenes();
 std::vector<Scene> textScenes();
 std::vector<Scene> layerScenes();
 std::vector<Growth> growthSeries();

@@ -166,7 +166,8 @@ int main(int argc, char** argv)
     if (!setFontFile(MM2D_BENCH_FONT)) return 1; // for the engine that the first context starts
     const ContextMemory memory = contextMemory();
     std::vector<Scene> scenes;
-    for (auto family : {fillScenes, strokeScenes, paintScenes, textScenes, layerScenes})
+    for (auto family :
+         {fillScenes, strokeScenes, paintScenes, sourceScenes, textScenes, layerScenes})
         for (Scene& scene : family())
             scenes.push_back(std::move(scene));
     for (const Scene& scene : scenes) {
