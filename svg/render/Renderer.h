@@ -141,6 +141,7 @@ private:
     void drawMarker(pugi::xml_node marker, const struct Vertex& vertex, bool first,
                     const State& state, const ContextPaints& paints);
     void drawGeometry(const Shape& shape, const PathSpace& space);
+    bool affordsRows(const Outline& outline, const PathSpace& space) const;
     void drawPath(const Outline& outline, const PathSpace& space);
     bool drawRoundedBox(const RoundedBox& box, const PathSpace& space);
     bool setFill(const State& state, const Box& userBounds);
@@ -164,7 +165,7 @@ private:
     void drawImageIn(pugi::xml_node node, const LoadedImage& image, const Box& box,
                      const State& state);
     const LoadedImage* imageOf(pugi::xml_node node);
-    void drawPicture(const Picture& picture, const Affine& frame, const Size& size,
+    void drawPicture(const LoadedImage& image, const Affine& frame, const Size& size,
                      const char* aspectRatio, const Style& style);
 
     // --- Text: TextDrawing.cpp, TextLayout.cpp, TextOnPath.cpp
