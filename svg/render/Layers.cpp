@@ -297,6 +297,7 @@ bool Renderer::coverByMask(pugi::xml_node mask, const State& state, const Box& b
     }
 
     const Properties properties(mask, document_.sheet());
+    noteUndrawn(mask, properties);
     if (const pugi::xml_node outer = referenced(mask, properties[Property::Mask], "mask")) {
         if (isActive(outer) || !coverByMask(outer, state, bounds, coverage)) return false;
     }

@@ -220,16 +220,19 @@ void Renderer::noteUndrawn(pugi::xml_node node, const Properties& properties)
     static constexpr struct {
         Property property;
         const char* name;
-    } kUndrawn[] = {
-        {Property::WritingMode, "writing-mode"},     {Property::Clip, "clip"},
-        {Property::Direction, "direction"},          {Property::UnicodeBidi, "unicode-bidi"},
-        {Property::TextTransform, "text-transform"}, {Property::FontVariant, "font-variant"}};
+    } kUndrawn[] = {{Property::WritingMode, "writing-mode"},
+                    {Property::Clip, "clip"},
+                    {Property::ColorInterpolation, "color-interpolation"},
+                    {Property::Direction, "direction"},
+                    {Property::UnicodeBidi, "unicode-bidi"},
+                    {Property::TextTransform, "text-transform"},
+                    {Property::FontVariant, "font-variant"}};
     const std::string_view join = properties[Property::StrokeLinejoin];
     if (join == "arcs" || join == "miter-clip") note(std::string(join) + " joins", node);
     for (const auto& undrawn : kUndrawn) {
         const std::string_view value = properties[undrawn.property];
         static constexpr std::string_view kPlain[] = {
-            "", "none", "normal", "auto", "lr-tb", "lr", "horizontal-tb", "ltr", "inherit"};
+            "", "none", "normal", "auto", "sRGB", "lr-tb", "lr", "horizontal-tb", "ltr", "inherit"};
         if (!contains(kPlain, value)) note(undrawn.name, node);
     }
     for (const std::string_view name : properties.undrawn())
