@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: MIT
 // The shapes of a scene through Cairo's image backend.
-#include "CairoTarget.h"
+#include "Scene.h"
+
+#include <cairo.h>
 
 #include <memory>
 
 namespace {
 
-struct Drawing : CairoTarget {
+struct Drawing {
+    cairo_surface_t* surface =
+        cairo_image_surface_create(CAIRO_FORMAT_ARGB32, kSceneSize, kSceneSize);
+    cairo_t* cairo = cairo_create(surface);
     std::vector<Shape> shapes;
     std::vector<cairo_path_t*> paths;
 
@@ -14,6 +19,8 @@ struct Drawing : CairoTarget {
     {
         for (cairo_path_t* path : paths)
             cairo_path_destroy(path);
+        cairo_destroy(cairo);
+        cairo_surface_destroy(surface);
     }
 
     void add(const Shape& shape)

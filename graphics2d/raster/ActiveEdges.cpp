@@ -46,7 +46,7 @@ void ActiveEdges::startChain(uint32_t minimum, int32_t winding)
     chain.winding = winding;
     chain.ended = false;
     if (!chain.descend(rings_, p.y)) return; // horizontal throughout
-    order_[size_++] = {p.x, p.x, p.x, p.x, 0, 0, winding, offset, false, false, false};
+    order_[size_++] = {p.x, p.x, p.x, p.x, 0, 0, p.x, offset, winding, false, false, false};
 }
 
 } // namespace Graphics2D

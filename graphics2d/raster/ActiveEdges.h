@@ -27,10 +27,11 @@ struct RowPlace {
     Fixed bottomX; // at the row's lower end, or at the chain's last vertex when that lies higher
     Fixed minX;    // extent within the row
     Fixed maxX;
-    Fixed slope; // of a straight chain
-    Fixed endY;  // where a straight chain's edge ends
-    int32_t winding;
+    Fixed slope;    // of a straight chain
+    Fixed endY;     // where a straight chain's edge ends
+    Fixed leastX;   // of this place and those behind it, where rows are split into clusters
     uint32_t chain; // the ActiveChain: its offset in the pool's slots, in words
+    int32_t winding;
     bool straight;  // crosses the whole row on one edge
     bool partial;   // starts or ends inside the row
     bool separates; // straight, and no other chain crosses it in this row

@@ -70,33 +70,18 @@ inline bool isBefore(const WindingStep& a, const WindingStep& b)
     return a.level != b.level ? a.level < b.level : a.winding < b.winding;
 }
 
-// The chains of one list, of which some are looked at: those of a row are where they were placed.
-struct ChainList {
-    const Chain* chains; // null: the places
-    RowPlacing* row;
-    const RowPlace* places;
-
-    Chain operator[](uint32_t i) const
-    {
-        return chains != nullptr ? chains[i] : row->chainOf(places[i]);
-    }
-};
-
 class ChainClusters {
 public:
     ChainClusters(SlabFill& slabs, const VertexRings& rings) : slabs_(slabs), rings_(rings) {}
 
-    // Of a row, whose chains have been measured when they were placed.
-    void add(RowPlacing& row, const RowPlace* places, uint32_t count, int32_t winding);
+    // Adds a cluster between two levels of its row.
+    void addCluster(Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to,
+                    bool isHidden);
 
 private:
-    // Between two levels of it. Takes the chains down past the upper one.
+    // Takes the chains down past the upper level.
     void add(Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to);
-    void add(const ChainList& list, ChainExtent* extents, uint32_t count, int32_t winding,
-             Fixed from, Fixed to);
     bool measure(Chain chain, Fixed from, Fixed to, ChainExtent& extent) const;
-    void addCluster(const ChainList& list, const ChainExtent* extents, uint32_t count,
-                    int32_t winding, Fixed from, Fixed to, bool isHidden);
     void addAlong(Chain chain, Fixed from, Fixed to, int32_t sign);
     Levels levelsBetween(const Chain* chains, uint32_t count, Fixed from, Fixed to) const;
     void addSlabs(Chain* chains, uint32_t count, const Levels& levels, int32_t winding, Fixed from,
@@ -131,21 +116,6 @@ bool ChainClusters::measure(Chain chain, Fixed from, Fixed to, ChainExtent& exte
     return true;
 }
 
-void ChainClusters::add(RowPlacing& row, const RowPlace* places, uint32_t count, int32_t winding)
-{
-    ScratchArray<ChainExtent> extents(slabs_.scratch(), count);
-    if (!extents) {
-        slabs_.fail();
-        return;
-    }
-    for (uint32_t i = 0; i < count; ++i) {
-        const RowPlace& place = places[i];
-        const uint32_t imbalance = place.partial ? row.imbalanceOf(place) : 0;
-        extents[i] = {place.minX, place.maxX, i, imbalance, row.isBorn(place) ? 0 : place.winding};
-    }
-    add({nullptr, &row, places}, extents.data(), count, winding, row.top(), row.bottom());
-}
-
 void ChainClusters::add(Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to)
 {
     ScratchArray<ChainExtent> extents(slabs_.scratch(), count);
@@ -159,46 +129,35 @@ void ChainClusters::add(Chain* chains, uint32_t count, int32_t winding, Fixed fr
         extents[crossing].chain = i;
         if (measure(chains[i], from, to, extents[crossing])) ++crossing;
     }
-    add({chains, nullptr, nullptr}, extents.data(), crossing, winding, from, to);
-}
-
-void ChainClusters::add(const ChainList& list, ChainExtent* extents, uint32_t count,
-                        int32_t winding, Fixed from, Fixed to)
-{
-    sortNearlySorted(extents, count);
-    for (uint32_t i = 0; i < count;) {
-        const uint32_t first = i;
+    sortNearlySorted(extents.data(), crossing);
+    ScratchArray<Chain> cluster(slabs_.scratch(), crossing);
+    if (!cluster) {
+        slabs_.fail();
+        return;
+    }
+    for (uint32_t i = 0; i < crossing;) {
+        if (extents[i].minX >= slabs_.coverage().endX()) return;
         Fixed reach = extents[i].maxX;
         uint32_t open = 0;
+        uint32_t size = 0;
         int32_t after = winding;
         do {
             reach = std::max(reach, extents[i].maxX);
             open += extents[i].imbalance;
             after += extents[i].passed;
+            cluster[size++] = chains[extents[i].chain];
             ++i;
-        } while (i < count && (open != 0 || extents[i].minX < reach));
-        if (extents[first].minX >= slabs_.coverage().endX()) return;
-        const uint32_t size = i - first;
+        } while (i < crossing && (open != 0 || extents[i].minX < reach));
         const bool isHidden = reach <= slabs_.coverage().startX();
-        if (size == 1 && list.row != nullptr)
-            addChain(slabs_, *list.row, list.places[extents[first].chain], winding);
-        else if (isHidden || !slabs_.isDeepInside(winding, size))
-            addCluster(list, extents + first, size, winding, from, to, isHidden);
+        if (isHidden || !slabs_.isDeepInside(winding, size))
+            addCluster(cluster.data(), size, winding, from, to, isHidden);
         winding = after;
     }
 }
 
-void ChainClusters::addCluster(const ChainList& list, const ChainExtent* extents, uint32_t count,
-                               int32_t winding, Fixed from, Fixed to, bool isHidden)
+void ChainClusters::addCluster(Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to,
+                               bool isHidden)
 {
-    ScratchArray<Chain> cluster(slabs_.scratch(), count);
-    if (!cluster) {
-        slabs_.fail();
-        return;
-    }
-    for (uint32_t i = 0; i < count; ++i)
-        cluster[i] = list[extents[i].chain];
-    Chain* const chains = cluster.data();
     if (isHidden) return addHidden(chains, count, winding, from, to);
     if (count == 1) {
         const bool was = slabs_.inside(winding);
@@ -326,9 +285,17 @@ void ChainClusters::addAlong(Chain chain, Fixed from, Fixed to, int32_t sign)
 } // namespace
 
 void addChains(SlabFill& slabs, RowPlacing& row, const RowPlace* places, uint32_t count,
-               int32_t winding)
+               int32_t winding, bool isHidden)
 {
-    ChainClusters(slabs, row.rings()).add(row, places, count, winding);
+    ScratchArray<Chain> chains(slabs.scratch(), count);
+    if (!chains) {
+        slabs.fail();
+        return;
+    }
+    for (uint32_t i = 0; i < count; ++i)
+        chains[i] = row.chainOf(places[i]);
+    ChainClusters(slabs, row.rings())
+        .addCluster(chains.data(), count, winding, row.top(), row.bottom(), isHidden);
 }
 
 void addChain(SlabFill& slabs, RowPlacing& row, const RowPlace& place, int32_t winding)

@@ -8,10 +8,8 @@
 namespace KAVO {
 namespace Graphics2D {
 
-// Adds what lies inside among chains of a row, given the winding number left of all of them.
-//
-// Where the chains' extents do not overlap, and all that starts or ends left of the gap cancels,
-// the chains on either side are settled apart, cluster by cluster:
+// Adds what lies inside among the chains of a cluster, given the winding number left of all of them
+// and whether they lie left of all that is visible:
 //
 // - few chains with few vertices in slabs, cut at the levels of these vertices;
 // - others in halves of the height, clustered anew in each, down to 1/16 of a row;
@@ -20,7 +18,7 @@ namespace Graphics2D {
 // So no input makes a chain cost more than some 272 slabs in a row, and a crowd of small shapes
 // costs little more than each of them alone.
 void addChains(SlabFill& slabs, RowPlacing& row, const RowPlace* places, uint32_t count,
-               int32_t winding);
+               int32_t winding, bool isHidden);
 
 // Adds a chain that meets no other in its row.
 void addChain(SlabFill& slabs, RowPlacing& row, const RowPlace& place, int32_t winding);

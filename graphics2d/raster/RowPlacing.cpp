@@ -26,7 +26,7 @@ void RowPlacing::moveTo(int32_t row, const RowPainter& painter)
     const uint32_t above = active_.size();
     active_.startAbove(bottom_);
 
-    hasBent_ = false;
+    bentCount_ = 0;
     areApart_ = true;
     Fixed reach = -0x7FFFFFFF - 1;
     RowPlace* kept = active_.begin();
@@ -69,7 +69,7 @@ bool RowPlacing::place(RowPlace& place)
         setStraightExtent(place);
         return true;
     }
-    hasBent_ = true;
+    ++bentCount_;
     chain.startY = line.y;
     chain.startVertex = chain.vertex;
     place.minX = place.maxX = line.x;
@@ -115,12 +115,36 @@ uint32_t RowPlacing::imbalanceOf(const RowPlace& place)
     return place.winding > 0 ? start - end : end - start;
 }
 
+void RowPlacing::prepareClusters(RowPlace* first, RowPlace* end)
+{
+    Fixed least = 0x7FFFFFFF;
+    while (end != first) {
+        --end;
+        end->leastX = least = std::min(least, end->minX);
+    }
+}
+
+RowCluster RowPlacing::clusterAt(RowPlace* first, RowPlace* end)
+{
+    RowCluster cluster = {first, first->maxX, 0, false};
+    uint32_t open = 0;
+    do {
+        const RowPlace& place = *cluster.end;
+        cluster.reach = std::max(cluster.reach, place.maxX);
+        cluster.hasStraight |= place.straight;
+        if (place.partial) open += imbalanceOf(place);
+        if (!isBorn(place)) cluster.winding += place.winding;
+        ++cluster.end;
+    } while (cluster.end != end && (open != 0 || cluster.end->leastX < cluster.reach));
+    return cluster;
+}
+
 bool RowPlacing::sort(MMStackContext& stack, StepBudget& budget)
 {
     active_.sort(0, knownCount_);
     active_.sort(knownCount_, size() - knownCount_);
     if (!mergeNew(stack)) return false;
-    if (!hasBent_) return true;
+    if (!hasBent()) return true;
     for (RowPlace* place = begin(); place != end() && budget.spend(); ++place)
         if (isBorn(*place)) moveBirth(place, budget);
     return true;

@@ -27,6 +27,14 @@ private:
     uint32_t left_ = 0;
 };
 
+// Some neighbours in the current row.
+struct RowCluster {
+    RowPlace* end;
+    Fixed reach;     // right end of their extents
+    int32_t winding; // what they add to the winding number at the row's top
+    bool hasStraight;
+};
+
 // The places of the current row.
 class RowPlacing {
 public:
@@ -46,8 +54,10 @@ public:
     // Whether more chains are to start in later rows.
     bool hasMore() const { return active_.nextMinimum() != kNoVertex; }
 
-    // Some chain has vertices in the row.
-    bool hasBent() const { return hasBent_; }
+    // Some chain has vertices in the row, or even a good part of them, so that it pays to look for
+    // clusters before separators.
+    bool hasBent() const { return bentCount_ != 0; }
+    bool hasManyBent() const { return bentCount_ > size() / 4; }
 
     // All chains cross the whole row, in order, and their extents do not overlap.
     bool areApart() const { return areApart_; }
@@ -65,6 +75,13 @@ public:
     // Whether the chain starts inside the row.
     bool isBorn(const RowPlace& place);
 
+    // Has clusterAt find clusters among these places.
+    static void prepareClusters(RowPlace* first, RowPlace* end);
+
+    // The first places that can be settled apart from those behind them: their extents do not
+    // overlap, and all that starts or ends among them cancels.
+    RowCluster clusterAt(RowPlace* first, RowPlace* end);
+
     // What a chain that starts or ends inside the row does to the winding number right of it: zero
     // in sum where everything that starts and ends cancels.
     uint32_t imbalanceOf(const RowPlace& place);
@@ -79,7 +96,7 @@ private:
     Fixed top_ = 0;
     Fixed bottom_ = 0;
     uint32_t knownCount_ = 0; // places of chains that the row above had already
-    bool hasBent_ = false;
+    uint32_t bentCount_ = 0;  // chains with vertices in the row
     bool areApart_ = false;
 };
 

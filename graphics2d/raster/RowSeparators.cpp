@@ -13,12 +13,12 @@ namespace {
 
 class SeparatorSearch {
 public:
-    SeparatorSearch(RowPlacing& row, StepBudget& budget, uint32_t* straight)
+    SeparatorSearch(RowPlacing& row, StepBudget& budget, RowPlace** straight)
         : row_(row), budget_(budget), straight_(straight)
     {
     }
 
-    void run();
+    void run(RowPlace* first, RowPlace* end);
 
 private:
     void markCrossed(const RowPlace& bent, uint32_t behind);
@@ -26,20 +26,19 @@ private:
 
     RowPlacing& row_;
     StepBudget& budget_;
-    uint32_t* straight_; // the indices of straight places, from left to right
+    RowPlace** straight_; // the straight places, from left to right
     uint32_t straightCount_ = 0;
 };
 
-void SeparatorSearch::run()
+void SeparatorSearch::run(RowPlace* first, RowPlace* end)
 {
-    for (const RowPlace& place : row_)
-        if (place.straight)
-            straight_[straightCount_++] = static_cast<uint32_t>(&place - row_.begin());
+    for (RowPlace* place = first; place != end; ++place)
+        if (place->straight) straight_[straightCount_++] = place;
     // What starts or ends inside the row on one side of a chain and is made up for on the other
     // changes the winding number on both sides of it, so that they cannot be settled apart.
     uint32_t open = 0;
     uint32_t behind = 0; // straight places left of the current one
-    for (RowPlace* place = row_.begin(); place != row_.end() && budget_.spend(); ++place) {
+    for (RowPlace* place = first; place != end && budget_.spend(); ++place) {
         if (place->straight) {
             if (open != 0) place->separates = false;
             ++behind;
@@ -55,12 +54,12 @@ void SeparatorSearch::run()
 void SeparatorSearch::markCrossed(const RowPlace& bent, uint32_t behind)
 {
     for (uint32_t i = behind; i > 0 && budget_.spend(); --i) {
-        RowPlace& place = row_.begin()[straight_[i - 1]];
+        RowPlace& place = *straight_[i - 1];
         if (bent.minX >= place.maxX || staysBeside(bent, place, 1)) break;
         place.separates = false;
     }
     for (uint32_t i = behind; i < straightCount_ && budget_.spend(); ++i) {
-        RowPlace& place = row_.begin()[straight_[i]];
+        RowPlace& place = *straight_[i];
         if (bent.maxX <= place.minX || staysBeside(bent, place, -1)) break;
         place.separates = false;
     }
@@ -87,16 +86,16 @@ bool SeparatorSearch::staysBeside(const RowPlace& bent, const RowPlace& straight
 
 // A straight chain separates the straight ones when all bottoms before it are left and all after it
 // right of its own.
-void markUncrossed(RowPlacing& row)
+void markUncrossed(RowPlace* first, RowPlace* end)
 {
     Fixed reach = -0x7FFFFFFF - 1;
-    for (RowPlace& place : row) {
-        if (!place.straight) continue;
-        place.separates = place.bottomX >= reach;
-        reach = std::max(reach, place.bottomX);
+    for (RowPlace* place = first; place != end; ++place) {
+        if (!place->straight) continue;
+        place->separates = place->bottomX >= reach;
+        reach = std::max(reach, place->bottomX);
     }
     reach = 0x7FFFFFFF;
-    for (RowPlace* place = row.end(); place != row.begin();) {
+    for (RowPlace* place = end; place != first;) {
         --place;
         if (!place->straight) continue;
         if (place->bottomX > reach) place->separates = false;
@@ -106,13 +105,14 @@ void markUncrossed(RowPlacing& row)
 
 } // namespace
 
-bool markSeparators(RowPlacing& row, MMStackContext& stack, StepBudget& budget)
+bool markSeparators(RowPlacing& row, RowPlace* first, RowPlace* end, MMStackContext& stack,
+                    StepBudget& budget)
 {
-    markUncrossed(row);
+    markUncrossed(first, end);
     if (!row.hasBent()) return true;
-    ScratchArray<uint32_t> straight(stack, row.size());
+    ScratchArray<RowPlace*> straight(stack, static_cast<uint32_t>(end - first));
     if (!straight) return false;
-    SeparatorSearch(row, budget, straight.data()).run();
+    SeparatorSearch(row, budget, straight.data()).run(first, end);
     return true;
 }
 

@@ -7,10 +7,11 @@
 namespace KAVO {
 namespace Graphics2D {
 
-// Marks the straight chains of a sorted row that separate what lies left and right of them all the
-// way down the row. False when scratch memory ran out. With the budget spent the marks mean
-// nothing.
-bool markSeparators(RowPlacing& row, MMStackContext& stack, StepBudget& budget);
+// Marks the straight ones among neighbours of a sorted row that separate what lies left and right
+// of them all the way down the row. False when scratch memory ran out. With the budget spent the
+// marks mean nothing.
+bool markSeparators(RowPlacing& row, RowPlace* first, RowPlace* end, MMStackContext& stack,
+                    StepBudget& budget);
 
 } // namespace Graphics2D
 } // namespace KAVO

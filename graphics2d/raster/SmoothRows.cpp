@@ -14,10 +14,12 @@
 // Most chains are straight and no other chain crosses them. Such a chain separates what lies left
 // and right of it all the way down the row, so that the winding number along it is the one at the
 // row's top, and the chains between two of them are settled on their own: crossing edges in one
-// slab (SlabFill.cpp), chains with vertices cluster by cluster (ChainClusters.cpp).
+// slab (SlabFill.cpp), chains with vertices cluster by cluster (ChainClusters.cpp). A row of many
+// bent chains, as many small shapes make it, is parted into clusters first, and separators are
+// looked for only in those that need them.
 //
-// What to look for among the chains of a row is looked for with a budget of steps; in a row where
-// it does not suffice no chain separates any others. So a row of n chains costs about n log n steps
+// What to look for among the chains of a row is looked for with a budget of steps; from where it
+// does not suffice no chain separates any others. So a row of n chains costs about n log n steps
 // times the number of its slabs, and that is bounded.
 #include "graphics2d/raster/SmoothRows.h"
 
@@ -31,6 +33,13 @@ namespace Graphics2D {
 
 namespace {
 
+// Whether the two chains of a cluster lie beside each other, as the sides of a small shape do at
+// its top or bottom. Unless they wind the same way one does not start or end without the other.
+bool isPair(const RowPlace& left, const RowPlace& right)
+{
+    return left.maxX <= right.minX && left.winding != right.winding;
+}
+
 class SmoothFill {
 public:
     SmoothFill(MMContext2D& context, RowPainter& painter, CoverageRow& coverage,
@@ -43,9 +52,11 @@ public:
     void draw();
 
 private:
-    void addApart();
+    void addApart(const RowPlace* first, const RowPlace* end, int32_t winding);
     void addRow();
-    void addBetween(const RowPlace* first, const RowPlace* end, int32_t winding);
+    void addClusters(RowPlace* first, RowPlace* end, int32_t winding, bool areBetween);
+    void addCrowd(RowPlace* first, RowPlace* end, int32_t winding);
+    void addBetween(RowPlace* first, RowPlace* end, int32_t winding);
     void addStraight(const RowPlace* first, const RowPlace* end, int32_t winding);
     void addPassed(const RowPlace* first, const RowPlace* end, int32_t winding);
 
@@ -68,7 +79,7 @@ void SmoothFill::draw()
             continue;
         }
         if (row_.areApart())
-            addApart();
+            addApart(row_.begin(), row_.end(), 0);
         else
             addRow();
         if (slabs_.failed()) return;
@@ -77,49 +88,77 @@ void SmoothFill::draw()
     }
 }
 
-// Adds the usual row.
-void SmoothFill::addApart()
+// Adds neighbours whose extents do not overlap, as in the usual row.
+void SmoothFill::addApart(const RowPlace* first, const RowPlace* end, int32_t winding)
 {
-    int32_t winding = 0;
-    for (const RowPlace& place : row_) {
-        addChain(slabs_, row_, place, winding);
-        winding += place.winding;
+    for (const RowPlace* place = first; place != end; ++place) {
+        addChain(slabs_, row_, *place, winding);
+        winding += place->winding;
     }
 }
 
 void SmoothFill::addRow()
 {
     budget_.refill(row_.size());
-    if (!row_.sort(stack_, budget_) || !markSeparators(row_, stack_, budget_)) {
+    if (!row_.sort(stack_, budget_)) {
         slabs_.fail();
         return;
     }
-    const RowPlace* const end = row_.end();
-    if (budget_.isSpent()) {
-        addBetween(row_.begin(), end, 0);
+    if (row_.hasManyBent())
+        addClusters(row_.begin(), row_.end(), 0, false);
+    else
+        addCrowd(row_.begin(), row_.end(), 0);
+}
+
+// Adds neighbours cluster by cluster. areBetween says that no chain among them separates others.
+void SmoothFill::addClusters(RowPlace* first, RowPlace* end, int32_t winding, bool areBetween)
+{
+    RowPlacing::prepareClusters(first, end);
+    while (first != end && first->leastX < coverage_.endX()) {
+        const RowCluster cluster = row_.clusterAt(first, end);
+        const uint32_t count = static_cast<uint32_t>(cluster.end - first);
+        if (count == 1 || (count == 2 && isPair(*first, first[1])))
+            addApart(first, cluster.end, winding);
+        else if (cluster.hasStraight && !areBetween)
+            addCrowd(first, cluster.end, winding);
+        else if (!slabs_.isDeepInside(winding, count))
+            addChains(slabs_, row_, first, count, winding, cluster.reach <= coverage_.startX());
+        winding += cluster.winding;
+        first = cluster.end;
+    }
+}
+
+// Adds neighbours of which some may separate others.
+void SmoothFill::addCrowd(RowPlace* first, RowPlace* end, int32_t winding)
+{
+    if (!markSeparators(row_, first, end, stack_, budget_)) {
+        slabs_.fail();
         return;
     }
-    int32_t winding = 0;
-    for (const RowPlace* place = row_.begin(); place != end;) {
+    if (budget_.isSpent()) {
+        addBetween(first, end, winding);
+        return;
+    }
+    for (RowPlace* place = first; place != end;) {
         if (place->straight && place->separates) {
             addChain(slabs_, row_, *place, winding);
             winding += place->winding;
             ++place;
             continue;
         }
-        const RowPlace* const first = place;
+        RowPlace* const gap = place;
         int32_t after = winding;
         do {
             if (!row_.isBorn(*place)) after += place->winding;
             ++place;
         } while (place != end && !(place->straight && place->separates));
-        addBetween(first, place, winding);
+        addBetween(gap, place, winding);
         winding = after;
     }
 }
 
 // Adds the chains between two separators.
-void SmoothFill::addBetween(const RowPlace* first, const RowPlace* end, int32_t winding)
+void SmoothFill::addBetween(RowPlace* first, RowPlace* end, int32_t winding)
 {
     const uint32_t count = static_cast<uint32_t>(end - first);
     if (slabs_.isDeepInside(winding, count)) return;
@@ -128,7 +167,7 @@ void SmoothFill::addBetween(const RowPlace* first, const RowPlace* end, int32_t 
     else if (std::all_of(first, end, [](const RowPlace& place) { return place.straight; }))
         addStraight(first, end, winding);
     else
-        addChains(slabs_, row_, first, count, winding);
+        addClusters(first, end, winding, true);
 }
 
 void SmoothFill::addStraight(const RowPlace* first, const RowPlace* end, int32_t winding)

@@ -40,11 +40,11 @@ bool FilterGraph::plan(const PixelArea& visible)
     return true;
 }
 
-double FilterGraph::work() const
+double FilterGraph::pixels() const
 {
-    double sum = areas_[kSource].pixels();
-    for (size_t i = 1; i < steps_.size(); ++i)
-        sum += areas_[i].pixels() * steps_[i].effect->cost();
+    double sum = 0;
+    for (const PixelArea& area : areas_)
+        sum += area.pixels();
     return sum;
 }
 

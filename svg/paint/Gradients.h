@@ -2,8 +2,9 @@
 // Linear and radial gradients.
 #pragma once
 
-#include "graphics2d/sources/MMGradientSource.h"
+#include "graphics2d/PaintSetup.h"
 #include "svg/document/SvgDocument.h"
+#include "svg/images/Picture.h"
 
 #include <vector>
 
@@ -12,6 +13,7 @@ namespace Svg {
 
 // A gradient element with everything that it takes from those it refers to.
 struct Gradient {
+    enum Spread { Pad, Repeat, Reflect };
     struct Stop {
         double offset; // 0 to 1, ascending
         Pixel colour;  // not premultiplied
@@ -24,8 +26,13 @@ struct Gradient {
     Point end;   // of a radial gradient the centre of the outer circle
     double innerRadius = 0;
     double radius = 0;
-    Graphics2D::MMSpread spread = Graphics2D::kSpreadPad;
+    Spread spread = Pad;
     std::vector<Stop> stops; // none: nothing is painted
+
+    // Where a point of the gradient's space lies between start and end; nothing outside of a cone.
+    std::optional<double> parameterAt(Point p) const;
+    // The colour at a parameter, by the spread.
+    Pixel colourAt(double parameter) const;
 };
 
 Gradient readGradient(const SvgDocument& document, pugi::xml_node node, const Viewport& viewport);
@@ -40,15 +47,14 @@ public:
 
 private:
     void setRamp(MMPaint& paint, const Gradient& gradient, const Affine& toDevice);
-    bool setSource(MMPaint& paint, const Gradient& gradient, const Affine& toDevice,
-                   const Box& visible);
-    Graphics2D::GradientStops layOutStops(const Gradient& gradient);
+    bool setPicture(MMPaint& paint, const Gradient& gradient, const Affine& toDevice,
+                    const Box& visible);
 
     std::vector<Pixel> colours_;
     std::vector<Fixed> offsets_;
     std::vector<Pixel> rampColours_;
     std::vector<Fixed> rampOffsets_;
-    Graphics2D::MMGradientSource source_;
+    Picture picture_;
 };
 
 } // namespace Svg

@@ -16,7 +16,6 @@ enum class Property : uint8_t {
     ClipPath,
     ClipRule,
     Color,
-    ColorInterpolation,
     ColorInterpolationFilters,
     Cx,
     Cy,

@@ -120,6 +120,26 @@ TEST(RasterContours, CoverageIsTheAreaOfAllContours)
     }
 }
 
+// The left side of the upper triangle ends where the upright one of the lower triangle starts, in
+// the middle of row 20: they do not meet, and yet neither changes what is inside beside the other.
+TEST(RasterContours, TrianglesThatTouchWithinARowAreBothFilled)
+{
+    const Polygon upper = points({{10, 10}, {20, 10}, {15, 20}});
+    for (const double side : {-9, 9})
+        for (const MMFillRule rule : {kFillNonZero, kFillEvenOdd}) {
+            const Polygon lower = points({{15, 20}, {15, 30}, {15 + side, 30}});
+            Edges edges = edgesOf(upper);
+            const Edges more = edgesOf(lower);
+            edges.insert(edges.end(), more.begin(), more.end());
+            Picture picture(kSize);
+            fill(picture, {upper, lower}, rule);
+            const auto ideal = areas(edges, kSize, kSize, rule == kFillEvenOdd, 512);
+            for (int i = 0; i < kSize * kSize; ++i)
+                ASSERT_NEAR(picture.coverage(i % kSize, i / kSize), ideal[size_t(i)] * 255, 3)
+                    << i % kSize << ", " << i / kSize << " side " << side << " rule " << rule;
+        }
+}
+
 // One polygon through both triangles would change its direction twice and be one span.
 TEST(RasterContours, TheThinRuleServesASingleContour)
 {
