@@ -1,17 +1,12 @@
 // SPDX-License-Identifier: MIT
 // The shapes of a scene through Cairo's image backend.
-#include "Scene.h"
-
-#include <cairo.h>
+#include "CairoTarget.h"
 
 #include <memory>
 
 namespace {
 
-struct Drawing {
-    cairo_surface_t* surface =
-        cairo_image_surface_create(CAIRO_FORMAT_ARGB32, kSceneSize, kSceneSize);
-    cairo_t* cairo = cairo_create(surface);
+struct Drawing : CairoTarget {
     std::vector<Shape> shapes;
     std::vector<cairo_path_t*> paths;
 
@@ -19,8 +14,6 @@ struct Drawing {
     {
         for (cairo_path_t* path : paths)
             cairo_path_destroy(path);
-        cairo_destroy(cairo);
-        cairo_surface_destroy(surface);
     }
 
     void add(const Shape& shape)

@@ -2,6 +2,8 @@
 // Filled shapes, from one large rectangle to hundreds of small blobs.
 #include "Scene.h"
 
+#include <cwchar>
+#include <memory>
 #include <random>
 
 namespace {
@@ -96,6 +98,16 @@ std::vector<Shape> many(int count, MakeOutline make)
     return shapes;
 }
 
+// What the memory can do: every pixel of the target set.
+Draw fillTarget(uint32_t colour)
+{
+    static_assert(sizeof(wchar_t) == sizeof(uint32_t), "a pixel is a wide character");
+    auto pixels = std::make_shared<std::vector<wchar_t>>(kSceneSize * kSceneSize);
+    return [pixels, colour] {
+        std::wmemset(pixels->data(), static_cast<wchar_t>(colour), pixels->size());
+    };
+}
+
 } // namespace
 
 std::vector<Scene> fillScenes()
@@ -104,38 +116,37 @@ std::vector<Scene> fillScenes()
     std::vector<Scene> scenes;
     Shape whole;
     whole.outline = rectangle(0, 0, kSceneSize, kSceneSize);
-    scenes.push_back(shapeScene("rectangle 1000 opaque", {whole}));
+    scenes.push_back(sceneOf("rectangle 1000 opaque", std::vector<Shape>{whole}));
+    scenes.back().memory = fillTarget(whole.colour);
     whole.colour = 0x803060C0;
-    scenes.push_back(shapeScene("rectangle 1000 translucent", {whole}));
-    scenes.push_back(shapeScene("500 rectangles of 16", many(500, [&] {
-                                    const Point p = places.point(16);
-                                    return rectangle(std::floor(p.x), std::floor(p.y), 16, 16);
-                                })));
-    scenes.push_back(shapeScene("20 circles of radius 100", many(20, [&] {
-                                    return circlePolygon(places.point(100), 100, 64);
-                                })));
-    scenes.push_back(shapeScene("500 circles of radius 10", many(500, [&] {
-                                    return circlePolygon(places.point(10), 10, 24);
-                                })));
+    scenes.push_back(sceneOf("rectangle 1000 translucent", std::vector<Shape>{whole}));
+    scenes.push_back(sceneOf("500 rectangles of 16", many(500, [&] {
+                                 const Point p = places.point(16);
+                                 return rectangle(std::floor(p.x), std::floor(p.y), 16, 16);
+                             })));
+    scenes.push_back(sceneOf("20 circles of radius 100",
+                             many(20, [&] { return circlePolygon(places.point(100), 100, 64); })));
+    scenes.push_back(sceneOf("500 circles of radius 10",
+                             many(500, [&] { return circlePolygon(places.point(10), 10, 24); })));
     Shape star;
     star.outline = circlePolygon({500, 500}, 450, 101, 50);
-    scenes.push_back(shapeScene("star of 101 points", {star}));
+    scenes.push_back(sceneOf("star of 101 points", std::vector<Shape>{star}));
     Shape tangle;
     tangle.outline.moveTo(places.point(0));
     for (int i = 1; i < 1000; ++i)
         tangle.outline.lineTo(places.point(0));
     tangle.outline.close();
-    scenes.push_back(shapeScene("1,000 random vertices", {tangle}));
-    scenes.push_back(shapeScene("200 blobs of 8 cubics",
-                                many(200, [&] { return blob(places, places.point(30), 20); })));
+    scenes.push_back(sceneOf("1,000 random vertices", std::vector<Shape>{tangle}));
+    scenes.push_back(sceneOf("200 blobs of 8 cubics",
+                             many(200, [&] { return blob(places, places.point(30), 20); })));
     Shape subpaths;
     for (int i = 0; i < 3000; ++i)
         addRectangle(subpaths.outline, places.point(2), 3, 3);
-    scenes.push_back(shapeScene("3,000 squares in one path", {subpaths}));
+    scenes.push_back(sceneOf("3,000 squares in one path", std::vector<Shape>{subpaths}));
     subpaths.outline = Outline();
     for (int i = 0; i < 1000; ++i)
         addCirclePolygon(subpaths.outline, places.point(10), 10, 24);
-    scenes.push_back(shapeScene("1,000 discs in one path", {subpaths}));
+    scenes.push_back(sceneOf("1,000 discs in one path", std::vector<Shape>{subpaths}));
     std::vector<Shape> drawing;
     for (const Outline& outline : drawingOutlines(MM2D_BENCH_DRAWING)) {
         Shape shape;
@@ -143,6 +154,6 @@ std::vector<Scene> fillScenes()
         shape.colour = 0xFF000000 | static_cast<uint32_t>(drawing.size()) * 2654435761u >> 8;
         drawing.push_back(shape);
     }
-    if (!drawing.empty()) scenes.push_back(shapeScene("a real drawing, filled", drawing));
+    if (!drawing.empty()) scenes.push_back(sceneOf("a real drawing, filled", drawing));
     return scenes;
 }

@@ -15,6 +15,9 @@
 
 constexpr int kSceneSize = 1000; // pixels a side of every target
 
+// How far, in pixels, the peers' chords may lie from the curves. Qt cannot be told.
+constexpr double kCurveDeviation = 0.125;
+
 using KAVO::Svg::Affine;
 using KAVO::Svg::Box;
 using KAVO::Svg::Outline;
@@ -29,6 +32,7 @@ struct Scene {
     Draw cairo; // empty where there is no such peer
     Draw agg;
     Draw qt;
+    Draw memory; // as many words written or copied by the C library
 };
 
 // A drawing that is measured at growing sizes.
@@ -47,12 +51,36 @@ struct Shape {
     std::vector<double> dashes;
 };
 
-// The scene of some shapes, drawn one after the other with anti-aliasing.
-Scene shapeScene(std::string name, const std::vector<Shape>& shapes);
+Draw drawWithOurs(const std::vector<Shape>& shapes, bool refined);
+Draw drawWithCairo(const std::vector<Shape>& shapes);
+Draw drawWithAgg(const std::vector<Shape>& shapes);
+Draw drawWithQt(const std::vector<Shape>& shapes);
+
+// The scene of some content in every renderer that there is: Shapes, drawn one after the other with
+// anti-aliasing, a PaintedSquare or TextLines. Each renderer has a file for each.
+template <class Content>
+Scene sceneOf(std::string name, const Content& content)
+{
+    Scene scene;
+    scene.name = std::move(name);
+    scene.classic = drawWithOurs(content, false);
+    scene.refined = drawWithOurs(content, true);
+#ifdef MM2D_BENCH_CAIRO
+    scene.cairo = drawWithCairo(content);
+#endif
+#ifdef MM2D_BENCH_AGG
+    scene.agg = drawWithAgg(content);
+#endif
+#ifdef MM2D_BENCH_QT
+    scene.qt = drawWithQt(content);
+#endif
+    return scene;
+}
 
 std::vector<Scene> fillScenes();
 std::vector<Scene> strokeScenes();
 std::vector<Scene> paintScenes();
+std::vector<Scene> sourceScenes();
 std::vector<Scene> textScenes();
 std::vector<Scene> layerScenes();
 std::vector<Growth> growthSeries();
@@ -60,19 +88,6 @@ std::vector<Growth> growthSeries();
 // The scenes of text that are compared with each other.
 constexpr char kCachedTextScene[] = "text 12 px cached solid";
 constexpr char kWrapScene[] = "wrap 2,000 characters";
-
-// Bytes of heap that a context takes beside a font engine that is running already.
-struct ContextMemory {
-    size_t atRest;        // the object included
-    size_t withFullCache; // after more glyphs than its cache holds
-};
-ContextMemory contextMemory();
-
-// The renderers' forms of the shapes, each in a file of its own.
-Draw drawWithOurs(const std::vector<Shape>& shapes, bool refined);
-Draw drawWithCairo(const std::vector<Shape>& shapes);
-Draw drawWithAgg(const std::vector<Shape>& shapes);
-Draw drawWithQt(const std::vector<Shape>& shapes);
 
 // The outlines of all path elements of an SVG file, scaled together to fill the target; empty when
 // the file cannot be read.

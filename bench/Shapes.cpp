@@ -1,28 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Scenes from shapes, and shapes from SVG files.
+// Shapes from SVG files.
 #include "Scene.h"
 
 #include "svg/values/PathParser.h"
 
 #include <pugixml.hpp>
-
-Scene shapeScene(std::string name, const std::vector<Shape>& shapes)
-{
-    Scene scene;
-    scene.name = std::move(name);
-    scene.classic = drawWithOurs(shapes, false);
-    scene.refined = drawWithOurs(shapes, true);
-#ifdef MM2D_BENCH_CAIRO
-    scene.cairo = drawWithCairo(shapes);
-#endif
-#ifdef MM2D_BENCH_AGG
-    scene.agg = drawWithAgg(shapes);
-#endif
-#ifdef MM2D_BENCH_QT
-    scene.qt = drawWithQt(shapes);
-#endif
-    return scene;
-}
 
 using KAVO::Svg::parsePath;
 

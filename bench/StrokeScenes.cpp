@@ -17,14 +17,14 @@ std::vector<Scene> strokeScenes()
     polyline.outline.moveTo({place(engine), place(engine)});
     for (int i = 0; i < 100; ++i)
         polyline.outline.lineTo({place(engine), place(engine)});
-    scenes.push_back(shapeScene("polyline of 100 segments", {polyline}));
+    scenes.push_back(sceneOf("polyline of 100 segments", std::vector<Shape>{polyline}));
 
     Shape hairline;
     hairline.strokeWidth = 1;
     hairline.outline.moveTo({place(engine), place(engine)});
     for (int i = 0; i < 1000; ++i)
         hairline.outline.lineTo({place(engine), place(engine)});
-    scenes.push_back(shapeScene("polyline of 1,000 segments", {hairline}));
+    scenes.push_back(sceneOf("polyline of 1,000 segments", std::vector<Shape>{hairline}));
 
     std::vector<Shape> hairlines(1000);
     for (Shape& line : hairlines) {
@@ -33,7 +33,7 @@ std::vector<Scene> strokeScenes()
         line.outline.moveTo(from);
         line.outline.lineTo(from + Point{step(engine), step(engine)});
     }
-    scenes.push_back(shapeScene("1,000 short hairlines", hairlines));
+    scenes.push_back(sceneOf("1,000 short hairlines", hairlines));
 
     Shape dashed;
     dashed.strokeWidth = 3;
@@ -42,7 +42,7 @@ std::vector<Scene> strokeScenes()
     dashed.outline.arcTo(450, 450, 0, true, true, {50, 500});
     dashed.outline.arcTo(450, 450, 0, true, true, {950, 500});
     dashed.outline.close();
-    scenes.push_back(shapeScene("dashed circle", {dashed}));
+    scenes.push_back(sceneOf("dashed circle", std::vector<Shape>{dashed}));
 
     std::vector<Shape> drawing;
     for (const Outline& outline : drawingOutlines(MM2D_BENCH_DRAWING)) {
@@ -51,6 +51,6 @@ std::vector<Scene> strokeScenes()
         shape.strokeWidth = 2;
         drawing.push_back(shape);
     }
-    if (!drawing.empty()) scenes.push_back(shapeScene("a real drawing, stroked", drawing));
+    if (!drawing.empty()) scenes.push_back(sceneOf("a real drawing, stroked", drawing));
     return scenes;
 }

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Measures every scene in every renderer in one run and prints how far ahead of the peers we are.
 //
-//   mm2d_bench [Google Benchmark options]
+//   mm2d_bench [--twice] [Google Benchmark options]
 //
+// --twice measures all of it twice: where the two tables differ the machine was not quiet.
 // The renderers' repetitions are interleaved at random and the ratios are of medians, so that what
 // else the machine is doing falls on all of them alike.
+#include "Footprint.h"
 #include "Scene.h"
 
 #include "graphics2d/convenience/MMText.h"
@@ -14,12 +16,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <cstring>
-#include <elf.h>
-#include <fstream>
-#include <iterator>
 #include <map>
-#include <sstream>
 
 using namespace KAVO;
 
@@ -27,14 +24,15 @@ namespace {
 
 using namespace KAVO::Graphics2D;
 
-// The renderers of a scene, ours first.
+// Who draws a scene.
 struct Renderer {
     const char* name;
     Draw Scene::*draw;
 };
 constexpr Renderer kClassic = {"classic", &Scene::classic};
 constexpr Renderer kRefined = {"refined", &Scene::refined};
-constexpr Renderer kPeers[] = {{"cairo", &Scene::cairo}, {"agg", &Scene::agg}, {"qt", &Scene::qt}};
+constexpr Renderer kPeers[] = {
+    {"cairo", &Scene::cairo}, {"agg", &Scene::agg}, {"qt", &Scene::qt}, {"memory", &Scene::memory}};
 constexpr int kRepetitions = 9;
 
 // Collects the times of all repetitions by scene and renderer.
@@ -70,65 +68,57 @@ private:
 void registerDraw(const std::string& scene, const std::string& renderer, const Draw& draw)
 {
     if (!draw) return;
-    benchmark::RegisterBenchmark((scene + "/" + renderer).c_str(), [draw](benchmark::State& state) {
-        for (auto _ : state)
-            draw();
-    })->Repetitions(kRepetitions);
-}
-
-// Bytes of machine code in an object file; 0 when it cannot be read.
-size_t codeBytes(const std::string& file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    const std::string bytes((std::istreambuf_iterator<char>(stream)), {});
-    Elf64_Ehdr header;
-    if (bytes.size() < sizeof header) return 0;
-    std::memcpy(&header, bytes.data(), sizeof header);
-    std::vector<Elf64_Shdr> sections(header.e_shnum);
-    const size_t sectionBytes = sections.size() * sizeof(Elf64_Shdr);
-    if (sections.empty() || header.e_shoff + sectionBytes > bytes.size()) return 0;
-    std::memcpy(sections.data(), bytes.data() + header.e_shoff, sectionBytes);
-    size_t total = 0;
-    for (const Elf64_Shdr& section : sections)
-        if ((section.sh_flags & SHF_EXECINSTR) != 0) total += section.sh_size;
-    return total;
-}
-
-// The library's own objects; the engines of the platform do not count.
-size_t libraryCodeBytes()
-{
-    std::istringstream files(MM2D_OBJECT_FILES);
-    size_t total = 0;
-    for (std::string file; std::getline(files, file, ':');)
-        total += codeBytes(file);
-    return total;
+    benchmark::RegisterBenchmark((scene + "/" + renderer).c_str(),
+                                 [draw](benchmark::State& state) {
+                                     for (auto _ : state)
+                                         draw();
+                                 })
+        ->Repetitions(kRepetitions)
+        ->MeasureProcessCPUTime(); // of all threads: Qt may start some
 }
 
 void printRatio(double peer, double ours)
 {
-    if (peer > 0 && ours > 0)
-        std::printf(" %13.2f", peer / ours);
+    if (peer > 0)
+        std::printf(" %7.2f", peer / ours);
     else
-        std::printf(" %13s", "-");
+        std::printf(" %7s", "-");
 }
 
-// Each of our modes beside every peer, and the refined mode beside the classic one.
-void printScenes(Medians& medians, const std::vector<Scene>& scenes)
+// One of our modes beside every peer and the best of them.
+void printScenes(Medians& medians, const std::vector<Scene>& scenes, const Renderer& mode)
 {
-    std::printf("\nspeed relative to the peers (2 means twice as fast)\n%-32s", "scene");
-    for (const Renderer& ours : {kClassic, kRefined})
-        for (const Renderer& peer : kPeers)
-            std::printf(" %7.7s/%-5s", ours.name, peer.name);
-    std::printf(" refined/classic\n");
+    std::printf("\n%-34s", (std::string(mode.name) + ": speed relative to").c_str());
+    for (const Renderer& peer : kPeers)
+        std::printf(" %7s", peer.name);
+    std::printf("    best\n");
     for (const Scene& scene : scenes) {
-        const double classic = medians.median(scene.name, kClassic.name);
+        const double ours = medians.median(scene.name, mode.name);
+        if (ours == 0) continue;
+        std::printf("%-34s", scene.name.c_str());
+        double best = 0;
+        const char* nameOfBest = "";
+        for (const Renderer& peer : kPeers) {
+            const double time = medians.median(scene.name, peer.name);
+            printRatio(time, ours);
+            if (time == 0 || (best > 0 && time >= best)) continue;
+            best = time;
+            nameOfBest = peer.name;
+        }
+        printRatio(best, ours);
+        std::printf(" %s\n", nameOfBest);
+    }
+}
+
+// What the refined rules cost.
+void printModes(Medians& medians, const std::vector<Scene>& scenes)
+{
+    std::printf("\n%-34s %7s\n", "refined: speed relative to", kClassic.name);
+    for (const Scene& scene : scenes) {
         const double refined = medians.median(scene.name, kRefined.name);
-        if (classic == 0) continue;
-        std::printf("%-32s", scene.name.c_str());
-        for (const double ours : {classic, refined})
-            for (const Renderer& peer : kPeers)
-                printRatio(medians.median(scene.name, peer.name), ours);
-        printRatio(classic, refined);
+        if (refined == 0) continue;
+        std::printf("%-34s", scene.name.c_str());
+        printRatio(medians.median(scene.name, kClassic.name), refined);
         std::printf("\n");
     }
 }
@@ -155,13 +145,29 @@ void printGrowth(Medians& medians, const std::vector<Growth>& series)
     }
 }
 
+void printAll(Medians& medians, const std::vector<Scene>& scenes, const std::vector<Growth>& series)
+{
+    std::printf("\n2.00 is twice as fast\n");
+    printScenes(medians, scenes, kClassic);
+    printScenes(medians, scenes, kRefined);
+    printModes(medians, scenes);
+    printGrowth(medians, series);
+    const double wrapping = medians.median(kWrapScene, kClassic.name);
+    const double drawing = medians.median(kCachedTextScene, kClassic.name);
+    if (wrapping > 0 && drawing > 0)
+        std::printf("\nwrapping 2,000 characters takes as long as drawing %.0f cached glyphs\n",
+                    1000 * wrapping / drawing);
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
     if (!setFontFile(MM2D_BENCH_FONT)) return 1; // for the engine that the first context starts
+    const ContextMemory memory = contextMemory();
     std::vector<Scene> scenes;
-    for (auto family : {fillScenes, strokeScenes, paintScenes, textScenes, layerScenes})
+    for (auto family :
+         {fillScenes, strokeScenes, paintScenes, sourceScenes, textScenes, layerScenes})
         for (Scene& scene : family())
             scenes.push_back(std::move(scene));
     for (const Scene& scene : scenes) {
@@ -176,23 +182,21 @@ int main(int argc, char** argv)
             registerDraw(growth.name, std::to_string(size), growth.make(size));
 
     std::vector<char*> arguments(argv, argv + argc);
+    const auto twice = std::find(arguments.begin(), arguments.end(), std::string("--twice"));
+    const int runs = twice == arguments.end() ? 1 : 2;
+    if (runs == 2) arguments.erase(twice);
     char interleave[] = "--benchmark_enable_random_interleaving=true";
     char shortRuns[] = "--benchmark_min_time=0.02";
     arguments.insert(arguments.begin() + 1, {interleave, shortRuns});
     int count = static_cast<int>(arguments.size());
     benchmark::Initialize(&count, arguments.data());
     if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 1;
-    Medians medians;
-    benchmark::RunSpecifiedBenchmarks(&medians);
+    std::vector<Medians> tables(runs);
+    for (Medians& medians : tables)
+        benchmark::RunSpecifiedBenchmarks(&medians);
+    for (Medians& medians : tables)
+        printAll(medians, scenes, series);
 
-    printScenes(medians, scenes);
-    printGrowth(medians, series);
-    const double wrapping = medians.median(kWrapScene, kClassic.name);
-    const double drawing = medians.median(kCachedTextScene, kClassic.name);
-    if (wrapping > 0 && drawing > 0)
-        std::printf("\nwrapping 2,000 characters takes as long as drawing %.0f cached glyphs\n",
-                    1000 * wrapping / drawing);
-    const ContextMemory memory = contextMemory();
     std::printf("\nmemory of a context: %zu bytes at rest, %zu with a full glyph cache\n",
                 memory.atRest, memory.withFullCache);
     constexpr size_t kMostText = 192 * 1024; // with masks, layers and sources

@@ -31,6 +31,8 @@ struct Limits {
     uint32_t characters = 1u << 20;      // of one text element
     uint64_t imagePixels = 128u << 20;   // of all images together
     uint64_t patternTiles = 20000;       // of one paint, drawn beside each other
+    uint64_t shapeRows = 1u << 23; // that the lines of one shape cross in the picture; those of
+                                   // a stroke count four times, as its outline crosses them
 };
 
 struct LoadOptions {

@@ -83,6 +83,9 @@ void drawGroupScene(Canvas& canvas);
 
 void drawModesScene(Canvas& canvas);
 
+void drawSpreadScene(Canvas& canvas);
+void drawTileScene(Canvas& canvas);
+
 void drawSizeScene(Canvas& canvas);
 void drawLetterScene(Canvas& canvas);
 void drawEnglishScene(Canvas& canvas);

@@ -13,7 +13,7 @@ constexpr Scene kScenes[] = {
     drawFillScene,     drawRoundedScene,  drawArcScene,      drawJoinScene,    drawDashScene,
     drawHairlineScene, drawCrossingScene, drawPositionScene, drawPaintScene,   drawImageScene,
     drawSizeScene,     drawLetterScene,   drawEnglishScene,  drawChineseScene, drawThaiScene,
-    drawBlendScene,    drawGroupScene,    drawModesScene};
+    drawBlendScene,    drawGroupScene,    drawSpreadScene,   drawTileScene,    drawModesScene};
 
 constexpr int kColumns = 3;
 constexpr int kGap = 10;

@@ -8,6 +8,8 @@
 #include <graphics2d/convenience/MMPathBuilder.h>
 #include <graphics2d/convenience/MMText.h>
 #include <graphics2d/layers/MMLayer.h>
+#include <graphics2d/sources/MMGradientSource.h>
+#include <graphics2d/sources/MMTileSource.h>
 
 using KAVO::Fixed;
 using KAVO::Pixel;
@@ -44,6 +46,7 @@ void drawInTwoThreads(Pixel* pixels, int32_t width, int32_t height,
 
 void drawClipped(MMContext2D& context);
 void drawGroups(MMContext2D& context);
+void paintSources(MMContext2D& context);
 
 // Draws a picture that is never in memory as a whole.
 constexpr int32_t kBandRows = 16;

@@ -63,8 +63,8 @@ void drawBanded(MMContext2D& context)
 }
 
 constexpr void (*kRecipes[])(MMContext2D&) = {
-    fillShapes, strokeLines,  paintGradients, drawImages, drawLabels,  drawWrapped,
-    drawHits,   drawScrolled, drawThreaded,   drawBanded, drawClipped, drawGroups};
+    fillShapes,   strokeLines,  paintGradients, drawImages,  drawLabels, drawWrapped, drawHits,
+    drawScrolled, drawThreaded, drawBanded,     drawClipped, drawGroups, paintSources};
 constexpr int kRows = (static_cast<int>(std::size(kRecipes)) + kColumns - 1) / kColumns;
 
 } // namespace

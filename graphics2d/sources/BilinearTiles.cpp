@@ -1,45 +1,124 @@
 // SPDX-License-Identifier: MIT
-// Rows of tiles with bilinear smoothing: between two columns first, then between two rows, rounded
+// Rows of tiles with bilinear smoothing: between two rows first, then between two columns, rounded
 // each time.
 #include "graphics2d/sources/TileRows.h"
 #include "graphics2d/strips/Blending.h"
+
+#include <algorithm>
 
 namespace KAVO {
 namespace Graphics2D {
 
 namespace {
 
-// The rows that a pixel lies between, and its weight of the lower one.
+constexpr int32_t kPrepared = 132; // columns for 128 pixels, and up to the next four
+constexpr uint32_t kWeightShift = kTexelBits - 8;
+
+// The rows that a pixel lies between, and the weight of the lower one.
 struct RowPair {
     const Pixel* upper;
     const Pixel* lower;
-    uint32_t weight;
+    U16x8 weight;
 
     RowPair(const MMTileSource& source, const TileWalk& v)
+        : upper(tileRow(source, v.inImage(v.texel()))),
+          lower(tileRow(source, v.inImage(v.after(v.texel())))), weight(all8(v.fraction() >> 8))
     {
-        const int32_t y = v.texel();
-        upper = tileRow(source, v.inImage(y));
-        lower = tileRow(source, v.inImage(v.after(y)));
-        weight = v.fraction() >> 8;
     }
+    // The channels of two texels.
+    U16x8 mixed(U16x8 above, U16x8 below) const { return moveRounded(above, below, weight) >> 8; }
 };
 
-// The channels of one pixel between two columns: in the upper row, then in the lower one.
-inline U16x8 betweenColumns(const RowPair& rows, const TileWalk& u)
+// What lies between a column of texels and the next one: the first one's channels times 256, half
+// a unit added, and their change.
+using ColumnStep = U16x8;
+
+inline ColumnStep stepBetween(U16x8 columns)
 {
-    const int32_t x = u.texel();
-    const int32_t left = u.inImage(x);
-    const int32_t right = u.inImage(u.after(x));
-    const U32x4 texels = {rows.upper[left], rows.lower[left], rows.upper[right], rows.lower[right]};
-    return moveRounded(widenLow(texels), widenHigh(texels), all8(u.fraction() >> 8)) >> 8;
+    const U16x8 left = columns << 8 | 128;
+    const U16x8 change =
+        __builtin_shufflevector(columns, columns, 4, 5, 6, 7, 4, 5, 6, 7) - columns;
+    return __builtin_shufflevector(left, change, 0, 1, 2, 3, 8, 9, 10, 11);
 }
 
-// Two pixels between their rows, in the high bytes.
-inline U16x8 betweenRows(U16x8 first, U16x8 second, U32x4 weights)
+// Four pixels by the weights of their right-hand columns.
+template <class StepAt>
+inline U32x4 fourBetween(StepAt stepAt, U32x4 weights)
 {
-    const U16x8 upper = __builtin_shufflevector(first, second, 0, 1, 2, 3, 8, 9, 10, 11);
-    const U16x8 lower = __builtin_shufflevector(first, second, 4, 5, 6, 7, 12, 13, 14, 15);
-    return moveRounded(upper, lower, (U16x8)weights);
+    const U32x4 pairs = weights | weights << 16;
+    const auto two = [](ColumnStep a, ColumnStep b, U32x4 w) {
+        const U16x8 left = __builtin_shufflevector(a, b, 0, 1, 2, 3, 8, 9, 10, 11);
+        const U16x8 change = __builtin_shufflevector(a, b, 4, 5, 6, 7, 12, 13, 14, 15);
+        return left + change * (U16x8)w;
+    };
+    return narrowHighBytes(
+        two(stepAt(0), stepAt(1), __builtin_shufflevector(pairs, pairs, 0, 0, 1, 1)),
+        two(stepAt(2), stepAt(3), __builtin_shufflevector(pairs, pairs, 2, 2, 3, 3)));
+}
+
+// Between two texels of the upper row, and those of the lower row.
+inline ColumnStep stepOf(const RowPair& rows, U32x4 texels)
+{
+    return stepBetween(rows.mixed(widenLow(texels), widenHigh(texels)));
+}
+
+// From a texel of the period to the next one.
+inline ColumnStep stepFrom(const RowPair& rows, const TileWalk& u, int32_t texel)
+{
+    const int32_t left = u.inImage(texel);
+    const int32_t right = u.inImage(u.after(texel));
+    return stepOf(rows,
+                  U32x4{rows.upper[left], rows.upper[right], rows.lower[left], rows.lower[right]});
+}
+
+// From count texels of the period on, in runs inside the image.
+void prepareSteps(RowPair rows, const TileWalk& u, int32_t texel, ColumnStep* steps, int32_t count)
+{
+    for (int32_t i = 0; i < count;) {
+        const int32_t end = std::min(i + u.size() - 1 - texel, count);
+        for (; i < end; ++i, ++texel)
+            steps[i] = stepOf(rows, load2And2(rows.upper + texel, rows.lower + texel));
+        if (i == count) return;
+        steps[i++] = stepFrom(rows, u, texel);
+        texel = u.after(texel);
+    }
+}
+
+// Pixels that all lie between the same rows, no further apart than texels: each column is prepared
+// once.
+void magnifyRow(const RowPair& rows, TileWalk u, Pixel alphaBits, Pixel* pixels, int32_t count)
+{
+    // From the leftmost texel on, which for a negative step is the last pixel's.
+    const int64_t way = u.step() * (count - 1);
+    int64_t at = u.position() & ((int64_t{1} << kTexelBits) - 1);
+    const int64_t least = way < 0 ? (at + way) >> kTexelBits : 0;
+    const int64_t most = ((way < 0 ? at : at + way) >> kTexelBits) - least;
+    int32_t texel = u.texel();
+    for (int64_t i = least; i < 0; ++i)
+        texel = u.before(texel);
+    at -= least * (int64_t{1} << kTexelBits);
+    ColumnStep steps[kPrepared];
+    prepareSteps(rows, u, texel, steps, static_cast<int32_t>(most) + 1);
+
+    const int64_t step = u.step();
+    const auto lowStep = static_cast<uint32_t>(step);
+    U32x4 fractions = all4(static_cast<uint32_t>(at)) + U32x4{0, 1, 2, 3} * lowStep;
+    const auto next = [&] {
+        const U32x4 weights = fractions >> kWeightShift & 0xFF;
+        fractions += 4 * lowStep;
+        return weights;
+    };
+    int32_t i = 0;
+    for (; i + 4 <= count; i += 4, at += 4 * step)
+        store4(pixels + i,
+               fourBetween([&](int k) { return steps[(at + k * step) >> kTexelBits]; }, next()) |
+                   alphaBits);
+    if (i == count) return;
+    const int32_t rest = count - i;
+    const auto stepAt = [&](int k) {
+        return k < rest ? steps[(at + k * step) >> kTexelBits] : ColumnStep{};
+    };
+    storeFew(pixels + i, fourBetween(stepAt, next()) | alphaBits, rest);
 }
 
 } // namespace
@@ -47,29 +126,24 @@ inline U16x8 betweenRows(U16x8 first, U16x8 second, U32x4 weights)
 void writeBilinearTiles(const void* state, int32_t row, int32_t column, int32_t count,
                         Pixel* pixels)
 {
-    const MMTileSource source = *static_cast<const MMTileSource*>(state);
+    const MMTileSource source = *static_cast<const MMTileSource*>(state); // pixels may alias it
     TileWalk u(source.across, row, column);
     TileWalk v(source.down, row, column);
-    RowPair rows(source, v);
-    const bool isLevel = v.isFixed();
+    const int64_t texel = int64_t{1} << kTexelBits;
+    if (v.isFixed() && -texel <= u.step() && u.step() <= texel)
+        return magnifyRow(RowPair(source, v), u, source.alphaBits, pixels, count);
     for (int32_t i = 0; i < count; i += 4) {
-        U16x8 pairs[4] = {};
-        uint32_t weights[4] = {};
         const int32_t length = count - i < 4 ? count - i : 4;
+        ColumnStep steps[4] = {};
+        U32x4 weights = {};
         for (int32_t k = 0; k < length; ++k) {
-            pairs[k] = betweenColumns(rows, u);
-            weights[k] = rows.weight * 0x00010001u;
+            steps[k] = stepFrom(RowPair(source, v), u, u.texel());
+            weights[k] = u.fraction() >> 8;
             u.advance();
-            if (isLevel) continue;
             v.advance();
-            rows = RowPair(source, v);
         }
-        const U32x4 w = load4(weights);
         const U32x4 mixed =
-            narrowHighBytes(
-                betweenRows(pairs[0], pairs[1], __builtin_shufflevector(w, w, 0, 0, 1, 1)),
-                betweenRows(pairs[2], pairs[3], __builtin_shufflevector(w, w, 2, 2, 3, 3))) |
-            source.alphaBits;
+            fourBetween([&](int k) { return steps[k]; }, weights) | source.alphaBits;
         if (length < 4) return storeFew(pixels + i, mixed, length);
         store4(pixels + i, mixed);
     }

@@ -23,9 +23,9 @@ enum MMTileMode : uint8_t {
 
 // A direction of the image.
 struct MMTileAxis {
-    MMSourceAxis texels; // 2^28 to a texel, modulo the period
-    uint64_t period;     // after which texels come again, likewise
-    uint64_t reciprocal; // 2^32 by the period in texels
+    MMSourceAxis texels; // 2^28 to a texel; all modulo the period, and at most half of it
+    int64_t period;      // after which texels come again, likewise
+    int64_t reciprocal;  // 2^32 by the period in texels
     int32_t size;        // texels
 };
 

@@ -29,35 +29,46 @@ public:
     // The sum of the axis is below 2^17 periods when it is made positive, so that the quotient by
     // the reciprocal is at most 5 too small.
     TileWalk(const MMTileAxis& axis, int32_t row, int32_t column)
-        : position_(static_cast<uint64_t>(
-                        axis.texels.at(static_cast<int16_t>(row), static_cast<int16_t>(column))) +
-                    (axis.period << 16)),
-          step_(static_cast<uint64_t>(axis.texels.perColumn)), period_(axis.period),
-          size_(axis.size), texels_(static_cast<int32_t>(axis.period >> kTexelBits))
+        : step_(axis.texels.perColumn), period_(axis.period), size_(axis.size),
+          texels_(static_cast<int32_t>(axis.period >> kTexelBits))
     {
-        const uint64_t periods = (position_ >> kTexelBits) * axis.reciprocal >> 32;
-        position_ -= periods * period_;
-        while (position_ >= period_)
-            position_ -= period_;
+        auto sum = static_cast<uint64_t>(
+            axis.texels.at(static_cast<int16_t>(row), static_cast<int16_t>(column)) +
+            (period_ << 16));
+        const uint64_t periods = (sum >> kTexelBits) * static_cast<uint64_t>(axis.reciprocal) >> 32;
+        sum -= periods * static_cast<uint64_t>(period_);
+        while (sum >= static_cast<uint64_t>(period_))
+            sum -= static_cast<uint64_t>(period_);
+        position_ = static_cast<int64_t>(sum);
     }
 
     bool isFixed() const { return step_ == 0; }
-    bool isCopied() const { return step_ == uint64_t{1} << kTexelBits && texels_ == size_; }
+    bool isMirrored() const { return texels_ != size_; }
+    int64_t position() const { return position_; }
+    int64_t step() const { return step_; }
+    int32_t size() const { return size_; }
 
     // Whole part and fraction, in 16 bits.
     int32_t texel() const { return static_cast<int32_t>(position_ >> kTexelBits); }
     uint32_t fraction() const { return static_cast<uint32_t>(position_ >> 12) & 0xFFFFu; }
 
-    void advance()
+    void advance() { moveBy(step_); }
+
+    // By a distance of at most a period.
+    void moveBy(int64_t distance)
     {
-        position_ += step_;
+        position_ += distance;
         if (position_ >= period_) position_ -= period_;
+        if (position_ < 0) position_ += period_;
     }
-    void advance(int32_t texels)
+
+    // Whether the next few pixels and the one behind them lie within the same period; then they
+    // may be skipped.
+    bool staysWithin(int32_t pixels) const
     {
-        position_ += static_cast<uint64_t>(texels) << kTexelBits;
-        if (position_ >= period_) position_ -= period_;
+        return static_cast<uint64_t>(position_ + step_ * pixels) < static_cast<uint64_t>(period_);
     }
+    void skip(int32_t pixels) { position_ += step_ * pixels; }
 
     // Neighbours within the period, and where a texel of the period lies in the image.
     int32_t before(int32_t texel) const { return texel == 0 ? texels_ - 1 : texel - 1; }
@@ -65,16 +76,16 @@ public:
     int32_t inImage(int32_t texel) const { return texel < size_ ? texel : texels_ - 1 - texel; }
 
 private:
-    uint64_t position_; // 2^28 to a texel
-    uint64_t step_;
-    uint64_t period_;
+    int64_t position_; // 2^28 to a texel
+    int64_t step_;     // at most half a period
+    int64_t period_;
     int32_t size_;   // texels of the image
     int32_t texels_; // of the period
 };
 
-inline const Pixel* tileRow(const MMTileSource& source, int32_t y)
+inline const Pixel* tileRow(const MMTileSource& source, int64_t y)
 {
-    return source.pixels + static_cast<size_t>(source.rowLength) * static_cast<size_t>(y);
+    return source.pixels + static_cast<ptrdiff_t>(source.rowLength) * static_cast<ptrdiff_t>(y);
 }
 
 } // namespace Graphics2D

@@ -10,10 +10,12 @@ namespace Graphics2D {
 
 namespace {
 
-int64_t within(int64_t v, int64_t period)
+// The least number that differs from v by whole periods.
+int64_t least(int64_t v, int64_t period)
 {
     const int64_t rest = v % period;
-    return rest < 0 ? rest + period : rest;
+    if (rest > period / 2) return rest - period;
+    return rest <= -period / 2 ? rest + period : rest;
 }
 
 MMTileAxis tileAxis(const AffineForm& form, uint16_t size, MMTileMode mode)
@@ -22,10 +24,10 @@ MMTileAxis tileAxis(const AffineForm& form, uint16_t size, MMTileMode mode)
     const int64_t period = int64_t{texels} << kTexelBits;
     const MMSourceAxis axis = form.fixed(kTexelBits);
     MMTileAxis result;
-    result.texels = {within(axis.atOrigin, period), within(axis.perColumn, period),
-                     within(axis.perRow, period)};
-    result.period = static_cast<uint64_t>(period);
-    result.reciprocal = (uint64_t{1} << 32) / texels;
+    result.texels = {least(axis.atOrigin, period), least(axis.perColumn, period),
+                     least(axis.perRow, period)};
+    result.period = period;
+    result.reciprocal = (int64_t{1} << 32) / texels;
     result.size = size;
     return result;
 }

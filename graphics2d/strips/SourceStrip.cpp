@@ -13,14 +13,17 @@ namespace {
 // Cuts channels down to their pixel's alpha.
 void clampToAlpha(Pixel* pixels, int32_t count)
 {
-    for (int32_t i = 0; i < count; ++i) {
-        const Pixel pixel = pixels[i];
-        const uint32_t alpha = pixel >> 24;
-        const uint32_t red = std::min(pixel >> 16 & 0xFFu, alpha);
-        const uint32_t green = std::min(pixel >> 8 & 0xFFu, alpha);
-        const uint32_t blue = std::min(pixel & 0xFFu, alpha);
-        pixels[i] = alpha << 24 | red << 16 | green << 8 | blue;
-    }
+    const auto clamped = [](U32x4 four) {
+        const U32x4 twice = four >> 24 | four >> 24 << 8;
+        const U8x16 alphas = (U8x16)(twice | twice << 16);
+        const U8x16 isBelow = (U8x16)((U8x16)four < alphas);
+        return (U32x4)(((U8x16)four & isBelow) | (alphas & ~isBelow));
+    };
+    int32_t i = 0;
+    for (; i + 4 <= count; i += 4)
+        store4(pixels + i, clamped(load4(pixels + i)));
+    for (; i < count; ++i)
+        pixels[i] = clamped(all4(pixels[i]))[0];
 }
 
 // Blends count pixels from a device column on.

@@ -19,6 +19,9 @@ public:
     // What it must know of each of its inputs for the wanted pixels of its result.
     virtual PixelArea needs(const PixelArea& wanted) const { return wanted; }
 
+    // Work for a pixel of the result, in that of a simple primitive.
+    virtual double cost() const { return 1; }
+
     // It only moves pixels, so that any space of colours will do.
     virtual bool keepsColours() const { return false; }
 
@@ -83,6 +86,10 @@ EffectPointer makeComponentTransfer(std::array<TransferFunction, 4> functions);
 
 // The least or the greatest of each channel in a rectangle that reaches so far on all sides.
 EffectPointer makeMorphology(bool dilates, int radiusX, int radiusY);
+
+// The first input, whose pixels are taken from where two channels (0 red to 3 alpha) of the second
+// one say, as vectors from -1/2 to 1/2 under a transform, to whole pixels.
+EffectPointer makeDisplacement(const Affine& scale, size_t channelX, size_t channelY);
 
 } // namespace Svg
 } // namespace KAVO

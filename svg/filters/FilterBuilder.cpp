@@ -46,7 +46,7 @@ FilterOutcome readFilters(std::string_view value, FilterBuilder& builder)
 {
     for (value = trimmed(value); !value.empty();) {
         const size_t open = value.find('(');
-        const size_t length = open == value.npos ? open : findOutside(value.substr(open + 1), ")");
+        const size_t length = open == value.npos ? open : findOutside(value.substr(open + 1), ')');
         if (length == value.npos) return builder.fail("malformed filter");
         const std::string_view name = value.substr(0, open);
         FilterOutcome outcome = FilterOutcome::Drawn;

@@ -85,11 +85,12 @@ private:
     {
         const Style style =
             style_.child(Properties(node, target_.document.sheet()), target_.viewport);
-        Primitive primitive{node, style, target_, primitivesInBox_, {}, {}, {}};
+        Primitive primitive{node, style, target_, primitivesInBox_, {}, {}, {}, {}};
         std::vector<size_t> inputs;
         if (!readInputs(primitive, inputs)) return false;
         const Box& defaultBox = primitive.needsRegion() ? region_ : primitive.inputRegion;
-        primitive.region = commonBox(boxOf(node, primitivesInBox_, {}, defaultBox), region_);
+        primitive.wholeRegion = boxOf(node, primitivesInBox_, {}, defaultBox);
+        primitive.region = commonBox(primitive.wholeRegion, region_);
         if (primitive.inputRegion.empty()) primitive.inputRegion = region_;
 
         if (node.name() == std::string_view("feDropShadow")) {
@@ -102,6 +103,8 @@ private:
                 builder_.fail("<" + std::string(node.name()) + ">" + primitive.problem, node);
                 return false;
             }
+            if (!primitive.problem.empty())
+                builder_.fail("<" + std::string(node.name()) + ">" + primitive.problem, node);
             previous_ = builder_.add(std::move(effect), std::move(inputs), primitive.region,
                                      style.linearFilters);
         }
@@ -136,9 +139,9 @@ private:
             if (!alpha_) alpha_ = builder_.add(makeAlpha(), {source_.step}, region_, false);
             return alpha_;
         }
-        for (const std::string_view undrawn :
-             {"BackgroundImage", "BackgroundAlpha", "FillPaint", "StrokePaint"}) {
-            if (name != undrawn) continue;
+        if (name == "FillPaint" || name == "StrokePaint")
+            return builder_.add(target_.paint(name == "StrokePaint", region_), {}, region_, false);
+        if (name == "BackgroundImage" || name == "BackgroundAlpha") {
             builder_.fail("filter input " + std::string(name), node);
             return std::nullopt;
         }

@@ -40,11 +40,11 @@ bool FilterGraph::plan(const PixelArea& visible)
     return true;
 }
 
-double FilterGraph::pixels() const
+double FilterGraph::work() const
 {
-    double sum = 0;
-    for (const PixelArea& area : areas_)
-        sum += area.pixels();
+    double sum = areas_[kSource].pixels();
+    for (size_t i = 1; i < steps_.size(); ++i)
+        sum += areas_[i].pixels() * steps_[i].effect->cost();
     return sum;
 }
 

@@ -31,7 +31,7 @@ public:
     // is more than pictures can have.
     bool plan(const PixelArea& visible);
     const PixelArea& sourceArea() const { return areas_[kSource]; }
-    double pixels() const; // of all steps
+    double work() const; // of all steps, in pixels of simple primitives
 
     // The last step, from a source of the planned area; nothing when the images that live at the
     // same time would take too much memory.

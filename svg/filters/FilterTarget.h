@@ -22,6 +22,9 @@ struct FilterTarget {
     // What an feImage element draws in its subregion, a box of user space.
     std::function<EffectPointer(pugi::xml_node, const Box&)> image;
 
+    // The paint of the fill, or of the stroke, all over a box of user space.
+    std::function<EffectPointer(bool, const Box&)> paint;
+
     PixelArea areaOf(const Box& box) const { return areaAround(toDevice.mapBox(box)); }
 
     // Standard deviations along the axes of the device. Exact for what is scaled, mirrored or

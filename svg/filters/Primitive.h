@@ -13,10 +13,11 @@ struct Primitive {
     pugi::xml_node node;
     const Style& style;
     const FilterTarget& target;
-    bool inBox;      // lengths are shares of the bounding box
-    Box region;      // its subregion, user space
-    Box inputRegion; // what the subregions of its inputs span
-    std::string problem;
+    bool inBox;          // lengths are shares of the bounding box
+    Box region;          // its subregion, user space
+    Box wholeRegion;     // also what lies outside of the filter's region
+    Box inputRegion;     // what the subregions of its inputs span
+    std::string problem; // what of it is not drawn
 
     // How many it takes; -1: as its children say.
     int inputs() const;
@@ -25,15 +26,15 @@ struct Primitive {
 
     std::string_view text(const char* attribute) const { return node.attribute(attribute).value(); }
     double number(const char* attribute, double fallback) const;
-    // One number for both axes or two, in user units; negative ones count as none.
+    // One number for both axes or two, none below 0.
     Point pair(const char* attribute, double fallback) const;
+
+    // Of a distance.
+    Point toUserUnits(Point p) const;
 
     EffectPointer blur(double deviation) const;
     EffectPointer offset(double distance) const;
     uint32_t flood() const;
-
-private:
-    Point toUserUnits(Point p) const;
 };
 
 // Null for what is not drawn.

@@ -15,6 +15,7 @@ namespace Svg {
 // One of them, or why there is none.
 struct LoadedImage {
     Picture picture;
+    mutable std::vector<Picture> halves; // of the picture, of its half and so on, as they are drawn
     std::unique_ptr<SvgDocument> drawing;
     std::string problem;
 };

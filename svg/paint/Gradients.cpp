@@ -15,6 +15,13 @@ using namespace Graphics2D;
 
 namespace {
 
+// Units of the space that a source is set up in, and how often the space is made coarser to reach
+// the whole gradient.
+constexpr double kReach = 16000;
+constexpr int kMostHalvings = 14;
+
+constexpr double kRounding = 1.0 / 8192; // units that rounding does not move a distance by
+
 void readStops(const SvgDocument& document, pugi::xml_node node, const Viewport& viewport,
                Gradient& gradient)
 {
@@ -28,10 +35,25 @@ void readStops(const SvgDocument& document, pugi::xml_node node, const Viewport&
     }
 }
 
-Gradient::Spread spreadOf(std::string_view text)
+MMSpread spreadOf(std::string_view text)
 {
-    if (text == "repeat") return Gradient::Repeat;
-    return text == "reflect" ? Gradient::Reflect : Gradient::Pad;
+    if (text == "repeat") return kSpreadRepeat;
+    return text == "reflect" ? kSpreadReflect : kSpreadPad;
+}
+
+// The power of two next above the pixels that a unit is drawn as.
+double pixelScale(const Affine& matrix)
+{
+    int exponent = 0;
+    std::frexp(matrix.norm(), &exponent);
+    return std::ldexp(1.0, exponent);
+}
+
+// A matrix after a division by the scale, with another translation.
+Matrix2D fixedMatrix(const Affine& matrix, double scale, Point origin)
+{
+    return {toFixed(matrix.a / scale), toFixed(matrix.b / scale), toFixed(matrix.c / scale),
+            toFixed(matrix.d / scale), toFixed(origin.x),         toFixed(origin.y)};
 }
 
 } // namespace
@@ -72,56 +94,6 @@ Gradient readGradient(const SvgDocument& document, pugi::xml_node node, const Vi
     return gradient;
 }
 
-std::optional<double> Gradient::parameterAt(Point p) const
-{
-    const Point along = end - start;
-    const Point q = p - start;
-    const double dot = q.x * along.x + q.y * along.y;
-    const double square = along.x * along.x + along.y * along.y;
-    if (!radial) return dot / square;
-
-    // The largest t whose circle, of radius innerRadius + t * growth, passes through the point:
-    // a t^2 - 2 b t + c = 0.
-    const double growth = radius - innerRadius;
-    const double a = square - growth * growth;
-    const double b = dot + innerRadius * growth;
-    const double c = q.x * q.x + q.y * q.y - innerRadius * innerRadius;
-    const auto fits = [&](double t) { return innerRadius + t * growth >= 0; };
-    if (std::fabs(a) < 1e-12 * (square + growth * growth)) {
-        const double t = c / (2 * b);
-        if (b != 0 && fits(t)) return t;
-        return std::nullopt;
-    }
-    const double root = std::sqrt(b * b - a * c); // not a number outside of a cone
-    const double t1 = (b + root) / a;
-    const double t2 = (b - root) / a;
-    if (fits(std::max(t1, t2))) return std::max(t1, t2);
-    if (fits(std::min(t1, t2))) return std::min(t1, t2);
-    return std::nullopt;
-}
-
-Pixel Gradient::colourAt(double t) const
-{
-    if (spread == Repeat) t -= std::floor(t);
-    if (spread == Reflect) {
-        t = std::fabs(std::remainder(t, 2));
-    }
-    if (!(t > stops.front().offset)) return stops.front().colour;
-    if (t >= stops.back().offset) return stops.back().colour;
-    const auto after =
-        std::upper_bound(stops.begin(), stops.end(), t,
-                         [](double value, const Stop& s) { return value < s.offset; });
-    const auto before = after - 1;
-    const double part = (t - before->offset) / (after->offset - before->offset);
-    Pixel result = 0;
-    for (int shift = 0; shift < 32; shift += 8) {
-        const double from = before->colour >> shift & 0xFF;
-        const double to = after->colour >> shift & 0xFF;
-        result |= static_cast<Pixel>(std::lround(from + (to - from) * part)) << shift;
-    }
-    return result;
-}
-
 bool GradientPaint::set(MMPaint& paint, Gradient gradient, const Affine& toDevice,
                         const Box& shapeBounds, const Box& visible)
 {
@@ -140,13 +112,17 @@ bool GradientPaint::set(MMPaint& paint, Gradient gradient, const Affine& toDevic
         gradient.radial && (along.x != 0 || along.y != 0 || gradient.innerRadius > 0);
     const bool flat = gradient.radial ? gradient.radius == 0 : along.x == 0 && along.y == 0;
     if (flat) gradient.stops = {gradient.stops.back()};
-    if (gradient.stops.size() > 1 && (gradient.spread != Gradient::Pad || focal))
-        return setPicture(paint, gradient, matrix, visible);
+    const double length = std::max({std::fabs(along.x), std::fabs(along.y), gradient.radius});
+    const Point origin = matrix.map(gradient.start);
+    const bool reachesFar =
+        std::max({std::fabs(origin.x), std::fabs(origin.y), length * pixelScale(matrix)}) > kReach;
+    if (gradient.stops.size() > 1 && (gradient.spread != kSpreadPad || focal || reachesFar))
+        return setSource(paint, gradient, matrix, visible);
     setRamp(paint, gradient, matrix);
     return true;
 }
 
-void GradientPaint::setRamp(MMPaint& paint, const Gradient& gradient, const Affine& matrix)
+GradientStops GradientPaint::layOutStops(const Gradient& gradient)
 {
     colours_.clear();
     offsets_.clear();
@@ -154,19 +130,18 @@ void GradientPaint::setRamp(MMPaint& paint, const Gradient& gradient, const Affi
         colours_.push_back(stop.colour);
         offsets_.push_back(toFixed(stop.offset));
     }
-    const auto count = static_cast<uint32_t>(colours_.size());
-    rampColours_.resize(gradientRampRoom(count));
-    rampOffsets_.resize(gradientRampRoom(count));
+    return {colours_.data(), offsets_.data(), static_cast<uint32_t>(colours_.size())};
+}
+
+void GradientPaint::setRamp(MMPaint& paint, const Gradient& gradient, const Affine& matrix)
+{
+    const GradientStops stops = layOutStops(gradient);
+    rampColours_.resize(gradientRampRoom(stops.count));
+    rampOffsets_.resize(gradientRampRoom(stops.count));
 
     // As for paths: a space with the start as its origin and a unit near a pixel.
-    int exponent = 0;
-    std::frexp(matrix.norm(), &exponent);
-    const double scale = std::ldexp(1.0, exponent);
-    const Point origin = matrix.map(gradient.start);
-    const Matrix2D fixed = {toFixed(matrix.a / scale), toFixed(matrix.b / scale),
-                            toFixed(matrix.c / scale), toFixed(matrix.d / scale),
-                            toFixed(origin.x),         toFixed(origin.y)};
-    const GradientStops stops = {colours_.data(), offsets_.data(), count};
+    const double scale = pixelScale(matrix);
+    const Matrix2D fixed = fixedMatrix(matrix, scale, matrix.map(gradient.start));
     const GradientRamp ramp = {rampColours_.data(), rampOffsets_.data()};
     if (gradient.radial) {
         setRadialGradient(paint, {0, 0}, toFixed(gradient.radius * scale), fixed, stops, ramp,
@@ -178,30 +153,47 @@ void GradientPaint::setRamp(MMPaint& paint, const Gradient& gradient, const Affi
     }
 }
 
-// What the library's ramps cannot do, computed pixel by pixel.
-bool GradientPaint::setPicture(MMPaint& paint, const Gradient& gradient, const Affine& matrix,
-                               const Box& visible)
+// What the library's ramps cannot do.
+bool GradientPaint::setSource(MMPaint& paint, const Gradient& gradient, const Affine& matrix,
+                              const Box& visible)
 {
     const std::optional<Affine> inverse = matrix.inverse();
     if (!inverse || !visible.hasArea()) return false;
-    const int left = static_cast<int>(std::floor(visible.left));
-    const int top = static_cast<int>(std::floor(visible.top));
-    picture_ = Picture(static_cast<int>(std::ceil(visible.right)) - left,
-                       static_cast<int>(std::ceil(visible.bottom)) - top, 0);
-    for (int y = 0; y < picture_.height; ++y) {
-        for (int x = 0; x < picture_.width; ++x) {
-            const Point p = inverse->map({left + x + 0.5, top + y + 0.5});
-            const std::optional<double> t = gradient.parameterAt(p);
-            if (!t) continue;
-            picture_.at(x, y) = gradient.colourAt(*t);
-        }
+
+    // A space around the middle of what is seen, with a unit near a pixel, or more of them where
+    // the gradient reaches far.
+    const Point middle = {(visible.left + visible.right) / 2, (visible.top + visible.bottom) / 2};
+    const Point origin = inverse->map(middle);
+    const Point start = gradient.start - origin;
+    const Point end = gradient.end - origin;
+    const double reach = std::max({std::fabs(start.x), std::fabs(start.y), std::fabs(end.x),
+                                   std::fabs(end.y), gradient.radius, gradient.innerRadius});
+    double scale = pixelScale(matrix);
+    for (int i = 0; i < kMostHalvings && reach * scale > kReach; ++i)
+        scale /= 2;
+    const auto point = [scale](Point p) -> MMPoint2D {
+        return {toFixed(p.x * scale), toFixed(p.y * scale)};
+    };
+    const Matrix2D fixed = fixedMatrix(matrix, scale, middle);
+    const GradientStops stops = layOutStops(gradient);
+    if (!gradient.radial) {
+        setLinearSource(paint, source_, point(start), point(end), fixed, stops, gradient.spread);
+        return paint.paintType != kPaintNone;
     }
-    const auto width = static_cast<uint16_t>(picture_.width);
-    const auto height = static_cast<uint16_t>(picture_.height);
-    const MMPixmap pixmap = {width, height, width * 4u, 0, picture_.pixels.data(), 1};
-    const Matrix2D place = {kFixedOne, 0, 0, kFixedOne, fixFromInt(left), fixFromInt(top)};
-    setPattern(paint, pixmap, place, kFilterNearest, true);
-    return true;
+    const MMSourceCircle inner = {point(start), toFixed(gradient.innerRadius * scale)};
+    MMSourceCircle outer = {point(end), toFixed(gradient.radius * scale)};
+    // A focal point on the circle stays there, or just inside, when the numbers are rounded.
+    const Point way = gradient.end - gradient.start;
+    const double growth = gradient.radius - gradient.innerRadius;
+    const double distance = std::hypot(way.x, way.y);
+    if (growth > 0 && std::fabs(distance - growth) * scale < kRounding) {
+        const double dx = toDouble(outer.centre.x) - toDouble(inner.centre.x);
+        const double dy = toDouble(outer.centre.y) - toDouble(inner.centre.y);
+        const double least = std::ceil(std::hypot(dx, dy) * kFixedOne) / kFixedOne;
+        outer.radius = std::max(outer.radius, inner.radius + toFixed(least));
+    }
+    setRadialSource(paint, source_, inner, outer, fixed, stops, gradient.spread);
+    return paint.paintType != kPaintNone;
 }
 
 } // namespace Svg

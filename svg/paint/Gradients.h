@@ -2,9 +2,8 @@
 // Linear and radial gradients.
 #pragma once
 
-#include "graphics2d/PaintSetup.h"
+#include "graphics2d/sources/MMGradientSource.h"
 #include "svg/document/SvgDocument.h"
-#include "svg/images/Picture.h"
 
 #include <vector>
 
@@ -13,7 +12,6 @@ namespace Svg {
 
 // A gradient element with everything that it takes from those it refers to.
 struct Gradient {
-    enum Spread { Pad, Repeat, Reflect };
     struct Stop {
         double offset; // 0 to 1, ascending
         Pixel colour;  // not premultiplied
@@ -26,13 +24,8 @@ struct Gradient {
     Point end;   // of a radial gradient the centre of the outer circle
     double innerRadius = 0;
     double radius = 0;
-    Spread spread = Pad;
+    Graphics2D::MMSpread spread = Graphics2D::kSpreadPad;
     std::vector<Stop> stops; // none: nothing is painted
-
-    // Where a point of the gradient's space lies between start and end; nothing outside of a cone.
-    std::optional<double> parameterAt(Point p) const;
-    // The colour at a parameter, by the spread.
-    Pixel colourAt(double parameter) const;
 };
 
 Gradient readGradient(const SvgDocument& document, pugi::xml_node node, const Viewport& viewport);
@@ -47,14 +40,15 @@ public:
 
 private:
     void setRamp(MMPaint& paint, const Gradient& gradient, const Affine& toDevice);
-    bool setPicture(MMPaint& paint, const Gradient& gradient, const Affine& toDevice,
-                    const Box& visible);
+    bool setSource(MMPaint& paint, const Gradient& gradient, const Affine& toDevice,
+                   const Box& visible);
+    Graphics2D::GradientStops layOutStops(const Gradient& gradient);
 
     std::vector<Pixel> colours_;
     std::vector<Fixed> offsets_;
     std::vector<Pixel> rampColours_;
     std::vector<Fixed> rampOffsets_;
-    Picture picture_;
+    Graphics2D::MMGradientSource source_;
 };
 
 } // namespace Svg

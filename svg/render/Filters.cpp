@@ -16,8 +16,8 @@ using namespace Graphics2D;
 
 namespace {
 
-// Of all primitives of all filters that a drawing shows.
-constexpr double kMostFilterPixels = 1 << 30;
+// Pixels of all primitives of all filters that a drawing shows.
+constexpr double kMostFilterWork = 1 << 30;
 
 // Draws into the picture that it is asked for.
 class DrawnImage : public Effect {
@@ -96,6 +96,25 @@ public:
         });
     }
 
+    // The paint of the element's fill or stroke all over a box of user space.
+    EffectPointer paint(bool stroke, const Box& box, const Box& bounds) const
+    {
+        return std::make_unique<DrawnImage>([=](const PixelArea& area) {
+            return of(area, [&](Renderer& renderer, State& state) {
+                if (stroke) {
+                    state.style.fill = state.style.stroke;
+                    state.style.fillOpacity = state.style.strokeOpacity;
+                }
+                const auto space = PathSpace::make(state.toDevice, renderer.targetCentre());
+                if (!space || !renderer.setFill(state, bounds)) return;
+                Shape shape;
+                shape.outline = Outline::rectangle(box);
+                renderer.context_.strokePaint.paintType = kPaintNone;
+                renderer.drawGeometry(shape, *space);
+            });
+        });
+    }
+
 private:
     Renderer& renderer_;
     const State& state_;
@@ -107,28 +126,31 @@ bool Renderer::isFiltered(const Properties& properties) const
     return !value.empty() && value != "none" && value != "inherit" && !clipping_ && !session_.pick;
 }
 
-void Renderer::drawFiltered(pugi::xml_node node, const Properties& properties, const State& state)
+void Renderer::drawFiltered(pugi::xml_node node, const Properties& properties, const State& state,
+                            const Content& content)
 {
-    if (!isFiltered(properties) || !drawThroughFilters(node, properties, state))
-        drawEntered(node, properties, state);
+    if (!isFiltered(properties) || !drawThroughFilters(node, properties, state, content))
+        content(*this, state);
 }
 
 // False when the element is to be drawn without them.
 bool Renderer::drawThroughFilters(pugi::xml_node node, const Properties& properties,
-                                  const State& state)
+                                  const State& state, const Content& content)
 {
     if (layers_ == kMostLayers) {
         note("clips, masks and opacities inside one another beyond the limit", node);
         return false;
     }
     const FilterPictures pictures(*this, state);
+    const Box bounds = boundsOf(node, properties, state);
     const FilterTarget target{
         document_,
         state.style,
         state.toDevice,
-        boundsOf(node, properties, state),
+        bounds,
         state.viewport,
-        [&](pugi::xml_node image, const Box& region) { return pictures.image(image, region); }};
+        [&](pugi::xml_node image, const Box& region) { return pictures.image(image, region); },
+        [&](bool stroke, const Box& region) { return pictures.paint(stroke, region, bounds); }};
     FilterBuilder builder(target);
     const FilterOutcome outcome = readFilters(properties[Property::Filter], builder);
     if (!builder.problem().empty())
@@ -143,15 +165,13 @@ bool Renderer::drawThroughFilters(pugi::xml_node node, const Properties& propert
         note("filter of an area beyond the limit", node);
         return false;
     }
-    session_.filterPixels += graph.pixels();
-    if (session_.filterPixels > kMostFilterPixels) {
-        note("filters of more pixels than the limit", node);
+    session_.filterWork += graph.work();
+    if (session_.filterWork > kMostFilterWork) {
+        note("filters of more work than the limit", node);
         return false;
     }
     const PixelArea& area = graph.sourceArea();
-    const Picture source = pictures.of(area, [&](Renderer& renderer, const State& inner) {
-        renderer.drawEntered(node, properties, inner);
-    });
+    const Picture source = pictures.of(area, content);
     const std::optional<FilterImage> result = graph.run(FilterImage(source, area));
     if (!result) {
         note("filter of more memory than the limit", node);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Image elements: pictures, and drawings inside the drawing.
+#include "graphics2d/ImageReduction.h"
 #include "svg/document/References.h"
 #include "svg/geometry/ViewBox.h"
 #include "svg/render/Renderer.h"
@@ -12,6 +13,46 @@ namespace KAVO {
 namespace Svg {
 
 using namespace Graphics2D;
+
+namespace {
+
+MMPixmap pixmapOf(const Picture& picture)
+{
+    const auto width = static_cast<uint16_t>(picture.width);
+    const auto height = static_cast<uint16_t>(picture.height);
+    return {width,           height, width * 4u, 0, const_cast<Pixel*>(picture.pixels.data()),
+            picture.hasAlpha};
+}
+
+Picture halfOf(const Picture& picture)
+{
+    MMPixmap pixmap = pixmapOf(picture);
+    Matrix2D once = {kFixedHalf, 0, 0, kFixedHalf, 0, 0};
+    Picture half((picture.width + 1) / 2, (picture.height + 1) / 2, 0);
+    half.hasAlpha = picture.hasAlpha;
+    reduceImage(pixmap, once, half.pixels.data());
+    return half;
+}
+
+// A picture as small as it may be for the transform, which is then that of its own texels, each of
+// them texelSize of the picture's. An image that is shown many times is made smaller once.
+MMPixmap reduced(const LoadedImage& image, Matrix2D& transform, double& texelSize)
+{
+    const Picture* picture = &image.picture;
+    for (size_t i = 0; reducedImageRoom(pixmapOf(*picture), transform) > 0; ++i) {
+        if (i == image.halves.size()) {
+            Picture half = halfOf(*picture);
+            image.halves.push_back(std::move(half));
+        }
+        picture = &image.halves[i];
+        texelSize *= 2;
+        for (Fixed* element : {&transform.a, &transform.b, &transform.c, &transform.d})
+            *element *= 2; // below half of their range
+    }
+    return pixmapOf(*picture);
+}
+
+} // namespace
 
 // What an element refers to; null when that is nothing that can be shown.
 const LoadedImage* Renderer::imageOf(pugi::xml_node node)
@@ -55,7 +96,7 @@ void Renderer::drawImageIn(pugi::xml_node node, const LoadedImage& image, const 
     const char* aspectRatio = node.attribute("preserveAspectRatio").value();
 
     if (!image.drawing) {
-        drawPicture(image.picture, frame, size, aspectRatio, state.style);
+        drawPicture(image, frame, size, aspectRatio, state.style);
         return;
     }
     if (static_cast<uint32_t>(state.depth + kPatternDepth) >= session_.limits.depth) {
@@ -72,9 +113,10 @@ void Renderer::drawImageIn(pugi::xml_node node, const LoadedImage& image, const 
         note(shortcoming.what + " in an image", node);
 }
 
-void Renderer::drawPicture(const Picture& picture, const Affine& frame, const Size& size,
+void Renderer::drawPicture(const LoadedImage& image, const Affine& frame, const Size& size,
                            const char* aspectRatio, const Style& style)
 {
+    const Picture& picture = image.picture;
     const Box texels{0, 0, static_cast<double>(picture.width), static_cast<double>(picture.height)};
     const Affine fit = fitViewBox(aspectRatio, texels, size.width, size.height);
     const Box fitted = fit.mapBox(texels);
@@ -92,19 +134,18 @@ void Renderer::drawPicture(const Picture& picture, const Affine& frame, const Si
     }
     const std::optional<Affine> toTexels = fit.inverse();
     if (!toTexels) return;
-    const auto width = static_cast<uint16_t>(picture.width);
-    const auto height = static_cast<uint16_t>(picture.height);
-    const MMPixmap pixmap = {
-        width, height, width * 4u, 0, const_cast<Pixel*>(picture.pixels.data()), picture.hasAlpha};
     const Affine toDevice = frame * fit;
+    Matrix2D transform = {toFixed(toDevice.a), toFixed(toDevice.b), toFixed(toDevice.c),
+                          toFixed(toDevice.d), toFixed(toDevice.e), toFixed(toDevice.f)};
+    double texelSize = 1;
+    const MMPixmap pixmap = reduced(image, transform, texelSize);
     const Box part = toTexels->mapBox(shown);
     context_.patternFilter = static_cast<uint8_t>(style.imageFilter);
     context_.imageOpacity = static_cast<uint8_t>(std::lround(style.opacity * 255));
-    context_.transform = {toFixed(toDevice.a), toFixed(toDevice.b), toFixed(toDevice.c),
-                          toFixed(toDevice.d), toFixed(toDevice.e), toFixed(toDevice.f)};
+    context_.transform = transform;
     clearBounds();
-    context_.drawImage(&pixmap, toFixed(part.left), toFixed(part.top), toFixed(part.width()),
-                       toFixed(part.height()), 0);
+    context_.drawImage(&pixmap, toFixed(part.left / texelSize), toFixed(part.top / texelSize),
+                       toFixed(part.width() / texelSize), toFixed(part.height() / texelSize), 0);
     uniteBounds();
 }
 

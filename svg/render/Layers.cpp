@@ -141,7 +141,8 @@ bool Renderer::overlaps(pugi::xml_node node, const Style& style) const
            visibleChildren(node) > 1;
 }
 
-void Renderer::drawLayered(pugi::xml_node node, const Properties& properties, const State& state)
+void Renderer::drawLayered(pugi::xml_node node, const Properties& properties, const State& state,
+                           const Content& content)
 {
     const pugi::xml_node clip = referenced(node, properties[Property::ClipPath], "clipPath");
     const pugi::xml_node mask = referenced(node, properties[Property::Mask], "mask");
@@ -150,19 +151,21 @@ void Renderer::drawLayered(pugi::xml_node node, const Properties& properties, co
         options.blendMode = blendModeOf(properties[Property::MixBlendMode]);
         options.opacity = static_cast<uint8_t>(std::lround(state.style.opacity * 255));
     }
-    const bool isolated = properties[Property::Isolation] == "isolate" && document_.blends();
+    const bool isolated =
+        (properties[Property::Isolation] == "isolate" || node == document_.root()) &&
+        document_.blends();
     const bool filtered = isFiltered(properties);
     const bool faded =
         options.opacity < 255 && (filtered || document_.blends() || overlaps(node, state.style));
     const bool aside = faded || isolated || options.blendMode != kBlendNormal;
     if (!clip && !mask && (!aside || session_.pick)) {
-        drawFiltered(node, properties, state);
+        drawFiltered(node, properties, state, content);
         return;
     }
     if (isActive(clip) || isActive(mask)) return;
     if (layers_ == kMostLayers) {
         note("clips, masks and opacities inside one another beyond the limit", node);
-        if (!clip && !mask) drawEntered(node, properties, state);
+        if (!clip && !mask) content(*this, state);
         return;
     }
     const ClipGuard guard(context_);
@@ -179,7 +182,7 @@ void Renderer::drawLayered(pugi::xml_node node, const Properties& properties, co
     }
     if (clip && !coverByClip(clip, state, bounds, *coverage)) return;
     if (session_.pick) {
-        if (!clip || coverage->coversPick()) drawEntered(node, properties, state);
+        if (!clip || coverage->coversPick()) content(*this, state);
         return;
     }
     if (mask && !coverByMask(mask, state, bounds, *coverage)) return;
@@ -189,7 +192,7 @@ void Renderer::drawLayered(pugi::xml_node node, const Properties& properties, co
     ++layers_;
     {
         const MMLayer layer(context_, options);
-        drawFiltered(node, properties, inner);
+        drawFiltered(node, properties, inner, content);
     }
     --layers_;
 }
@@ -294,6 +297,7 @@ bool Renderer::coverByMask(pugi::xml_node mask, const State& state, const Box& b
     }
 
     const Properties properties(mask, document_.sheet());
+    noteUndrawn(mask, properties);
     if (const pugi::xml_node outer = referenced(mask, properties[Property::Mask], "mask")) {
         if (isActive(outer) || !coverByMask(outer, state, bounds, coverage)) return false;
     }

@@ -88,6 +88,7 @@ bool Renderer::setServer(MMPaint& paint, PaintStore& store, pugi::xml_node serve
                          const State& state, const Box& userBounds, double opacity)
 {
     paint.paintOpacity = byteOf(opacity);
+    noteUndrawn(server, Properties(server, document_.sheet()));
     context_.patternFilter = kFilterNearest; // for what lies pixel on pixel
     if (server.name() == std::string_view("pattern"))
         return setTiles(paint, store.tiles, server, state, userBounds);

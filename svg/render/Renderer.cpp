@@ -117,7 +117,10 @@ void Renderer::drawElement(pugi::xml_node node, const State& parent)
     }
     const Properties properties(node, document_.sheet());
     State state = parent;
-    if (enter(node, properties, state)) drawLayered(node, properties, state);
+    if (!enter(node, properties, state)) return;
+    drawLayered(node, properties, state, [&](Renderer& renderer, const State& inner) {
+        renderer.drawEntered(node, properties, inner);
+    });
 }
 
 bool Renderer::enter(pugi::xml_node node, const Properties& properties, State& state)
@@ -217,16 +220,19 @@ void Renderer::noteUndrawn(pugi::xml_node node, const Properties& properties)
     static constexpr struct {
         Property property;
         const char* name;
-    } kUndrawn[] = {
-        {Property::WritingMode, "writing-mode"},     {Property::Clip, "clip"},
-        {Property::Direction, "direction"},          {Property::UnicodeBidi, "unicode-bidi"},
-        {Property::TextTransform, "text-transform"}, {Property::FontVariant, "font-variant"}};
+    } kUndrawn[] = {{Property::WritingMode, "writing-mode"},
+                    {Property::Clip, "clip"},
+                    {Property::ColorInterpolation, "color-interpolation"},
+                    {Property::Direction, "direction"},
+                    {Property::UnicodeBidi, "unicode-bidi"},
+                    {Property::TextTransform, "text-transform"},
+                    {Property::FontVariant, "font-variant"}};
     const std::string_view join = properties[Property::StrokeLinejoin];
     if (join == "arcs" || join == "miter-clip") note(std::string(join) + " joins", node);
     for (const auto& undrawn : kUndrawn) {
         const std::string_view value = properties[undrawn.property];
         static constexpr std::string_view kPlain[] = {
-            "", "none", "normal", "auto", "lr-tb", "lr", "horizontal-tb", "ltr", "inherit"};
+            "", "none", "normal", "auto", "sRGB", "lr-tb", "lr", "horizontal-tb", "ltr", "inherit"};
         if (!contains(kPlain, value)) note(undrawn.name, node);
     }
     for (const std::string_view name : properties.undrawn())

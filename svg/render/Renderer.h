@@ -51,6 +51,9 @@ private:
         Box bounds; // user space of that state
     };
 
+    // Draws what an element holds by the renderer that it is given, a filter's or this one.
+    using Content = std::function<void(Renderer& renderer, const State& state)>;
+
     struct TextRun;
     struct Tiling;
     struct TileRange;
@@ -92,7 +95,8 @@ private:
     bool meetsConditions(pugi::xml_node node) const;
     void drawElement(pugi::xml_node node, const State& parent);
     // With its filters, clip path, mask and opacity.
-    void drawLayered(pugi::xml_node node, const Properties& properties, const State& state);
+    void drawLayered(pugi::xml_node node, const Properties& properties, const State& state,
+                     const Content& content);
     void drawEntered(pugi::xml_node node, const Properties& properties, const State& state);
     void drawChildren(pugi::xml_node node, const State& state);
     void drawSwitch(pugi::xml_node node, const State& state);
@@ -120,8 +124,10 @@ private:
 
     // --- Filters.cpp
     bool isFiltered(const Properties& properties) const;
-    void drawFiltered(pugi::xml_node node, const Properties& properties, const State& state);
-    bool drawThroughFilters(pugi::xml_node node, const Properties& properties, const State& state);
+    void drawFiltered(pugi::xml_node node, const Properties& properties, const State& state,
+                      const Content& content);
+    bool drawThroughFilters(pugi::xml_node node, const Properties& properties, const State& state,
+                            const Content& content);
     class FilterPictures;
 
     // --- Shapes: Shapes.cpp, Markers.cpp, Paints.cpp
@@ -135,6 +141,7 @@ private:
     void drawMarker(pugi::xml_node marker, const struct Vertex& vertex, bool first,
                     const State& state, const ContextPaints& paints);
     void drawGeometry(const Shape& shape, const PathSpace& space);
+    bool affordsRows(const Outline& outline, const PathSpace& space) const;
     void drawPath(const Outline& outline, const PathSpace& space);
     bool drawRoundedBox(const RoundedBox& box, const PathSpace& space);
     bool setFill(const State& state, const Box& userBounds);
@@ -158,7 +165,7 @@ private:
     void drawImageIn(pugi::xml_node node, const LoadedImage& image, const Box& box,
                      const State& state);
     const LoadedImage* imageOf(pugi::xml_node node);
-    void drawPicture(const Picture& picture, const Affine& frame, const Size& size,
+    void drawPicture(const LoadedImage& image, const Affine& frame, const Size& size,
                      const char* aspectRatio, const Style& style);
 
     // --- Text: TextDrawing.cpp, TextLayout.cpp, TextOnPath.cpp

@@ -41,7 +41,7 @@ struct Session {
     uint64_t elementsLeft; // that may still be drawn
     uint64_t imagePixelsLeft;
     double glyphPixels = 0;           // of large glyphs
-    double filterPixels = 0;          // of all filter primitives
+    double filterWork = 0;            // pixels of all filter primitives
     std::set<uint16_t> charactersMet; // looked up in the font
     Box bounds;                       // of everything drawn, in pixels
 

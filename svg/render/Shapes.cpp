@@ -3,6 +3,9 @@
 #include "svg/geometry/PathWalk.h"
 #include "svg/render/Renderer.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace KAVO {
 namespace Svg {
 
@@ -96,10 +99,44 @@ void Renderer::drawGeometry(const Shape& shape, const PathSpace& space)
 {
     context_.transform = space.transform;
     clearBounds();
+    if (!affordsRows(shape.outline, space)) {
+        note("a shape of more lines than the limit", current_);
+        return;
+    }
     const bool dashed = context_.strokePaint.paintType != kPaintNone && context_.dashArray;
     if (!(shape.box && !dashed && drawRoundedBox(*shape.box, space)))
         drawPath(shape.outline, space);
     uniteBounds();
+}
+
+// Whether the lines of an outline, and of curves the lines through their controls, cross no more
+// visible rows than the limit.
+bool Renderer::affordsRows(const Outline& outline, const PathSpace& space) const
+{
+    const double top = context_.clipTop;
+    const double bottom = context_.clipBottom;
+    const bool stroked = context_.strokePaint.paintType != kPaintNone;
+    const double most = static_cast<double>(session_.limits.shapeRows) / (stroked ? 4 : 1);
+    if (static_cast<double>(outline.segments().size()) * 3 * (bottom - top + 1) <= most)
+        return true;
+    const Matrix2D& m = space.transform;
+    const auto rowOf = [&](Point user) {
+        const Point p = (user - space.origin) * space.scale;
+        return std::clamp(toDouble(m.b) * p.x + toDouble(m.d) * p.y + toDouble(m.f), top, bottom);
+    };
+    double rows = 0;
+    double from = top;
+    for (const Outline::Segment& segment : outline.segments()) {
+        const int count = segment.verb == Outline::Curve   ? 3
+                          : segment.verb == Outline::Close ? 0
+                                                           : 1;
+        for (int i = 0; i < count; ++i) {
+            const double to = rowOf(segment.points[i]);
+            if (segment.verb != Outline::Move) rows += std::fabs(to - from) + 1;
+            from = to;
+        }
+    }
+    return rows <= most;
 }
 
 void Renderer::drawPath(const Outline& outline, const PathSpace& space)

@@ -49,9 +49,17 @@ void Renderer::draw(const Affine& frame, const Size& viewport, const char* aspec
     const Properties properties(root, document_.sheet());
     if (!enter(root, properties, state)) return;
     if (!aspectRatio) aspectRatio = root.attribute("preserveAspectRatio").value();
-    state.toDevice = state.toDevice * fitViewBox(aspectRatio, box, viewport.width, viewport.height);
+    const Affine fit = fitViewBox(aspectRatio, box, viewport.width, viewport.height);
+    // Back from the root's own transform, which does not move the viewport.
+    const Affine toFrame = state.toDevice.inverse().value_or(Affine()) * frame;
     const Active active(*this, root);
-    drawInside({0, 0, viewport.width, viewport.height}, frame, [&] { drawChildren(root, state); });
+    drawLayered(root, properties, state, [&](Renderer& renderer, const State& entered) {
+        State inner = entered;
+        inner.toDevice = entered.toDevice * fit;
+        const Affine place = entered.toDevice * toFrame;
+        renderer.drawInside({0, 0, viewport.width, viewport.height}, place,
+                            [&] { renderer.drawChildren(root, inner); });
+    });
 }
 
 // A nested one; as large as the viewport around it unless it says otherwise.
@@ -182,7 +190,9 @@ void Renderer::drawUsed(pugi::xml_node target, const Properties& properties, con
                                 : Affine();
     const pugi::xml_node before = current_;
     current_ = target;
-    drawViewport(target, state, size, place);
+    drawLayered(target, ofTarget, state, [&](Renderer& renderer, const State& entered) {
+        renderer.drawViewport(target, entered, size, place);
+    });
     current_ = before;
 }
 

@@ -68,7 +68,7 @@ MediaMatch matchMedia(std::string_view list)
     if (trimmed(list).empty()) return MediaMatch::Yes;
     MediaMatch match = MediaMatch::No;
     while (!list.empty() && match != MediaMatch::Yes) {
-        const size_t comma = findOutside(list, ",");
+        const size_t comma = findOutside(list, ',');
         const MediaMatch one = matchQuery(list.substr(0, comma));
         if (one != MediaMatch::No) match = one;
         list = comma == list.npos ? std::string_view() : list.substr(comma + 1);

@@ -76,7 +76,7 @@ void parseDeclarations(std::string_view text, std::vector<Declaration>& declarat
 {
     while (!text.empty()) {
         text = withoutComment(text);
-        const size_t end = findOutside(text, ";");
+        const size_t end = findOutside(text, ';');
         const std::string_view declaration = text.substr(0, end);
         text = end == text.npos ? std::string_view() : text.substr(end + 1);
         const size_t colon = declaration.find(':');
@@ -152,9 +152,9 @@ std::string_view Properties::resolved(std::string_view text) const
 {
     for (int i = 0; i < kMostVariables && text.substr(0, 4) == "var("; ++i) {
         const std::string_view inside = text.substr(4);
-        const size_t end = findOutside(inside, ")");
+        const size_t end = findOutside(inside, ')');
         if (end != inside.npos && end + 1 != inside.size()) return text; // more follows
-        const size_t comma = findOutside(inside.substr(0, end), ",");
+        const size_t comma = findOutside(inside.substr(0, end), ',');
         const std::string_view value =
             variable(node_, sheet_, trimmed(inside.substr(0, std::min(comma, end))));
         const bool hasFallback = value.empty() && comma != inside.npos;

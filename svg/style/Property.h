@@ -16,6 +16,7 @@ enum class Property : uint8_t {
     ClipPath,
     ClipRule,
     Color,
+    ColorInterpolation,
     ColorInterpolationFilters,
     Cx,
     Cy,

@@ -85,7 +85,7 @@ template <class Function>
 bool forItems(std::string_view list, Function function)
 {
     for (;;) {
-        const size_t comma = findOutside(list, ",");
+        const size_t comma = findOutside(list, ',');
         if (!function(trimmed(list.substr(0, comma)))) return false;
         if (comma == list.npos) return true;
         list.remove_prefix(comma + 1);
@@ -134,7 +134,7 @@ private:
 bool SelectorParser::parseAttribute(std::string_view& text, Condition& condition)
 {
     text.remove_prefix(1);
-    const size_t end = findOutside(text, "]");
+    const size_t end = findOutside(text, ']');
     if (end == text.npos) return false;
     std::string_view inside = trimmed(text.substr(0, end));
     text.remove_prefix(end + 1);
@@ -260,7 +260,7 @@ bool SelectorParser::parsePseudo(std::string_view& text, Condition& condition) c
     const std::string name = lowerCase(takeName(text));
     if (!text.empty() && text.front() == '(') {
         text.remove_prefix(1);
-        const size_t end = findOutside(text, ")");
+        const size_t end = findOutside(text, ')');
         if (end == text.npos) return false;
         const std::string_view argument = trimmed(text.substr(0, end));
         text.remove_prefix(end + 1);

@@ -117,7 +117,7 @@ std::vector<double> parseNumbers(std::string_view text)
     return values;
 }
 
-size_t findOutside(std::string_view text, std::string_view wanted)
+size_t findOutside(std::string_view text, char wanted)
 {
     char quote = 0;
     int brackets = 0;
@@ -127,7 +127,7 @@ size_t findOutside(std::string_view text, std::string_view wanted)
             ++i;
         } else if (quote != 0) {
             if (c == quote) quote = 0;
-        } else if (brackets <= 0 && wanted.find(c) != wanted.npos) {
+        } else if (c == wanted && brackets <= 0) {
             return i;
         } else if (c == '"' || c == '\'') {
             quote = c;

@@ -36,9 +36,9 @@ std::string_view trimmed(std::string_view text);
 // Numbers between separators, up to the first thing that is none.
 std::vector<double> parseNumbers(std::string_view text);
 
-// Where the first of the wanted characters stands outside of quotes and of brackets that the text
+// Where the wanted character stands first outside of quotes and of brackets that the text
 // opens, or npos. A backslash takes the meaning from the next character.
-size_t findOutside(std::string_view text, std::string_view wanted);
+size_t findOutside(std::string_view text, char wanted);
 
 // Of ASCII letters alone.
 std::string lowerCase(std::string_view text);

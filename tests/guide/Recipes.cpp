@@ -214,6 +214,22 @@ TEST(Guide, Layers)
     expectNear(panel.at(115, 40), 0xFF00FFFF, 2);
 }
 
+TEST(Guide, Sources)
+{
+    Panel panel;
+    paintSources(panel.context);
+    expectNear(panel.at(40, 30), 0xFF1D4E89, 6); // the stripes' start, after going back
+    expectNear(panel.at(60, 30), 0xFFFFFFFF, 8);
+    expectNear(panel.at(140, 22), 0xFF1D4E89, 8); // the ball's light, and its rim
+    expectNear(panel.at(165, 48), 0xFFA8D0F0, 1);
+    expectNear(panel.at(70, 89), 0xFF1D4E89, 8); // either side of the sweep's ends
+    expectNear(panel.at(70, 86), 0xFFFFFFFF, 16);
+    for (const int tile : {0, 1, 5}) {
+        EXPECT_EQ(panel.at(104 + 8 * tile, 64 + 8 * tile), 0xFFE09F3E);
+        EXPECT_EQ(panel.at(106 + 8 * tile, 66 + 8 * tile), 0xFFB23A48);
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv)

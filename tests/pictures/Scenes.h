@@ -203,7 +203,7 @@ const Scene kScenes[] = {
 #ifndef MM2D_WITHOUT_LAYERS
     // Masks and layers.
     {"mask-clip", maskClip, true},
-    {"mask-text", maskText},
+    {"text-mask", maskText},
     {"mask-soft", maskSoft},
     {"layer-opacity", layerOpacity, true},
     {"layer-blend-modes", layerBlendModes},
@@ -212,6 +212,7 @@ const Scene kScenes[] = {
     {"source-linear", sourceLinear},
     {"source-radial", sourceRadial},
     {"source-conic", sourceConic},
+    {"text-source", sourceText},
     {"source-tiles-nearest", sourceTiles<kFilterNearest>},
     {"source-tiles-bilinear", sourceTiles<kFilterBilinear>},
     {"source-tiles-bicubic", sourceTiles<kFilterBicubic>},

@@ -29,7 +29,7 @@ inline void sourceLinear(Canvas& c)
     };
     drawSource(c, set(kSpreadRepeat, false), [&] { c.star(); });
     drawSource(c, set(kSpreadReflect, true), [&] { c.blob(); });
-    drawSource(c, set(kSpreadPad, false), [&] { c.texts(); });
+    drawSource(c, set(kSpreadPad, false), [&] { c.roundRectangles(); });
 }
 
 // A focal point inside and one on the edge, a cone, and circles that shrink.
@@ -46,7 +46,8 @@ inline void sourceRadial(Canvas& c)
     drawSource(c, set({at(60, 40), 0}, {at(60, 60), 20_fx}, kSpreadPad), [&] { c.blob(); });
     drawSource(c, set({at(20, 80), 4_fx}, {at(60, 80), 9_fx}, kSpreadRepeat),
                [&] { c.roundRectangles(); });
-    drawSource(c, set({at(50, 50), 30_fx}, {at(40, 60), 3_fx}, kSpreadPad), [&] { c.texts(); });
+    drawSource(c, set({at(50, 50), 30_fx}, {at(40, 60), 3_fx}, kSpreadPad),
+               [&] { c.zigzag(), c.tangle(25, 4, 88); });
 }
 
 inline void sourceConic(Canvas& c)
@@ -60,7 +61,7 @@ inline void sourceConic(Canvas& c)
     };
     drawSource(c, set(at(44, 40), 0, 360, kSpreadPad), [&] { c.star(); });
     drawSource(c, set(at(60, 60), 30, -60, kSpreadReflect), [&] { c.blob(); });
-    drawSource(c, set(at(30, 100), 10, 50, kSpreadRepeat), [&] { c.texts(); });
+    drawSource(c, set(at(30, 100), 10, 50, kSpreadRepeat), [&] { c.roundRectangles(); });
 }
 
 template <MMPatternFilter filter>
@@ -77,7 +78,25 @@ void sourceTiles(Canvas& c)
     c.place(-.6, .1, 0, .8, 90, 5), c.image.pixmapExtra = 1;
     drawSource<MMTileSource>(c, set(kTileMirror, kTileRepeat), [&] { c.roundRectangles(); });
     c.place(1, 0, 0, 1, 3, 2), c.image.pixmapExtra = 0;
-    drawSource<MMTileSource>(c, set(kTileRepeat, kTileRepeat), [&] { c.texts(); });
+    drawSource<MMTileSource>(c, set(kTileRepeat, kTileRepeat), [&] { c.blob(); });
+}
+
+inline void sourceText(Canvas& c)
+{
+    drawSource(
+        c,
+        [&](MMGradientSource& source) {
+            setConicSource(c.context.fillPaint, source, at(40, 50), 0, 200_fx, c.context.transform,
+                           stops(true), kSpreadReflect);
+        },
+        [&] { c.texts(); });
+    drawSource<MMTileSource>(
+        c,
+        [&](MMTileSource& source) {
+            setTileSource(c.context.fillPaint, source, c.image, c.context.transform, kFilterNearest,
+                          kTileRepeat, kTileMirror);
+        },
+        [&] { c.text(u"gag", 4, 60, 40); });
 }
 
 } // namespace KAVO::Graphics2D::pictures

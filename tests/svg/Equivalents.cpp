@@ -90,6 +90,30 @@ TEST(SvgEquivalents, OtherDocuments)
     EXPECT_EQ(document.shortcomings().size(), 1u);
 }
 
+// The root and the targets of uses are groups like others.
+TEST(SvgEquivalents, ViewportsHaveLayers)
+{
+    const std::string two = "<rect x='5' y='5' width='20' height='20' fill='red'/>"
+                            "<rect x='15' y='15' width='20' height='20'/>";
+    const std::string parts =
+        "<defs><clipPath id='c'><rect width='20' height='20'/></clipPath>"
+        "<mask id='m'><rect width='20' height='20' fill='white'/></mask></defs>";
+    for (const std::string layer : {"opacity='.5'", "clip-path='url(#c)'", "mask='url(#m)'",
+                                    "opacity='.5' clip-path='url(#c)'"}) {
+        const std::string plain = "<g " + layer + ">" + two + "</g>";
+        expectSame({"<svg width='40' height='40' " + layer + ">" + parts + two + "</svg>",
+                    "<svg width='40' height='40'>" + parts + plain + "</svg>"});
+        expectSameElements(
+            {{parts + "<defs><svg id='s' width='40' height='40' " + layer + ">" + two +
+                  "</svg></defs><use href='#s'/>",
+              parts + plain},
+             {parts + "<symbol id='s'>" + two + "</symbol><use href='#s' " + layer + "/>",
+              parts + plain},
+             {parts + "<svg width='40' height='40' " + layer + ">" + two + "</svg>",
+              parts + plain}});
+    }
+}
+
 TEST(SvgEquivalents, TransformBoxes)
 {
     const std::string turned = "<rect x='10' y='10' width='20' height='10' style='transform:"

@@ -249,6 +249,191 @@ TEST(SvgFilters, ShadowsLieBelow)
                 });
 }
 
+TEST(SvgFilters, ConvolutionsByTheirMatrices)
+{
+    const std::array<double, 6> matrix = {1, -2, 0.5, 3, -1, 1.5}; // two rows; divided by 3
+    const auto model = [&](const Image& image, int targetX, int targetY, double bias, auto at) {
+        return image.each([&](int x, int y) {
+            Colour c = {};
+            for (int i = 0; i < 3; ++i)
+                for (int j = 0; j < 2; ++j)
+                    for (size_t k = 0; k < 4; ++k)
+                        c[k] += at(image, x - targetX + i, y - targetY + j)[k] / 3 *
+                                matrix[static_cast<size_t>(5 - i - 3 * j)];
+            for (size_t k = 0; k < 4; ++k)
+                c[k] = std::clamp(c[k] + bias * image.at(x, y)[3], 0.0, 1.0);
+            for (size_t k = 0; k < 3; ++k)
+                c[k] = std::min(c[k], c[3]);
+            return c;
+        });
+    };
+    const auto convolve = [](const std::string& attributes) {
+        return "<feConvolveMatrix order='3 2' kernelMatrix='1 -2 .5 3 -1 1.5' " + attributes + "/>";
+    };
+    const auto none = [](const Image& image, int x, int y) { return image.at(x, y); };
+    const auto duplicate = [](const Image& image, int x, int y) {
+        return image.at(std::clamp(x, 0, kSide - 1), std::clamp(y, 0, kSide - 1));
+    };
+    const auto wrap = [](const Image& image, int x, int y) {
+        return image.at((x + kSide) % kSide, (y + kSide) % kSide);
+    };
+    expectModel(convolve("edgeMode='none'"),
+                [&](const Image& i) { return model(i, 1, 1, 0, none); });
+    expectModel(convolve("edgeMode='none' targetX='2' targetY='0' bias='.2'"),
+                [&](const Image& i) { return model(i, 2, 0, 0.2, none); });
+    // Of what touches the edges.
+    const std::string offset = "<feOffset dx='12' dy='-8'/>";
+    expectModel(offset + convolve(""), [&](const Image& i) {
+        return model(FilterModel::moved(i, 12, -8), 1, 1, 0, duplicate);
+    });
+    expectModel(offset + convolve("edgeMode='wrap'"), [&](const Image& i) {
+        return model(FilterModel::moved(i, 12, -8), 1, 1, 0, wrap);
+    });
+    expectModel(
+        "<feConvolveMatrix order='3 1' kernelMatrix='-1 1 2' preserveAlpha='true' "
+        "edgeMode='none'/>",
+        [](const Image& image) {
+            return image.each([&](int x, int y) {
+                return FilterModel::separately(image.at(x, y), [&](Colour c) {
+                    for (size_t k = 0; k < 3; ++k) {
+                        double sum = 0;
+                        for (const auto& [dx, factor] : {std::pair{-1, 2.0}, {0, 1.0}, {1, -1.0}}) {
+                            const Colour other = image.at(x + dx, y);
+                            if (other[3] > 0) sum += factor * other[k] / other[3] / 2;
+                        }
+                        c[k] = sum;
+                    }
+                    return c;
+                });
+            });
+        });
+    expectModel("<feConvolveMatrix order='2' kernelMatrix='1 2 3'/>",
+                [](const Image& i) { return Image(i.width, i.height); });
+}
+
+// With the normals that the standard gives for pixels away from the edges.
+TEST(SvgFilters, LightFallsOnAlpha)
+{
+    const std::string light = "<fePointLight x='12' y='30' z='14'/>";
+    const auto lit = [](const Image& image, bool specular, std::array<double, 3> colour) {
+        return image.each([&](int x, int y) {
+            const auto a = [&](int dx, int dy) { return image.at(x + dx, y + dy)[3]; };
+            const double scale = 3;
+            const double nx =
+                -scale / 4 *
+                (a(1, -1) + 2 * a(1, 0) + a(1, 1) - a(-1, -1) - 2 * a(-1, 0) - a(-1, 1));
+            const double ny =
+                -scale / 4 *
+                (a(-1, 1) + 2 * a(0, 1) + a(1, 1) - a(-1, -1) - 2 * a(0, -1) - a(1, -1));
+            double l[3] = {12 - (x + 0.5), 30 - (y + 0.5), 14 - scale * a(0, 0)};
+            const double distance = std::hypot(l[0], l[1], l[2]);
+            for (double& part : l)
+                part /= distance;
+            if (specular) l[2] += 1;
+            const double norm =
+                std::hypot(nx, ny, 1) * (specular ? std::hypot(l[0], l[1], l[2]) : 1);
+            const double cosine = (nx * l[0] + ny * l[1] + l[2]) / norm;
+            const double strength =
+                std::max(0.0, specular ? 1.2 * std::pow(cosine, 7) : 0.8 * cosine);
+            Colour c;
+            for (size_t i = 0; i < 3; ++i)
+                c[i] = std::min(1.0, strength * colour[i]);
+            c[3] = specular ? std::max({c[0], c[1], c[2]}) : 1;
+            return c;
+        });
+    };
+    const std::string space = "color-interpolation-filters='sRGB'";
+    expectNear(filtered("<feDiffuseLighting lighting-color='#f80' surfaceScale='3' "
+                        "diffuseConstant='.8'>" +
+                            light + "</feDiffuseLighting>",
+                        kScene, space),
+               lit(scene(), false, {1, 136 / 255.0, 0}));
+    expectNear(filtered("<feSpecularLighting lighting-color='#4cf' surfaceScale='3' "
+                        "specularConstant='1.2' specularExponent='7'>" +
+                            light + "</feSpecularLighting>",
+                        kScene, space),
+               lit(scene(), true, {68 / 255.0, 204 / 255.0, 1}));
+
+    // On a plane, seen from above: the sine of the elevation, the cosine of half the angle between
+    // the light and the eye, the power of the cosine to a spot's axis, and nothing beyond its cone.
+    const std::pair<std::string, double> cases[] = {
+        {"<feDiffuseLighting><feDistantLight azimuth='70' elevation='30'/></feDiffuseLighting>",
+         0.5},
+        {"<feSpecularLighting specularExponent='2'><feDistantLight elevation='30'/>"
+         "</feSpecularLighting>",
+         0.75},
+        {"<feDiffuseLighting surfaceScale='0'><feSpotLight x='20.5' y='0.5' z='20' "
+         "pointsAtX='20.5' pointsAtY='0.5' specularExponent='2'/></feDiffuseLighting>",
+         0.353553}, // the cosine of 45 degrees to the third
+        {"<feDiffuseLighting surfaceScale='0'><feSpotLight x='20.5' y='0.5' z='20' "
+         "pointsAtX='20.5' pointsAtY='0.5' limitingConeAngle='44'/></feDiffuseLighting>",
+         0}};
+    for (const auto& [primitive, expected] : cases) {
+        const Picture picture =
+            drawn(filtered(primitive, "<rect width='40' height='40'/>", space), kSide, kSide, 0);
+        EXPECT_NEAR(picture.at(20, 20) & 255, 255 * expected, 1) << primitive;
+    }
+}
+
+TEST(SvgFilters, DisplacementsFollowTheMap)
+{
+    // Red is 1 and green 0: a half of the scale to the right, and up. Alpha is 1 as well.
+    expectModel("<feFlood flood-color='red'/><feDisplacementMap in='SourceGraphic' in2='' "
+                "scale='12' xChannelSelector='R' yChannelSelector='G'/>",
+                [](const Image& image) { return FilterModel::moved(image, -6, 6); });
+    expectModel("<feFlood flood-color='red'/><feDisplacementMap in='SourceGraphic' scale='-8'/>",
+                [](const Image& image) { return FilterModel::moved(image, 4, 4); });
+}
+
+// Noise is nothing at the corners of its cells; it fits together at the edges of stitched tiles,
+// and belongs to the drawing, not to the pixels.
+TEST(SvgFilters, Turbulence)
+{
+    const auto noise = [](const std::string& attributes, int scale = 1) {
+        return drawn("<svg width='40' height='40' viewBox='0 0 " + std::to_string(40 / scale) +
+                         " " + std::to_string(40 / scale) +
+                         "'><filter id='f' filterUnits='userSpaceOnUse' x='0' y='0' width='40' "
+                         "height='40' color-interpolation-filters='sRGB'><feTurbulence " +
+                         attributes + "/></filter><g filter='url(#f)'/></svg>",
+                     kSide, kSide, 0);
+    };
+    const Picture cells = noise("baseFrequency='.25 .125'");
+    const Picture fractal = noise("type='fractalNoise' baseFrequency='.25 .125'");
+    int spread = 0;
+    for (int y = 0; y < kSide; ++y)
+        for (int x = 0; x < kSide; ++x) {
+            spread = std::max(spread, static_cast<int>(cells.at(x, y) >> 24));
+            if (x % 4 != 0 || y % 8 != 0) continue;
+            EXPECT_EQ(cells.at(x, y), 0u) << x << ' ' << y;
+            EXPECT_NEAR(fractal.at(x, y) >> 24, 128, 1) << x << ' ' << y;
+        }
+    EXPECT_GT(spread, 64);
+    EXPECT_EQ(noise("").at(7, 7), 0u); // a frequency of 0 knows only one corner
+
+    const Picture stitched = noise("baseFrequency='.13' numOctaves='3' stitchTiles='stitch' "
+                                   "x='0' y='0' width='20' height='20' result='t'/><feTile");
+    const Picture whole = noise("baseFrequency='.15' numOctaves='3'"); // 3 cells in 20 pixels
+    const auto step = [](const Picture& picture, int x, int y) {
+        return std::abs(static_cast<int>(picture.at(x, y) >> 24) -
+                        static_cast<int>(picture.at(x - 1, y) >> 24));
+    };
+    int worst = 0;
+    int usual = 0;
+    for (int y = 0; y < 20; ++y) {
+        worst = std::max(worst, step(stitched, 20, y));
+        for (int x = 1; x < 20; ++x)
+            usual = std::max(usual, step(stitched, x, y));
+        EXPECT_EQ(stitched.at(3, y % 10), whole.at(3, y % 10)); // inside it is the same noise
+    }
+    EXPECT_LE(worst, usual);
+
+    const Picture large = noise("baseFrequency='.1' numOctaves='2' seed='5'", 2);
+    const Picture small = noise("baseFrequency='.1' numOctaves='2' seed='5'");
+    for (int i = 0; i < kSide / 2; ++i)
+        EXPECT_EQ(large.at(2 * i, 2 * i), small.at(i, i)) << i;
+    EXPECT_NE(noise("baseFrequency='.1' seed='6'").pixels, noise("baseFrequency='.1'").pixels);
+}
+
 // --- Inputs, regions and units -------------------------------------------------------------------
 
 // Full red in the columns and rows from first to last, and nothing elsewhere.
@@ -328,6 +513,18 @@ TEST(SvgFilters, ImagesOfElements)
                  "id='f' filterUnits='userSpaceOnUse' x='0' y='0' width='40' height='40'><feImage "
                  "href='#r'/></filter><circle r='1' filter='url(#f)'/>",
                  5, 13);
+}
+
+// Over all of the region, as the element would be painted.
+TEST(SvgFilters, PaintsOfTheElement)
+{
+    for (const char* input : {"FillPaint", "StrokePaint"})
+        expectSquare("<filter id='f' filterUnits='userSpaceOnUse' x='5' y='5' width='20' "
+                     "height='20'><feMerge><feMergeNode in='" +
+                         std::string(input) +
+                         "'/></feMerge></filter><path d='M9 9h5v5' filter='url(#f)' fill='red' "
+                         "stroke='red'/>",
+                     5, 24);
 }
 
 TEST(SvgFilters, FunctionsFollowOneAnother)
@@ -467,7 +664,9 @@ TEST(SvgFilters, WhatIsNotDrawnIsNamed)
 {
     const std::pair<std::string, std::string> cases[] = {
         {"<feNothing/>", "<feNothing>"},
-        {"<feOffset in='FillPaint'/>", "filter input FillPaint"},
+        {"<feOffset in='BackgroundAlpha'/>", "filter input BackgroundAlpha"},
+        {"<feDisplacementMap scale='1e6'/>",
+         "<feDisplacementMap> of a larger scale than the limit"},
         {"<feMerge><feMergeNode in='BackgroundImage'/></feMerge>", "filter input BackgroundImage"},
         {"<feGaussianBlur stdDeviation='2' edgeMode='wrap'/>",
          "<feGaussianBlur> with an edgeMode"}};
@@ -517,6 +716,17 @@ TEST(SvgFilters, HostileValues)
                   "'/><feFuncG "
                   "type='table' tableValues='" +
                   n + " 1'/></feComponentTransfer>",
+              "<feConvolveMatrix order='" + n + "' kernelMatrix='" + n + "'/>",
+              "<feConvolveMatrix kernelMatrix='1 1 1 1 1 1 1 1 " + n + "' divisor='" + n +
+                  "' bias='" + n + "' targetX='" + n + "'/>",
+              "<feDisplacementMap scale='" + n + "'/>",
+              "<feTurbulence baseFrequency='" + n + "' numOctaves='" + n + "' seed='" + n +
+                  "' stitchTiles='stitch'/>",
+              "<feDiffuseLighting surfaceScale='" + n + "' diffuseConstant='" + n +
+                  "'><feSpotLight x='" + n + "' z='" + n + "' specularExponent='" + n +
+                  "' limitingConeAngle='" + n + "'/></feDiffuseLighting>",
+              "<feSpecularLighting specularExponent='" + n + "'><feDistantLight azimuth='" + n +
+                  "' elevation='" + n + "'/></feSpecularLighting>",
               "<feDropShadow dx='" + n + "' stdDeviation='1 " + n + "'/>"}) {
             draws(filtered(primitive));
             draws(document("<filter id='f' x='" + n + "' y='" + n + "' width='" + n +

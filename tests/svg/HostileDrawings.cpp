@@ -123,4 +123,30 @@ TEST(HostileDrawings, DeeplyNestedGroups)
     renderIfItParses(text + "</svg>");
 }
 
+// Lines that cross the whole picture again and again cost their rows; beyond the limit the shape is
+// left out and named, and what is flat or outside costs little.
+TEST(SvgHostileDrawings, ShapesOfMoreRowsThanTheLimitAreNamed)
+{
+    const auto zigzag = [](int lines, const char* to) {
+        std::string path = "M0 0";
+        for (int i = 0; i < lines; ++i)
+            path += i % 2 == 0 ? to : "L1 0";
+        return "<svg width='20' height='20'><path d='" + path + "'/></svg>";
+    };
+    LoadOptions options;
+    options.limits.shapeRows = 2000;
+    const std::pair<std::string, bool> cases[] = {{zigzag(90, "L9 20"), false},
+                                                  {zigzag(110, "L9 20"), true},
+                                                  {zigzag(110, "L9 5"), false},
+                                                  {zigzag(110, "L9 0"), false},
+                                                  {zigzag(1100, "L9-9"), false}};
+    for (const auto& [svg, isLeftOut] : cases) {
+        MMSvgDocument document(options);
+        ASSERT_TRUE(document.loadBytes(svg));
+        drawn(document, 20, 20);
+        EXPECT_EQ(lacks(document, "a shape of more lines than the limit"), isLeftOut)
+            << svg.substr(0, 80);
+    }
+}
+
 } // namespace

@@ -171,6 +171,39 @@ TEST(SvgInterface, WhatIsNotDrawnIsNamedOnceWithItsPlace)
     EXPECT_EQ(found[1].element, "animate");
 }
 
+// What would change the picture, and is not known, is never passed over without a word.
+TEST(SvgInterface, EveryThingThatIsNotDrawnHasAName)
+{
+    const std::string rect = "<rect width='9' height='9' ";
+    const std::pair<std::string, std::string> cases[] = {
+        {rect + "style='rotate:45deg'/>", "rotate"},
+        {rect + "style='animation: turn 1s'/>", "animation"},
+        {rect + "style='clip:rect(0 1px 1px 0)'/>", "clip"},
+        {rect + "stroke-linejoin='arcs'/>", "arcs joins"},
+        {rect + "fill='rgb(var(--r), 0, 0)'/>", "a value that var() computes"},
+        {rect + "style='width:min(1px,2px)'/>", "a value that min() computes"},
+        {rect + "style='transform:rotate(9deg);transform-box:stroke-box'/>",
+         "transform-box of the stroke"},
+        {"<linearGradient id='g' color-interpolation='linearRGB'><stop/><stop offset='1'/>"
+         "</linearGradient>" +
+             rect + "fill='url(#g)'/>",
+         "color-interpolation"},
+        {"<mask id='m' style='color-interpolation:linearRGB'/>" + rect + "mask='url(#m)'/>",
+         "color-interpolation"},
+        {rect + "fill='url(a.svg#b)'/>", "paint that is not there"},
+        {rect + "clip-path='circle(9px)'/>", "clipPath of a basic shape or another document"},
+        {"<use href='a.svg#b'/>", "use of what is not there: a.svg#b"},
+        {"<path d='M0 0L'/>", "malformed path data"},
+        {"<polygon points='0 0 9'/>", "malformed points"},
+        {"<switch><hatch/></switch>", "<hatch>"}};
+    for (const auto& [elements, what] : cases) {
+        MMSvgDocument document;
+        ASSERT_TRUE(document.loadBytes("<svg width='9' height='9'>" + elements + "</svg>"));
+        drawn(document, 9, 9);
+        EXPECT_TRUE(lacks(document, what)) << elements;
+    }
+}
+
 TEST(SvgInterface, ElementsUnderPoints)
 {
     MMSvgDocument document;

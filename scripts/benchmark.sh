@@ -1,0 +1,13 @@
+#!/bin/bash
+# SPDX-License-Identifier: MIT
+# Measures the library beside its peers, and what it takes of memory on every target.
+#
+#   scripts/benchmark.sh [--twice] [Google Benchmark options]
+#
+# Installs what is missing, but for Qt, which is large: qtbase5-dev.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+sizes=$(scripts/check-code-size.sh) || { echo "$sizes"; exit 1; }
+build/bench/bench/mm2d_bench "$@"
+echo
+echo "$sizes"
