@@ -105,5 +105,10 @@ bool setFontFile(const char* file)
     return true;
 }
 
+size_t getFontFile(char* path, size_t bytes)
+{
+    return copyFontFile(path, bytes);
+}
+
 } // namespace Graphics2D
 } // namespace KAVO

@@ -47,6 +47,11 @@ bool hasGlyph(const MMContext2D& context, uint16_t character);
 // hasGlyph.
 bool setFontFile(const char* file);
 
+// The path of the font file of all contexts, the one that was named or the environment's; whether
+// it is there and a font is not asked. Writes what fits into so many bytes, with a 0 behind it, and
+// returns the length of the whole without the 0. path may be null for 0 bytes.
+size_t getFontFile(char* path, size_t bytes);
+
 #pragma GCC visibility pop
 
 } // namespace Graphics2D

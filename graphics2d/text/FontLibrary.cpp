@@ -33,16 +33,10 @@ constexpr int32_t kBoldFraction = 0x199C; // about 0.1 em
 
 void registerFont()
 {
-    if (fontFile != nullptr) {
-        FS_add_font(fontEngine, kFontName, fontFile, 0, 0);
-        return;
-    }
-    const char* variable = std::getenv(kFontDirectoryVariable);
-    const char* directory = variable != nullptr ? variable : kFontDirectory;
-    const size_t bytes = std::strlen(directory) + 1 + sizeof kFontFile;
+    const size_t bytes = copyFontFile(nullptr, 0) + 1;
     char* path = static_cast<char*>(std::malloc(bytes));
     if (path == nullptr) return;
-    std::snprintf(path, bytes, "%s/%s", directory, kFontFile);
+    copyFontFile(path, bytes);
     FS_add_font(fontEngine, kFontName, path, 0, 0);
     std::free(path);
 }
@@ -107,6 +101,19 @@ Fixed fullExtent(const uint16_t* metrics, Fixed size)
 }
 
 } // namespace
+
+size_t copyFontFile(char* path, size_t bytes)
+{
+    int length;
+    if (fontFile != nullptr) {
+        length = std::snprintf(path, bytes, "%s", fontFile);
+    } else {
+        const char* variable = std::getenv(kFontDirectoryVariable);
+        const char* directory = variable != nullptr ? variable : kFontDirectory;
+        length = std::snprintf(path, bytes, "%s/%s", directory, kFontFile);
+    }
+    return length > 0 ? static_cast<size_t>(length) : 0;
+}
 
 uint32_t MMContext2D::initFontLib()
 {

@@ -4,6 +4,7 @@
 
 #include "platform/FontEngine.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace KAVO {
@@ -22,6 +23,9 @@ extern int32_t fontEmboldening;
 // The font file that the next engine to start registers, from the heap; null: the one that the
 // environment names.
 extern char* fontFile;
+
+// The path of that file, as snprintf writes it.
+size_t copyFontFile(char* path, size_t bytes);
 
 } // namespace Graphics2D
 } // namespace KAVO

@@ -108,8 +108,12 @@ TEST(FontFile, IsTheOneThatWasNamedBeforeTheFirstContext)
         const MMContext2D context;
         EXPECT_EQ(fakeFontEngine.fontPath, "/fonts/one.ttf");
     }
+    char path[9];
+    EXPECT_EQ(getFontFile(path, sizeof path), 14u);
+    EXPECT_STREQ(path, "/fonts/o"); // what fits
     ASSERT_TRUE(setFontFile(nullptr));
     const MMContext2D context;
     EXPECT_EQ(fakeFontEngine.fontPath, "/environment/AMCSL.TTF");
+    EXPECT_EQ(getFontFile(nullptr, 0), fakeFontEngine.fontPath.size());
     unsetenv("YBN_RES_FONT_PATH");
 }
