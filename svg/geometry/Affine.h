@@ -43,6 +43,7 @@ struct Box {
     double width() const { return right - left; }
     double height() const { return bottom - top; }
     bool hasArea() const { return right > left && bottom > top; }
+    Box grown(double by) const { return {left - by, top - by, right + by, bottom + by}; }
     void include(const Box& box)
     {
         if (box.empty()) return;

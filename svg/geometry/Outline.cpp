@@ -180,13 +180,23 @@ Box Outline::bounds() const
     return box;
 }
 
-Outline Outline::mapped(const Affine& transform) const
+void Outline::append(const Outline& other, const Affine& transform)
 {
-    Outline result = *this;
-    for (Segment& segment : result.segments_) {
+    segments_.reserve(segments_.size() + other.segments_.size());
+    for (Segment segment : other.segments_) {
         for (Point& point : segment.points)
             point = transform.map(point);
+        segments_.push_back(segment);
     }
+    start_ = transform.map(other.start_);
+    current_ = transform.map(other.current_);
+    open_ = other.open_;
+}
+
+Outline Outline::mapped(const Affine& transform) const
+{
+    Outline result;
+    result.append(*this, transform);
     return result;
 }
 

@@ -32,6 +32,7 @@ public:
     // arcs that fit. Radii too short to reach are enlarged.
     void arcTo(double rx, double ry, double rotation, bool large, bool increasing, Point end);
     void close();
+    void append(const Outline& other, const Affine& transform);
 
     const std::vector<Segment>& segments() const { return segments_; }
     bool empty() const { return segments_.empty(); }

@@ -127,8 +127,18 @@ void Renderer::coverBox(const Box& box, const Affine& toDevice)
     session_.bounds = drawn;
 }
 
-// A shape whose fill and stroke overlap, or a group of several: only then it matters whether the
-// opacity is taken by the whole or by its parts.
+// Whether the text, or a span in it that says so itself, is drawn with its outlines.
+bool Renderer::strokesText(pugi::xml_node node, const Style& style) const
+{
+    if (style.stroke.kind != PaintValue::None) return true;
+    return node.find_node([&](pugi::xml_node inner) {
+        return inner.type() == pugi::node_element &&
+               !Properties(inner, document_.sheet())[Property::Stroke].empty();
+    });
+}
+
+// A shape or a text whose fill and stroke overlap, or a group of several: only then it matters
+// whether the opacity is taken by the whole or by its parts.
 bool Renderer::overlaps(pugi::xml_node node, const Style& style) const
 {
     const std::string_view name = node.name();
@@ -137,8 +147,8 @@ bool Renderer::overlaps(pugi::xml_node node, const Style& style) const
         const bool stroked = style.stroke.kind != PaintValue::None && style.strokeWidth > 0;
         return filled + stroked + hasMarkers(style) > 1;
     }
-    return name != "text" && name != "textArea" && name != "image" && name != "use" &&
-           visibleChildren(node) > 1;
+    if (name == "text") return strokesText(node, style);
+    return name != "textArea" && name != "image" && name != "use" && visibleChildren(node) > 1;
 }
 
 void Renderer::drawLayered(pugi::xml_node node, const Properties& properties, const State& state,

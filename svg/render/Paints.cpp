@@ -102,9 +102,8 @@ bool Renderer::setServer(MMPaint& paint, PaintStore& store, pugi::xml_node serve
 Box Renderer::visiblePart(const Box& userBounds, const State& state) const
 {
     const Style& style = state.style;
-    const double width = style.strokeWidth * std::max(1.5, style.miterLimit);
-    const double reach =
-        (width + state.glyphOverhang) * (style.fixedStroke ? 1 : state.toDevice.norm()) + 1;
+    const double unit = style.fixedStroke ? 1 : state.toDevice.norm();
+    const double reach = (style.strokeReach() + state.glyphOverhang) * unit + 1;
     const Box box = state.toDevice.mapBox(userBounds);
     return {std::max<double>(box.left - reach, context_.clipLeft),
             std::max<double>(box.top - reach, context_.clipTop),

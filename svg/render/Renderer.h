@@ -112,6 +112,7 @@ private:
     // What draws nothing outside of a box of some space.
     void drawInside(const Box& box, const Affine& toDevice, const std::function<void()>& draw);
     void coverBox(const Box& box, const Affine& toDevice);
+    bool strokesText(pugi::xml_node node, const Style& style) const;
     bool overlaps(pugi::xml_node node, const Style& style) const;
     // The element that a property refers to, when it is one of the wanted kind.
     pugi::xml_node referenced(pugi::xml_node node, std::string_view value, std::string_view wanted);
@@ -133,6 +134,7 @@ private:
     // --- Shapes: Shapes.cpp, Markers.cpp, Paints.cpp
     void drawShape(pugi::xml_node node, const Properties& properties, const State& state);
     void drawOutline(const Shape& shape, const State& state, bool markers);
+    void paintShape(const Shape& shape, const Box& bounds, const State& state, bool markers);
     void drawFill(const Shape& shape, const PathSpace& space, const State& state,
                   const Box& bounds);
     void drawStroke(const Shape& shape, const PathSpace& space, const State& state,
@@ -168,15 +170,20 @@ private:
     void drawPicture(const LoadedImage& image, const Affine& frame, const Size& size,
                      const char* aspectRatio, const Style& style);
 
-    // --- Text: TextDrawing.cpp, TextLayout.cpp, TextOnPath.cpp
+    // --- Text: TextDrawing.cpp, TextLayout.cpp, TextOnPath.cpp, TextOutlines.cpp
     void drawText(pugi::xml_node node, const State& state);
     void drawTextArea(pugi::xml_node node, const State& state);
     size_t layOnPath(const TextContent& content, size_t index, const State& state,
                      const PathSpace& space, std::vector<TextRun>& runs, Point& pen);
     Outline outlineForText(pugi::xml_node textPath, const State& state);
+    void drawRuns(const std::vector<TextRun>& runs, const State& state, const Box& bounds);
     void drawRun(const TextRun& run, const State& state);
+    bool needsOutlines(const Style& style) const;
+    void drawOutlinedRuns(const std::vector<TextRun>& runs, size_t first, size_t end,
+                          const State& state, const Box& bounds);
+    void drawTextShape(const Outline& outline, State state, const Style& style, const Box& bounds);
     void pickRun(const TextRun& run, const PathSpace& space);
-    void drawLine(const TextRun& run, double offset, const State& state);
+    void drawLine(const TextRun& run, double offset, const State& state, const Box& bounds);
     Box boundsOfText(pugi::xml_node node, const State& state);
     static Box boundsOfRuns(const std::vector<TextRun>& runs);
     void noteParts(pugi::xml_node node);

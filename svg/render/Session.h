@@ -4,6 +4,7 @@
 
 #include "svg/MMSvgDocument.h"
 #include "svg/document/SvgDocument.h"
+#include "svg/text/GlyphOutlines.h"
 
 #include <map>
 #include <optional>
@@ -43,7 +44,8 @@ struct Session {
     double glyphPixels = 0;           // of large glyphs
     double filterWork = 0;            // pixels of all filter primitives
     std::set<uint16_t> charactersMet; // looked up in the font
-    Box bounds;                       // of everything drawn, in pixels
+    GlyphOutlines glyphs;
+    Box bounds; // of everything drawn, in pixels
 
     // While an element is looked for nothing is drawn: what covered the point last.
     bool pick = false;

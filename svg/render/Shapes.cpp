@@ -44,8 +44,13 @@ void Renderer::drawShape(pugi::xml_node node, const Properties& properties, cons
 
 void Renderer::drawOutline(const Shape& shape, const State& state, bool markers)
 {
+    paintShape(shape, shape.outline.bounds(), state, markers);
+}
+
+// In the order that its style says. bounds: what the paints extend over, user space.
+void Renderer::paintShape(const Shape& shape, const Box& bounds, const State& state, bool markers)
+{
     const std::optional<PathSpace> space = PathSpace::make(state.toDevice, targetCentre());
-    const Box bounds = shape.outline.bounds();
     const CrispEdges crisp(context_, state.style.crisp);
     for (const PaintStep step : state.style.paintOrder) {
         if (!state.style.visible) return;
@@ -59,7 +64,7 @@ void Renderer::drawOutline(const Shape& shape, const State& state, bool markers)
 void Renderer::drawFill(const Shape& shape, const PathSpace& space, const State& state,
                         const Box& bounds)
 {
-    const Box deviceBox = state.toDevice.mapBox(bounds);
+    const Box deviceBox = state.toDevice.mapBox(bounds.grown(state.glyphOverhang));
     if (isOutside(deviceBox) || !setFill(state, bounds)) return;
     context_.strokePaint.paintType = kPaintNone;
     const bool evenOdd = clipping_ ? state.style.clipEvenOdd : state.style.evenOdd;
@@ -72,9 +77,7 @@ void Renderer::drawStroke(const Shape& shape, const PathSpace& space, const Stat
 {
     const Style& style = state.style;
     if (clipping_ || style.strokeWidth <= 0 || style.stroke.kind == PaintValue::None) return;
-    const double reach = style.strokeWidth * std::max(style.miterLimit, 1.5);
-    const Box drawn{bounds.left - reach, bounds.top - reach, bounds.right + reach,
-                    bounds.bottom + reach};
+    const double reach = style.strokeReach() + state.glyphOverhang;
     if (style.fixedStroke) {
         // The pen is a circle of device pixels.
         Shape mapped;
@@ -87,7 +90,7 @@ void Renderer::drawStroke(const Shape& shape, const PathSpace& space, const Stat
         drawGeometry(mapped, *device);
         return;
     }
-    const Box deviceBox = state.toDevice.mapBox(drawn);
+    const Box deviceBox = state.toDevice.mapBox(bounds.grown(reach));
     if (isOutside(deviceBox) || !setStroke(state, bounds)) return;
     setPen(shape, state, space);
     context_.fillPaint.paintType = kPaintNone;

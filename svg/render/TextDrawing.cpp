@@ -60,21 +60,29 @@ void Renderer::drawText(pugi::xml_node node, const State& state)
     const Box bounds = boundsOfRuns(runs);
     const auto drawLines = [&](bool Style::*kind, double offset) {
         for (const TextRun& run : runs) {
-            if (run.style->*kind && setTextPaint(*run.style, state, bounds, 0))
-                drawLine(run, offset, state);
+            if (run.style->*kind) drawLine(run, offset, state, bounds);
         }
     };
     drawLines(&Style::underline, kUnderlineOffset);
     drawLines(&Style::overline, kOverlineOffset);
-    const Style* style = nullptr; // that the paint is set for
-    bool painted = false;
-    for (const TextRun& run : runs) {
-        if (run.style != style)
-            painted = setTextPaint(*run.style, state, bounds, run.style->fontSize);
-        style = run.style;
-        if (painted) drawRun(run, state);
-    }
+    drawRuns(runs, state, bounds);
     drawLines(&Style::lineThrough, kLineThroughOffset);
+}
+
+void Renderer::drawRuns(const std::vector<TextRun>& runs, const State& state, const Box& bounds)
+{
+    for (size_t first = 0, end; first < runs.size(); first = end) {
+        const Style& style = *runs[first].style;
+        end = first + 1;
+        while (end < runs.size() && runs[end].style == &style)
+            ++end;
+        const bool outlined = needsOutlines(style) && session_.glyphs.usable();
+        if (outlined) drawOutlinedRuns(runs, first, end, state, bounds);
+        if ((outlined && !session_.pick) || !setTextPaint(style, state, bounds, style.fontSize))
+            continue;
+        for (size_t i = first; i < end; ++i)
+            drawRun(runs[i], state);
+    }
 }
 
 // Of the cells of all characters, user space.
@@ -161,7 +169,7 @@ bool Renderer::setTextPaint(const Style& style, State state, const Box& bounds, 
     state.glyphOverhang = overhang;
     const bool filled = setFill(state, bounds);
     const bool stroked = setStroke(state, bounds);
-    if (stroked) note("outline of text", current_);
+    if (stroked && !session_.pick) note("outline of text", current_);
     if (stroked && !filled) context_.fillPaint = context_.strokePaint;
     context_.strokePaint.paintType = kPaintNone;
     return style.visible && (filled || stroked);
@@ -196,17 +204,11 @@ void Renderer::pickRun(const TextRun& run, const PathSpace& space)
     drawGeometry(shape, space);
 }
 
-void Renderer::drawLine(const TextRun& run, double offset, const State& state)
+void Renderer::drawLine(const TextRun& run, double offset, const State& state, const Box& bounds)
 {
-    const Affine toDevice = state.toDevice * run.toUser();
-    const std::optional<PathSpace> space = PathSpace::make(toDevice, targetCentre());
-    if (!space) return;
-    const double size = run.style->fontSize;
-    const Box line{0, offset * size, run.width, (offset + kLineWidth) * size};
-    Shape shape;
-    shape.outline = Outline::rectangle(line);
-    context_.strokePaint.paintType = kPaintNone;
-    drawGeometry(shape, *space);
+    const Style& style = *run.style;
+    const Box line{0, offset * style.fontSize, run.width, (offset + kLineWidth) * style.fontSize};
+    drawTextShape(Outline::rectangle(line).mapped(run.toUser()), state, style, bounds);
 }
 
 // A paragraph, broken into lines of the element's width by the library.

@@ -6,6 +6,7 @@
 #include "svg/values/Colour.h"
 #include "svg/values/Length.h"
 
+#include <algorithm>
 #include <memory>
 #include <string>
 
@@ -81,6 +82,9 @@ struct Style {
 
     // The style of a child with these properties; viewport is what percentages refer to.
     Style child(const Properties& properties, const Viewport& viewport) const;
+
+    // How far a stroke reaches from its line at most, user units.
+    double strokeReach() const { return strokeWidth * std::max(miterLimit, 1.5); }
 
     LengthContext lengths(const Viewport& viewport) const { return {viewport, fontSize}; }
 };
