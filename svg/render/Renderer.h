@@ -196,7 +196,8 @@ private:
     void setFont(const Style& style, const PathSpace& space);
     bool setTextPaint(const Style& style, State state, const Box& bounds, double overhang);
     void noteMissingGlyphs(pugi::xml_node node, const TextContent& content);
-    bool affordsGlyphs(pugi::xml_node node, const TextContent& content, const PathSpace& space);
+    bool affordsGlyphs(pugi::xml_node node, const TextContent& content, const PathSpace& space,
+                       double stretch = 1);
 
     // --- The target: Target.cpp
     void clipTo(const Box& deviceBox);

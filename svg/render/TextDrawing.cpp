@@ -57,6 +57,8 @@ void Renderer::drawText(pugi::xml_node node, const State& state)
 
     std::vector<TextRun> runs = layOut(content, state, *space);
     fitLength(node, content, state, *space, runs);
+    const double stretch = runs.empty() ? 1 : runs.front().stretch;
+    if (stretch > 1 && !affordsGlyphs(node, content, *space, stretch)) return;
     const Box bounds = boundsOfRuns(runs);
     const auto drawLines = [&](bool Style::*kind, double offset) {
         for (const TextRun& run : runs) {
@@ -127,13 +129,14 @@ void Renderer::noteParts(pugi::xml_node node)
     }
 }
 
+// stretch: of the glyphs along their line.
 bool Renderer::affordsGlyphs(pugi::xml_node node, const TextContent& content,
-                             const PathSpace& space)
+                             const PathSpace& space, double stretch)
 {
     double pixels = session_.glyphPixels;
     for (const TextCharacter& character : content.characters) {
         const double em = content.styles[character.style].fontSize * space.pixelSize;
-        if (!(em <= kLargeGlyph)) pixels += em * em;
+        if (!(em * stretch <= kLargeGlyph)) pixels += em * em * stretch;
     }
     if (!(pixels <= kMostGlyphPixels)) {
         note("very large text", node);
