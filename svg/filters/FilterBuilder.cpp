@@ -35,13 +35,6 @@ FilterBuilder::Result FilterBuilder::addShadow(const Result& input, EffectPointe
     return add(makeMerge(), {shadow, input.step}, region, linear);
 }
 
-FilterOutcome FilterBuilder::fail(std::string problem, pugi::xml_node node)
-{
-    problem_ = std::move(problem);
-    culprit_ = node;
-    return FilterOutcome::Ignored;
-}
-
 FilterOutcome readFilters(std::string_view value, FilterBuilder& builder)
 {
     for (value = trimmed(value); !value.empty();) {

@@ -37,16 +37,26 @@ public:
     Result addShadow(const Result& input, EffectPointer blur, EffectPointer offset, uint32_t colour,
                      const Box& region, bool linear);
 
-    // Notes what is not drawn, and answers Ignored. A null node stands for the element itself.
-    FilterOutcome fail(std::string problem, pugi::xml_node node = {});
-    const std::string& problem() const { return problem_; }
-    pugi::xml_node culprit() const { return culprit_; }
+    // What is not drawn, and where that stands: a null node is the element itself.
+    struct Problem {
+        std::string what;
+        pugi::xml_node node;
+    };
+    void note(std::string what, pugi::xml_node node)
+    {
+        problems_.push_back({std::move(what), node});
+    }
+    FilterOutcome fail(std::string what, pugi::xml_node node = {})
+    {
+        note(std::move(what), node);
+        return FilterOutcome::Ignored;
+    }
+    const std::vector<Problem>& problems() const { return problems_; }
 
 private:
     const FilterTarget& target_;
     std::optional<FilterGraph> graph_;
-    std::string problem_;
-    pugi::xml_node culprit_;
+    std::vector<Problem> problems_;
 };
 
 // The value of a filter property.

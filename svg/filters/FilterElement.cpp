@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Filter elements: their region, and what their primitives take and say.
+#include "svg/document/ElementNames.h"
 #include "svg/filters/FilterBuilder.h"
 #include "svg/filters/Primitive.h"
 #include "svg/style/Style.h"
@@ -41,6 +42,9 @@ public:
         }
         region_ = boxOf(filter_, inBox, Box{-0.1, -0.1, 1.1, 1.1}, {});
         if (!region_.hasArea()) return FilterOutcome::NotDrawn;
+        if (const pugi::xml_node animation =
+                filter_.find_node([](pugi::xml_node node) { return isAnimation(node.name()); }))
+            builder_.note("animation", animation);
         source_ = previous_ = builder_.source(region_);
         size_t count = 0;
         for (const pugi::xml_node node : filter_.children()) {
@@ -104,7 +108,7 @@ private:
                 return false;
             }
             if (!primitive.problem.empty())
-                builder_.fail("<" + std::string(node.name()) + ">" + primitive.problem, node);
+                builder_.note("<" + std::string(node.name()) + ">" + primitive.problem, node);
             previous_ = builder_.add(std::move(effect), std::move(inputs), primitive.region,
                                      style.linearFilters);
         }

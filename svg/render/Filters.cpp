@@ -153,8 +153,8 @@ bool Renderer::drawThroughFilters(pugi::xml_node node, const Properties& propert
         [&](bool stroke, const Box& region) { return pictures.paint(stroke, region, bounds); }};
     FilterBuilder builder(target);
     const FilterOutcome outcome = readFilters(properties[Property::Filter], builder);
-    if (!builder.problem().empty())
-        note(builder.problem(), builder.culprit() ? builder.culprit() : node);
+    for (const FilterBuilder::Problem& problem : builder.problems())
+        note(problem.what, problem.node ? problem.node : node);
     if (outcome == FilterOutcome::NotDrawn) return true;
     if (outcome == FilterOutcome::Ignored) return false;
 

@@ -2,6 +2,7 @@
 // The walk over the elements of a document.
 #include "svg/render/Renderer.h"
 
+#include "svg/document/ElementNames.h"
 #include "svg/document/References.h"
 #include "svg/geometry/ViewBox.h"
 #include "svg/render/ClipGuard.h"
@@ -31,13 +32,6 @@ bool isSilent(std::string_view name)
         "script", "solidColor", "stop",          "style",     "symbol",
         "title",  "view"};
     return contains(kSilent, name) || name.find(':') != name.npos;
-}
-
-bool isAnimation(std::string_view name)
-{
-    static constexpr std::string_view kAnimations[] = {"animate", "animateColor", "animateMotion",
-                                                       "animateTransform", "set"};
-    return contains(kAnimations, name);
 }
 
 // One of the wanted languages is, or is the beginning of, one of the list.

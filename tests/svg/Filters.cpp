@@ -678,6 +678,15 @@ TEST(SvgFilters, WhatIsNotDrawnIsNamed)
         EXPECT_EQ(svg.shortcomings().size(), 1u) << what;
         EXPECT_EQ(picture.at(8, 8), 0xFFC84010) << what; // drawn without the filter
     }
+    for (const auto& [primitive, what] :
+         {std::pair{"<feOffset><set attributeName='dx' to='9'/></feOffset>", "animation"},
+          {"<feConvolveMatrix order='1' kernelMatrix='1' kernelUnitLength='2'/>",
+           "<feConvolveMatrix> with a kernelUnitLength"}}) {
+        MMSvgDocument svg;
+        ASSERT_TRUE(svg.loadBytes(filtered(primitive)));
+        EXPECT_EQ(drawn(svg, kSide, kSide, 0).at(8, 8), 0xFFC84010) << what; // all the same
+        EXPECT_TRUE(lacks(svg, what)) << what;
+    }
     MMSvgDocument image;
     ASSERT_TRUE(image.loadBytes(filtered("<feImage href='#none'/>")));
     EXPECT_EQ(drawn(image, kSide, kSide, 0).at(8, 8), 0u);
