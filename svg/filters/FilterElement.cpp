@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Filter elements: their region, and what their primitives take and say.
 #include "svg/document/ElementNames.h"
+#include "svg/document/References.h"
 #include "svg/filters/FilterBuilder.h"
 #include "svg/filters/Primitive.h"
 #include "svg/style/Style.h"
@@ -26,40 +27,55 @@ class ElementReader {
 public:
     ElementReader(pugi::xml_node filter, FilterBuilder& builder)
         : filter_(filter), builder_(builder), target_(builder.target()),
+          chain_(target_.document, filter),
           style_(target_.document.styleOf(filter, target_.viewport)),
-          primitivesInBox_(filter.attribute("primitiveUnits").value() ==
-                           std::string_view("objectBoundingBox"))
+          primitivesInBox_(chain_["primitiveUnits"] == std::string_view("objectBoundingBox"))
     {
     }
 
     FilterOutcome read()
     {
-        const bool inBox =
-            filter_.attribute("filterUnits").value() != std::string_view("userSpaceOnUse");
+        const bool inBox = chain_["filterUnits"] != std::string_view("userSpaceOnUse");
         if ((inBox || primitivesInBox_) && !target_.bounds.hasArea()) {
             if (!target_.bounds.empty()) return FilterOutcome::Ignored;
             return builder_.fail("bounding box of nothing", filter_);
         }
-        region_ = boxOf(filter_, inBox, Box{-0.1, -0.1, 1.1, 1.1}, {});
+        region_ = boxOf(chain_, inBox, Box{-0.1, -0.1, 1.1, 1.1}, {});
         if (!region_.hasArea()) return FilterOutcome::NotDrawn;
-        if (const pugi::xml_node animation =
-                filter_.find_node([](pugi::xml_node node) { return isAnimation(node.name()); }))
-            builder_.note("animation", animation);
         source_ = previous_ = builder_.source(region_);
-        size_t count = 0;
-        for (const pugi::xml_node node : filter_.children()) {
-            if (std::string_view(node.name()).substr(0, 2) != "fe") continue;
-            if (++count > kMostPrimitives)
-                return builder_.fail("filter of more primitives than the limit", filter_);
-            if (!addPrimitive(node)) return FilterOutcome::Ignored;
+        // The nearest filter of the chain that has primitives.
+        for (const pugi::xml_node filter : chain_.elements()) {
+            if (filter.name() == std::string_view("filter") && filter.find_child(isPrimitive))
+                return addPrimitives(filter);
         }
-        return count == 0 ? FilterOutcome::NotDrawn : FilterOutcome::Drawn;
+        return FilterOutcome::NotDrawn;
     }
 
 private:
+    static bool isPrimitive(pugi::xml_node node)
+    {
+        return std::string_view(node.name()).substr(0, 2) == "fe";
+    }
+
+    FilterOutcome addPrimitives(pugi::xml_node filter)
+    {
+        if (const pugi::xml_node animation =
+                filter.find_node([](pugi::xml_node node) { return isAnimation(node.name()); }))
+            builder_.note("animation", animation);
+        size_t count = 0;
+        for (const pugi::xml_node node : filter.children()) {
+            if (!isPrimitive(node)) continue;
+            if (++count > kMostPrimitives)
+                return builder_.fail("filter of more primitives than the limit", filter);
+            if (!addPrimitive(node)) return FilterOutcome::Ignored;
+        }
+        return FilterOutcome::Drawn;
+    }
+
     // In user space; what an attribute does not say is as in the shares of the whole, of the
     // bounding box or of the viewport, or, when those are null, as in the other box.
-    Box boxOf(pugi::xml_node node, bool inBox, const std::optional<Box>& shares,
+    template <class Attributes>
+    Box boxOf(const Attributes& attributes, bool inBox, const std::optional<Box>& shares,
               const Box& otherwise) const
     {
         Viewport units = target_.viewport;
@@ -69,13 +85,13 @@ private:
         const auto length = [&](const char* name, Axis axis, double share, double fallback) {
             const double whole = axis == Axis::X ? units.width : units.height;
             const double size = axis == Axis::X ? bounds.width() : bounds.height();
-            const auto given = findLength(node.attribute(name).value(), lengths, axis);
+            const auto given = findLength(attributes[name], lengths, axis);
             if (!given && !shares) return fallback;
             return given.value_or(share * whole) * (inBox ? size : 1);
         };
         const auto place = [&](const char* name, Axis axis, double share, double fallback) {
             const double origin = axis == Axis::X ? bounds.left : bounds.top;
-            const bool isGiven = shares || findLength(node.attribute(name).value(), lengths, axis);
+            const bool isGiven = shares || findLength(attributes[name], lengths, axis);
             return length(name, axis, share, fallback) + (inBox && isGiven ? origin : 0);
         };
         const Box s = shares.value_or(Box());
@@ -93,7 +109,7 @@ private:
         std::vector<size_t> inputs;
         if (!readInputs(primitive, inputs)) return false;
         const Box& defaultBox = primitive.needsRegion() ? region_ : primitive.inputRegion;
-        primitive.wholeRegion = boxOf(node, primitivesInBox_, {}, defaultBox);
+        primitive.wholeRegion = boxOf(primitive, primitivesInBox_, {}, defaultBox);
         primitive.region = commonBox(primitive.wholeRegion, region_);
         if (primitive.inputRegion.empty()) primitive.inputRegion = region_;
 
@@ -156,6 +172,7 @@ private:
     pugi::xml_node filter_;
     FilterBuilder& builder_;
     const FilterTarget& target_;
+    ReferenceChain chain_; // of filters from which this one takes what it lacks
     Style style_;
     bool primitivesInBox_;
     Box region_; // user space

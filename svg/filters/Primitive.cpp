@@ -21,7 +21,7 @@ constexpr size_t kMostFactors = 1024; // of a convolution
 // Matrices count in pixels of the device.
 void noteUnitLength(Primitive& primitive)
 {
-    if (!primitive.text("kernelUnitLength").empty()) primitive.problem = " with a kernelUnitLength";
+    if (!primitive["kernelUnitLength"].empty()) primitive.problem = " with a kernelUnitLength";
 }
 
 EffectPointer makeImage(Primitive& primitive)
@@ -31,7 +31,7 @@ EffectPointer makeImage(Primitive& primitive)
 
 EffectPointer makeBlurEffect(Primitive& primitive)
 {
-    const std::string_view edges = primitive.text("edgeMode");
+    const std::string_view edges = primitive["edgeMode"];
     if (edges.empty() || edges == "none") return primitive.blur(0);
     primitive.problem = " with an edgeMode";
     return nullptr;
@@ -54,7 +54,7 @@ EffectPointer makeFloodEffect(Primitive& primitive)
 
 EffectPointer makeBlendEffect(Primitive& primitive)
 {
-    return makeBlend(blendModeOf(primitive.text("mode")));
+    return makeBlend(blendModeOf(primitive["mode"]));
 }
 
 EffectPointer makeTileEffect(Primitive& primitive)
@@ -65,8 +65,8 @@ EffectPointer makeTileEffect(Primitive& primitive)
 
 EffectPointer makeMatrixEffect(Primitive& primitive)
 {
-    const std::string_view type = primitive.text("type");
-    const std::vector<double> values = parseNumbers(primitive.text("values"));
+    const std::string_view type = primitive["type"];
+    const std::vector<double> values = parseNumbers(primitive["values"]);
     ColourMatrix matrix = saturating(1);
     if (type == "luminanceToAlpha") {
         matrix = alphaFromLuminance();
@@ -84,7 +84,7 @@ EffectPointer makeCompositeEffect(Primitive& primitive)
 {
     static constexpr std::string_view kNames[] = {"over", "in",      "out",       "atop",
                                                   "xor",  "lighter", "arithmetic"};
-    const auto* found = std::find(std::begin(kNames), std::end(kNames), primitive.text("operator"));
+    const auto* found = std::find(std::begin(kNames), std::end(kNames), primitive["operator"]);
     if (found == std::end(kNames)) return makeComposite(CompositeOperator::Over);
     return makeComposite(static_cast<CompositeOperator>(found - std::begin(kNames)),
                          {primitive.number("k1", 0), primitive.number("k2", 0),
@@ -130,11 +130,11 @@ EffectPointer makeTransferEffect(Primitive& primitive)
 std::optional<Convolution> readConvolution(const Primitive& primitive)
 {
     Convolution c;
-    const std::vector<double> order = parseNumbers(primitive.text("order"));
+    const std::vector<double> order = parseNumbers(primitive["order"]);
     const auto side = [&](size_t i) {
         return order.empty() ? 3 : order[std::min(i, order.size() - 1)];
     };
-    const std::vector<double> matrix = parseNumbers(primitive.text("kernelMatrix"));
+    const std::vector<double> matrix = parseNumbers(primitive["kernelMatrix"]);
     const double count = side(0) * side(1);
     if (!(side(0) >= 1 && side(1) >= 1) || side(0) != std::floor(side(0)) ||
         side(1) != std::floor(side(1)) || count != static_cast<double>(matrix.size()))
@@ -154,8 +154,8 @@ std::optional<Convolution> readConvolution(const Primitive& primitive)
     std::for_each(matrix.rbegin(), matrix.rend(),
                   [&](double factor) { c.factors.push_back(factor / divisor); });
     c.bias = primitive.number("bias", 0);
-    c.preservesAlpha = primitive.text("preserveAlpha") == "true";
-    const std::string_view edges = primitive.text("edgeMode");
+    c.preservesAlpha = primitive["preserveAlpha"] == "true";
+    const std::string_view edges = primitive["edgeMode"];
     if (edges == "wrap") c.edgeMode = EdgeMode::Wrap;
     if (edges == "none") c.edgeMode = EdgeMode::None;
     c.edges = primitive.target.areaOf(primitive.region);
@@ -181,8 +181,7 @@ EffectPointer makeMorphologyEffect(Primitive& primitive)
     const auto pixels = [](double v) {
         return static_cast<int>(std::lround(std::min(v, kLargestDeviation)));
     };
-    return makeMorphology(primitive.text("operator") == "dilate", pixels(device.x),
-                          pixels(device.y));
+    return makeMorphology(primitive["operator"] == "dilate", pixels(device.x), pixels(device.y));
 }
 
 size_t channelOf(std::string_view name)
@@ -201,8 +200,8 @@ EffectPointer makeDisplacementEffect(Primitive& primitive)
         primitive.problem = " of a larger scale than the limit";
         return nullptr;
     }
-    return makeDisplacement(device, channelOf(primitive.text("xChannelSelector")),
-                            channelOf(primitive.text("yChannelSelector")));
+    return makeDisplacement(device, channelOf(primitive["xChannelSelector"]),
+                            channelOf(primitive["yChannelSelector"]));
 }
 
 // With places in device pixels, and heights in the mean scale.
@@ -281,8 +280,8 @@ EffectPointer makeTurbulenceEffect(Primitive& primitive)
     turbulence.octaves =
         static_cast<int>(std::clamp(primitive.number("numOctaves", 1), 0.0, kMostOctaves));
     turbulence.seed = static_cast<int64_t>(primitive.number("seed", 0));
-    turbulence.fractal = primitive.text("type") == "fractalNoise";
-    turbulence.stitches = primitive.text("stitchTiles") == "stitch";
+    turbulence.fractal = primitive["type"] == "fractalNoise";
+    turbulence.stitches = primitive["stitchTiles"] == "stitch";
     turbulence.tile = primitive.region;
     turbulence.toUser = *toUser;
     return makeTurbulence(turbulence);
@@ -336,7 +335,7 @@ bool Primitive::needsRegion() const
 
 double Primitive::number(const char* attribute, double fallback) const
 {
-    const std::vector<double> values = parseNumbers(text(attribute));
+    const std::vector<double> values = parseNumbers((*this)[attribute]);
     return values.empty() ? fallback : values[0];
 }
 
@@ -348,7 +347,7 @@ Point Primitive::toUserUnits(Point p) const
 
 Point Primitive::pair(const char* attribute, double fallback) const
 {
-    std::vector<double> values = parseNumbers(text(attribute));
+    std::vector<double> values = parseNumbers((*this)[attribute]);
     if (values.empty()) values.push_back(fallback);
     const double y = values.size() > 1 ? values[1] : values[0];
     if (values[0] < 0 || y < 0) return {};

@@ -24,7 +24,8 @@ struct Primitive {
     // Where nothing else is said it fills the filter's region, not that of its inputs.
     bool needsRegion() const;
 
-    std::string_view text(const char* attribute) const { return node.attribute(attribute).value(); }
+    // The value of an attribute, "" when there is none.
+    std::string_view operator[](const char* name) const { return node.attribute(name).value(); }
     double number(const char* attribute, double fallback) const;
     // One number for both axes or two, none below 0.
     Point pair(const char* attribute, double fallback) const;

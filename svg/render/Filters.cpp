@@ -171,8 +171,8 @@ bool Renderer::drawThroughFilters(pugi::xml_node node, const Properties& propert
         return false;
     }
     const PixelArea& area = graph.sourceArea();
-    const Picture source = pictures.of(area, content);
-    const std::optional<FilterImage> result = graph.run(FilterImage(source, area));
+    FilterImage source(pictures.of(area, content), area);
+    const std::optional<FilterImage> result = graph.run(std::move(source));
     if (!result) {
         note("filter of more memory than the limit", node);
         return false;

@@ -478,6 +478,10 @@ TEST(SvgFilters, RegionsAndSubregions)
                       " x='8' y='8' width='7' height='7'/><feMerge x='4' y='4' width='4' "
                       "height='4'><feMergeNode/><feMergeNode in='a'/></feMerge>"),
                  4, 7);
+    // What a filter lacks it takes from the one that it refers to.
+    expectSquare("<filter id='g' x='0' y='0' width='1' height='1'>" + flood + "/></filter>" +
+                     box("href='#g' x='.5' y='.5' width='.5' height='.5'", ""),
+                 15, 19);
     // Without primitives, and without a region: nothing.
     expectSquare(user(""), 1, 0);
     expectSquare(box("width='0'", flood + "/>"), 1, 0);
