@@ -29,12 +29,7 @@ namespace {
 constexpr uint32_t kEvenLevels = 10;
 static_assert(1u << kEvenLevels == kMaxCurvePoints, "a point per piece");
 
-struct CurveHalves {
-    BezierCurve left;
-    BezierCurve right;
-};
-
-CurveHalves halvesOf(const BezierCurve& c)
+void halveCurve(const BezierCurve& c, BezierCurve& left, BezierCurve& right)
 {
     const MMPoint2D left1 = curveMiddle(c.start, c.control1);
     const MMPoint2D ridge = curveMiddle(c.control1, c.control2);
@@ -42,7 +37,8 @@ CurveHalves halvesOf(const BezierCurve& c)
     const MMPoint2D left2 = curveMiddle(left1, ridge);
     const MMPoint2D right1 = curveMiddle(ridge, right2);
     const MMPoint2D split = curveMiddle(left2, right1);
-    return {{c.start, left1, left2, split}, {split, right1, right2, c.end}};
+    left = {c.start, left1, left2, split};
+    right = {split, right1, right2, c.end};
 }
 
 // 2 / |determinant| in 16.16 square user units; everything is flat under a singular transform.
@@ -82,10 +78,9 @@ public:
     bool halve(const Piece& piece, Piece& left, Piece& right) const
     {
         const BezierCurve& c = piece.curve;
-        const CurveHalves halves = halvesOf(c);
-        left = {halves.left, piece.level + 1};
-        right = {halves.right, piece.level + 1};
-        const MMPoint2D& split = halves.right.start;
+        halveCurve(c, left.curve, right.curve);
+        left.level = right.level = piece.level + 1;
+        const MMPoint2D& split = right.curve.start;
         return turnArea(c.start, split, c.end) + turnArea(c.start, split, c.control1) <= tolerance_;
     }
 
@@ -129,10 +124,9 @@ public:
     bool halve(const Piece& piece, Piece& left, Piece& right) const
     {
         if (isFlat(piece.device)) return true;
-        const CurveHalves curve = halvesOf(piece.curve);
-        const CurveHalves device = halvesOf(piece.device);
-        left = {curve.left, device.left, piece.level + 1};
-        right = {curve.right, device.right, piece.level + 1};
+        halveCurve(piece.curve, left.curve, right.curve);
+        halveCurve(piece.device, left.device, right.device);
+        left.level = right.level = piece.level + 1;
         return false;
     }
 
@@ -169,6 +163,13 @@ private:
         return cross(a, b) * 239 <= dot(a, b) * 64;
     }
 
+    // 1/64 of a pixel at most.
+    bool isTiny(const Wide& leg) const
+    {
+        const int64_t limit = fractionBits_ >= 6 ? int64_t{1} << (fractionBits_ - 6) : 0;
+        return absolute(leg.x) <= limit && absolute(leg.y) <= limit;
+    }
+
     // A cubic curve strays from its chord by at most 3/4 of what its controls do.
     bool isFlat(const BezierCurve& c) const
     {
@@ -176,20 +177,15 @@ private:
         const Wide middle = between(c.control1, c.control2);
         const Wide last = between(c.control2, c.end);
         const Wide chord = between(c.start, c.end);
-        int64_t extent = 0;
-        for (const Wide& leg : {first, middle, last})
-            extent = std::max({extent, absolute(leg.x), absolute(leg.y)});
-        if (fractionBits_ >= 6 ? extent <= int64_t{1} << (fractionBits_ - 6) : extent == 0)
-            return true; // nothing of it can be seen
+        if (isTiny(first) && isTiny(middle) && isTiny(last)) return true; // cannot be seen
         if (dot(first, chord) < 0 || dot(middle, chord) < 0 || dot(last, chord) < 0) return false;
-        if (!turnsLittle(first, middle) || !turnsLittle(middle, last) || !turnsLittle(first, last))
-            return false;
         const int64_t larger = std::max(absolute(chord.x), absolute(chord.y));
         const int64_t smaller = std::min(absolute(chord.x), absolute(chord.y));
         const int64_t length = larger - larger / 8 + smaller / 2; // or up to an eighth less
         const int64_t pixel =
             fractionBits_ >= 0 ? length << fractionBits_ : length >> -fractionBits_;
-        return 24 * std::max(cross(chord, first), cross(chord, last)) <= pixel;
+        return 24 * std::max(cross(chord, first), cross(chord, last)) <= pixel &&
+               turnsLittle(first, last) && turnsLittle(first, middle) && turnsLittle(middle, last);
     }
 
     const Matrix2D& transform_;
@@ -201,22 +197,24 @@ private:
 template <class Rule, class Take>
 uint32_t subdivide(Rule rule, const BezierCurve& curve, uint32_t maxLevel, Take take)
 {
-    typename Rule::Piece pending[Rule::kMaxPending];
+    typename Rule::Piece pending[Rule::kMaxPending + 1]; // and the half that may not be kept
+    typename Rule::Piece pieces[2];
+    typename Rule::Piece* piece = &pieces[0];
+    typename Rule::Piece* left = &pieces[1];
+    *piece = rule.whole(curve);
     uint32_t pendingCount = 0;
-    typename Rule::Piece piece = rule.whole(curve);
-    typename Rule::Piece left, right;
     uint32_t count = 0;
     for (;;) {
-        if (!rule.halve(piece, left, right) && pendingCount < Rule::kMaxPending &&
-            piece.level < maxLevel) {
-            pending[pendingCount++] = right;
-            piece = left;
+        if (!rule.halve(*piece, *left, pending[pendingCount]) && pendingCount < Rule::kMaxPending &&
+            piece->level < maxLevel) {
+            ++pendingCount;
+            std::swap(piece, left);
             continue;
         }
         if (++count > kMaxCurvePoints) return count;
-        take(piece.curve.end);
+        take(piece->curve.end);
         if (pendingCount == 0) return count;
-        piece = pending[--pendingCount];
+        *piece = pending[--pendingCount];
     }
 }
 
