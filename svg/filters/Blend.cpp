@@ -122,6 +122,11 @@ class Blend : public Effect {
 public:
     explicit Blend(MMBlendMode mode) : mode_(mode) {}
 
+    PixelArea fills(const std::vector<PixelArea>& inputs, const PixelArea&) const override
+    {
+        return inputs[0].around(inputs[1]);
+    }
+
     void apply(const std::vector<const FilterImage*>& inputs, FilterImage& result) const override
     {
         const PixelArea& area = result.area();

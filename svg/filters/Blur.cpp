@@ -119,6 +119,11 @@ public:
         return wanted.widened(rows_.reach(), columns_.reach());
     }
 
+    PixelArea fills(const std::vector<PixelArea>& inputs, const PixelArea&) const override
+    {
+        return inputs[0].widened(rows_.reach(), columns_.reach());
+    }
+
     void apply(const std::vector<const FilterImage*>& inputs, FilterImage& result) const override
     {
         const FilterImage& input = *inputs[0];
@@ -133,8 +138,8 @@ public:
         const int reach = rows_.reach();
         std::vector<Texel> line(static_cast<size_t>(area.width() + 2 * reach));
         std::vector<Texel> mean(line.size());
+        const PixelArea read = between.widened(reach, 0).common(input.area());
         for (int y = between.top; y < between.bottom; ++y) {
-            const PixelArea read = area.widened(reach, 0).common(input.area());
             std::fill(line.begin(), line.end(), Texel{});
             if (!read.empty())
                 std::copy_n(input.row(y) + (read.left - input.area().left), read.width(),

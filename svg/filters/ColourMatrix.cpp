@@ -21,6 +21,11 @@ public:
             factors_[i] = std::llround(std::clamp(matrix[i], -1e6, 1e6) * 65536);
     }
 
+    PixelArea fills(const std::vector<PixelArea>& inputs, const PixelArea& wanted) const override
+    {
+        return factors_.back() > 0 ? wanted : inputs[0]; // the alpha that it gives to no colour
+    }
+
     void apply(const std::vector<const FilterImage*>& inputs, FilterImage& result) const override
     {
         const PixelArea& area = result.area();

@@ -35,6 +35,11 @@ public:
     {
     }
 
+    PixelArea fills(const std::vector<PixelArea>& inputs, const PixelArea& wanted) const override
+    {
+        return functions_[kAlpha](0) > 0 ? wanted : inputs[0];
+    }
+
     void apply(const std::vector<const FilterImage*>& inputs, FilterImage& result) const override
     {
         KnownValues known[] = {KnownValues(functions_[0]), KnownValues(functions_[1]),

@@ -15,6 +15,24 @@ public:
             k_[i] = std::llround(std::clamp(k[i], -1e6, 1e6) * 65536);
     }
 
+    PixelArea fills(const std::vector<PixelArea>& inputs, const PixelArea& wanted) const override
+    {
+        switch (operator_) {
+        case CompositeOperator::In:
+            return inputs[0].common(inputs[1]);
+        case CompositeOperator::Out:
+            return inputs[0];
+        case CompositeOperator::Atop:
+            return inputs[1];
+        case CompositeOperator::Arithmetic:
+            if (k_[3] > 0) return wanted; // also where both are transparent
+            break;
+        default:
+            break;
+        }
+        return inputs[0].around(inputs[1]);
+    }
+
     void apply(const std::vector<const FilterImage*>& inputs, FilterImage& result) const override
     {
         const PixelArea& area = result.area();

@@ -19,6 +19,13 @@ public:
     // What it must know of each of its inputs for the wanted pixels of its result.
     virtual PixelArea needs(const PixelArea& wanted) const { return wanted; }
 
+    // Outside of which its result is transparent, when its inputs fill these areas.
+    virtual PixelArea fills(const std::vector<PixelArea>& inputs, const PixelArea& wanted) const
+    {
+        (void)inputs;
+        return wanted;
+    }
+
     // Work for a pixel of the result, in that of a simple primitive.
     virtual double cost() const { return 1; }
 

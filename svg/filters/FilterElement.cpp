@@ -14,6 +14,7 @@ namespace Svg {
 namespace {
 
 constexpr size_t kMostPrimitives = 200;
+constexpr Box kDefaultShares{-0.1, -0.1, 1.1, 1.1}; // of a filter's region
 
 using Result = FilterBuilder::Result;
 
@@ -40,7 +41,7 @@ public:
             if (!target_.bounds.empty()) return FilterOutcome::Ignored;
             return builder_.fail("bounding box of nothing", filter_);
         }
-        region_ = boxOf(chain_, inBox, Box{-0.1, -0.1, 1.1, 1.1}, {});
+        region_ = boxOf(chain_, inBox, &kDefaultShares, {});
         if (!region_.hasArea()) return FilterOutcome::NotDrawn;
         source_ = previous_ = builder_.source(region_);
         // The nearest filter of the chain that has primitives.
@@ -75,7 +76,7 @@ private:
     // In user space; what an attribute does not say is as in the shares of the whole, of the
     // bounding box or of the viewport, or, when those are null, as in the other box.
     template <class Attributes>
-    Box boxOf(const Attributes& attributes, bool inBox, const std::optional<Box>& shares,
+    Box boxOf(const Attributes& attributes, bool inBox, const Box* shares,
               const Box& otherwise) const
     {
         Viewport units = target_.viewport;
@@ -94,7 +95,7 @@ private:
             const bool isGiven = shares || findLength(attributes[name], lengths, axis);
             return length(name, axis, share, fallback) + (inBox && isGiven ? origin : 0);
         };
-        const Box s = shares.value_or(Box());
+        const Box s = shares ? *shares : Box();
         const double x = place("x", Axis::X, s.left, otherwise.left);
         const double y = place("y", Axis::Y, s.top, otherwise.top);
         return {x, y, x + length("width", Axis::X, s.width(), otherwise.width()),
@@ -109,7 +110,7 @@ private:
         std::vector<size_t> inputs;
         if (!readInputs(primitive, inputs)) return false;
         const Box& defaultBox = primitive.needsRegion() ? region_ : primitive.inputRegion;
-        primitive.wholeRegion = boxOf(primitive, primitivesInBox_, {}, defaultBox);
+        primitive.wholeRegion = boxOf(primitive, primitivesInBox_, nullptr, defaultBox);
         primitive.region = commonBox(primitive.wholeRegion, region_);
         if (primitive.inputRegion.empty()) primitive.inputRegion = region_;
 

@@ -40,6 +40,21 @@ bool FilterGraph::plan(const PixelArea& visible)
     return true;
 }
 
+void FilterGraph::trim(const PixelArea& source)
+{
+    const auto keep = [&](size_t step, const PixelArea& filled) {
+        areas_[step] = areas_[step].common(filled);
+        if (areas_[step].empty()) areas_[step] = {};
+    };
+    keep(kSource, source);
+    for (size_t i = 1; i < steps_.size(); ++i) {
+        std::vector<PixelArea> inputs;
+        for (const size_t input : steps_[i].inputs)
+            inputs.push_back(areas_[input]);
+        keep(i, steps_[i].effect->fills(inputs, areas_[i]));
+    }
+}
+
 double FilterGraph::work() const
 {
     double sum = areas_[kSource].pixels();

@@ -31,9 +31,11 @@ public:
     // is more than pictures can have.
     bool plan(const PixelArea& visible);
     const PixelArea& sourceArea() const { return areas_[kSource]; }
+    // The same when the source is transparent outside of a part of its area.
+    void trim(const PixelArea& source);
     double work() const; // of all steps, in pixels of simple primitives
 
-    // The last step, from a source of the planned area; nothing when the images that live at the
+    // The last step, from a source of that area; nothing when the images that live at the
     // same time would take too much memory.
     std::optional<FilterImage> run(FilterImage source) const;
 

@@ -12,12 +12,16 @@ constexpr int kShifts[] = {16, 8, 0, 24}; // of the channels of a Texel in 0xAAR
 
 } // namespace
 
-FilterImage::FilterImage(const Picture& picture, const PixelArea& area) : FilterImage(area, false)
+FilterImage::FilterImage(const Picture& picture, const PixelArea& area, const PixelArea& part)
+    : FilterImage(part, false)
 {
-    for (size_t i = 0; i < texels_.size(); ++i) {
-        for (size_t channel = 0; channel < 4; ++channel)
-            texels_[i][channel] =
-                static_cast<uint16_t>((picture.pixels[i] >> kShifts[channel] & 0xFF) * 257);
+    for (int y = part.top; y < part.bottom; ++y) {
+        Texel* texel = row(y);
+        for (int x = part.left; x < part.right; ++x, ++texel) {
+            const uint32_t pixel = picture.at(x - area.left, y - area.top);
+            for (size_t channel = 0; channel < 4; ++channel)
+                (*texel)[channel] = static_cast<uint16_t>((pixel >> kShifts[channel] & 0xFF) * 257);
+        }
     }
 }
 
@@ -52,6 +56,23 @@ Picture FilterImage::picture() const
         result.pixels[i] = pixel;
     }
     return result;
+}
+
+PixelArea filledPart(const Picture& picture, const PixelArea& area)
+{
+    PixelArea filled;
+    for (int y = 0; y < picture.height; ++y) {
+        const auto row = picture.pixels.begin() + static_cast<std::ptrdiff_t>(y) * picture.width;
+        const auto isFilled = [](uint32_t pixel) { return pixel != 0; };
+        const auto first = std::find_if(row, row + picture.width, isFilled);
+        if (first == row + picture.width) continue;
+        int last = picture.width - 1;
+        while (row[last] == 0)
+            --last;
+        const int left = static_cast<int>(first - row);
+        filled = filled.around({left, y, last + 1, y + 1});
+    }
+    return filled.moved(area.left, area.top);
 }
 
 Texel texelOf(uint32_t argb, bool linear)

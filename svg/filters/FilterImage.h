@@ -45,8 +45,8 @@ public:
           texels_(static_cast<size_t>(area.width()) * static_cast<size_t>(area.height()))
     {
     }
-    // Of a premultiplied picture whose first pixel lies at the corner of the area.
-    FilterImage(const Picture& picture, const PixelArea& area);
+    // A part of a premultiplied picture whose first pixel lies at the corner of an area.
+    FilterImage(const Picture& picture, const PixelArea& area, const PixelArea& part);
 
     const PixelArea& area() const { return area_; }
     bool isLinear() const { return linear_; } // linear light, or else sRGB
@@ -78,6 +78,9 @@ private:
     bool linear_ = false;
     std::vector<Texel> texels_;
 };
+
+// The part of a picture's area outside of which it is transparent.
+PixelArea filledPart(const Picture& picture, const PixelArea& area);
 
 // Of a colour 0xAARRGGBB in sRGB that is not premultiplied.
 Texel texelOf(uint32_t argb, bool linear);

@@ -21,6 +21,11 @@ public:
         return wanted.widened(radiusX_, radiusY_);
     }
 
+    PixelArea fills(const std::vector<PixelArea>& inputs, const PixelArea&) const override
+    {
+        return dilates_ ? inputs[0].widened(radiusX_, radiusY_) : inputs[0];
+    }
+
     void apply(const std::vector<const FilterImage*>& inputs, FilterImage& result) const override
     {
         const PixelArea& area = result.area();

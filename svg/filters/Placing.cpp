@@ -12,6 +12,10 @@ public:
     Offset(int dx, int dy) : dx_(dx), dy_(dy) {}
 
     PixelArea needs(const PixelArea& wanted) const override { return wanted.moved(-dx_, -dy_); }
+    PixelArea fills(const std::vector<PixelArea>& inputs, const PixelArea&) const override
+    {
+        return inputs[0].moved(dx_, dy_);
+    }
     bool keepsColours() const override { return true; }
 
     void apply(const std::vector<const FilterImage*>& inputs, FilterImage& result) const override
@@ -31,6 +35,14 @@ private:
 
 class Merge : public Effect {
 public:
+    PixelArea fills(const std::vector<PixelArea>& inputs, const PixelArea&) const override
+    {
+        PixelArea all;
+        for (const PixelArea& input : inputs)
+            all = all.around(input);
+        return all;
+    }
+
     void apply(const std::vector<const FilterImage*>& inputs, FilterImage& result) const override
     {
         for (const FilterImage* input : inputs) {
@@ -69,6 +81,11 @@ private:
 
 class Alpha : public Effect {
 public:
+    PixelArea fills(const std::vector<PixelArea>& inputs, const PixelArea&) const override
+    {
+        return inputs[0];
+    }
+
     void apply(const std::vector<const FilterImage*>& inputs, FilterImage& result) const override
     {
         const PixelArea common = result.area().common(inputs[0]->area());

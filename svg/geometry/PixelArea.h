@@ -22,8 +22,11 @@ struct PixelArea {
     double pixels() const { return static_cast<double>(width()) * height(); }
 
     PixelArea moved(int dx, int dy) const { return {left + dx, top + dy, right + dx, bottom + dy}; }
-    // By so many pixels on the left and right, and above and below.
-    PixelArea widened(int x, int y) const { return {left - x, top - y, right + x, bottom + y}; }
+    // By so many pixels on the left and right, and above and below; an empty one stays so.
+    PixelArea widened(int x, int y) const
+    {
+        return empty() ? *this : PixelArea{left - x, top - y, right + x, bottom + y};
+    }
 
     // What both have; empty when they do not meet.
     PixelArea common(const PixelArea& other) const

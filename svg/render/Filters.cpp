@@ -27,7 +27,7 @@ public:
     void apply(const std::vector<const FilterImage*>&, FilterImage& result) const override
     {
         const bool linear = result.isLinear();
-        result = FilterImage(draw_(result.area()), result.area());
+        result = FilterImage(draw_(result.area()), result.area(), result.area());
         result.convert(linear);
     }
 
@@ -165,14 +165,20 @@ bool Renderer::drawThroughFilters(pugi::xml_node node, const Properties& propert
         note("filter of an area beyond the limit", node);
         return false;
     }
-    session_.filterWork += graph.work();
-    if (session_.filterWork > kMostFilterWork) {
-        note("filters of more work than the limit", node);
-        return false;
+    const PixelArea area = graph.sourceArea();
+    session_.filterWork += area.pixels();
+    std::optional<FilterImage> result;
+    {
+        const Picture picture = pictures.of(area, content);
+        graph.trim(filledPart(picture, area));
+        session_.filterWork += graph.work();
+        if (session_.filterWork > kMostFilterWork) {
+            note("filters of more work than the limit", node);
+            return false;
+        }
+        result = FilterImage(picture, area, graph.sourceArea());
     }
-    const PixelArea& area = graph.sourceArea();
-    FilterImage source(pictures.of(area, content), area);
-    const std::optional<FilterImage> result = graph.run(std::move(source));
+    result = graph.run(std::move(*result));
     if (!result) {
         note("filter of more memory than the limit", node);
         return false;
