@@ -77,11 +77,18 @@ TEST(Pictures, AreTheSameEverywhere)
     }
     std::ifstream file(PICTURE_HASHES);
     file >> std::hex;
-    size_t recorded = 0;
+    size_t found = 0;
     std::string name;
-    for (uint64_t hash; file >> name >> hash; ++recorded)
-        EXPECT_EQ(hashes[name], hash) << "the picture " << name << " has changed";
-    EXPECT_EQ(hashes.size(), recorded);
+    for (uint64_t hash; file >> name >> hash;) {
+        const auto picture = hashes.find(name);
+        if (picture == hashes.end()) {
+            EXPECT_FALSE(kHasAllScenes) << "nothing draws " << name;
+            continue;
+        }
+        EXPECT_EQ(picture->second, hash) << "the picture " << name << " has changed";
+        ++found;
+    }
+    EXPECT_EQ(hashes.size(), found) << "pictures without a hash";
 }
 
 } // namespace KAVO::Graphics2D::pictures

@@ -116,6 +116,13 @@ struct Scene {
     bool ofItsOwnMemory = false; // one of each set of scenes that take the same
 };
 
+// A library without masks, layers and sources lacks the last of them.
+#ifdef MM2D_WITHOUT_LAYERS
+constexpr bool kHasAllScenes = false;
+#else
+constexpr bool kHasAllScenes = true;
+#endif
+
 const Scene kScenes[] = {
     // Paints.
     {"solid", [](Canvas& c) { c.star(); }, true},
