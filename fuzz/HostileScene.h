@@ -5,9 +5,12 @@
 
 #include "fuzz/ByteReader.h"
 #include "graphics2d/MMContext2D.h"
+#include "graphics2d/sources/MMGradientSource.h"
+#include "graphics2d/sources/MMTileSource.h"
 
 #include <cstdio>
 #include <cstdlib>
+#include <deque>
 
 // What does not hold is a finding.
 inline void require(bool holds, const char* what)
@@ -85,6 +88,7 @@ public:
         const uint8_t type = in_.byte();
         paint.paintType = type == 255 ? UINT32_MAX : type;
         paint.paintOpacity = in_.byte();
+        if (type >= 240 && type < 255) return readSource(paint);
         switch (paint.paintType) {
         case KAVO::Graphics2D::kPaintLinearGradient:
             readStops(paint);
@@ -185,6 +189,44 @@ private:
         paint.paintHasAlpha = in_.byte();
     }
 
+    MMPoint2D readPoint()
+    {
+        const KAVO::Fixed x = in_.fixed();
+        return {x, in_.fixed()};
+    }
+
+    void readSource(MMPaint& paint)
+    {
+        using namespace KAVO::Graphics2D;
+        const uint32_t kind = in_.below(4);
+        const Matrix2D transform = readMatrix();
+        const uint8_t modes = in_.byte();
+        if (kind == 0) {
+            MMPixmap image = readImage();
+            image.rowBytes = 4u * image.width;
+            tiles_.emplace_back();
+            return setTileSource(
+                paint, tiles_.back(), image, transform, static_cast<MMPatternFilter>(modes & 3),
+                static_cast<MMTileMode>(modes >> 2 & 1), static_cast<MMTileMode>(modes >> 3 & 1));
+        }
+        readStops(paint);
+        const GradientStops stops = {paint.gradientStopColors, paint.gradientStopOffsets,
+                                     paint.gradientStopCount};
+        const auto spread = static_cast<MMSpread>(modes & 3);
+        const MMPoint2D start = readPoint(), end = readPoint();
+        gradients_.emplace_back();
+        MMGradientSource& source = gradients_.back();
+        if (kind == 1) {
+            setLinearSource(paint, source, start, end, transform, stops, spread);
+        } else if (kind == 2) {
+            const KAVO::Fixed radius = in_.fixed();
+            setRadialSource(paint, source, {start, radius}, {end, in_.fixed()}, transform, stops,
+                            spread);
+        } else {
+            setConicSource(paint, source, start, end.x, end.y, transform, stops, spread);
+        }
+    }
+
     ByteReader& in_;
     uint16_t width_;
     uint32_t stride_; // words
@@ -192,5 +234,7 @@ private:
     std::vector<KAVO::Fixed> dashes_;
     std::vector<std::vector<KAVO::Pixel>> images_, colours_;
     std::vector<std::vector<KAVO::Fixed>> offsets_;
+    std::deque<KAVO::Graphics2D::MMGradientSource> gradients_; // which stay where they are
+    std::deque<KAVO::Graphics2D::MMTileSource> tiles_;
     LevelledMask clip_, into_;
 };
