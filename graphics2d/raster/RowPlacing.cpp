@@ -58,7 +58,8 @@ bool RowPlacing::place(RowPlace& place)
     ActiveChain& chain = active_.chainOf(place);
     EdgeLine& line = chain.line;
     if (place.straight) line.moveTo(top_, place.topX);
-    if (chain.ended || !chain.descend(rings_, top_)) return false;
+    const bool isThere = line.y >= top_ && line.endY > top_; // the row above has left it there
+    if (chain.ended || (!isThere && !chain.descend(rings_, top_))) return false;
     place.topX = line.x;
     place.straight = line.y == top_ && line.endY >= bottom_;
     place.partial = line.y > top_;

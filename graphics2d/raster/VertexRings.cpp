@@ -40,25 +40,20 @@ void VertexRings::appendRing(const MMPoint2D* points, const MMPoint2D* end)
 {
     if (points == end) return;
     const uint32_t first = size_;
-    append(*points, true);
-    for (const MMPoint2D* point = points + 1; point != end; ++point)
-        append(*point, false);
-    append(*points, false);
+    MMPoint2D previous = grid_.moved(*points);
+    append(previous);
+    for (const MMPoint2D* point = points; point != end;) {
+        ++point; // in the end back to the first one
+        const MMPoint2D vertex = grid_.moved(point != end ? *point : *points);
+        if (vertex == previous) continue;
+        if (cutLongEdges_) append(midPoint(previous, vertex));
+        append(vertex);
+        previous = vertex;
+    }
     if (size_ > first + 1) --size_; // the closing copy of the first vertex
     vertices_[first - 1].nextMinimum = size_ - 1;
     appendLink(first);
     if (!linkMinima(first)) size_ = first;
-}
-
-void VertexRings::append(const MMPoint2D& point, bool isFirst)
-{
-    const MMPoint2D vertex = grid_.moved(point);
-    if (!isFirst) {
-        const MMPoint2D& previous = vertices_[size_ - 1].point;
-        if (vertex == previous) return;
-        if (cutLongEdges_) vertices_[size_++].point = midPoint(previous, vertex);
-    }
-    vertices_[size_++].point = vertex;
 }
 
 // A minimum is the last vertex before the outline goes down again after it went up. False when the

@@ -72,7 +72,7 @@ private:
 
     void appendLink(uint32_t firstOfRing);
     void appendRing(const MMPoint2D* points, const MMPoint2D* end);
-    void append(const MMPoint2D& point, bool isFirst);
+    void append(const MMPoint2D& vertex) { vertices_[size_++].point = vertex; }
     bool linkMinima(uint32_t first);
     void addMinimum(uint32_t i);
     uint32_t sortedByY(uint32_t first, uint32_t count);
