@@ -22,8 +22,11 @@ constexpr int32_t kClose = 2 << kEntryBits; // a distance of stops
 Pixel premultipliedColour(Channels channels)
 {
     constexpr uint32_t kWhole = 255u << 16;
+    const U32x4 rounded = (channels + kChannelHalf) >> 16;
+    Pixel pixel = rounded[kAlpha] << 24;
+    if (channels[kAlpha] == kWhole)
+        return pixel | rounded[kRed] << 16 | rounded[kGreen] << 8 | rounded[kBlue];
     const uint32_t alpha = channels[kAlpha] >> 8;
-    Pixel pixel = (channels[kAlpha] + kChannelHalf) >> 16 << 24;
     for (int k = kBlue; k <= kRed; ++k)
         pixel |= ((channels[k] >> 8) * alpha + kWhole / 2) / kWhole << (8 * k);
     return pixel;
