@@ -2,6 +2,7 @@
 // Drawing through a mask, held to what is drawn without one, and into a mask, held to the alpha of
 // what is drawn onto cleared pixels.
 #include "graphics2d/masks/MMMaskSetup.h"
+#include "graphics2d/masks/MaskedStrip.h"
 #include "tests/pictures/Scenes.h"
 
 #include <gtest/gtest.h>
@@ -122,6 +123,49 @@ TEST(ClipMask, MovesEveryPixelByItsLevel)
                             << ' ' << i / kSide;
                     }
             }
+}
+
+// The formulas of both ways of weighing, on whatever registers: exact, for rows of all lengths.
+TEST(ClipMask, WeighsByTheFormula)
+{
+    std::mt19937 random(11);
+    for (int round = 0; round < 3000; ++round) {
+        const size_t count = random() % 70;
+        std::vector<Pixel> ground(count), drawn(count);
+        std::vector<uint8_t> levels(count);
+        for (size_t i = 0; i < count; ++i) {
+            ground[i] = static_cast<Pixel>(random());
+            drawn[i] = static_cast<Pixel>(random());
+            levels[i] = static_cast<uint8_t>(1 + random() % 254); // neither hidden nor whole
+        }
+        const MMMask mask = {0, 0, static_cast<int16_t>(count), 1, 70, levels.data()};
+
+        std::vector<Pixel> moved = ground;
+        moveByLevels(moved.data(), drawn.data(), levels.data(), static_cast<int32_t>(count));
+
+        MMContext2D context;
+        std::vector<Pixel> tinted = ground;
+        setTarget(context, tinted.data(), static_cast<int32_t>(count), 1);
+        context.clipMask = &mask;
+        const Pixel colour = context.fillPaint.paintColour = static_cast<Pixel>(random());
+        const uint8_t opacity = context.fillPaint.paintOpacity = static_cast<uint8_t>(random());
+        context.drawPath(MMPathBuilder().rect(0, 0, fixFromInt(70), fixFromInt(1)).words());
+
+        const uint32_t whole = (opacity * (colour >> 24) * 256 + 127) / 255; // 8.8
+        for (size_t i = 0; i < count; ++i)
+            for (int k = 0; k < 4; ++k) {
+                const uint32_t from = ground[i] >> 8 * k & 255, level = levels[i];
+                const uint32_t to = drawn[i] >> 8 * k & 255;
+                ASSERT_EQ(moved[i] >> 8 * k & 255,
+                          (2 * (from * (255 - level) + to * level) + 255) / 510)
+                    << "pixel " << i << " of " << count;
+                const uint32_t weight = ((level * 256 * whole >> 16) + 127) * 258 >> 16;
+                const uint32_t tint = k == 3 ? 255 : colour >> 8 * k & 255;
+                ASSERT_EQ(tinted[i] >> 8 * k & 255,
+                          (from * (256 - weight) + tint * weight + 128) >> 8)
+                    << "pixel " << i << " of " << count << std::hex << ", colour " << colour;
+            }
+    }
 }
 
 TEST(ClipMask, ExclusiveOrAndPickingTakePixelsFromHalfOn)
