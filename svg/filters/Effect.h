@@ -19,10 +19,10 @@ public:
     // What it must know of each of its inputs for the wanted pixels of its result.
     virtual PixelArea needs(const PixelArea& wanted) const { return wanted; }
 
-    // Outside of which its result is transparent, when its inputs fill these areas.
-    virtual PixelArea fills(const std::vector<PixelArea>& inputs, const PixelArea& wanted) const
+    // Outside of which its result is transparent, when its inputs fill these areas, as
+    // far as it is wanted.
+    virtual PixelArea fills(const std::vector<PixelArea>&, const PixelArea& wanted) const
     {
-        (void)inputs;
         return wanted;
     }
 

@@ -124,11 +124,11 @@ private:
                 builder_.fail("<" + std::string(node.name()) + ">" + primitive.problem, node);
                 return false;
             }
-            if (!primitive.problem.empty())
-                builder_.note("<" + std::string(node.name()) + ">" + primitive.problem, node);
             previous_ = builder_.add(std::move(effect), std::move(inputs), primitive.region,
                                      style.linearFilters);
         }
+        if (!primitive.problem.empty())
+            builder_.note("<" + std::string(node.name()) + ">" + primitive.problem, node);
         if (const pugi::xml_attribute name = node.attribute("result"))
             results_[name.value()] = previous_;
         return true;

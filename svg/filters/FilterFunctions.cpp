@@ -94,6 +94,13 @@ EffectPointer makeColourEffect(std::string_view name, std::string_view arguments
     return nullptr;
 }
 
+EffectPointer makeBlurOf(double deviation, FilterBuilder& builder)
+{
+    const Point device = builder.target().deviations(deviation, deviation);
+    if (!isWithinLimit(device)) builder.note("filter of a larger radius than the limit", {});
+    return makeBlur(device.x, device.y);
+}
+
 // [colour] dx dy [deviation] [colour]
 bool addDropShadow(std::string_view arguments, const FilterBuilder::Result& input,
                    FilterBuilder& builder)
@@ -117,7 +124,7 @@ bool addDropShadow(std::string_view arguments, const FilterBuilder::Result& inpu
     if (values.size() < 2) return false;
     const double deviation = values.size() > 2 ? values[2] : 0;
     if (deviation < 0) return false;
-    builder.addShadow(input, target.blur(deviation, deviation), target.offset(values[0], values[1]),
+    builder.addShadow(input, makeBlurOf(deviation, builder), target.offset(values[0], values[1]),
                       colour.value_or(target.style.colour), kEverywhere, false);
     return true;
 }
@@ -139,7 +146,7 @@ FilterOutcome readFilterFunction(std::string_view name, std::string_view argumen
         const LengthContext lengths = target.style.lengths(target.viewport);
         const double deviation =
             arguments.empty() ? 0 : parseLength(arguments, lengths, Axis::X, -1);
-        if (deviation >= 0) effect = target.blur(deviation, deviation);
+        if (deviation >= 0) effect = makeBlurOf(deviation, builder);
     } else {
         effect = makeColourEffect(name, arguments);
     }

@@ -13,6 +13,11 @@ namespace Svg {
 // A region without end.
 constexpr Box kEverywhere{-1e9, -1e9, 1e9, 1e9};
 
+inline bool isWithinLimit(const Point& radii)
+{
+    return radii.x <= kLargestDeviation && radii.y <= kLargestDeviation;
+}
+
 struct FilterTarget {
     const SvgDocument& document;
     const Style& style;
@@ -44,12 +49,6 @@ struct FilterTarget {
             return static_cast<int>(std::lround(std::clamp(v, -1e6, 1e6)));
         };
         return makeOffset(pixels(moved.x), pixels(moved.y));
-    }
-
-    EffectPointer blur(double x, double y) const
-    {
-        const Point device = deviations(x, y);
-        return makeBlur(device.x, device.y);
     }
 };
 

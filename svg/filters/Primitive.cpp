@@ -176,12 +176,9 @@ EffectPointer makeConvolutionEffect(Primitive& primitive)
 
 EffectPointer makeMorphologyEffect(Primitive& primitive)
 {
-    const Point radius = primitive.toUserUnits(primitive.pair("radius", 0));
-    const Point device = primitive.target.deviations(radius.x, radius.y);
-    const auto pixels = [](double v) {
-        return static_cast<int>(std::lround(std::min(v, kLargestDeviation)));
-    };
-    return makeMorphology(primitive["operator"] == "dilate", pixels(device.x), pixels(device.y));
+    const Point radius = primitive.radii("radius", 0);
+    const auto pixels = [](double v) { return static_cast<int>(std::lround(v)); };
+    return makeMorphology(primitive["operator"] == "dilate", pixels(radius.x), pixels(radius.y));
 }
 
 size_t channelOf(std::string_view name)
@@ -354,10 +351,18 @@ Point Primitive::pair(const char* attribute, double fallback) const
     return {values[0], y};
 }
 
-EffectPointer Primitive::blur(double deviation) const
+Point Primitive::radii(const char* attribute, double fallback)
 {
-    const Point deviations = toUserUnits(pair("stdDeviation", deviation));
-    return target.blur(deviations.x, deviations.y);
+    const Point user = toUserUnits(pair(attribute, fallback));
+    const Point device = target.deviations(user.x, user.y);
+    if (!isWithinLimit(device)) problem = " of a larger radius than the limit";
+    return {std::min(device.x, kLargestDeviation), std::min(device.y, kLargestDeviation)};
+}
+
+EffectPointer Primitive::blur(double deviation)
+{
+    const Point device = radii("stdDeviation", deviation);
+    return makeBlur(device.x, device.y);
 }
 
 EffectPointer Primitive::offset(double distance) const

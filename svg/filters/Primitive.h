@@ -33,7 +33,10 @@ struct Primitive {
     // Of a distance.
     Point toUserUnits(Point p) const;
 
-    EffectPointer blur(double deviation) const;
+    // A pair along the axes of the device, in pixels, within the limit.
+    Point radii(const char* attribute, double fallback);
+
+    EffectPointer blur(double deviation);
     EffectPointer offset(double distance) const;
     uint32_t flood() const;
 };

@@ -684,6 +684,9 @@ TEST(SvgFilters, WhatIsNotDrawnIsNamed)
     }
     for (const auto& [primitive, what] :
          {std::pair{"<feOffset><set attributeName='dx' to='9'/></feOffset>", "animation"},
+          {"<feGaussianBlur stdDeviation='501' result='b'/><feOffset in='SourceGraphic'/><feMerge>"
+           "<feMergeNode in='b'/><feMergeNode in='SourceGraphic'/></feMerge>",
+           "<feGaussianBlur> of a larger radius than the limit"},
           {"<feConvolveMatrix order='1' kernelMatrix='1' kernelUnitLength='2'/>",
            "<feConvolveMatrix> with a kernelUnitLength"}}) {
         MMSvgDocument svg;

@@ -23,8 +23,9 @@ void renderIfItParses(const std::string& text)
 std::vector<std::string> sampleDrawings()
 {
     std::vector<std::string> drawings;
-    for (const char* name : {"shapes", "fill-rules", "path-grammar", "transforms", "colours",
-                             "strokes", "gradients", "landscape", "metro", "text", "images"}) {
+    for (const char* name :
+         {"shapes", "fill-rules", "path-grammar", "transforms", "colours", "strokes", "gradients",
+          "landscape", "metro", "text", "images", "../../fuzz/corpus/svg/filters"}) {
         std::ifstream file(std::string(DRAWINGS_FOLDER "/") + name + ".svg");
         std::ostringstream text;
         text << file.rdbuf();
