@@ -44,8 +44,8 @@ class SmoothFill {
 public:
     SmoothFill(MMContext2D& context, RowPainter& painter, CoverageRow& coverage,
                ActiveEdges& active, MMFillRule rule)
-        : stack_(context.scratchStack), painter_(painter), coverage_(coverage), active_(active),
-          row_(active), slabs_(context, coverage, rule)
+        : stack_(context.scratchStack), painter_(painter), coverage_(coverage), row_(active),
+          slabs_(context, coverage, rule)
     {
     }
 
@@ -63,7 +63,6 @@ private:
     MMStackContext& stack_;
     RowPainter& painter_;
     CoverageRow& coverage_;
-    ActiveEdges& active_;
     RowPlacing row_;
     SlabFill slabs_;
     StepBudget budget_;
