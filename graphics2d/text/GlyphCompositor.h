@@ -68,7 +68,7 @@ private:
     // The visible rectangle alone; its size is not positive when there is none.
     Box visible(const FS_GrayMap& glyph, const GlyphPlace& place) const;
 
-    size_t rowBytes() const { return rowPixels_ * sizeof(Pixel); }
+    size_t rowBytes() const { return static_cast<size_t>(rowPixels_) * sizeof(Pixel); }
     void drawOver(const Box& box, int32_t beside);
     void drawRedirected(Box box);
     void drawIntoMask(const Box& box);

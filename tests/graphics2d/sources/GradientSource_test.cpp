@@ -106,16 +106,20 @@ void compare(const Drawn& drawn, const GradientStops& stops, MMSpread spread,
             const Point centre(x + i + 0.5, y + 0.5);
             const double part = partOf(centre);
             const double error = errorOf(pixels[static_cast<size_t>(i)], colourAt(centre));
-            bool jumps = false, matches = error <= 2.5, isNoise = false;
+            bool jumps = false, isSeam = false, matches = error <= 2.5, isNoise = false;
             for (int direction = 0; direction < 8; ++direction) {
                 const Point near = centre + std::polar(1.0, direction * M_PI / 4);
                 jumps |= partOf(near) != part;
-                isNoise |= spread != kSpreadPad && parameter(near) && parameter(centre) &&
-                           (std::abs(*parameter(near) - *parameter(centre)) > 0.25 ||
-                            std::abs(*parameter(centre)) > 256);
+                if (parameter(near) && parameter(centre)) {
+                    const double step = std::abs(*parameter(near) - *parameter(centre));
+                    isSeam |= step > 0.9; // where a full turn ends
+                    isNoise |=
+                        spread != kSpreadPad && (step > 0.25 || std::abs(*parameter(centre)) > 128);
+                }
                 matches |= errorOf(pixels[static_cast<size_t>(i)], colourAt(near)) <= 2.5;
             }
-            if (isNoise) continue; // a few pixels to a period, or hundreds of periods away
+            if (isNoise) continue; // a few pixels to a period, or more than a hundred periods away
+            if (isSeam && matches) continue;
             if (!jumps) errors.add(error);
             if (jumps ? matches : error <= 2.5) continue;
             if (jumps && hardStop < 0) continue;
