@@ -24,8 +24,8 @@ namespace Graphics2D {
 
 namespace {
 
-constexpr int32_t kHole = INT32_MIN; // no parameter
-constexpr int32_t kFarAway = 1 << 29;
+constexpr int32_t kHole = INT32_MIN;  // no parameter
+constexpr int32_t kFarAway = 1 << 29; // 32 periods
 
 // The high words of an axis along a row.
 class AxisWalk {
@@ -63,7 +63,8 @@ class TouchingCircles {
 public:
     explicit TouchingCircles(const MMGradientSource& source)
         : base_(source.factors[kTouchBase]), excess_(source.factors[kTouchExcess]),
-          inverse_(source.factors[kTouchInverse]), isNegative_(source.isNegative != 0)
+          inverse_(source.factors[kTouchInverse]), isNegative_(source.isNegative != 0),
+          isPadded_(source.spread == kSpreadPad)
     {
     }
 
@@ -80,7 +81,8 @@ public:
             isGreater ? (root + absoluteOf(x)) * inverse_ >> 12
                       : static_cast<int64_t>(square /
                                              static_cast<uint64_t>(std::max<int64_t>(root + x, 1)));
-        const int64_t limited = std::min<int64_t>(way, kFarAway);
+        // Beyond are whole periods.
+        const int64_t limited = isPadded_ ? std::min<int64_t>(way, kFarAway) : way % kFarAway;
         return static_cast<int32_t>(base_ + (isNegative_ ? -limited : limited));
     }
 
@@ -91,6 +93,7 @@ private:
     int64_t excess_;
     int64_t inverse_;
     bool isNegative_;
+    bool isPadded_;
 };
 
 } // namespace

@@ -38,7 +38,10 @@ public:
         for (auto& channel : gradients_)
             for (Point& gradient : channel) {
                 const auto part = [&] {
-                    return static_cast<double>(random.next() % (2 * kCells)) / kCells - 1;
+                    return static_cast<double>(static_cast<uint64_t>(random.next()) %
+                                               (2 * kCells)) /
+                               kCells -
+                           1;
                 };
                 gradient.x = part();
                 gradient.y = part();
