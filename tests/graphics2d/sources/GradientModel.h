@@ -98,7 +98,7 @@ inline Colour rampColour(const KAVO::Graphics2D::GradientStops& stops, double t)
         share =
             (t - ofFixed(stops.offsets[from])) / ofFixed(stops.offsets[to] - stops.offsets[from]);
     Colour colour;
-    for (int k = 3; k >= 0; --k) {
+    for (size_t k = 4; k-- > 0;) { // the alpha first
         const double a = stops.colours[from] >> (8 * k) & 255,
                      b = stops.colours[to] >> (8 * k) & 255;
         colour[k] = (a + (b - a) * share) * (k < 3 ? colour[3] / 255 : 1);
