@@ -68,7 +68,7 @@ void drawBlendScene(Canvas& canvas)
     canvas.place();
     MMContext2D& context = canvas.context();
     for (int i = 0; i < 16; ++i) {
-        const double x = 8 + i % 8 * 46.5, y = 8 + i / 8 * 98;
+        const double x = 8 + i % 8 * 46.5, y = i < 8 ? 8 : 106;
         for (int k = 0; k < 4; ++k) {
             canvas.fill(kStripes[k]);
             canvas.rectangle(x + 10 * k, y, 10, 74);

@@ -32,8 +32,9 @@ public:
         FilterImage rows(area.widened(0, radiusY_), result.isLinear());
         Line line(area.width(), radiusX_);
         for (int y = rows.area().top; y < rows.area().bottom; ++y) {
+            size_t place = 0;
             for (int x = area.left - radiusX_; x < area.right + radiusX_; ++x)
-                line.texels[static_cast<size_t>(x - area.left + radiusX_)] = inputs[0]->at(x, y);
+                line.texels[place++] = inputs[0]->at(x, y);
             extremes(line, rows.row(y), 1);
         }
         Line column(area.height(), radiusY_);

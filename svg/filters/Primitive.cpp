@@ -141,8 +141,10 @@ std::optional<Convolution> readConvolution(const Primitive& primitive)
         return std::nullopt;
     c.columns = static_cast<int>(side(0));
     c.rows = static_cast<int>(side(1));
-    const double targetX = primitive.number("targetX", c.columns / 2);
-    const double targetY = primitive.number("targetY", c.rows / 2);
+    const int middleX = c.columns / 2;
+    const int middleY = c.rows / 2;
+    const double targetX = primitive.number("targetX", middleX);
+    const double targetY = primitive.number("targetY", middleY);
     if (!(targetX >= 0 && targetX < c.columns && targetY >= 0 && targetY < c.rows))
         return std::nullopt;
     c.targetX = static_cast<int>(targetX);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Layers, held to what is drawn without them, and to their opacity and masks in doubles.
 #include "graphics2d/layers/MMLayer.h"
+#include "tests/graphics2d/masks/LevelledMask.h"
 #include "tests/pictures/Scenes.h"
 #include "tests/support/FailingHeap.h"
 
@@ -28,22 +29,6 @@ void expectClose(const std::vector<Pixel>& a, const std::vector<Pixel>& b, const
         }
     EXPECT_LE(far, kPixels / 25) << name;
 }
-
-struct LevelledMask {
-    explicit LevelledMask(uint32_t seed)
-        : levels(kPixels), mask(makeMask(levels.data(), 0, 0, kSide, kSide))
-    {
-        std::mt19937 random(seed);
-        for (size_t i = 0; i < levels.size();) {
-            const uint32_t kind = random() % 4;
-            for (uint32_t n = 1 + random() % 30; n > 0 && i < levels.size(); --n)
-                levels[i++] = kind == 0 ? 0 : kind == 1 ? 255 : static_cast<uint8_t>(random());
-        }
-    }
-
-    std::vector<uint8_t> levels;
-    MMMask mask;
-};
 
 // Whether a scene draws by operations alone, over what is there.
 bool suitsLayers(const std::string& name)

@@ -3,6 +3,7 @@
 // what is drawn onto cleared pixels.
 #include "graphics2d/masks/MMMaskSetup.h"
 #include "graphics2d/masks/MaskedStrip.h"
+#include "tests/graphics2d/masks/LevelledMask.h"
 #include "tests/pictures/Scenes.h"
 
 #include <gtest/gtest.h>
@@ -16,24 +17,6 @@ namespace KAVO::Graphics2D::pictures {
 namespace {
 
 constexpr int kPixels = kSide * kSide;
-
-struct LevelledMask {
-    LevelledMask() : levels(kPixels), mask(makeMask(levels.data(), 0, 0, kSide, kSide)) {}
-
-    // Stretches of hidden, visible and mixed levels, as clips have them.
-    void fillAtRandom(uint32_t seed)
-    {
-        std::mt19937 random(seed);
-        for (size_t i = 0; i < levels.size();) {
-            const uint32_t kind = random() % 4;
-            for (uint32_t n = 1 + random() % 30; n > 0 && i < levels.size(); --n)
-                levels[i++] = kind == 0 ? 0 : kind == 1 ? 255 : static_cast<uint8_t>(random());
-        }
-    }
-
-    std::vector<uint8_t> levels;
-    MMMask mask;
-};
 
 std::array<Fixed, 4> boundsOf(const MMContext2D& c)
 {
