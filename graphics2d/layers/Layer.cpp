@@ -5,7 +5,7 @@
 #include "graphics2d/OutOfMemory.h"
 #include "graphics2d/Redirection.h"
 #include "graphics2d/layers/BlendRow.h"
-#include "graphics2d/masks/MaskedStrip.h"
+#include "graphics2d/masks/LevelBlending.h"
 #include "graphics2d/strips/Blending.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "graphics2d/masks/MaskedGlyph.h"
 
-#include "graphics2d/masks/MaskedStrip.h"
+#include "graphics2d/masks/LevelBlending.h"
 
 namespace KAVO {
 namespace Graphics2D {

@@ -31,20 +31,9 @@ inline bool usesMasks(const MMContext2D& context)
 StripFiller maskedSpanFiller(const MMContext2D& context);
 StripFiller maskedEdgeFiller(const MMContext2D& context);
 
-// Moves count pixels toward others by the levels / 255, rounded once.
-void moveByLevels(Pixel* pixels, const Pixel* drawn, const uint8_t* levels, int32_t count);
-
-// A share of an 8.8 coverage, by a level, rounded.
-inline uint32_t shareOfLevel(uint32_t coverage, uint32_t level)
-{
-    return (coverage * level + 127) / 255;
-}
-
-// Draws an 8.8 coverage, up to 255.0, over a level: the one rounding of all that is in it.
-inline void addLevel(uint8_t& level, uint32_t coverage)
-{
-    level = static_cast<uint8_t>(level + ((255u - level) * coverage + 0x7F80) / 0xFF00);
-}
+// The same into a mask.
+void drawSpanIntoMask(MMContext2D& context);
+void drawRunIntoMask(MMContext2D& context);
 
 } // namespace Graphics2D
 } // namespace KAVO

@@ -4,6 +4,7 @@
 
 #include "graphics2d/OutOfMemory.h"
 #include "graphics2d/masks/MaskedGlyph.h"
+#include "graphics2d/masks/LevelBlending.h"
 #include "graphics2d/masks/MaskedStrip.h"
 #include "graphics2d/strips/Blending.h"
 #include "memory/ScratchArray.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Drawing through a mask, held to what is drawn without one, and into a mask, held to the alpha of
 // what is drawn onto cleared pixels.
+#include "graphics2d/masks/LevelBlending.h"
 #include "graphics2d/masks/MMMaskSetup.h"
-#include "graphics2d/masks/MaskedStrip.h"
 #include "tests/graphics2d/masks/LevelledMask.h"
 #include "tests/pictures/Scenes.h"
 

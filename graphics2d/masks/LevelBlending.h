@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+// Pixels weighed by the levels of a mask. Internal.
+#pragma once
+
+#include "graphics2d/MMContext2D.h"
+#include "graphics2d/strips/Blending.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+constexpr uint32_t kWholeLevel = 255;
+
+// A colour's source pixel and its opacity, 8.8.
+struct Tint {
+    explicit Tint(const MMContext2D& context)
+        : source(context.currentPaint.paintColour),
+          opacity(static_cast<uint16_t>(context.currentPaint.paintOpacity << 8))
+    {
+        if (context.refined == 0) return;
+        opacity = opacityWith(context.currentPaint.paintOpacity, source >> 24);
+        source |= kOpaque;
+    }
+
+    Pixel source;
+    uint16_t opacity;
+};
+
+// Blends a colour over count pixels by its opacity and the levels.
+void tintByLevels(Pixel* pixels, const Tint& tint, const uint8_t* levels, int32_t count);
+
+// Moves count pixels toward others by the levels / 255, rounded once.
+void moveByLevels(Pixel* pixels, const Pixel* drawn, const uint8_t* levels, int32_t count);
+
+// A share of an 8.8 coverage, or of a level, by a level, rounded.
+inline uint32_t shareOfLevel(uint32_t coverage, uint32_t level)
+{
+    return (coverage * level + 127) / kWholeLevel;
+}
+
+// Draws an 8.8 coverage, up to 255.0, over a level: the one rounding of all that is in it.
+inline void addLevel(uint8_t& level, uint32_t coverage)
+{
+    level = static_cast<uint8_t>(level + ((255u - level) * coverage + 0x7F80) / 0xFF00);
+}
+
+} // namespace Graphics2D
+} // namespace KAVO
