@@ -39,8 +39,18 @@ const uint8_t* levelsOf(const MMMask* a, const MMMask* b, int32_t row, int32_t f
     const uint8_t* const one = maskRow(*a, row) + first;
     const uint8_t* const other = maskRow(*b, row) + first;
     for (int32_t i = 0; i < count; ++i)
-        levels[i] = static_cast<uint8_t>((one[i] * other[i] + 127) / 255);
+        levels[i] = static_cast<uint8_t>(shareOfLevel(one[i], other[i]));
     return levels;
+}
+
+// Draws the alphas of a layer's pixels over the levels of a mask, as far as other levels let them.
+void addAlphas(uint8_t* to, const Pixel* drawn, const uint8_t* levels, uint32_t opacity,
+               int32_t count)
+{
+    for (int32_t i = 0; i < count; ++i) {
+        const uint32_t coverage = opacityWith(opacity, drawn[i] >> 24);
+        addLevel(to[i], levels != nullptr ? shareOfLevel(coverage, levels[i]) : coverage);
+    }
 }
 
 } // namespace
@@ -158,17 +168,12 @@ void MMLayer::composeRow(int32_t row, int32_t first, int32_t end)
         const int32_t count = next - first;
         const uint8_t* const levels =
             levelsOf(clipMask_, options_.mask, row, first, count, combined);
-        if (maskTarget_ != nullptr) {
-            uint8_t* const to = maskRow(*maskTarget_, row) + first;
-            for (int32_t i = 0; i < count; ++i) {
-                const uint32_t coverage =
-                    opacityWith(options_.opacity, drawn[first - left() + i] >> 24);
-                addLevel(to[i], levels != nullptr ? shareOfLevel(coverage, levels[i]) : coverage);
-            }
-            continue;
-        }
-        blendRow(options_.blendMode, targetRow(target_, row, target_.rowBytes) + first,
-                 drawn + (first - left()), levels, options_.opacity, count);
+        if (maskTarget_ != nullptr)
+            addAlphas(maskRow(*maskTarget_, row) + first, drawn + (first - left()), levels,
+                      options_.opacity, count);
+        else
+            blendRow(options_.blendMode, targetRow(target_, row, target_.rowBytes) + first,
+                     drawn + (first - left()), levels, options_.opacity, count);
     }
 }
 

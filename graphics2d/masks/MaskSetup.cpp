@@ -2,6 +2,7 @@
 #include "graphics2d/masks/MMMaskSetup.h"
 
 #include "graphics2d/Redirection.h"
+#include "graphics2d/masks/LevelBlending.h"
 
 #include <algorithm>
 #include <cstring>
@@ -39,11 +40,6 @@ constexpr uint16_t kLinear[256] = {
 constexpr uint32_t kRedShare = 13933;
 constexpr uint32_t kGreenShare = 46871;
 constexpr uint32_t kBlueShare = 4732;
-
-uint32_t product255(uint32_t a, uint32_t b)
-{
-    return (a * b + 127) / 255;
-}
 
 // Channels are premultiplied, and none counts for more than the alpha.
 struct Premultiplied {
@@ -142,7 +138,7 @@ void intersectMask(const MMMask& mask, const MMMask& other)
     changeLevels(mask, [&](uint8_t level, int32_t column, int32_t row) -> uint8_t {
         if (column < box.left || column >= box.right || row < box.top || row >= box.bottom)
             return 0;
-        return static_cast<uint8_t>(product255(level, maskRow(other, row)[column]));
+        return static_cast<uint8_t>(shareOfLevel(level, maskRow(other, row)[column]));
     });
 }
 
