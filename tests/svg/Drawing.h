@@ -5,6 +5,8 @@
 #include "svg/MMSvgDocument.h"
 #include "svg/images/Picture.h"
 
+#include <algorithm>
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -29,6 +31,17 @@ inline KAVO::Svg::Picture drawn(const std::string& svg, int width, int height,
     KAVO::Svg::MMSvgDocument document;
     EXPECT_TRUE(document.loadBytes(svg)) << document.problem() << " in " << svg;
     return drawn(document, width, height, ground);
+}
+
+// Of colours, in levels.
+inline int worstDifference(const KAVO::Svg::Picture& a, const KAVO::Svg::Picture& b)
+{
+    int worst = 0;
+    for (size_t i = 0; i < a.pixels.size(); ++i)
+        for (int shift = 0; shift < 24; shift += 8)
+            worst = std::max(worst, std::abs(static_cast<int>(a.pixels[i] >> shift & 255) -
+                                             static_cast<int>(b.pixels[i] >> shift & 255)));
+    return worst;
 }
 
 inline bool lacks(const KAVO::Svg::MMSvgDocument& document, const std::string& what)

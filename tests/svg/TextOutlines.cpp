@@ -58,16 +58,6 @@ struct Stem {
     }
 };
 
-int worstDifference(const Picture& a, const Picture& b)
-{
-    int worst = 0;
-    for (size_t i = 0; i < a.pixels.size(); ++i)
-        for (int shift = 0; shift < 24; shift += 8)
-            worst = std::max(worst, std::abs(static_cast<int>(a.pixels[i] >> shift & 255) -
-                                             static_cast<int>(b.pixels[i] >> shift & 255)));
-    return worst;
-}
-
 TEST_F(SvgTextOutlines, AreShapes)
 {
     // The letter is 201 to 403 units wide, 1493 high, and 604 to the next one. Bold adds a tenth of

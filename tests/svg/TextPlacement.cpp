@@ -125,16 +125,6 @@ TEST_F(SvgTextDrawing, TurnedCharactersStandWhereUprightOnesDo)
     }
 }
 
-int worstDifference(const Picture& a, const Picture& b)
-{
-    int worst = 0;
-    for (size_t i = 0; i < a.pixels.size(); ++i)
-        for (int shift = 0; shift < 24; shift += 8)
-            worst = std::max(worst, std::abs(static_cast<int>(a.pixels[i] >> shift & 255) -
-                                             static_cast<int>(b.pixels[i] >> shift & 255)));
-    return worst;
-}
-
 TEST_F(SvgTextDrawing, LettersStandApartBySpacing)
 {
     const auto text = [](const char* spacing) {
