@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What is drawn aside first: groups with an opacity or a blend mode, and what clip paths and masks
 // cut.
-#include "graphics2d/layers/MMLayer.h"
 #include "svg/document/References.h"
 #include "svg/render/ClipGuard.h"
 #include "svg/render/Renderer.h"
@@ -35,15 +34,16 @@ int visibleChildren(pugi::xml_node node)
 
 } // namespace
 
-// Levels for the clip rectangle as it is.
+// Levels of the pixels in the clip rectangle as it is.
 class Renderer::Coverage {
 public:
-    explicit Coverage(const MMContext2D& context)
+    explicit Coverage(const MMContext2D& context, uint8_t level = 0)
         : levels_(static_cast<size_t>(std::max(0, context.clipRight - context.clipLeft)) *
                   static_cast<size_t>(std::max(0, context.clipBottom - context.clipTop))),
           mask_(makeMask(levels_.data(), context.clipLeft, context.clipTop, context.clipRight,
                          context.clipBottom))
     {
+        fillMask(mask_, level);
     }
     Coverage(const Coverage&) = delete;
     Coverage& operator=(const Coverage&) = delete;
@@ -51,8 +51,6 @@ public:
     const MMMask& mask() const { return mask_; }
     // While picking, the rectangle is a single pixel.
     bool coversPick() const { return !levels_.empty() && levels_[0] >= 128; }
-
-    void setWhole() { fillMask(mask_, 255); }
 
     // Keeps what draw() covers.
     template <class Function>
@@ -82,6 +80,17 @@ private:
     MMMask mask_;
 };
 
+template <class Function>
+void Renderer::drawInLayer(const MMLayerOptions& options, Function draw)
+{
+    ++layers_;
+    {
+        const MMLayer layer(context_, options);
+        draw();
+    }
+    --layers_;
+}
+
 // A box that lies square on the pixels needs no more than the context's clip rectangle.
 void Renderer::drawInside(const Box& box, const Affine& toDevice, const std::function<void()>& draw)
 {
@@ -94,8 +103,7 @@ void Renderer::drawInside(const Box& box, const Affine& toDevice, const std::fun
         draw();
         return;
     }
-    Coverage coverage(context_);
-    coverage.setWhole();
+    Coverage coverage(context_, 255);
     coverage.cutTo(context_, [&] { coverBox(box, toDevice); });
     if (session_.pick) {
         if (coverage.coversPick()) draw();
@@ -103,12 +111,7 @@ void Renderer::drawInside(const Box& box, const Affine& toDevice, const std::fun
     }
     MMLayerOptions options;
     options.mask = &coverage.mask();
-    ++layers_;
-    {
-        const MMLayer layer(context_, options);
-        draw();
-    }
-    --layers_;
+    drawInLayer(options, draw);
 }
 
 void Renderer::coverBox(const Box& box, const Affine& toDevice)
@@ -186,8 +189,7 @@ void Renderer::drawLayered(pugi::xml_node node, const Properties& properties, co
     if (context_.clipLeft >= context_.clipRight || context_.clipTop >= context_.clipBottom) return;
     std::optional<Coverage> coverage;
     if (clip || mask) {
-        coverage.emplace(context_);
-        coverage->setWhole();
+        coverage.emplace(context_, 255);
         options.mask = &coverage->mask();
     }
     if (clip && !coverByClip(clip, state, bounds, *coverage)) return;
@@ -199,12 +201,7 @@ void Renderer::drawLayered(pugi::xml_node node, const Properties& properties, co
 
     State inner = state;
     inner.style.opacity = 1;
-    ++layers_;
-    {
-        const MMLayer layer(context_, options);
-        drawFiltered(node, properties, inner, content);
-    }
-    --layers_;
+    drawInLayer(options, [&] { drawFiltered(node, properties, inner, content); });
 }
 
 pugi::xml_node Renderer::referenced(pugi::xml_node node, std::string_view value,

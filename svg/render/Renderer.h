@@ -2,7 +2,7 @@
 // Draws an SVG document through a context.
 #pragma once
 
-#include "graphics2d/MMContext2D.h"
+#include "graphics2d/layers/MMLayer.h"
 #include "svg/document/SvgDocument.h"
 #include "svg/geometry/PathEncoder.h"
 #include "svg/geometry/Shapes.h"
@@ -109,6 +109,8 @@ private:
 
     // --- Layers.cpp
     class Coverage;
+    template <class Function>
+    void drawInLayer(const Graphics2D::MMLayerOptions& options, Function draw);
     // What draws nothing outside of a box of some space.
     void drawInside(const Box& box, const Affine& toDevice, const std::function<void()>& draw);
     void coverBox(const Box& box, const Affine& toDevice);
