@@ -3,8 +3,8 @@
 #include "graphics2d/text/GlyphCompositor.h"
 
 #include "graphics2d/OutOfMemory.h"
-#include "graphics2d/masks/MaskedGlyph.h"
 #include "graphics2d/masks/LevelBlending.h"
+#include "graphics2d/masks/MaskedGlyph.h"
 #include "graphics2d/masks/MaskedStrip.h"
 #include "graphics2d/strips/Blending.h"
 #include "memory/ScratchArray.h"

@@ -4,6 +4,7 @@
 #include "svg/document/References.h"
 #include "svg/filters/FilterBuilder.h"
 #include "svg/render/PictureDrawing.h"
+#include "svg/render/PicturePixmap.h"
 #include "svg/values/TextScanner.h"
 
 #include <cmath>
@@ -184,10 +185,8 @@ bool Renderer::drawThroughFilters(pugi::xml_node node, const Properties& propert
         return false;
     }
     if (result->area().empty()) return true;
-    Picture picture = result->picture();
-    const auto width = static_cast<uint16_t>(picture.width);
-    const auto height = static_cast<uint16_t>(picture.height);
-    const MMPixmap pixmap = {width, height, width * 4u, 0, picture.pixels.data(), 1};
+    const Picture picture = result->picture();
+    const MMPixmap pixmap = pixmapOf(picture, true);
     context_.patternFilter = kFilterNearest;
     context_.imageOpacity = 255;
     context_.transform = {kFixedOne,
@@ -197,7 +196,7 @@ bool Renderer::drawThroughFilters(pugi::xml_node node, const Properties& propert
                           result->area().left * kFixedOne,
                           result->area().top * kFixedOne};
     clearBounds();
-    context_.drawImage(&pixmap, 0, 0, width * kFixedOne, height * kFixedOne, 0);
+    context_.drawImage(&pixmap, 0, 0, fixFromInt(picture.width), fixFromInt(picture.height), 0);
     uniteBounds();
     return true;
 }

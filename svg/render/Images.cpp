@@ -3,6 +3,7 @@
 #include "graphics2d/ImageReduction.h"
 #include "svg/document/References.h"
 #include "svg/geometry/ViewBox.h"
+#include "svg/render/PicturePixmap.h"
 #include "svg/render/Renderer.h"
 #include "svg/values/TextScanner.h"
 
@@ -16,17 +17,9 @@ using namespace Graphics2D;
 
 namespace {
 
-MMPixmap pixmapOf(const Picture& picture)
-{
-    const auto width = static_cast<uint16_t>(picture.width);
-    const auto height = static_cast<uint16_t>(picture.height);
-    return {width,           height, width * 4u, 0, const_cast<Pixel*>(picture.pixels.data()),
-            picture.hasAlpha};
-}
-
 Picture halfOf(const Picture& picture)
 {
-    MMPixmap pixmap = pixmapOf(picture);
+    MMPixmap pixmap = pixmapOf(picture, picture.hasAlpha);
     Matrix2D once = {kFixedHalf, 0, 0, kFixedHalf, 0, 0};
     Picture half((picture.width + 1) / 2, (picture.height + 1) / 2, 0);
     half.hasAlpha = picture.hasAlpha;
@@ -39,7 +32,8 @@ Picture halfOf(const Picture& picture)
 MMPixmap reduced(const LoadedImage& image, Matrix2D& transform, double& texelSize)
 {
     const Picture* picture = &image.picture;
-    for (size_t i = 0; reducedImageRoom(pixmapOf(*picture), transform) > 0; ++i) {
+    for (size_t i = 0; reducedImageRoom(pixmapOf(*picture, picture->hasAlpha), transform) > 0;
+         ++i) {
         if (i == image.halves.size()) {
             Picture half = halfOf(*picture);
             image.halves.push_back(std::move(half));
@@ -49,7 +43,7 @@ MMPixmap reduced(const LoadedImage& image, Matrix2D& transform, double& texelSiz
         for (Fixed* element : {&transform.a, &transform.b, &transform.c, &transform.d})
             *element *= 2; // below half of their range
     }
-    return pixmapOf(*picture);
+    return pixmapOf(*picture, picture->hasAlpha);
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "svg/document/References.h"
 #include "svg/geometry/ViewBox.h"
 #include "svg/render/PictureDrawing.h"
+#include "svg/render/PicturePixmap.h"
 #include "svg/render/TileSampling.h"
 #include "svg/values/TransformParser.h"
 
@@ -199,10 +200,7 @@ bool Renderer::setTiles(MMPaint& paint, Picture& tiles, pugi::xml_node pattern, 
         drawTiles(tiling, range, tileState, area, tiles);
     }
     separateAlpha(tiles);
-    const auto pixmapWidth = static_cast<uint16_t>(tiles.width);
-    const auto pixmapHeight = static_cast<uint16_t>(tiles.height);
-    const MMPixmap pixmap = {pixmapWidth, pixmapHeight,        pixmapWidth * 4u,
-                             0,           tiles.pixels.data(), 1};
+    const MMPixmap pixmap = pixmapOf(tiles, true);
     setPattern(paint, pixmap, kIdentityMatrix, kFilterNearest, true);
     return true;
 }

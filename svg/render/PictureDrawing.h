@@ -3,6 +3,7 @@
 #pragma once
 
 #include "svg/geometry/PixelArea.h"
+#include "svg/render/PicturePixmap.h"
 #include "svg/render/Renderer.h"
 
 namespace KAVO {
@@ -16,9 +17,7 @@ public:
         : outer_(outer), drawn_(outer.session_.bounds),
           renderer_(outer.document_, context_, outer.session_, outer.report_)
     {
-        const auto width = static_cast<uint16_t>(picture.width);
-        const auto height = static_cast<uint16_t>(picture.height);
-        context_.target = {width, height, width * 4u, 0, picture.pixels.data(), 0};
+        context_.target = pixmapOf(picture, false);
         context_.antiAlias = outer.context_.antiAlias;
         context_.accumulateBounds = 1;
         context_.refined = 1;
