@@ -61,7 +61,8 @@ enum MMCapStyle : uint8_t { kCapButt = 0, kCapRound = 1, kCapSquare = 2 };
 enum MMFillRule : uint8_t { kFillNonZero = 0, kFillEvenOdd = 1 };
 enum MMPatternFilter : uint8_t { kFilterNearest = 0, kFilterBilinear = 1, kFilterBicubic = 2 };
 
-// Values of MMContext2D::fontStyle and textAnchor. Both slanted styles are the same shear.
+// Values of MMContext2D::fontStyle and textAnchor. Both slanted styles are the same shear, by 20
+// degrees: along the rows of pixels, by the refined rules along the baseline.
 enum MMFontStyle : uint32_t { kFontUpright = 0, kFontItalic = 1, kFontOblique = 2 };
 enum MMTextAnchor : uint32_t { kAnchorStart = 0, kAnchorMiddle = 1, kAnchorEnd = 2 };
 

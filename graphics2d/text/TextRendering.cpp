@@ -20,12 +20,17 @@ namespace {
 constexpr Fixed kSlantTangent = 23853; // tan 20 degrees
 constexpr uint16_t kSoftHyphen = 0x00AD;
 
-// From the em square, y down, to device pixels, without translation.
+// From the em square, y down, to device pixels, without translation. Classic italics are slanted
+// along the rows of pixels, refined ones along their baseline, wherever that leads.
 LinearPart glyphMatrixOf(const MMContext2D& context, const Matrix2D& t)
 {
     const Fixed size = context.fontSize;
     LinearPart m = {fixMul(size, t.a), fixMul(size, t.b), fixMul(size, t.c), fixMul(size, t.d)};
-    if (context.fontStyle == kFontItalic || context.fontStyle == kFontOblique) {
+    if (context.fontStyle != kFontItalic && context.fontStyle != kFontOblique) return m;
+    if (context.refined != 0) {
+        m.c = wrapSub(m.c, fixMul(m.a, kSlantTangent));
+        m.d = wrapSub(m.d, fixMul(m.b, kSlantTangent));
+    } else {
         m.a = wrapSub(m.a, fixMul(m.b, kSlantTangent));
         m.c = wrapSub(m.c, fixMul(m.d, kSlantTangent));
     }

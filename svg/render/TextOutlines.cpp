@@ -15,19 +15,6 @@ constexpr uint16_t kSoftHyphen = 0x00AD;
 // not so many that a shape could become as large as the document wants.
 constexpr size_t kMostSegments = 1 << 14;
 
-// From a run's own space to where its glyphs lie in it. The library slants them along the rows of
-// pixels, whichever way the text runs, and their advances too.
-Affine slantOf(const Style& style, const Affine& toDevice)
-{
-    const std::optional<Affine> back = toDevice.inverse();
-    if (!style.slanted || !back) return Affine();
-    Affine slant = *back * Affine{1, 0, -kSlantTangent, 1, 0, 0} * toDevice;
-    const Point origin = slant.map({0, 0}); // which stays where it is
-    slant.e -= origin.x;
-    slant.f -= origin.y;
-    return slant;
-}
-
 } // namespace
 
 // Whether text is painted with what bitmaps of glyphs cannot have.
@@ -65,8 +52,8 @@ void Renderer::drawOutlinedRuns(const std::vector<TextRun>& runs, size_t first, 
     Outline outline;
     for (size_t i = first; i < end; ++i) {
         const Affine toUser = runs[i].toUser();
-        const Affine place = toUser * slantOf(style, state.toDevice * toUser) *
-                             Affine{style.fontSize, 0, 0, style.fontSize, 0, 0};
+        const double slant = style.slanted ? -kSlantTangent * style.fontSize : 0;
+        const Affine place = toUser * Affine{style.fontSize, 0, slant, style.fontSize, 0, 0};
         double pen = 0; // ems
         for (const uint16_t character : runs[i].text) {
             if (character == kSoftHyphen) continue;

@@ -95,10 +95,6 @@ TEST_F(SvgTextOutlines, AreShapes)
     for (const char* transform : {"scale(1)", "translate(20) scale(1.2 .8)", "rotate(-10)"})
         for (const auto& letter : letters)
             for (const char* paint : paints) {
-                // The library slants along the rows of pixels.
-                if (transform != std::string("scale(1)") &&
-                    letter.font == std::string("font-style='italic'"))
-                    continue;
                 const std::string where = std::string("transform='") + transform + "' ";
                 SCOPED_TRACE(where + letter.font + letter.text + paint);
                 MMSvgDocument document;

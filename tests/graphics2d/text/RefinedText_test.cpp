@@ -152,6 +152,28 @@ TEST(RefinedText, InkIsTheSumOfTheGlyphImages)
     }
 }
 
+// Of the em's corner (x, y), y down, leaning takes tan 20 degrees of y off x before the transform;
+// the engine's y is up.
+TEST(RefinedText, ItalicsLeanAlongTheirBaseline)
+{
+    std::mt19937 random(9);
+    constexpr double kTangent = 0.36397;
+    for (int round = 0; round < 100; ++round) {
+        RefinedScene scene(10);
+        MMContext2D& c = scene.context;
+        c.transform = someTransform(random);
+        c.fontStyle = round % 2 == 0 ? kFontItalic : kFontOblique;
+        c.fontSize = 10_fx;
+        scene.draw(u"a", 0, 0);
+        const Matrix2D& t = c.transform;
+        SCOPED_TRACE(testing::Message() << t.a << " " << t.b << " " << t.c << " " << t.d);
+        EXPECT_NEAR(fakeFontEngine.scale.xx, 10.0 * t.a, 10);
+        EXPECT_NEAR(fakeFontEngine.scale.yx, -10.0 * t.b, 10);
+        EXPECT_NEAR(fakeFontEngine.scale.xy, -10 * (t.c - kTangent * t.a), 60);
+        EXPECT_NEAR(fakeFontEngine.scale.yy, 10 * (t.d - kTangent * t.b), 60);
+    }
+}
+
 TEST(RefinedText, OneCallAndSixtyEndAtTheSamePlace)
 {
     std::mt19937 random(10);
