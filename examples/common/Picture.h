@@ -34,6 +34,7 @@ constexpr int kLargestSide = 8192;
 // Each returns an empty string, or what went wrong.
 std::string readPng(const std::string& fileName, Picture& picture);
 std::string readPng(const uint8_t* data, size_t size, Picture& picture);
+// Without alpha where all pixels are opaque. A file that cannot be written whole is removed.
 std::string writePng(const std::string& fileName, const Picture& picture);
 
 // The alpha of a picture that was drawn into means nothing: paints mix it like a colour. Drawing
