@@ -185,6 +185,7 @@ std::string MMSvgDocument::elementAt(const Placement& place, double x, double y)
     context.clipLeft = context.clipTop = kMiddle;
     context.clipRight = kMiddle + 2; // spans lie half a pixel to the right
     context.clipBottom = kMiddle + 1;
+    context.refined = 1;
     context.pickX = toFixed(x - left) + kFixedHalf;
     context.pickY = kMiddle * kFixedOne;
     Session session(*parts_->document);

@@ -8,7 +8,8 @@ using namespace Graphics2D;
 
 namespace {
 
-constexpr double kTolerance = 1.0 / 16; // pixels between a curve and the chord that replaces it
+// Of a curve that reaches too far: pixels between a piece and its chord.
+constexpr double kTolerance = 1.0 / 16;
 constexpr double kMostPieces = 64;
 
 class Encoder {
@@ -20,6 +21,7 @@ public:
     MMPathBuilder path;
 
 private:
+    int piecesOf(Point p0, Point c1, Point c2, Point p3) const;
     void addCurve(Point p0, Point c1, Point c2, Point p3);
 
     const PathSpace& space_;
@@ -27,17 +29,24 @@ private:
     std::optional<MMPoint2D> start_; // of a subpath that has no segment yet: it may get none
 };
 
-// A curve stays within an eighth of its largest second derivative of its chord, and cutting it into
-// n equal pieces divides that by n * n.
-void Encoder::addCurve(Point p0, Point c1, Point c2, Point p3)
+// The library flattens curves as finely as the picture needs. One with points out of its reach is
+// cut before, so that what is near keeps its shape. A curve stays within an eighth of its largest
+// second derivative of its chord, and cutting it into n equal pieces divides that by n * n.
+int Encoder::piecesOf(Point p0, Point c1, Point c2, Point p3) const
 {
+    if (space_.reaches(p0) && space_.reaches(c1) && space_.reaches(c2) && space_.reaches(p3))
+        return 1;
     const Point bend1 = p0 - c1 * 2 + c2;
     const Point bend2 = c1 - c2 * 2 + p3;
     const double bend =
         std::max(std::hypot(bend1.x, bend1.y), std::hypot(bend2.x, bend2.y)) * space_.pixelSize;
-    const int pieces = static_cast<int>(
+    return static_cast<int>(
         std::clamp(std::ceil(std::sqrt(0.75 * bend / kTolerance)), 1.0, kMostPieces));
-    for (int left = pieces; left > 0; --left) {
+}
+
+void Encoder::addCurve(Point p0, Point c1, Point c2, Point p3)
+{
+    for (int left = piecesOf(p0, c1, c2, p3); left > 0; --left) {
         const double t = 1.0 / left; // the first of the pieces that are left
         const Point a = p0 + (c1 - p0) * t;
         const Point b = c1 + (c2 - c1) * t;
@@ -121,6 +130,12 @@ MMPoint2D PathSpace::point(Point user) const
     const Point p = (user - origin) * scale;
     const auto held = [](double v) { return toFixed(std::max(-kReach, std::min(kReach, v))); };
     return {held(p.x), held(p.y)};
+}
+
+bool PathSpace::reaches(Point user) const
+{
+    const Point p = (user - origin) * scale;
+    return std::fabs(p.x) <= kReach && std::fabs(p.y) <= kReach;
 }
 
 MMPathBuilder encodePath(const Outline& outline, const PathSpace& space)

@@ -35,10 +35,10 @@ struct PathSpace {
 
     Fixed length(double userLength) const;
     MMPoint2D point(Point user) const;
+    bool reaches(Point user) const; // so that it is not held nearer
 };
 
-// An outline as the library draws it. Curves are cut beforehand where the library's own
-// flattening, which allows about a pixel of area, would show.
+// An outline as the library draws it.
 Graphics2D::MMPathBuilder encodePath(const Outline& outline, const PathSpace& space);
 
 } // namespace Svg
