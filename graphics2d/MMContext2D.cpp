@@ -2,6 +2,8 @@
 // Construction and destruction of the drawing context.
 #include "graphics2d/MMContext2D.h"
 
+#include "graphics2d/LevelTable.h"
+
 #include <cstdlib>
 #include <cstring>
 
@@ -50,6 +52,7 @@ MMContext2D::MMContext2D()
     reservedFlag = 1;
     target.backgroundColour = 0xFFFFFFFF;
     pointStep = 1;
+    level = chooseLevel();
     initFontLib();
     updateFont();
     createLayoutManager();

@@ -74,6 +74,8 @@ constexpr uint16_t kScratchExhausted = 1;
 constexpr Fixed kEmptyBoundsMin = 0x7FFFFFFF;
 constexpr Fixed kEmptyBoundsMax = -0x7FFFFFFF;
 
+struct LevelTable;
+
 #pragma GCC visibility push(default)
 
 class MMContext2D {
@@ -455,6 +457,11 @@ public:
     MMMask* maskTarget;
 
     const MMLayerSurface* layer; // INNER: where the innermost MMLayer is drawn
+
+    // INNER: the drawing code of the processor's level, chosen by the constructor: the widest that
+    // the processor has, with the same pixels at each. The environment variable MM2D_LEVEL may name
+    // another, "base", "avx2" or "neon"; one that is not there counts as not named.
+    const LevelTable* level;
 };
 
 // Turns every run of tabs, line ends and spaces into one space, also at both ends; dst may be src.

@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: MIT
-// Where an x86 processor has AVX2, eight pixels at a time go through registers of twice the width,
-// with the same results.
+// With AVX2 eight pixels at a time go through registers of twice the width, with the same results.
 #include "graphics2d/masks/LevelBlending.h"
 
 #include <algorithm>
 #include <cstring>
 
-#if defined(__x86_64__)
+#if defined(__AVX2__)
 #include <immintrin.h>
 #endif
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 namespace {
 
@@ -42,15 +42,15 @@ void tintEight(Pixel* pixels, U16x8 weights, U16x8 source)
     four(pixels + 4, high);
 }
 
-#if defined(__x86_64__)
-[[gnu::target("avx2")]] inline __m256i moveByWeight(__m256i from, __m256i to, __m256i weight)
+#if defined(__AVX2__)
+inline __m256i moveByWeight(__m256i from, __m256i to, __m256i weight)
 {
     const __m256i start = _mm256_or_si256(_mm256_slli_epi16(from, 8), _mm256_set1_epi16(128));
     const __m256i way = _mm256_mullo_epi16(_mm256_sub_epi16(to, from), weight);
     return _mm256_srli_epi16(_mm256_add_epi16(start, way), 8);
 }
 
-[[gnu::target("avx2")]] inline __m256i moveByLevel(__m256i from, __m256i to, __m256i level)
+inline __m256i moveByLevel(__m256i from, __m256i to, __m256i level)
 {
     const __m256i rest = _mm256_mullo_epi16(from, _mm256_sub_epi16(_mm256_set1_epi16(255), level));
     const __m256i sum = _mm256_add_epi16(_mm256_add_epi16(rest, _mm256_mullo_epi16(to, level)),
@@ -59,8 +59,7 @@ void tintEight(Pixel* pixels, U16x8 weights, U16x8 source)
 }
 
 // tintEight for as many eights as there are; returns the index of the rest.
-[[gnu::target("avx2")]] int32_t tintEights(Pixel* pixels, const Tint& tint, const uint8_t* levels,
-                                           int32_t count)
+int32_t tintEights(Pixel* pixels, Tint tint, const uint8_t* levels, int32_t count)
 {
     const __m256i zero = _mm256_setzero_si256();
     const __m256i colour =
@@ -90,8 +89,7 @@ void tintEight(Pixel* pixels, U16x8 weights, U16x8 source)
 }
 
 // moveByLevels likewise.
-[[gnu::target("avx2")]] int32_t moveEights(Pixel* pixels, const Pixel* drawn, const uint8_t* levels,
-                                           int32_t count)
+int32_t moveEights(Pixel* pixels, const Pixel* drawn, const uint8_t* levels, int32_t count)
 {
     const __m256i zero = _mm256_setzero_si256();
     const __m256i spread = _mm256_setr_epi8(0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3, 4, 4, 4,
@@ -117,7 +115,7 @@ void tintEight(Pixel* pixels, U16x8 weights, U16x8 source)
 
 } // namespace
 
-void tintByLevels(Pixel* pixels, const Tint& tint, const uint8_t* levels, int32_t count)
+void tintByLevels(Pixel* pixels, Tint tint, const uint8_t* levels, int32_t count)
 {
     const U16x8 source = widenLow(all4(tint.source));
     const U16x8 opacity = all8(tint.opacity);
@@ -125,8 +123,8 @@ void tintByLevels(Pixel* pixels, const Tint& tint, const uint8_t* levels, int32_
         return refinedWeights(widenLevels(eight) << 8, opacity);
     };
     int32_t i = 0;
-#if defined(__x86_64__)
-    if (__builtin_cpu_supports("avx2")) i = tintEights(pixels, tint, levels, count);
+#if defined(__AVX2__)
+    i = tintEights(pixels, tint, levels, count);
 #endif
     for (; i + kLane <= count; i += kLane)
         tintEight(pixels + i, weightsOf(levels + i), source);
@@ -158,8 +156,8 @@ void moveByLevels(Pixel* pixels, const Pixel* drawn, const uint8_t* levels, int3
                                    moved(widenHigh(old), widenHigh(drawn4), widenHigh(spread))));
     };
     int32_t i = 0;
-#if defined(__x86_64__)
-    if (__builtin_cpu_supports("avx2")) i = moveEights(pixels, drawn, levels, count);
+#if defined(__AVX2__)
+    i = moveEights(pixels, drawn, levels, count);
 #endif
     for (; i + 4 <= count; i += 4)
         moveFour(pixels + i, drawn + i, levels + i);
@@ -174,5 +172,6 @@ void moveByLevels(Pixel* pixels, const Pixel* drawn, const uint8_t* levels, int3
     std::copy_n(lastPixels, rest, pixels + i);
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

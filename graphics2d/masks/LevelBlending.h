@@ -2,31 +2,26 @@
 // Pixels weighed by the levels of a mask. Internal.
 #pragma once
 
-#include "graphics2d/MMContext2D.h"
+#include "graphics2d/LevelTable.h"
 #include "graphics2d/strips/Blending.h"
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 constexpr uint32_t kWholeLevel = 255;
 
-// A colour's source pixel and its opacity, 8.8.
-struct Tint {
-    explicit Tint(const MMContext2D& context)
-        : source(context.currentPaint.paintColour),
-          opacity(static_cast<uint16_t>(context.currentPaint.paintOpacity << 8))
-    {
-        if (context.refined == 0) return;
-        opacity = opacityWith(context.currentPaint.paintOpacity, source >> 24);
-        source |= kOpaque;
-    }
-
-    Pixel source;
-    uint16_t opacity;
-};
+// The current paint as a colour.
+inline Tint tintOf(const MMContext2D& context)
+{
+    const Pixel colour = context.currentPaint.paintColour;
+    const uint32_t opacity = context.currentPaint.paintOpacity;
+    if (context.refined == 0) return {colour, static_cast<uint16_t>(opacity << 8)};
+    return {colour | kOpaque, opacityWith(opacity, colour >> 24)};
+}
 
 // Blends a colour over count pixels by its opacity and the levels.
-void tintByLevels(Pixel* pixels, const Tint& tint, const uint8_t* levels, int32_t count);
+void tintByLevels(Pixel* pixels, Tint tint, const uint8_t* levels, int32_t count);
 
 // Moves count pixels toward others by the levels / 255, rounded once.
 void moveByLevels(Pixel* pixels, const Pixel* drawn, const uint8_t* levels, int32_t count);
@@ -43,5 +38,6 @@ inline void addLevel(uint8_t& level, uint32_t coverage)
     level = static_cast<uint8_t>(level + ((255u - level) * coverage + 0x7F80) / 0xFF00);
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

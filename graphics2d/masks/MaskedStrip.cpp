@@ -137,7 +137,7 @@ void drawThroughCopy(MMContext2D& context, PartOfSpan& part, int32_t first, int3
     part.drawInto(copy, first);
     draw();
     part.drawIntoTarget();
-    moveByLevels(pixels, copy, levels + first, count);
+    context.level->moveByLevels(pixels, copy, levels + first, count);
 }
 
 void invertByLevels(Pixel* pixels, Pixel colour, const uint8_t* levels, int32_t count)
@@ -152,7 +152,8 @@ void drawMixture(MMContext2D& context, const SpanFiller& paint, PartOfSpan& part
 {
     switch (context.currentPaint.paintType) {
     case kPaintSolid:
-        return tintByLevels(part.at(first), Tint(context), levels + first, end - first);
+        return context.level->tintByLevels(part.at(first), tintOf(context), levels + first,
+                                           end - first);
     case kPaintXOR:
         return invertByLevels(part.at(first), context.currentPaint.paintColour, levels + first,
                               end - first);

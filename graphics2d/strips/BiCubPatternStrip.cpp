@@ -9,10 +9,12 @@
 // colour for the weight, and moves the target's alpha toward 255.
 #include "graphics2d/strips/CubicWeights.h"
 #include "graphics2d/strips/PatternSampling.h"
+#include "graphics2d/strips/StripFillers.h"
 #include "math/FixedInline.h"
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 namespace {
 
@@ -210,19 +212,20 @@ constexpr PatternFilter kBicubic = {
 
 } // namespace
 
-void MMContext2D::drawBiCubPatternStrip()
+void drawBicubicPattern(MMContext2D& context)
 {
-    if (refined != 0) return drawRefinedPattern(*this, kBicubic, false);
-    PatternWalk walk = PatternWalk::fromCorner(*this);
-    drawPattern(*this, walk, kBicubic);
+    if (context.refined != 0) return drawRefinedPattern(context, kBicubic, false);
+    PatternWalk walk = PatternWalk::fromCorner(context);
+    drawPattern(context, walk, kBicubic);
 }
 
-void MMContext2D::drawBiCubPatternTStrip()
+void drawTranslucentBicubicPattern(MMContext2D& context)
 {
-    if (refined != 0) return drawRefinedPattern(*this, kBicubic, true);
-    PatternWalk walk = PatternWalk::fromCorner(*this);
-    drawTranslucentPattern(*this, walk, kBicubic);
+    if (context.refined != 0) return drawRefinedPattern(context, kBicubic, true);
+    PatternWalk walk = PatternWalk::fromCorner(context);
+    drawTranslucentPattern(context, walk, kBicubic);
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

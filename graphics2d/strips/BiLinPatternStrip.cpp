@@ -7,9 +7,11 @@
 // centre. Four texels are interpolated first along the rows, then across, all channels alike. The
 // weights are the top eight bits of the coordinates' fractions.
 #include "graphics2d/strips/PatternSampling.h"
+#include "graphics2d/strips/StripFillers.h"
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 namespace {
 
@@ -244,19 +246,20 @@ constexpr PatternFilter kBilinear = {
 
 } // namespace
 
-void MMContext2D::drawBiLinPatternStrip()
+void drawBilinearPattern(MMContext2D& context)
 {
-    if (refined != 0) return drawRefinedPattern(*this, kBilinear, false);
-    PatternWalk walk = PatternWalk::fromCorner(*this);
-    drawPattern(*this, walk, kBilinear);
+    if (context.refined != 0) return drawRefinedPattern(context, kBilinear, false);
+    PatternWalk walk = PatternWalk::fromCorner(context);
+    drawPattern(context, walk, kBilinear);
 }
 
-void MMContext2D::drawBiLinPatternTStrip()
+void drawTranslucentBilinearPattern(MMContext2D& context)
 {
-    if (refined != 0) return drawRefinedPattern(*this, kBilinear, true);
-    PatternWalk walk = PatternWalk::fromCorner(*this);
-    drawTranslucentPattern(*this, walk, kBilinear);
+    if (context.refined != 0) return drawRefinedPattern(context, kBilinear, true);
+    PatternWalk walk = PatternWalk::fromCorner(context);
+    drawTranslucentPattern(context, walk, kBilinear);
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

@@ -12,6 +12,7 @@
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 constexpr Pixel kOpaque = 0xFF000000; // the alpha of a pixel that hides its background
 
@@ -225,5 +226,6 @@ inline Pixel blendPixel(Pixel destination, Pixel source, uint32_t weight)
                << 8;
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

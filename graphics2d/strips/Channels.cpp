@@ -4,6 +4,7 @@
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 void packOpaque(const Channels* channels, Pixel* pixels, int32_t count)
 {
@@ -16,5 +17,6 @@ void packOpaque(const Channels* channels, Pixel* pixels, int32_t count)
     }
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

@@ -8,6 +8,7 @@
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 constexpr int32_t kChannelHalf = 0x8000; // added before the byte is taken: rounds to nearest
 
@@ -36,5 +37,6 @@ inline Channels mapChannels(Channels channels, Op op)
 // next multiple of four.
 void packOpaque(const Channels* channels, Pixel* pixels, int32_t count);
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

@@ -4,6 +4,7 @@
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 bool CircleFollower::advance(RadialColour& colour)
 {
@@ -47,5 +48,6 @@ bool CircleFollower::halfStep()
     return true;
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

@@ -25,6 +25,7 @@
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 // The colour along the ramp.
 struct RadialColour {
@@ -162,5 +163,6 @@ inline int32_t CircleFollower::advanceUsual(RadialColour& colour, Fixed low, Fix
     return advanceByGuess<true>(colour, low, high, out, pixelsBefore(vertex, count));
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

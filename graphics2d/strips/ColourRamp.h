@@ -6,6 +6,7 @@
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 // One channel of four pixels after the other.
 struct ChannelRamp {
@@ -72,5 +73,6 @@ private:
     ChannelRamp alpha_;
 };
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

@@ -11,6 +11,7 @@
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 constexpr uint16_t kOneSixth = 0x2AAA;
 constexpr uint16_t kTwoThirds = 0xAAAA;
@@ -128,5 +129,6 @@ inline Channels weightedSum(const Column* columns, uint64_t x, uint64_t y)
                   __builtin_shufflevector(lower, lower, 3, 3, 3, 3));
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

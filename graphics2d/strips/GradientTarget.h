@@ -7,6 +7,7 @@
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 // Pixels are written opaquely, or blended by the coverage and the colours' alpha. Each gradient
 // adds how it draws its ramp.
@@ -74,5 +75,6 @@ void drawRefinedSpan(MMContext2D& context, bool translucent)
     if (target.takeTail()) row.draw(target, first + count, 1);
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

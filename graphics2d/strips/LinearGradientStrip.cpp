@@ -9,10 +9,12 @@
 #include "graphics2d/strips/GradientTarget.h"
 #include "graphics2d/strips/RefinedLinearGradient.h"
 #include "graphics2d/strips/StopList.h"
+#include "graphics2d/strips/StripFillers.h"
 #include "math/FixedMath.h"
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 namespace {
 
@@ -150,21 +152,22 @@ void drawLinear(MMContext2D& context, bool translucent)
 
 } // namespace
 
-void MMContext2D::drawLinearGradientStrip()
+void drawLinearGradient(MMContext2D& context)
 {
-    if (refined != 0)
-        drawRefinedLinearGradient(*this, false);
+    if (context.refined != 0)
+        drawRefinedLinearGradient(context, false);
     else
-        drawLinear(*this, false);
+        drawLinear(context, false);
 }
 
-void MMContext2D::drawLinearGradientTStrip()
+void drawTranslucentLinearGradient(MMContext2D& context)
 {
-    if (refined != 0)
-        drawRefinedLinearGradient(*this, true);
+    if (context.refined != 0)
+        drawRefinedLinearGradient(context, true);
     else
-        drawLinear(*this, true);
+        drawLinear(context, true);
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

@@ -8,6 +8,7 @@
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 namespace {
 
@@ -151,5 +152,6 @@ void drawRefinedPattern(MMContext2D& context, const PatternFilter& filter, bool 
     } while (run.takeTail());
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

@@ -17,6 +17,7 @@
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 class TexelAxis {
 public:
@@ -187,5 +188,6 @@ void drawTranslucentPattern(MMContext2D& context, PatternWalk& walk, const Patte
 
 void drawRefinedPattern(MMContext2D& context, const PatternFilter& filter, bool translucent);
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

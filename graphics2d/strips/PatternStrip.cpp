@@ -3,13 +3,15 @@
 //
 // The sample point is the pixel's centre. Beyond the image its outermost texels repeat.
 #include "graphics2d/strips/PatternSampling.h"
+#include "graphics2d/strips/StripFillers.h"
 
-#if defined(__x86_64__)
+#if defined(__AVX2__)
 #include <immintrin.h>
 #endif
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 namespace {
 
@@ -32,9 +34,9 @@ inline Pixels taken(Pixels texels)
     return kMakeOpaque ? texels | kOpaque : texels;
 }
 
-#if defined(__x86_64__)
+#if defined(__AVX2__)
 // Makes eights of texels opaque; returns the index of the rest.
-[[gnu::target("avx2")]] int32_t copyOpaqueEights(const Pixel* texels, Pixel* out, int32_t count)
+int32_t copyOpaqueEights(const Pixel* texels, Pixel* out, int32_t count)
 {
     const __m256i opaque = _mm256_set1_epi32(static_cast<int32_t>(kOpaque));
     int32_t i = 0;
@@ -55,8 +57,8 @@ void copyRow(const Pixel* texels, Pixel* out, int32_t count)
         return;
     }
     int32_t i = 0;
-#if defined(__x86_64__)
-    if (__builtin_cpu_supports("avx2")) i = copyOpaqueEights(texels, out, count);
+#if defined(__AVX2__)
+    i = copyOpaqueEights(texels, out, count);
 #endif
     for (; i + 4 <= count; i += 4)
         store4(out + i, load4(texels + i) | kOpaque);
@@ -124,19 +126,20 @@ PatternWalk walkOf(const MMContext2D& context)
 
 } // namespace
 
-void MMContext2D::drawPatternStrip()
+void drawNearestPattern(MMContext2D& context)
 {
-    if (refined != 0) return drawRefinedPattern(*this, kNearest, false);
-    PatternWalk walk = walkOf(*this);
-    drawPattern(*this, walk, kNearest);
+    if (context.refined != 0) return drawRefinedPattern(context, kNearest, false);
+    PatternWalk walk = walkOf(context);
+    drawPattern(context, walk, kNearest);
 }
 
-void MMContext2D::drawPatternTStrip()
+void drawTranslucentNearestPattern(MMContext2D& context)
 {
-    if (refined != 0) return drawRefinedPattern(*this, kNearest, true);
-    PatternWalk walk = walkOf(*this);
-    drawTranslucentPattern(*this, walk, kNearest);
+    if (context.refined != 0) return drawRefinedPattern(context, kNearest, true);
+    PatternWalk walk = walkOf(context);
+    drawTranslucentPattern(context, walk, kNearest);
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

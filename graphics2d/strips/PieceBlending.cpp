@@ -5,6 +5,7 @@
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 namespace {
 
@@ -97,5 +98,6 @@ void blendRefined(TranslucentRun<RefinedBlend>& run, TexelAlpha alpha, PaintPiec
     blendStraight(run, piece, count);
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

@@ -6,6 +6,7 @@
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 // What becomes of the texels' alpha. Where texels are mixed, colours of little alpha must count for
 // as little: they are premultiplied before.
@@ -19,5 +20,6 @@ bool areOpaque(const Pixel* colours, int32_t count);
 void blendRefined(TranslucentRun<RefinedBlend>& run, TexelAlpha alpha, PaintPiece& piece,
                   int32_t count);
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

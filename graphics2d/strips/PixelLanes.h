@@ -5,6 +5,7 @@
 // operation has a scalar counterpart in Blending.h or beside its use, with the same results.
 #pragma once
 
+#include "graphics2d/Level.h"
 #include "math/Fixed.h"
 
 #include <cstring>
@@ -15,6 +16,7 @@
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "lanes are taken apart by byte order");
 
@@ -172,5 +174,6 @@ inline U32x4 packChannels(U32x4 a, U32x4 b, U32x4 c, U32x4 d)
     return pixels | 0xFF000000u;
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

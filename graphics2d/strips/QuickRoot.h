@@ -2,6 +2,8 @@
 // Square roots by a table, for loops over pixels. Internal.
 #pragma once
 
+#include "graphics2d/Level.h"
+
 #include <cstdint>
 
 namespace KAVO {
@@ -15,21 +17,9 @@ struct RootTable {
     uint32_t roots[kRootSteps - kFirstRoot + 1];
 };
 
-constexpr RootTable makeRootTable()
-{
-    RootTable table = {};
-    uint64_t root = 0;
-    for (uint32_t k = kFirstRoot; k <= kRootSteps; ++k) {
-        const uint64_t square = (uint64_t{k} << 48) / kRootSteps;
-        for (uint64_t bit = uint64_t{1} << 24; bit != 0; bit >>= 1) // the roots only grow
-            while ((root + bit) * (root + bit) <= square)
-                root += bit;
-        table.roots[k - kFirstRoot] = static_cast<uint32_t>(root);
-    }
-    return table;
-}
+extern const RootTable kRoots;
 
-inline constexpr RootTable kRoots = makeRootTable();
+inline namespace MM2D_LEVEL {
 
 // Root of a whole number, to 2^-18 of itself. The number is shifted up by an even count of bits so
 // that it lies between 1/4 and 1 of 2^64:
@@ -46,5 +36,6 @@ inline uint32_t rootOf(uint64_t square)
     return root << 8 >> (shift / 2);
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

@@ -16,11 +16,13 @@
 #include "graphics2d/strips/GradientTarget.h"
 #include "graphics2d/strips/RefinedRadialGradient.h"
 #include "graphics2d/strips/StopList.h"
+#include "graphics2d/strips/StripFillers.h"
 #include "math/FixedMath.h"
 #include "math/Vector2D.h"
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 namespace {
 
@@ -247,21 +249,22 @@ void drawRadial(MMContext2D& context, bool translucent)
 
 } // namespace
 
-void MMContext2D::drawRadialGradientStrip()
+void drawRadialGradient(MMContext2D& context)
 {
-    if (refined != 0)
-        drawRefinedRadialGradient(*this, false);
+    if (context.refined != 0)
+        drawRefinedRadialGradient(context, false);
     else
-        drawRadial(*this, false);
+        drawRadial(context, false);
 }
 
-void MMContext2D::drawRadialGradientTStrip()
+void drawTranslucentRadialGradient(MMContext2D& context)
 {
-    if (refined != 0)
-        drawRefinedRadialGradient(*this, true);
+    if (context.refined != 0)
+        drawRefinedRadialGradient(context, true);
     else
-        drawRadial(*this, true);
+        drawRadial(context, true);
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

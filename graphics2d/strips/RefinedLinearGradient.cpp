@@ -14,6 +14,7 @@
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 namespace {
 
@@ -137,5 +138,6 @@ void drawRefinedLinearGradient(MMContext2D& context, bool translucent)
     drawRefinedSpan<RowOfGradient>(context, translucent);
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

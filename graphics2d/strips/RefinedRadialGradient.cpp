@@ -15,6 +15,7 @@
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 namespace {
 
@@ -232,5 +233,6 @@ void drawRefinedRadialGradient(MMContext2D& context, bool translucent)
     drawRefinedSpan<RowOfCircles>(context, translucent);
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

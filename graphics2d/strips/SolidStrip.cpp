@@ -1,25 +1,26 @@
 // SPDX-License-Identifier: MIT
-// The basic strip fillers: solid colour, exclusive-or, picking and the two translucent solids.
+// The strip fillers of a solid colour.
 //
 // Both modes blend a colour over the pixel itself; what they differ in is the weight.
 #include "graphics2d/strips/SolidStrip.h"
 
 #include "graphics2d/strips/Blending.h"
 #include "graphics2d/strips/Span.h"
+#include "graphics2d/strips/StripFillers.h"
 
-#if defined(__x86_64__)
+#if defined(__AVX2__)
 #include <immintrin.h>
 #endif
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 namespace {
 
-#if defined(__x86_64__)
+#if defined(__AVX2__)
 // FlatBlend's arithmetic on eights of pixels from the index on; returns the index of the rest.
-[[gnu::target("avx2")]] int32_t blendEights(Pixel* pixels, int32_t i, int32_t end,
-                                            const FlatBlend& blend)
+int32_t blendEights(Pixel* pixels, int32_t i, int32_t end, const FlatBlend& blend)
 {
     const __m256i zero = _mm256_setzero_si256();
     const __m256i raiseBelow = _mm256_broadcastsi128_si256((__m128i)blend.raiseBelow());
@@ -48,8 +49,8 @@ template <class Rule>
                                     uint32_t weight)
 {
     const FlatBlend blend = Rule::flat(colour, weight);
-#if defined(__x86_64__)
-    if (end - i >= 16 && __builtin_cpu_supports("avx2")) i = blendEights(pixels, i, end, blend);
+#if defined(__AVX2__)
+    if (end - i >= 16) i = blendEights(pixels, i, end, blend);
 #endif
     for (; i + 4 <= end; i += 4)
         store4(pixels + i, blend(load4(pixels + i)));
@@ -84,13 +85,6 @@ template <class Colour>
     }
 }
 
-// Two of a pixel's four bytes, 16 bits apart, each of 128 or more counted one higher so that 255
-// acts as 256.
-inline uint32_t biasedPair(uint32_t pair)
-{
-    return pair + ((pair >> 7) & 0x00010001u);
-}
-
 } // namespace
 
 void drawClassicColour(MMContext2D& context)
@@ -114,48 +108,6 @@ void drawTranslucentRefinedColour(MMContext2D& context)
     drawTranslucentColour<RefinedColour>(context);
 }
 
-void MMContext2D::drawSolidStrip()
-{
-    refined != 0 ? drawRefinedColour(*this) : drawClassicColour(*this);
-}
-
-void MMContext2D::drawSolidXORStrip()
-{
-    const int32_t first = fixFloor(spanStart);
-    const int32_t count = fixFloor(spanEnd) - first;
-    const Pixel colour = currentPaint.paintColour;
-    Pixel* pixels = spanPixels + first;
-    for (int32_t i = 0; i < count; ++i)
-        pixels[i] ^= colour;
-}
-
-void MMContext2D::drawPickingStrip()
-{
-    // Rows are compared exactly: a picking point between rows never hits.
-    if (spanStart <= pickX && pickX <= spanEnd && pickY == fixFromInt(spanRow)) pickHit = 1;
-}
-
-void MMContext2D::drawSolidTStrip()
-{
-    refined != 0 ? drawTranslucentRefinedColour(*this) : drawTranslucentClassicColour(*this);
-}
-
-void MMContext2D::drawTransStrip()
-{
-    const int32_t first = fixFloor(spanStart);
-    const int32_t count = fixFloor(spanEnd) - first;
-    const uint32_t weight = currentPaint.paintOpacity;
-    const Pixel colour = currentPaint.paintColour;
-    const uint32_t source02 = biasedPair(colour & 0x00FF00FFu) * weight;
-    const uint32_t source13 = biasedPair((colour >> 8) & 0x00FF00FFu) * weight;
-    const Pixel source = ((source02 >> 8) & 0xFFFF00FFu) | (source13 & 0xFF00FF00u);
-    Pixel* pixels = spanPixels + first;
-    for (int32_t i = 0; i < count; ++i) {
-        const uint32_t rest02 = biasedPair(pixels[i] & 0x00FF00FFu) * (255 - weight);
-        const uint32_t rest13 = biasedPair((pixels[i] >> 8) & 0x00FF00FFu) * (255 - weight);
-        pixels[i] = (((rest02 >> 8) & 0xFFFF00FFu) | (rest13 & 0xFF00FF00u)) + source;
-    }
-}
-
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The fillers of solid colours, chosen by mode before any span is drawn. Internal.
+// Solid colours by the rules of both modes. Internal.
 #pragma once
 
-#include "graphics2d/MMContext2D.h"
 #include "graphics2d/strips/Blending.h"
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 // A colour by either rule: what pixels are moved toward, and by which weight.
 struct ClassicColour {
@@ -30,11 +30,6 @@ struct RefinedColour {
     }
 };
 
-// As MMContext2D::drawSolidStrip and drawSolidTStrip, but for asking for the mode.
-void drawClassicColour(MMContext2D& context);
-void drawRefinedColour(MMContext2D& context);
-void drawTranslucentClassicColour(MMContext2D& context);
-void drawTranslucentRefinedColour(MMContext2D& context);
-
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

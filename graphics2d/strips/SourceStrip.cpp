@@ -4,9 +4,11 @@
 
 #include "graphics2d/strips/PieceBlending.h"
 #include "graphics2d/strips/Span.h"
+#include "graphics2d/strips/StripFillers.h"
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 namespace {
 
@@ -55,22 +57,23 @@ void readSource(const MMPaint& paint, int32_t row, int32_t column, int32_t count
     }
 }
 
-void MMContext2D::drawSourceStrip()
+void drawSource(MMContext2D& context)
 {
-    if (currentPaint.sourceFunction == nullptr) return;
-    readSource(currentPaint, spanRow, fixFloor(spanStart), spanLength(*this),
-               spanFirstPixel(*this));
+    if (context.currentPaint.sourceFunction == nullptr) return;
+    readSource(context.currentPaint, context.spanRow, fixFloor(context.spanStart),
+               spanLength(context), spanFirstPixel(context));
 }
 
-void MMContext2D::drawSourceTStrip()
+void drawTranslucentSource(MMContext2D& context)
 {
-    if (currentPaint.sourceFunction == nullptr) return;
-    TranslucentRun<RefinedBlend> run(*this);
-    const int32_t first = fixFloor(spanStart);
-    const int32_t count = spanLength(*this);
-    blendSource(*this, run, first, count);
-    if (run.takeTail()) blendSource(*this, run, first + count, 1);
+    if (context.currentPaint.sourceFunction == nullptr) return;
+    TranslucentRun<RefinedBlend> run(context);
+    const int32_t first = fixFloor(context.spanStart);
+    const int32_t count = spanLength(context);
+    blendSource(context, run, first, count);
+    if (run.takeTail()) blendSource(context, run, first + count, 1);
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

@@ -10,6 +10,7 @@
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 // Number of pixels of the current span, 0 for a reversed one.
 inline int32_t spanLength(const MMContext2D& context)
@@ -86,5 +87,6 @@ private:
     Coverage step_;
 };
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

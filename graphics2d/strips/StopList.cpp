@@ -6,6 +6,7 @@
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 Segment::Segment(const StopList& stops, uint32_t i)
     : start(channelsOf(stops.colours[i])), difference(channelsOf(stops.colours[i + 1]) - start),
@@ -20,5 +21,6 @@ Channels Segment::at(Fixed position) const
            mapChannels(difference, [fraction](int32_t change) { return fixMul(fraction, change); });
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

@@ -7,6 +7,7 @@
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 // Stops of the current paint. Offsets should ascend, but any values are safe.
 struct StopList {
@@ -39,5 +40,6 @@ struct Segment {
     Channels at(Fixed position) const;
 };
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

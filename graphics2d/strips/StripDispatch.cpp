@@ -2,8 +2,6 @@
 // From the current paint to the strip filler that draws its spans.
 #include "graphics2d/strips/StripDispatch.h"
 
-#include "graphics2d/strips/SolidStrip.h"
-
 namespace KAVO {
 namespace Graphics2D {
 
@@ -18,26 +16,12 @@ void call(MMContext2D& context)
     (context.*filler)();
 }
 
-constexpr StripFiller kPatternFillers[] = {call<&MMContext2D::drawPatternStrip>,
-                                           call<&MMContext2D::drawBiLinPatternStrip>,
-                                           call<&MMContext2D::drawBiCubPatternStrip>};
-constexpr StripFiller kTranslucentPatternFillers[] = {call<&MMContext2D::drawPatternTStrip>,
-                                                      call<&MMContext2D::drawBiLinPatternTStrip>,
-                                                      call<&MMContext2D::drawBiCubPatternTStrip>};
+const PaintFillers kNoFillers = {nullptr, nullptr};
 
-StripFiller opaqueColour(const MMContext2D& context)
+const PaintFillers& patternsOf(const MMContext2D& context)
 {
-    return context.refined != 0 ? drawRefinedColour : drawClassicColour;
-}
-
-StripFiller translucentColour(const MMContext2D& context)
-{
-    return context.refined != 0 ? drawTranslucentRefinedColour : drawTranslucentClassicColour;
-}
-
-StripFiller byFilter(const StripFiller (&fillers)[3], uint8_t patternFilter)
-{
-    return patternFilter <= kFilterBicubic ? fillers[patternFilter] : nullptr;
+    return context.patternFilter <= kFilterBicubic ? context.level->patterns[context.patternFilter]
+                                                   : kNoFillers;
 }
 
 } // namespace
@@ -47,8 +31,8 @@ SpanFiller chooseSpanFiller(const MMContext2D& context)
     const MMPaint& paint = context.currentPaint;
     if (paint.paintType == kPaintSource) {
         if (paint.sourceIsOpaque != 0 && paint.paintOpacity == 255)
-            return {call<&MMContext2D::drawSourceStrip>, false};
-        return {call<&MMContext2D::drawSourceTStrip>, true};
+            return {context.level->source.opaque, false};
+        return {context.level->source.translucent, true};
     }
     // Paint types beyond the last must not reach the sum below: the largest would wrap to solid.
     if (paint.paintType > kPaintPicking + kTranslucentBit) return {nullptr, false};
@@ -56,29 +40,28 @@ SpanFiller chooseSpanFiller(const MMContext2D& context)
     case kPaintSolid:
         // By the refined rules the colour's own alpha is an opacity.
         if (context.refined == 0 || paint.paintColour >> 24 == 0xFF)
-            return {opaqueColour(context), false};
+            return {coloursOf(context).opaque, false};
         [[fallthrough]];
     case kPaintSolid + kTranslucentBit:
-        return {translucentColour(context), true};
+        return {coloursOf(context).translucent, true};
     case kPaintXOR:
     case kPaintXOR + kTranslucentBit:
         return {call<&MMContext2D::drawSolidXORStrip>, false};
     case kPaintLinearGradient:
-        if (paint.paintHasAlpha == 0) return {call<&MMContext2D::drawLinearGradientStrip>, false};
+        if (paint.paintHasAlpha == 0) return {context.level->linearGradient.opaque, false};
         [[fallthrough]];
     case kPaintLinearGradient + kTranslucentBit:
-        return {call<&MMContext2D::drawLinearGradientTStrip>, true};
+        return {context.level->linearGradient.translucent, true};
     case kPaintRadialGradient:
-        if (paint.paintHasAlpha == 0) return {call<&MMContext2D::drawRadialGradientStrip>, false};
+        if (paint.paintHasAlpha == 0) return {context.level->radialGradient.opaque, false};
         [[fallthrough]];
     case kPaintRadialGradient + kTranslucentBit:
-        return {call<&MMContext2D::drawRadialGradientTStrip>, true};
+        return {context.level->radialGradient.translucent, true};
     case kPaintPattern:
-        if (paint.patternHasAlpha == 0)
-            return {byFilter(kPatternFillers, context.patternFilter), false};
+        if (paint.patternHasAlpha == 0) return {patternsOf(context).opaque, false};
         [[fallthrough]];
     case kPaintPattern + kTranslucentBit:
-        return {byFilter(kTranslucentPatternFillers, context.patternFilter), true};
+        return {patternsOf(context).translucent, true};
     case kPaintPicking:
     case kPaintPicking + kTranslucentBit:
         return {call<&MMContext2D::drawPickingStrip>, false};
@@ -91,19 +74,19 @@ StripFiller chooseEdgeFiller(const MMContext2D& context)
 {
     switch (context.currentPaint.paintType) {
     case kPaintSolid:
-        return translucentColour(context);
+        return coloursOf(context).translucent;
     case kPaintXOR:
         return call<&MMContext2D::drawSolidXORStrip>;
     case kPaintLinearGradient:
-        return call<&MMContext2D::drawLinearGradientTStrip>;
+        return context.level->linearGradient.translucent;
     case kPaintRadialGradient:
-        return call<&MMContext2D::drawRadialGradientTStrip>;
+        return context.level->radialGradient.translucent;
     case kPaintPattern:
-        return byFilter(kTranslucentPatternFillers, context.patternFilter);
+        return patternsOf(context).translucent;
     case kPaintPicking:
         return call<&MMContext2D::drawPickingStrip>;
     case kPaintSource:
-        return call<&MMContext2D::drawSourceTStrip>;
+        return context.level->source.translucent;
     default:
         return nullptr;
     }

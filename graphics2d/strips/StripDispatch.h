@@ -4,13 +4,10 @@
 // Both rasterisers choose once per polygon and then draw many spans.
 #pragma once
 
-#include "graphics2d/MMContext2D.h"
+#include "graphics2d/LevelTable.h"
 
 namespace KAVO {
 namespace Graphics2D {
-
-// Draws the context's current span.
-using StripFiller = void (*)(MMContext2D&);
 
 // How a paint draws whole spans. A null filler draws nothing.
 struct SpanFiller {

@@ -4,6 +4,7 @@
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 void weighAlphas(PaintPiece& piece, CoverageSequence& coverage, int32_t count)
 {
@@ -78,5 +79,6 @@ void TranslucentRun<Rule>::drawFlat(Pixel colour, uint32_t weight, int32_t count
 template class TranslucentRun<ClassicBlend>;
 template class TranslucentRun<RefinedBlend>;
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

@@ -11,6 +11,7 @@
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 constexpr int32_t kPieceLength = 128; // a multiple of four
 
@@ -101,5 +102,6 @@ private:
 extern template class TranslucentRun<ClassicBlend>;
 extern template class TranslucentRun<RefinedBlend>;
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

@@ -55,7 +55,8 @@ void GlyphCompositor::drawThroughMask(const Box& box)
         row.y = box.y + y;
         row.levels = box.levels + y * box.stride;
         drawOver(row, 0);
-        moveByLevels(pixels, copy.data(), maskRow(*context_.clipMask, row.y) + box.x, box.width);
+        context_.level->moveByLevels(pixels, copy.data(),
+                                     maskRow(*context_.clipMask, row.y) + box.x, box.width);
     }
     targetEnd_ = targetEnd;
 }

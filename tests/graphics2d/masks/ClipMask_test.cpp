@@ -123,10 +123,11 @@ TEST(ClipMask, WeighsByTheFormula)
         }
         const MMMask mask = {0, 0, static_cast<int16_t>(count), 1, 70, levels.data()};
 
-        std::vector<Pixel> moved = ground;
-        moveByLevels(moved.data(), drawn.data(), levels.data(), static_cast<int32_t>(count));
-
         MMContext2D context;
+        std::vector<Pixel> moved = ground;
+        context.level->moveByLevels(moved.data(), drawn.data(), levels.data(),
+                                    static_cast<int32_t>(count));
+
         std::vector<Pixel> tinted = ground;
         setTarget(context, tinted.data(), static_cast<int32_t>(count), 1);
         context.clipMask = &mask;

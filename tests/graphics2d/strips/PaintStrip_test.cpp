@@ -4,6 +4,7 @@
 #include "PaintModel.h"
 #include "graphics2d/strips/CircleFollower.h"
 #include "graphics2d/strips/StripDispatch.h"
+#include "tests/support/ChosenLevel.h"
 #include "tests/support/Targets.h"
 
 #include <gtest/gtest.h>
@@ -227,6 +228,34 @@ TEST_P(PaintStrip, MatchesThePlainModel)
                                                   << before;
         ASSERT_EQ(context[0].spanCoverageNext, context[1].spanCoverageNext) << before;
         ASSERT_EQ(context[0].spanTailCoverage, context[1].spanTailCoverage) << before;
+    }
+}
+
+// The level that the processor offers and the compiler's own draw the same, in both modes.
+TEST_P(PaintStrip, DrawsTheSameAtEveryLevel)
+{
+    const ChosenLevel base("base");
+    MMContext2D baseContext;
+    for (int round = 0; round < 4000; ++round) {
+        makeSpan();
+        if (GetParam() < 3)
+            makeColour();
+        else if (GetParam() < 5)
+            makeGradient(GetParam() == 4);
+        else
+            makePattern();
+        paint.patternHasAlpha = oneIn(2);
+        context[1].currentPaint = paint;
+        context[1].level = baseContext.level;
+        context[0].refined = context[1].refined = oneIn(2);
+        const Paint& filler = kPaints[GetParam()];
+        const bool translucent = oneIn(2);
+        const std::string before = input();
+        for (MMContext2D& c : context)
+            (c.*(translucent ? filler.translucent : filler.opaque))();
+        for (size_t i = 0; i < pixels[0].size(); ++i)
+            ASSERT_EQ(pixels[0][i], pixels[1][i]) << "pixel " << i << " round " << round << "\n"
+                                                  << before;
     }
 }
 

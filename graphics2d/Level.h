@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: MIT
+// Which level of the processor the code is compiled for. Internal.
+//
+// The loops over pixels are compiled once for the instructions that the whole library is compiled
+// for, and again for others that the processor at hand may have (CMakeLists.txt). All of them, and
+// the headers that they alone are made of, lie in an inline namespace of the level's name, so that
+// no function of one level is ever taken for another's. They are reached through LevelTable.h;
+// code outside of them that includes such a header gets the functions of the level "base".
+#pragma once
+
+#if !defined(MM2D_LEVEL)
+#define MM2D_LEVEL base
+#endif

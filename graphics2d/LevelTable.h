@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+// The drawing code of the levels of the processor. Internal.
+#pragma once
+
+#include "graphics2d/MMContext2D.h"
+
+namespace KAVO {
+namespace Graphics2D {
+
+// Draws the context's current span.
+using StripFiller = void (*)(MMContext2D&);
+
+// The fillers of a paint: for what it hides, and by the coverage fields.
+struct PaintFillers {
+    StripFiller opaque;
+    StripFiller translucent;
+};
+
+#if !defined(MM2D_WITHOUT_LAYERS)
+// A colour as masks blend it: its source pixel and its opacity, 8.8.
+struct Tint {
+    Pixel source;
+    uint16_t opacity;
+};
+#endif
+
+// The same pixels at every level. Apart from the colours' fillers all ask for the mode themselves.
+struct LevelTable {
+    const char* name;
+    PaintFillers classicColour;
+    PaintFillers refinedColour;
+    PaintFillers linearGradient;
+    PaintFillers radialGradient;
+    PaintFillers patterns[3]; // by MMPatternFilter
+    PaintFillers source;
+#if !defined(MM2D_WITHOUT_LAYERS)
+    // Of masks/LevelBlending.h.
+    void (*tintByLevels)(Pixel* pixels, Tint tint, const uint8_t* levels, int32_t count);
+    void (*moveByLevels)(Pixel* pixels, const Pixel* drawn, const uint8_t* levels, int32_t count);
+#endif
+};
+
+// The solid colours' by the context's mode.
+inline const PaintFillers& coloursOf(const MMContext2D& context)
+{
+    return context.refined != 0 ? context.level->refinedColour : context.level->classicColour;
+}
+
+// The widest level that the processor has, or the one that the environment variable MM2D_LEVEL
+// names, if there is one of that name and the processor has it: "base", "avx2" or "neon".
+const LevelTable* chooseLevel();
+
+} // namespace Graphics2D
+} // namespace KAVO

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+// The table of the level that this file is compiled for.
+#include "graphics2d/LevelTable.h"
+
+#include "graphics2d/strips/StripFillers.h"
+
+#if !defined(MM2D_WITHOUT_LAYERS)
+#include "graphics2d/masks/LevelBlending.h"
+#endif
+
+namespace KAVO {
+namespace Graphics2D {
+inline namespace MM2D_LEVEL {
+
+#define MM2D_NAME_OF(level) #level
+#define MM2D_NAME(level) MM2D_NAME_OF(level)
+
+extern const LevelTable kLevelTable; // LevelChoice.cpp declares them too
+const LevelTable kLevelTable = {
+    MM2D_NAME(MM2D_LEVEL),
+    {drawClassicColour, drawTranslucentClassicColour},
+    {drawRefinedColour, drawTranslucentRefinedColour},
+    {drawLinearGradient, drawTranslucentLinearGradient},
+    {drawRadialGradient, drawTranslucentRadialGradient},
+    {{drawNearestPattern, drawTranslucentNearestPattern},
+     {drawBilinearPattern, drawTranslucentBilinearPattern},
+     {drawBicubicPattern, drawTranslucentBicubicPattern}},
+    {drawSource, drawTranslucentSource},
+#if !defined(MM2D_WITHOUT_LAYERS)
+    tintByLevels,
+    moveByLevels,
+#endif
+};
+
+} // namespace MM2D_LEVEL
+} // namespace Graphics2D
+} // namespace KAVO

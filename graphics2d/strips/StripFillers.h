@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+// The strip fillers that are compiled for each level of the processor. Internal.
+//
+// They are what the context's members of like names call; the colours' are chosen by mode before
+// any span is drawn, the others ask for it.
+#pragma once
+
+#include "graphics2d/Level.h"
+#include "graphics2d/MMContext2D.h"
+
+namespace KAVO {
+namespace Graphics2D {
+inline namespace MM2D_LEVEL {
+
+void drawClassicColour(MMContext2D& context);
+void drawRefinedColour(MMContext2D& context);
+void drawTranslucentClassicColour(MMContext2D& context);
+void drawTranslucentRefinedColour(MMContext2D& context);
+
+void drawLinearGradient(MMContext2D& context);
+void drawTranslucentLinearGradient(MMContext2D& context);
+void drawRadialGradient(MMContext2D& context);
+void drawTranslucentRadialGradient(MMContext2D& context);
+
+void drawNearestPattern(MMContext2D& context);
+void drawTranslucentNearestPattern(MMContext2D& context);
+void drawBilinearPattern(MMContext2D& context);
+void drawTranslucentBilinearPattern(MMContext2D& context);
+void drawBicubicPattern(MMContext2D& context);
+void drawTranslucentBicubicPattern(MMContext2D& context);
+
+void drawSource(MMContext2D& context);
+void drawTranslucentSource(MMContext2D& context);
+
+} // namespace MM2D_LEVEL
+} // namespace Graphics2D
+} // namespace KAVO
