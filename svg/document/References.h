@@ -10,7 +10,8 @@ namespace Svg {
 // Value of href or xlink:href, "" when there is none.
 const char* hrefOf(pugi::xml_node node);
 
-// A gradient or pattern with those that it refers to, from which it takes what it lacks.
+// A gradient, pattern or filter with those of its kind that it refers to, from which it takes what
+// it lacks.
 class ReferenceChain {
 public:
     ReferenceChain(const SvgDocument& document, pugi::xml_node node);

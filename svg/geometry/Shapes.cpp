@@ -118,8 +118,9 @@ Shape makeEllipse(const Lengths& lengths)
 Shape makePoly(const char* points, bool closed)
 {
     Shape shape;
-    const std::vector<double> v = parseNumbers(points);
-    shape.malformed = v.size() % 2 != 0;
+    size_t read = 0;
+    const std::vector<double> v = parseNumbers(points, &read);
+    shape.malformed = v.size() % 2 != 0 || points[read] != '\0';
     for (size_t i = 0; i + 1 < v.size(); i += 2) {
         if (i == 0)
             shape.outline.moveTo({v[0], v[1]});
@@ -161,8 +162,10 @@ bool isShape(std::string_view name)
 Shape makeShape(pugi::xml_node node, const Properties& properties, const LengthContext& context)
 {
     Shape shape = makeOutline(node, properties, context);
-    const double pathLength = node.attribute("pathLength").as_double();
-    if (pathLength > 0 && std::isfinite(pathLength)) shape.pathLength = pathLength;
+    TextScanner scanner(trimmed(node.attribute("pathLength").value()));
+    double pathLength = 0;
+    if (scanner.number(pathLength) && scanner.atEnd() && pathLength > 0)
+        shape.pathLength = pathLength;
     return shape;
 }
 

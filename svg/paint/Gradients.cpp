@@ -82,11 +82,10 @@ Gradient readGradient(const SvgDocument& document, pugi::xml_node node, const Vi
     const double height = units.height;
     if (gradient.radial) {
         gradient.end = {length("cx", Axis::X, width / 2), length("cy", Axis::Y, height / 2)};
-        gradient.radius = length("r", Axis::Diagonal, units.diagonal() / 2);
+        gradient.radius = std::max(0.0, length("r", Axis::Diagonal, units.diagonal() / 2));
         gradient.start = {length("fx", Axis::X, gradient.end.x),
                           length("fy", Axis::Y, gradient.end.y)};
         gradient.innerRadius = std::max(0.0, length("fr", Axis::Diagonal, 0));
-        if (gradient.radius < 0) gradient.stops.clear();
     } else {
         gradient.start = {length("x1", Axis::X, 0), length("y1", Axis::Y, 0)};
         gradient.end = {length("x2", Axis::X, width), length("y2", Axis::Y, 0)};
@@ -104,7 +103,7 @@ bool GradientPaint::set(MMPaint& paint, Gradient gradient, const Affine& toDevic
                                  shapeBounds.top};
     }
     matrix = matrix * gradient.transform;
-    if (!matrix.isFinite()) return false;
+    if (!matrix.isFinite() || !gradient.transform.inverse()) return false;
 
     // Without an extent the last colour is everywhere.
     const Point along = gradient.end - gradient.start;

@@ -103,11 +103,15 @@ void Renderer::drawMarker(pugi::xml_node marker, const Vertex& vertex, bool firs
     inner.toDevice = inner.toDevice * translation(-x, -y);
     if (!inner.toDevice.isFinite()) return;
 
-    const auto draw = [&] { drawChildren(marker, inner); };
-    if (inner.style.overflow == "visible" || inner.style.overflow == "auto")
-        draw();
-    else
-        drawInside(visible, inner.toDevice, draw);
+    const bool overflows = inner.style.overflow == "visible" || inner.style.overflow == "auto";
+    const Properties properties(marker, document_.sheet());
+    drawLayered(marker, properties, inner, [&](Renderer& renderer, const State& content) {
+        const auto draw = [&] { renderer.drawChildren(marker, content); };
+        if (overflows)
+            draw();
+        else
+            renderer.drawInside(visible, content.toDevice, draw);
+    });
 }
 
 } // namespace Svg

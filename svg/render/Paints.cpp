@@ -65,11 +65,9 @@ bool Renderer::setPaint(MMPaint& paint, PaintStore& store, const PaintValue& val
     if (value.kind == PaintValue::Server) {
         const pugi::xml_node server = document_.find(value.server);
         const std::string_view name = server.name();
-        const bool isPattern = name == "pattern";
-        if (isPattern || name == "linearGradient" || name == "radialGradient") {
+        if (name == "pattern" || name == "linearGradient" || name == "radialGradient") {
             const bool isSet = setServer(paint, store, server, state, userBounds, opacity);
-            // A pattern without a tile or without content is none.
-            if (isSet || !isPattern || !value.hasFallback) return isSet;
+            if (isSet || !value.hasFallback) return isSet;
         } else if (server) {
             note("paint from <" + std::string(name) + ">", server);
         } else if (!value.hasFallback && !value.fallbackNone) {
@@ -83,7 +81,8 @@ bool Renderer::setPaint(MMPaint& paint, PaintStore& store, const PaintValue& val
     return value.colour >> 24 != 0;
 }
 
-// A gradient or a pattern.
+// A gradient or a pattern; false when it is in error, as one without an extent, and a fallback may
+// stand for it.
 bool Renderer::setServer(MMPaint& paint, PaintStore& store, pugi::xml_node server,
                          const State& state, const Box& userBounds, double opacity)
 {
@@ -93,7 +92,7 @@ bool Renderer::setServer(MMPaint& paint, PaintStore& store, pugi::xml_node serve
     if (server.name() == std::string_view("pattern"))
         return setTiles(paint, store.tiles, server, state, userBounds);
     Gradient gradient = readGradient(document_, server, state.viewport);
-    if (gradient.stops.empty()) return false;
+    if (gradient.stops.empty()) return true; // the same as none, also where there is a fallback
     return store.gradient.set(paint, std::move(gradient), state.toDevice, userBounds,
                               visiblePart(userBounds, state));
 }

@@ -70,6 +70,21 @@ bool isUndrawn(std::string_view name, std::string_view value)
     return false;
 }
 
+// The words that many properties know, as they are written elsewhere; other texts as they are.
+std::string_view inLowerCase(std::string_view text)
+{
+    for (const std::string_view word : {"inherit", "initial", "none", "revert", "unset"}) {
+        if (equalsIgnoringCase(text, word)) return word;
+    }
+    return text;
+}
+
+// What only style sheets can set.
+bool isNoAttribute(Property property)
+{
+    return property == Property::Isolation || property == Property::MixBlendMode;
+}
+
 } // namespace
 
 void parseDeclarations(std::string_view text, std::vector<Declaration>& declarations)
@@ -107,7 +122,8 @@ Properties::Properties(pugi::xml_node node, const StyleSheet& sheet) : node_(nod
     parseDeclarations(node.attribute("style").value(), own);
     if (!sheet.empty()) sheet.match(node, rules);
     for (const pugi::xml_attribute attribute : node.attributes()) {
-        if (const std::optional<Property> property = findProperty(attribute.name()))
+        const std::optional<Property> property = findProperty(attribute.name());
+        if (property && !isNoAttribute(*property))
             set({*property, trimmed(attribute.value()), false, {}});
     }
     forAll(rules, own, [&](const Declaration& declaration) {
@@ -133,7 +149,7 @@ void Properties::forAll(const Declarations& rules, const Declarations& own, Func
 void Properties::set(const Declaration& declaration)
 {
     std::string_view& value = values_[static_cast<size_t>(declaration.property)];
-    const std::string_view text = resolved(declaration.value);
+    const std::string_view text = inLowerCase(resolved(declaration.value));
     if (text.find('(') != text.npos) {
         for (const std::string_view function :
              {"calc(", "var(", "min(", "max(", "clamp(", "env(", "attr("}) {

@@ -5,6 +5,7 @@
 #include "svg/values/TextScanner.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace KAVO {
 namespace Svg {
@@ -24,49 +25,32 @@ template <class T, size_t N>
 void setKeyword(T& value, std::string_view text, const Keyword<T> (&keywords)[N])
 {
     for (const Keyword<T>& keyword : keywords) {
-        if (keyword.name == text) value = keyword.value;
+        if (equalsIgnoringCase(keyword.name, text)) value = keyword.value;
     }
 }
 
+// After an error what was inherited stays.
 void setPaint(PaintValue& paint, std::string_view text, uint32_t currentColour)
 {
     if (text.empty() || text == "inherit") return;
-    PaintValue result;
-    std::string_view rest = text;
-    result.server = referenceIn(text, &rest);
-    if (text.substr(0, 4) == "url(") {
-        result.kind = PaintValue::Server;
-        text = trimmed(rest);
-        result.fallbackNone = text == "none";
-        if (const std::optional<uint32_t> colour = findColour(text, currentColour)) {
-            result.colour = *colour;
-            result.hasFallback = true;
-        }
-    } else if (text == "context-fill") {
-        result.kind = PaintValue::ContextFill;
-    } else if (text == "context-stroke") {
-        result.kind = PaintValue::ContextStroke;
-    } else if (text != "none") {
-        const std::optional<uint32_t> colour = findColour(text, currentColour);
-        if (!colour) return; // an error: what was inherited stays
-        result.kind = PaintValue::Colour;
-        result.colour = *colour;
-    }
-    paint = result;
+    paint = findPaint(text, currentColour).value_or(paint);
 }
 
 void setDashes(Style& style, std::string_view text, const LengthContext& lengths)
 {
     if (text.empty() || text == "inherit") return;
-    std::optional<std::vector<double>> dashes = parseLengths(text, lengths, Axis::Diagonal);
-    style.dashes = nullptr;
-    if (!dashes || dashes->empty()) return;
-    double sum = 0;
-    for (const double dash : *dashes) {
-        if (dash < 0) return;
-        sum += dash;
+    std::vector<double> dashes;
+    if (text != "none") {
+        std::optional<std::vector<double>> list = parseLengths(text, lengths, Axis::Diagonal);
+        const auto isNegative = [](double dash) { return dash < 0; };
+        const bool isError =
+            !list || text.back() == ',' || std::any_of(list->begin(), list->end(), isNegative);
+        if (isError) return;
+        dashes = std::move(*list);
     }
-    if (sum > 0) style.dashes = std::make_shared<const std::vector<double>>(std::move(*dashes));
+    const bool dashed = std::accumulate(dashes.begin(), dashes.end(), 0.0) > 0;
+    style.dashes =
+        dashed ? std::make_shared<const std::vector<double>>(std::move(dashes)) : nullptr;
 }
 
 void setFontWeight(int& weight, std::string_view text)
@@ -120,53 +104,45 @@ double shiftOfBaseline(std::string_view text, const LengthContext& lengths, doub
     return parseLength(text, {line, lengths.fontSize}, Axis::Y, shift);
 }
 
-// The steps named first come first, the others in their usual order.
+// The steps named first come first, the others in their usual order. One that is named twice is an
+// error, as is normal beside another.
 void setPaintOrder(Style& style, std::string_view text)
 {
-    if (text.empty() || text == "inherit") return;
     static constexpr Keyword<PaintStep> kSteps[] = {
         {"fill", PaintStep::Fill}, {"stroke", PaintStep::Stroke}, {"markers", PaintStep::Markers}};
+    if (text.empty() || text == "inherit") return;
     std::vector<PaintStep> order;
-    const auto add = [&](PaintStep step) {
-        if (std::find(order.begin(), order.end(), step) == order.end()) order.push_back(step);
+    const auto isIn = [&](PaintStep step) {
+        return std::find(order.begin(), order.end(), step) != order.end();
     };
-    TextScanner scanner(text);
+    TextScanner scanner(equalsIgnoringCase(text, "normal") ? std::string_view() : text);
     for (scanner.skipSpace(); !scanner.atEnd(); scanner.skipSpace()) {
         const std::string_view word = scanner.word();
-        if (word == "normal" && order.empty()) continue;
-        const auto* found = std::find_if(std::begin(kSteps), std::end(kSteps),
-                                         [&](const auto& step) { return step.name == word; });
-        if (found == std::end(kSteps)) return;
-        add(found->value);
+        const auto* found = std::find_if(std::begin(kSteps), std::end(kSteps), [&](auto& step) {
+            return equalsIgnoringCase(step.name, word);
+        });
+        if (found == std::end(kSteps) || isIn(found->value)) return;
+        order.push_back(found->value);
     }
-    for (const auto& step : kSteps)
-        add(step.value);
+    for (const auto& step : kSteps) {
+        if (!isIn(step.value)) order.push_back(step.value);
+    }
     std::copy(order.begin(), order.end(), style.paintOrder);
 }
 
 void setMarker(std::string_view& marker, std::string_view text)
 {
-    if (text.empty() || text == "inherit") return;
-    marker = referenceIn(text);
+    std::string_view rest;
+    const std::string_view id = referenceIn(text, &rest);
+    const bool isReference = !id.empty() && rest.empty();
+    if (isReference || text == "none") marker = id;
 }
 
 } // namespace
 
-std::string_view referenceIn(std::string_view text, std::string_view* rest)
-{
-    const size_t end = text.find(')');
-    if (text.substr(0, 4) != "url(" || end == text.npos) return {};
-    if (rest) *rest = text.substr(end + 1);
-    text = trimmed(text.substr(4, end - 4));
-    if (text.size() >= 2 && (text.front() == '"' || text.front() == '\'') &&
-        text.front() == text.back())
-        text = trimmed(text.substr(1, text.size() - 2));
-    return !text.empty() && text.front() == '#' ? text.substr(1) : std::string_view();
-}
-
 double parseOpacity(std::string_view text, double fallback)
 {
-    TextScanner scanner(text);
+    TextScanner scanner(trimmed(text));
     double value = 0;
     if (!scanner.number(value)) return fallback;
     if (scanner.character('%')) value /= 100;
@@ -211,11 +187,13 @@ Style Style::child(const Properties& p, const Viewport& viewport) const
                                                      {"text-after-edge", -0.25},
                                                      {"text-bottom", -0.25},
                                                      {"after-edge", -0.25}};
-    static constexpr Keyword<ImageFilter> kFilters[] = {
-        {"auto", ImageFilter::Bilinear},           {"optimizeSpeed", ImageFilter::Nearest},
-        {"pixelated", ImageFilter::Nearest},       {"crisp-edges", ImageFilter::Nearest},
-        {"optimizeQuality", ImageFilter::Bicubic}, {"smooth", ImageFilter::Bicubic},
-        {"high-quality", ImageFilter::Bicubic}};
+    static constexpr Keyword<ImageFilter> kFilters[] = {{"auto", ImageFilter::Bilinear},
+                                                        {"optimizeSpeed", ImageFilter::Nearest},
+                                                        {"pixelated", ImageFilter::Nearest},
+                                                        {"crisp-edges", ImageFilter::Nearest},
+                                                        {"optimizeQuality", ImageFilter::Bilinear},
+                                                        {"smooth", ImageFilter::Bilinear},
+                                                        {"high-quality", ImageFilter::Bilinear}};
 
     static constexpr Keyword<bool> kFilterSpaces[] = {
         {"auto", true}, {"linearRGB", true}, {"sRGB", false}};
@@ -242,7 +220,7 @@ Style Style::child(const Properties& p, const Viewport& viewport) const
     if (width >= 0) s.strokeWidth = width;
     TextScanner limit(p[Property::StrokeMiterlimit]);
     double miter = 0;
-    if (limit.number(miter) && limit.atEnd() && miter >= 1) s.miterLimit = miter;
+    if (limit.number(miter) && limit.atEnd() && miter >= 0) s.miterLimit = std::max(miter, 1.0);
     setKeyword(s.join, p[Property::StrokeLinejoin], kJoins);
     setKeyword(s.cap, p[Property::StrokeLinecap], kCaps);
     setDashes(s, p[Property::StrokeDasharray], lengths);

@@ -2,6 +2,7 @@
 // The computed style of an element.
 #pragma once
 
+#include "svg/style/PaintValue.h"
 #include "svg/style/Properties.h"
 #include "svg/values/Colour.h"
 #include "svg/values/Length.h"
@@ -13,17 +14,7 @@
 namespace KAVO {
 namespace Svg {
 
-// What to fill or stroke with.
-struct PaintValue {
-    enum Kind { None, Colour, Server, ContextFill, ContextStroke };
-    Kind kind = None;
-    uint32_t colour = 0xFF000000; // of a Server: to be used when there is no such server
-    bool hasFallback = false;     // of a Server: the colour was given
-    bool fallbackNone = false;    // of a Server: none was given instead
-    std::string_view server;      // id of a gradient or pattern
-};
-
-enum class ImageFilter { Nearest, Bilinear, Bicubic };
+enum class ImageFilter { Nearest, Bilinear };
 enum class Marker { Start, Mid, End };
 enum class PaintStep : uint8_t { Fill, Stroke, Markers };
 
@@ -91,9 +82,6 @@ struct Style {
 
 // A number from 0 to 1 or a percentage; fallback when the text is neither.
 double parseOpacity(std::string_view text, double fallback);
-
-// The id in "url(#id)"; empty when the text is no such reference. rest gets what follows.
-std::string_view referenceIn(std::string_view text, std::string_view* rest = nullptr);
 
 } // namespace Svg
 } // namespace KAVO

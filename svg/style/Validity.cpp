@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "svg/style/Validity.h"
 
+#include "svg/style/PaintValue.h"
 #include "svg/values/Colour.h"
 #include "svg/values/Length.h"
 #include "svg/values/TextScanner.h"
@@ -14,18 +15,13 @@ namespace {
 
 bool isOneOf(std::string_view value, std::initializer_list<std::string_view> words)
 {
-    return std::find(words.begin(), words.end(), value) != words.end();
+    return std::any_of(words.begin(), words.end(),
+                       [&](std::string_view word) { return equalsIgnoringCase(word, value); });
 }
 
 bool isColour(std::string_view value)
 {
     return findColour(value, 0).has_value();
-}
-
-bool isPaint(std::string_view value)
-{
-    return isOneOf(value, {"none", "context-fill", "context-stroke"}) ||
-           value.substr(0, 4) == "url(" || isColour(value);
 }
 
 bool isLength(std::string_view value, bool negativeToo)
@@ -56,7 +52,7 @@ bool isValid(Property property, std::string_view value)
         return isColour(value);
     case Property::Fill:
     case Property::Stroke:
-        return isPaint(value);
+        return findPaint(value, 0).has_value();
     case Property::FillOpacity:
     case Property::Opacity:
     case Property::StopOpacity:

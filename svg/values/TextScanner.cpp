@@ -104,7 +104,7 @@ std::string_view trimmed(std::string_view text)
     return text;
 }
 
-std::vector<double> parseNumbers(std::string_view text)
+std::vector<double> parseNumbers(std::string_view text, size_t* read)
 {
     std::vector<double> values;
     TextScanner scanner(text);
@@ -114,6 +114,7 @@ std::vector<double> parseNumbers(std::string_view text)
         values.push_back(value);
         scanner.skipSeparator();
     }
+    if (read) *read = text.size() - scanner.rest().size();
     return values;
 }
 

@@ -33,8 +33,8 @@ private:
 
 std::string_view trimmed(std::string_view text);
 
-// Numbers between separators, up to the first thing that is none.
-std::vector<double> parseNumbers(std::string_view text);
+// Numbers between separators, up to the first thing that is none; read gets its place.
+std::vector<double> parseNumbers(std::string_view text, size_t* read = nullptr);
 
 // Where the wanted character stands first outside of quotes and of brackets that the text
 // opens, or npos. A backslash takes the meaning from the next character.
