@@ -1,6 +1,7 @@
 #!/bin/bash
 # SPDX-License-Identifier: MIT
-# Measures the library beside its peers, and what it takes of memory on every target.
+# Measures the library beside its peers, what it takes of memory on every target, and of instructions
+# on the ARMs.
 #
 #   scripts/benchmark.sh [--twice] [Google Benchmark options]
 #
@@ -11,3 +12,5 @@ sizes=$(scripts/check-code-size.sh) || { echo "$sizes"; exit 1; }
 build/bench/bench/mm2d_bench "$@"
 echo
 echo "$sizes"
+echo
+scripts/count-instructions.sh
