@@ -11,3 +11,8 @@
 #if !defined(MM2D_LEVEL)
 #define MM2D_LEVEL base
 #endif
+
+// The level whose fillers stand in for those of this one that it would make no faster.
+#if !defined(MM2D_NARROW_LEVEL)
+#define MM2D_NARROW_LEVEL MM2D_LEVEL
+#endif

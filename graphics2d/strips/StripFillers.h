@@ -19,19 +19,25 @@ void drawTranslucentRefinedColour(MMContext2D& context);
 
 void drawLinearGradient(MMContext2D& context);
 void drawTranslucentLinearGradient(MMContext2D& context);
-void drawRadialGradient(MMContext2D& context);
-void drawTranslucentRadialGradient(MMContext2D& context);
 
 void drawNearestPattern(MMContext2D& context);
 void drawTranslucentNearestPattern(MMContext2D& context);
+void drawSource(MMContext2D& context);
+void drawTranslucentSource(MMContext2D& context);
+
+} // namespace MM2D_LEVEL
+
+// They work on one pixel after the other, or on the four channels of one.
+namespace MM2D_NARROW_LEVEL {
+
+void drawRadialGradient(MMContext2D& context);
+void drawTranslucentRadialGradient(MMContext2D& context);
+
 void drawBilinearPattern(MMContext2D& context);
 void drawTranslucentBilinearPattern(MMContext2D& context);
 void drawBicubicPattern(MMContext2D& context);
 void drawTranslucentBicubicPattern(MMContext2D& context);
 
-void drawSource(MMContext2D& context);
-void drawTranslucentSource(MMContext2D& context);
-
-} // namespace MM2D_LEVEL
+} // namespace MM2D_NARROW_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO
