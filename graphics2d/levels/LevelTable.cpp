@@ -21,10 +21,10 @@ const LevelTable kLevelTable = {
     {drawClassicColour, drawTranslucentClassicColour},
     {drawRefinedColour, drawTranslucentRefinedColour},
     {drawLinearGradient, drawTranslucentLinearGradient},
-    {MM2D_NARROW_LEVEL::drawRadialGradient, MM2D_NARROW_LEVEL::drawTranslucentRadialGradient},
+    {drawRadialGradient, drawTranslucentRadialGradient},
     {{drawNearestPattern, drawTranslucentNearestPattern},
-     {MM2D_NARROW_LEVEL::drawBilinearPattern, MM2D_NARROW_LEVEL::drawTranslucentBilinearPattern},
-     {MM2D_NARROW_LEVEL::drawBicubicPattern, MM2D_NARROW_LEVEL::drawTranslucentBicubicPattern}},
+     {drawBilinearPattern, drawTranslucentBilinearPattern},
+     {drawBicubicPattern, drawTranslucentBicubicPattern}},
     {drawSource, drawTranslucentSource},
 #if !defined(MM2D_WITHOUT_LAYERS)
     tintByLevels,

@@ -2,7 +2,7 @@
 // How a weight moves a pixel of the target toward a source pixel, by either mode's rules. Internal.
 //
 // Pixels are 0xAARRGGBB, and all four channels are moved alike. Each rule comes for one pixel, for
-// four, and, as FlatBlend, for many pixels of one colour and weight.
+// a vector of them, and, as FlatBlend, for many pixels of one colour and weight.
 #pragma once
 
 #include "graphics2d/strips/PixelLanes.h"
@@ -19,37 +19,56 @@ constexpr Pixel kOpaque = 0xFF000000; // the alpha of a pixel that hides its bac
 // Two of a pixel's four channels, 16 bits apart.
 constexpr uint32_t kEvenChannels = 0x00FF00FFu;
 
+// One pixel by a rule of those below.
+template <class Rule>
+inline Pixel blendPixel(Pixel destination, Pixel source, uint32_t weight)
+{
+    return Rule::pair(destination & kEvenChannels, source & kEvenChannels, weight) |
+           Rule::pair((destination >> 8) & kEvenChannels, (source >> 8) & kEvenChannels, weight)
+               << 8;
+}
+
 // --- Lanes ---------------------------------------------------------------------------------------
 
-// Blends four pixels. moveTwo(from, to, weights) moves the channels of two and leaves them in the
-// high bytes.
-template <class MoveTwo>
-inline U32x4 blendLanes(U32x4 destination, U32x4 source, U32x4 weights, MoveTwo moveTwo)
+// Blends a vector of pixels by pairs of the same weight. move(from, to, weights) moves the channels
+// of half of them and leaves them in the high bytes.
+template <class Pixels, class Move>
+inline Pixels blendByPairs(Pixels destination, Pixels source, Pixels pairs, Move move)
 {
-    const U32x4 pairs = weights | (weights << 16);
-    const U16x8 lowWeights = (U16x8)__builtin_shufflevector(pairs, pairs, 0, 0, 1, 1);
-    const U16x8 highWeights = (U16x8)__builtin_shufflevector(pairs, pairs, 2, 2, 3, 3);
-    return narrowHighBytes(moveTwo(widenLow(destination), widenLow(source), lowWeights),
-                           moveTwo(widenHigh(destination), widenHigh(source), highWeights));
+    using Lanes = decltype(widenLow(pairs));
+    return narrowHighBytes(
+        move(widenLow(destination), widenLow(source), (Lanes)twiceLow(pairs)),
+        move(widenHigh(destination), widenHigh(source), (Lanes)twiceHigh(pairs)));
 }
 
-// What a weight of 256 would move eight channels by: the difference, one higher above 128.
-inline U16x8 raisedDifference(U16x8 from, U16x8 to)
+// The same by weights.
+template <class Pixels, class Move>
+inline Pixels blendLanes(Pixels destination, Pixels source, Pixels weights, Move move)
 {
-    const I16x8 difference = (I16x8)(to - from);
-    return (U16x8)(difference - (I16x8)(difference > 128)); // a true comparison is -1
+    return blendByPairs(destination, source, weights | (weights << 16), move);
 }
 
-// Moves eight channels by weight / 256; the results are the high bytes. This is the classic rule
-// times 256: with d' the raised difference, from * 256 + d' * weight lies between 0 and 65535, so
-// 16 bits that wrap on the way hold it exactly.
-inline U16x8 moveToward(U16x8 from, U16x8 to, U16x8 weight)
+// What a weight of 256 would move channels by: the difference, one higher above 128.
+template <class Lanes>
+inline Lanes raisedDifference(Lanes from, Lanes to)
+{
+    using Signed = decltype(from < to);
+    const Signed difference = (Signed)(to - from);
+    return (Lanes)(difference - (Signed)(difference > 128)); // a true comparison is -1
+}
+
+// Moves channels by weight / 256; the results are the high bytes. This is the classic rule times
+// 256: with d' the raised difference, from * 256 + d' * weight lies between 0 and 65535, so 16 bits
+// that wrap on the way hold it exactly.
+template <class Lanes>
+inline Lanes moveToward(Lanes from, Lanes to, Lanes weight)
 {
     return (from << 8) + raisedDifference(from, to) * weight;
 }
 
 // The same by the refined rule: from * (256 - weight) + to * weight + 128.
-inline U16x8 moveRounded(U16x8 from, U16x8 to, U16x8 weight)
+template <class Lanes>
+inline Lanes moveRounded(Lanes from, Lanes to, Lanes weight)
 {
     return (from << 8 | 128) + (to - from) * weight;
 }
@@ -57,52 +76,75 @@ inline U16x8 moveRounded(U16x8 from, U16x8 to, U16x8 weight)
 // Each channel of a premultiplied colour times the weight of its coverage, over what the colour's
 // alpha leaves of the background. No channel exceeds its alpha, and that weight times the alpha is
 // rounded to the nearest multiple of 255, so the sum stays below 2^16.
-inline U16x8 movePremultiplied(U16x8 from, U16x8 colour, U16x8 weight)
+template <class Lanes>
+inline Lanes movePremultiplied(Lanes from, Lanes colour, Lanes weight)
 {
-    const U16x8 share = colour * weight;
-    const U16x8 alphaShare = __builtin_shufflevector(share, share, 3, 3, 3, 3, 7, 7, 7, 7);
-    const U16x8 hidden = mulHigh(alphaShare + 128, U16x8{} + 257); // by 255
+    const Lanes share = colour * weight;
+    const Lanes hidden = mulHigh(alphasOf(share) + 128, Lanes{} + 257); // by 255
     return from * (256 - hidden) + (share + 128);
+}
+
+// Pixels by that rule.
+template <class Pixels>
+inline Pixels blendPremultiplied(Pixels destination, Pixels source, Pixels weights)
+{
+    return blendLanes(destination, source, weights, [](auto from, auto colour, auto weight) {
+        return movePremultiplied(from, colour, weight);
+    });
+}
+
+inline Pixel blendPremultiplied(Pixel destination, Pixel source, uint32_t weight)
+{
+    const uint32_t even = (source & kEvenChannels) * weight + 0x00800080u;
+    const uint32_t odd = (source >> 8 & kEvenChannels) * weight + 0x00800080u;
+    const uint32_t rest = 256 - ((odd >> 16) * 257 >> 16); // the rounding is in odd
+    return (((destination & kEvenChannels) * rest + even) >> 8 & kEvenChannels) |
+           (((destination >> 8 & kEvenChannels) * rest + odd) & ~kEvenChannels);
 }
 
 // Many pixels of one colour and weight by either rule: d * (256 - w) + s * w, plus a bias, and plus
 // w where d lies below a bound.
+template <class Pixels>
 class FlatBlend {
 public:
     FlatBlend(Pixel colour, uint32_t weight, uint32_t bias, int16_t raiseBelow)
-        : raiseBelow_(I16x8{} + raiseBelow), weight_(all8(weight)), rest_(all8(256 - weight)),
-          share_(widenLow(all4(colour)) * weight_ + all8(bias))
+        : raiseBelow_(Signed{} + raiseBelow), weight_(same(weight)), rest_(same(256 - weight)),
+          share_(widenLow(all<Pixels>(colour)) * weight_ + same(bias))
     {
     }
     // The bound lies so far below each channel of the colour.
     FlatBlend(Pixel colour, uint32_t weight, int16_t raiseDistance)
         : FlatBlend(colour, weight, 0, 0)
     {
-        raiseBelow_ = (I16x8)widenLow(all4(colour)) - raiseDistance;
+        raiseBelow_ = (Signed)widenLow(all<Pixels>(colour)) - raiseDistance;
     }
 
-    U32x4 operator()(U32x4 destination) const
+    // Takes fewer pixels as well.
+    template <class Some>
+    Some operator()(Some destination) const
     {
         return narrowHighBytes(moved(widenLow(destination)), moved(widenHigh(destination)));
     }
 
-    // For copies of the same arithmetic on wider registers.
-    I16x8 raiseBelow() const { return raiseBelow_; }
-    U16x8 weight() const { return weight_; }
-    U16x8 rest() const { return rest_; }
-    U16x8 share() const { return share_; }
-
 private:
-    U16x8 moved(U16x8 from) const
+    using Lanes = decltype(widenLow(Pixels{}));
+    using Signed = decltype(Lanes{} < Lanes{});
+
+    static Lanes same(uint32_t v) { return Lanes{} + static_cast<uint16_t>(v); }
+
+    template <class Some>
+    Some moved(Some from) const
     {
-        const U16x8 raised = (U16x8)(raiseBelow_ > (I16x8)from) & weight_;
-        return from * rest_ + (share_ + raised);
+        using SomeSigned = decltype(from < from);
+        const Some raised = (Some)(firstOf<SomeSigned>(raiseBelow_) > (SomeSigned)from);
+        return from * firstOf<Some>(rest_) +
+               (firstOf<Some>(share_) + (raised & firstOf<Some>(weight_)));
     }
 
-    I16x8 raiseBelow_;
-    U16x8 weight_;
-    U16x8 rest_;
-    U16x8 share_;
+    Signed raiseBelow_;
+    Lanes weight_;
+    Lanes rest_;
+    Lanes share_;
 };
 
 // --- The classic rule ----------------------------------------------------------------------------
@@ -145,12 +187,26 @@ struct ClassicBlend {
         return ((destination * (256 - weight) + (source + raised) * weight) >> 8) & kEvenChannels;
     }
 
-    static U32x4 four(U32x4 destination, U32x4 source, U32x4 weights)
+    template <class Pixels>
+    static Pixels blend(Pixels destination, Pixels source, Pixels weights)
     {
-        return blendLanes(destination, source, weights, moveToward);
+        return blendLanes(destination, source, weights, [](auto from, auto to, auto weight) {
+            return moveToward(from, to, weight);
+        });
+    }
+    static Pixel blend(Pixel destination, Pixel source, uint32_t weight)
+    {
+        return blendPixel<ClassicBlend>(destination, source, weight);
     }
 
-    static FlatBlend flat(Pixel colour, uint32_t weight) { return {colour, weight, 128}; }
+    template <class Pixels = PixelVector>
+    static auto flat(Pixel colour, uint32_t weight)
+    {
+        if constexpr (sizeof(Pixels) > sizeof(Pixel))
+            return FlatBlend<Pixels>(colour, weight, 128);
+        else
+            return [=](Pixel destination) { return blend(destination, colour, weight); };
+    }
 
     static Pixel sourceOf(Pixel colour) { return colour; }
     static uint32_t weightOf(Pixel colour, Coverage opacity)
@@ -176,10 +232,24 @@ inline uint32_t refinedWeight(uint32_t coverage, uint32_t alpha)
     return ((coverage * alpha >> 16) + 127) * 258 >> 16;
 }
 
-// The same for eight at a time.
-inline U16x8 refinedWeights(U16x8 coverage, U16x8 alpha)
+// The same for lanes of 16 bits.
+template <class Lanes>
+inline Lanes refinedWeights(Lanes coverage, Lanes alpha)
 {
-    return mulHigh(mulHigh(coverage, alpha) + 127, U16x8{} + 258);
+    return mulHigh(mulHigh(coverage, alpha) + 127, Lanes{} + 258);
+}
+
+// The same for a vector of alphas.
+template <class Pixels>
+inline Pixels weighedAlphas(Pixels alphas, uint32_t coverage)
+{
+    using Lanes = decltype(widenLow(alphas)); // the upper halves are 0 and stay so
+    return (Pixels)refinedWeights((Lanes)alphas, Lanes{} + static_cast<uint16_t>(coverage));
+}
+
+inline uint32_t weighedAlphas(uint32_t alpha, uint32_t coverage)
+{
+    return refinedWeight(coverage, alpha);
 }
 
 // Opacity and alpha, 0 to 255 each, in one, 8.8.
@@ -200,14 +270,25 @@ struct RefinedBlend {
                kEvenChannels;
     }
 
-    static U32x4 four(U32x4 destination, U32x4 source, U32x4 weights)
+    template <class Pixels>
+    static Pixels blend(Pixels destination, Pixels source, Pixels weights)
     {
-        return blendLanes(destination, source, weights, moveRounded);
+        return blendLanes(destination, source, weights, [](auto from, auto to, auto weight) {
+            return moveRounded(from, to, weight);
+        });
+    }
+    static Pixel blend(Pixel destination, Pixel source, uint32_t weight)
+    {
+        return blendPixel<RefinedBlend>(destination, source, weight);
     }
 
-    static FlatBlend flat(Pixel colour, uint32_t weight)
+    template <class Pixels = PixelVector>
+    static auto flat(Pixel colour, uint32_t weight)
     {
-        return {colour, weight, 128, INT16_MIN};
+        if constexpr (sizeof(Pixels) > sizeof(Pixel))
+            return FlatBlend<Pixels>(colour, weight, 128, INT16_MIN);
+        else
+            return [=](Pixel destination) { return blend(destination, colour, weight); };
     }
 
     static Pixel sourceOf(Pixel colour) { return colour | kOpaque; }
@@ -216,15 +297,6 @@ struct RefinedBlend {
         return refinedWeight(coarseCoverage(opacity), colour >> 24 << 8);
     }
 };
-
-// One pixel by either rule.
-template <class Rule>
-inline Pixel blendPixel(Pixel destination, Pixel source, uint32_t weight)
-{
-    return Rule::pair(destination & kEvenChannels, source & kEvenChannels, weight) |
-           Rule::pair((destination >> 8) & kEvenChannels, (source >> 8) & kEvenChannels, weight)
-               << 8;
-}
 
 } // namespace MM2D_LEVEL
 } // namespace Graphics2D

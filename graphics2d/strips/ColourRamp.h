@@ -8,20 +8,20 @@ namespace KAVO {
 namespace Graphics2D {
 inline namespace MM2D_LEVEL {
 
-// One channel of four pixels after the other.
+// One channel of one vector of pixels after the other.
 struct ChannelRamp {
-    U32x4 value;
-    U32x4 step;
+    PixelVector value;
+    PixelVector step;
 
     // The values are half a unit of the byte higher, so that cutting them rounds to nearest.
     ChannelRamp(Channels channels, Channels steps, int k)
-        : value(all4(channels[k] + kChannelHalf) + steps[k] * U32x4{0, 1, 2, 3}),
-          step(all4(steps[k] * 4))
+        : value(channels[k] + kChannelHalf + steps[k] * kPlaces),
+          step(all<PixelVector>(steps[k] * kLanes))
     {
     }
-    U32x4 next()
+    PixelVector next()
     {
-        const U32x4 now = value;
+        const PixelVector now = value;
         value += step;
         return now;
     }
@@ -43,8 +43,8 @@ public:
             return 0xFF000000u | (red.next() & 0x00FF0000u) | ((green.next() >> 8) & 0x0000FF00u) |
                    ((blue.next() >> 16) & 0xFFu);
         };
-        for (; count >= 4; count -= 4, out += 4)
-            store4(out, next());
+        for (; count >= kLanes; count -= kLanes, out += kLanes)
+            store(out, next());
         if (count > 0) storeFew(out, next(), count);
     }
 
@@ -58,14 +58,14 @@ class AlphaRamp {
 public:
     AlphaRamp(Channels first, Channels step) : alpha_(first, step, kAlpha) {}
 
-    // Writes the next count alphas, and with the last of them up to three that mean nothing. All
-    // but the last call take a multiple of four.
+    // Writes the next count alphas, and with the last of them some that mean nothing, to the end of
+    // a vector. All but the last call take whole vectors.
     void write(uint32_t* out, int32_t count)
     {
-        for (int32_t i = 0; i < count; i += 4) {
+        for (int32_t i = 0; i < count; i += kLanes) {
             // Rounding may have led a little below 0.
-            const I32x4 alpha = (I32x4)(alpha_.next() - kChannelHalf);
-            store4(out + i, (U32x4)(alpha & (alpha > 0)) >> 8);
+            const PixelVector alpha = alpha_.next() - kChannelHalf;
+            store(out + i, (alpha & ((alpha >> 31) - 1)) >> 8);
         }
     }
 

@@ -21,12 +21,20 @@ uint32_t patternWeight(Coverage opacity, uint32_t alpha)
     return (product >= 0x007F8000u ? weight + 1 : weight) & 0xFFu;
 }
 
-// The same for four colours and an opacity of 0 to 255 without a fraction. The products fit 16
-// bits; they are the exact weight times 256, and reach 0x7F80 just when the rounded weight reaches
-// 128.
-inline U32x4 patternWeights(U32x4 colours, U16x8 opacity)
+// The same for a vector of colours and an opacity of 0 to 255 without a fraction. The products fit
+// 16 bits; they are the exact weight times 256, and reach 0x7F80 just when the rounded weight
+// reaches 128.
+template <class Pixels>
+inline Pixels patternWeights(Pixels colours, uint32_t opacity)
 {
-    const U32x4 weights = ((U32x4)((U16x8)(colours >> 24) * opacity) + 0x80) >> 8;
+    Pixels products;
+    if constexpr (sizeof(Pixels) > sizeof(Pixel)) {
+        using Lanes = decltype(widenLow(colours));
+        products = (Pixels)((Lanes)(colours >> 24) * (Lanes{} + static_cast<uint16_t>(opacity)));
+    } else {
+        products = (colours >> 24) * opacity;
+    }
+    const Pixels weights = (products + 0x80) >> 8;
     return weights + (weights >> 7);
 }
 
@@ -51,14 +59,15 @@ void drawByAlpha(TranslucentRun<ClassicBlend>& run, PaintPiece& piece, int32_t c
 {
     const Pixel* colours = piece.colours;
     if (run.coverage.isFlatAndWhole()) {
-        const U16x8 opacity = all8(static_cast<uint32_t>(fixFloor(run.coverage.current())));
-        const U32x4 opaqueWeights = patternWeights(all4(0xFF000000u), opacity);
+        const uint32_t opacity = static_cast<uint32_t>(fixFloor(run.coverage.current()));
+        const uint32_t opaqueWeight = patternWeights(kOpaque, opacity);
         if (areOpaque(colours, count))
             run.blend(
-                colours, [=](int32_t) { return opaqueWeights; }, count);
+                colours,
+                [=](auto sources, int32_t) { return all<decltype(sources)>(opaqueWeight); }, count);
         else
             run.blend(
-                colours, [=](int32_t i) { return patternWeights(load4(colours + i), opacity); },
+                colours, [=](auto sources, int32_t) { return patternWeights(sources, opacity); },
                 count);
         run.coverage.advance(count);
         return;

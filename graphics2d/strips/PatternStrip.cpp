@@ -5,10 +5,6 @@
 #include "graphics2d/strips/PatternSampling.h"
 #include "graphics2d/strips/StripFillers.h"
 
-#if defined(__AVX2__)
-#include <immintrin.h>
-#endif
-
 namespace KAVO {
 namespace Graphics2D {
 inline namespace MM2D_LEVEL {
@@ -34,20 +30,6 @@ inline Pixels taken(Pixels texels)
     return kMakeOpaque ? texels | kOpaque : texels;
 }
 
-#if defined(__AVX2__)
-// Makes eights of texels opaque; returns the index of the rest.
-int32_t copyOpaqueEights(const Pixel* texels, Pixel* out, int32_t count)
-{
-    const __m256i opaque = _mm256_set1_epi32(static_cast<int32_t>(kOpaque));
-    int32_t i = 0;
-    for (; i + 8 <= count; i += 8) {
-        const __m256i eight = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(texels + i));
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + i), _mm256_or_si256(eight, opaque));
-    }
-    return i;
-}
-#endif
-
 // Texels that follow each other.
 template <bool kMakeOpaque>
 void copyRow(const Pixel* texels, Pixel* out, int32_t count)
@@ -57,11 +39,8 @@ void copyRow(const Pixel* texels, Pixel* out, int32_t count)
         return;
     }
     int32_t i = 0;
-#if defined(__AVX2__)
-    i = copyOpaqueEights(texels, out, count);
-#endif
-    for (; i + 4 <= count; i += 4)
-        store4(out + i, load4(texels + i) | kOpaque);
+    for (; i + kLanes <= count; i += kLanes)
+        store(out + i, load<PixelVector>(texels + i) | kOpaque);
     for (; i < count; ++i)
         out[i] = texels[i] | kOpaque;
 }

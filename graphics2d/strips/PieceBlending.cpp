@@ -9,18 +9,22 @@ inline namespace MM2D_LEVEL {
 
 namespace {
 
-// All alphas of at least one colour combined by op, which takes pixels and fours of them.
+// All alphas of at least one colour combined by op, which takes pixels and vectors of them.
 template <class Op>
 uint32_t combinedAlphas(const Pixel* colours, int32_t count, Op op)
 {
-    U32x4 common = all4(colours[0]);
+    PixelVector vector = all<PixelVector>(colours[0]);
     int32_t i = 0;
-    for (; i + 4 <= count; i += 4)
-        common = op(common, load4(colours + i));
-    Pixel all = op(op(common[0], common[1]), op(common[2], common[3]));
+    for (; i + kLanes <= count; i += kLanes)
+        vector = op(vector, load<PixelVector>(colours + i));
+    Pixel lanes[kLanes];
+    store(lanes, vector);
+    Pixel common = lanes[0];
+    for (int32_t k = 1; k < kLanes; ++k)
+        common = op(common, lanes[k]);
     for (; i < count; ++i)
-        all = op(all, colours[i]);
-    return all >> 24;
+        common = op(common, colours[i]);
+    return common >> 24;
 }
 
 bool areTransparent(const Pixel* colours, int32_t count)
@@ -34,16 +38,14 @@ bool areTransparent(const Pixel* colours, int32_t count)
 {
     const uint32_t first = refinedWeight(coarseCoverage(coverage.current()), kWholeAlpha);
     const bool isFlat = coverage.isFlat();
-    const U32x4 weights = all4(isFlat ? first : kWholeAlpha);
-    for (int32_t i = 0; i < count; i += 4)
-        store4(piece.weights + i, weights);
+    fillPixels(piece.weights, (count + kLanes - 1) & -kLanes, isFlat ? first : kWholeAlpha);
     if (isFlat)
         coverage.advance(count);
     else
         weighAlphas(piece, coverage, count);
 }
 
-void blendOpaque(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, int32_t count)
+void drawOpaque(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, int32_t count)
 {
     const uint32_t weight = refinedWeight(coarseCoverage(run.coverage.current()), kWholeAlpha);
     if (run.coverage.isFlat() && weight == 256) {
@@ -55,22 +57,23 @@ void blendOpaque(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, int32_t c
     run.drawPiece(piece, count);
 }
 
-void blendPremultiplied(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, int32_t count)
+void drawPremultiplied(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, int32_t count)
 {
     weighByCoverage(piece, run.coverage, count);
-    run.blendBy(count, [&](U32x4 backgrounds, int32_t i) {
-        return blendLanes(backgrounds, load4(piece.colours + i), load4(piece.weights + i),
-                          movePremultiplied);
+    run.blendBy(count, [&](auto backgrounds, int32_t i) {
+        using Pixels = decltype(backgrounds);
+        return blendPremultiplied(backgrounds, load<Pixels>(piece.colours + i),
+                                  load<Pixels>(piece.weights + i));
     });
 }
 
 // Colours with an alpha of their own that none of their channels has been multiplied with.
-void blendStraight(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, int32_t count)
+void drawStraight(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, int32_t count)
 {
-    for (int32_t i = 0; i < count; i += 4) {
-        const U32x4 colours = load4(piece.colours + i);
-        store4(piece.weights + i, colours >> 24 << 8);
-        store4(piece.colours + i, colours | kOpaque);
+    for (int32_t i = 0; i < count; i += kLanes) {
+        const PixelVector colours = load<PixelVector>(piece.colours + i);
+        store(piece.weights + i, colours >> 24 << 8);
+        store(piece.colours + i, colours | kOpaque);
     }
     weighAlphas(piece, run.coverage, count);
     run.drawPiece(piece, count);
@@ -88,14 +91,14 @@ void blendRefined(TranslucentRun<RefinedBlend>& run, TexelAlpha alpha, PaintPiec
                   int32_t count)
 {
     if (alpha == TexelAlpha::kMadeWhole || areOpaque(piece.colours, count))
-        return blendOpaque(run, piece, count);
+        return drawOpaque(run, piece, count);
     if (areTransparent(piece.colours, count)) {
         run.take(count);
         run.coverage.advance(count);
         return;
     }
-    if (alpha == TexelAlpha::kPremultiplied) return blendPremultiplied(run, piece, count);
-    blendStraight(run, piece, count);
+    if (alpha == TexelAlpha::kPremultiplied) return drawPremultiplied(run, piece, count);
+    drawStraight(run, piece, count);
 }
 
 } // namespace MM2D_LEVEL

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Four pixels at a time, in the compiler's vector types. Internal.
+// Several pixels at a time, in the compiler's vector types. Internal.
 //
-// One source for every CPU: the compiler turns these into SSE2, NEON or plain instructions. Each
-// operation has a scalar counterpart in Blending.h or beside its use, with the same results.
+// One source for every CPU: the compiler turns four pixels into SSE2, NEON or plain instructions.
+// Loops over many pixels work on PixelVector, which is what the level's registers hold: eight with
+// AVX2, four, or a single pixel where there are no vector registers. What they call is a template
+// of it or has an overload for each; all have the same results.
 #pragma once
 
 #include "graphics2d/Level.h"
@@ -10,7 +12,9 @@
 
 #include <cstring>
 
-#if defined(__SSE2__)
+#if defined(__AVX2__)
+#include <immintrin.h>
+#elif defined(__SSE2__)
 #include <emmintrin.h>
 #endif
 
@@ -27,11 +31,66 @@ typedef uint32_t U32x4 __attribute__((vector_size(16)));
 typedef int32_t I32x4 __attribute__((vector_size(16)));
 typedef uint64_t U64x2 __attribute__((vector_size(16)));
 
-inline U32x4 load4(const uint32_t* from)
+// As many pixels as the level's registers hold, and not more than four of them, for what is left.
+#if defined(__AVX2__)
+typedef uint16_t U16x16 __attribute__((vector_size(32)));
+typedef int16_t I16x16 __attribute__((vector_size(32)));
+typedef uint32_t U32x8 __attribute__((vector_size(32)));
+typedef int32_t I32x8 __attribute__((vector_size(32)));
+using PixelVector = U32x8;
+using FewPixels = U32x4;
+#elif defined(__SSE2__) || defined(__ARM_NEON)
+using PixelVector = U32x4;
+using FewPixels = U32x4;
+#else
+using PixelVector = uint32_t;
+using FewPixels = uint32_t;
+#endif
+
+// A pixel's place in its vector.
+#if defined(__AVX2__)
+constexpr PixelVector kPlaces = {0, 1, 2, 3, 4, 5, 6, 7};
+#elif defined(__SSE2__) || defined(__ARM_NEON)
+constexpr PixelVector kPlaces = {0, 1, 2, 3};
+#else
+constexpr PixelVector kPlaces = 0;
+#endif
+constexpr int32_t kLanes = sizeof(PixelVector) / sizeof(uint32_t);
+constexpr int32_t kFewLanes = sizeof(FewPixels) / sizeof(uint32_t);
+
+template <class Lanes>
+inline Lanes load(const uint32_t* from)
 {
-    U32x4 lanes;
+    Lanes lanes;
     std::memcpy(&lanes, from, sizeof lanes);
     return lanes;
+}
+
+template <class Lanes>
+inline void store(uint32_t* to, Lanes lanes)
+{
+    std::memcpy(to, &lanes, sizeof lanes);
+}
+
+// The same in all lanes.
+template <class Lanes>
+inline Lanes all(uint32_t v)
+{
+    return Lanes{} + v;
+}
+
+// The first lanes of a longer vector.
+template <class Lanes, class Longer>
+inline Lanes firstOf(Longer lanes)
+{
+    Lanes first;
+    std::memcpy(&first, &lanes, sizeof first);
+    return first;
+}
+
+inline U32x4 load4(const uint32_t* from)
+{
+    return load<U32x4>(from);
 }
 
 // Two pixels from each of two places.
@@ -52,10 +111,16 @@ inline void store4(uint32_t* to, U32x4 lanes)
 }
 
 // The first few lanes.
-inline void storeFew(uint32_t* to, U32x4 lanes, int32_t count)
+template <class Lanes>
+inline void storeFew(uint32_t* to, Lanes lanes, int32_t count)
 {
     for (int32_t i = 0; i < count; ++i)
         to[i] = lanes[i];
+}
+
+inline void storeFew(uint32_t* to, uint32_t lane, int32_t count)
+{
+    if (count > 0) *to = lane;
 }
 
 inline U32x4 all4(uint32_t v)
@@ -79,6 +144,23 @@ inline U16x8 widenHigh(U32x4 pixels)
 {
     return (U16x8)__builtin_shufflevector((U8x16)pixels, U8x16{}, 8, 24, 9, 25, 10, 26, 11, 27, 12,
                                           28, 13, 29, 14, 30, 15, 31);
+}
+
+// Each of the two lower or two upper lanes twice.
+inline U32x4 twiceLow(U32x4 lanes)
+{
+    return __builtin_shufflevector(lanes, lanes, 0, 0, 1, 1);
+}
+
+inline U32x4 twiceHigh(U32x4 lanes)
+{
+    return __builtin_shufflevector(lanes, lanes, 2, 2, 3, 3);
+}
+
+// The alpha of each of two pixels in all its lanes.
+inline U16x8 alphasOf(U16x8 channels)
+{
+    return __builtin_shufflevector(channels, channels, 3, 3, 3, 3, 7, 7, 7, 7);
 }
 
 // The bytes of two pixels of each operand in turn.
@@ -141,8 +223,7 @@ inline U16x8 productBy255(U16x8 a, U16x8 b)
 inline U16x8 premultiplied(U16x8 channels)
 {
     constexpr U16x8 kWhole = {0, 0, 0, 255, 0, 0, 0, 255};
-    const U16x8 alphas = __builtin_shufflevector(channels, channels, 3, 3, 3, 3, 7, 7, 7, 7);
-    return productBy255(channels, alphas | kWhole);
+    return productBy255(channels, alphasOf(channels) | kWhole);
 }
 
 // Four pixels from the high bytes of sixteen 16-bit lanes.
@@ -155,6 +236,64 @@ inline U32x4 narrowHighBytes(U16x8 low, U16x8 high)
                                           19, 21, 23, 25, 27, 29, 31);
 #endif
 }
+
+// The lesser of each byte.
+inline U32x4 lesserBytes(U32x4 a, U32x4 b)
+{
+    return (U32x4)((U8x16)a < (U8x16)b ? (U8x16)a : (U8x16)b);
+}
+
+inline uint32_t lesserBytes(uint32_t a, uint32_t b)
+{
+    uint32_t lesser = 0;
+    for (uint32_t mask = 0xFF; mask != 0; mask <<= 8)
+        lesser |= (a & mask) < (b & mask) ? a & mask : b & mask;
+    return lesser;
+}
+
+#if defined(__AVX2__)
+// The same for eight pixels. Low and high are the halves of each half of a register: here pixels 0,
+// 1, 4 and 5 are the lower ones.
+inline U16x16 widenLow(U32x8 pixels)
+{
+    return (U16x16)_mm256_unpacklo_epi8((__m256i)pixels, __m256i{});
+}
+
+inline U16x16 widenHigh(U32x8 pixels)
+{
+    return (U16x16)_mm256_unpackhi_epi8((__m256i)pixels, __m256i{});
+}
+
+inline U32x8 twiceLow(U32x8 lanes)
+{
+    return (U32x8)_mm256_unpacklo_epi32((__m256i)lanes, (__m256i)lanes);
+}
+
+inline U32x8 twiceHigh(U32x8 lanes)
+{
+    return (U32x8)_mm256_unpackhi_epi32((__m256i)lanes, (__m256i)lanes);
+}
+
+inline U16x16 alphasOf(U16x16 channels)
+{
+    return (U16x16)_mm256_shufflehi_epi16(_mm256_shufflelo_epi16((__m256i)channels, 0xFF), 0xFF);
+}
+
+inline U16x16 mulHigh(U16x16 a, U16x16 b)
+{
+    return (U16x16)_mm256_mulhi_epu16((__m256i)a, (__m256i)b);
+}
+
+inline U32x8 lesserBytes(U32x8 a, U32x8 b)
+{
+    return (U32x8)_mm256_min_epu8((__m256i)a, (__m256i)b);
+}
+
+inline U32x8 narrowHighBytes(U16x16 low, U16x16 high)
+{
+    return (U32x8)_mm256_packus_epi16((__m256i)(low >> 8), (__m256i)(high >> 8));
+}
+#endif
 
 // Four opaque pixels from bits 16 to 23 of the lanes of each of four vectors of channels: blue,
 // green, red and one that is not used.

@@ -8,52 +8,23 @@
 #include "graphics2d/strips/Span.h"
 #include "graphics2d/strips/StripFillers.h"
 
-#if defined(__AVX2__)
-#include <immintrin.h>
-#endif
-
 namespace KAVO {
 namespace Graphics2D {
 inline namespace MM2D_LEVEL {
 
 namespace {
 
-#if defined(__AVX2__)
-// FlatBlend's arithmetic on eights of pixels from the index on; returns the index of the rest.
-int32_t blendEights(Pixel* pixels, int32_t i, int32_t end, const FlatBlend& blend)
-{
-    const __m256i zero = _mm256_setzero_si256();
-    const __m256i raiseBelow = _mm256_broadcastsi128_si256((__m128i)blend.raiseBelow());
-    const __m256i weights = _mm256_broadcastsi128_si256((__m128i)blend.weight());
-    const __m256i rest = _mm256_broadcastsi128_si256((__m128i)blend.rest());
-    const __m256i share = _mm256_broadcastsi128_si256((__m128i)blend.share());
-    for (; i + 8 <= end; i += 8) {
-        __m256i* const at = reinterpret_cast<__m256i*>(pixels + i);
-        const __m256i eight = _mm256_loadu_si256(at);
-        __m256i halves[] = {_mm256_unpacklo_epi8(eight, zero), _mm256_unpackhi_epi8(eight, zero)};
-        for (__m256i& from : halves) {
-            const __m256i raised = _mm256_and_si256(_mm256_cmpgt_epi16(raiseBelow, from), weights);
-            const __m256i moved = _mm256_add_epi16(_mm256_mullo_epi16(from, rest), share);
-            from = _mm256_srli_epi16(_mm256_add_epi16(moved, raised), 8);
-        }
-        _mm256_storeu_si256(at, _mm256_packus_epi16(halves[0], halves[1]));
-    }
-    return i;
-}
-#endif
-
-// Blends eights or fours of pixels from the index on; returns the index of the rest. A call, so
+// Blends vectors of pixels from the index on; returns the index of the rest. A call, so
 // that short spans need none of it.
 template <class Rule>
 [[gnu::noinline]] int32_t blendFlat(Pixel* pixels, int32_t i, int32_t end, Pixel colour,
                                     uint32_t weight)
 {
-    const FlatBlend blend = Rule::flat(colour, weight);
-#if defined(__AVX2__)
-    if (end - i >= 16) i = blendEights(pixels, i, end, blend);
-#endif
-    for (; i + 4 <= end; i += 4)
-        store4(pixels + i, blend(load4(pixels + i)));
+    const auto blend = Rule::flat(colour, weight);
+    for (; i + kLanes <= end; i += kLanes)
+        store(pixels + i, blend(load<PixelVector>(pixels + i)));
+    for (; i + kFewLanes <= end; i += kFewLanes)
+        store(pixels + i, blend(load<FewPixels>(pixels + i)));
     return i;
 }
 

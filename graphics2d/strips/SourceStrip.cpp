@@ -15,17 +15,15 @@ namespace {
 // Cuts channels down to their pixel's alpha.
 void clampToAlpha(Pixel* pixels, int32_t count)
 {
-    const auto clamped = [](U32x4 four) {
-        const U32x4 twice = four >> 24 | four >> 24 << 8;
-        const U8x16 alphas = (U8x16)(twice | twice << 16);
-        const U8x16 isBelow = (U8x16)((U8x16)four < alphas);
-        return (U32x4)(((U8x16)four & isBelow) | (alphas & ~isBelow));
+    const auto clamped = [](auto vector) {
+        const auto twice = vector >> 24 | vector >> 24 << 8;
+        return lesserBytes(vector, twice | twice << 16);
     };
     int32_t i = 0;
-    for (; i + 4 <= count; i += 4)
-        store4(pixels + i, clamped(load4(pixels + i)));
+    for (; i + kLanes <= count; i += kLanes)
+        store(pixels + i, clamped(load<PixelVector>(pixels + i)));
     for (; i < count; ++i)
-        pixels[i] = clamped(all4(pixels[i]))[0];
+        pixels[i] = firstOf<Pixel>(clamped(all<FewPixels>(pixels[i])));
 }
 
 // Blends count pixels from a device column on.

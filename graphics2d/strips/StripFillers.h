@@ -28,7 +28,7 @@ void drawTranslucentSource(MMContext2D& context);
 } // namespace MM2D_LEVEL
 
 // They work on one pixel after the other, or on the four channels of one.
-namespace MM2D_NARROW_LEVEL {
+inline namespace MM2D_NARROW_LEVEL {
 
 void drawRadialGradient(MMContext2D& context);
 void drawTranslucentRadialGradient(MMContext2D& context);

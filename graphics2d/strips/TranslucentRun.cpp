@@ -9,10 +9,9 @@ inline namespace MM2D_LEVEL {
 void weighAlphas(PaintPiece& piece, CoverageSequence& coverage, int32_t count)
 {
     if (coverage.isFlat()) {
-        const U16x8 opacity = all8(coarseCoverage(coverage.current()));
-        for (int32_t i = 0; i < count; i += 4) // the upper halves are 0 and stay so
-            store4(piece.weights + i,
-                   (U32x4)refinedWeights(opacity, (U16x8)load4(piece.weights + i)));
+        const uint32_t opacity = coarseCoverage(coverage.current());
+        for (int32_t i = 0; i < count; i += kLanes)
+            store(piece.weights + i, weighedAlphas(load<PixelVector>(piece.weights + i), opacity));
         coverage.advance(count);
         return;
     }
@@ -57,7 +56,8 @@ template <class Rule>
 void TranslucentRun<Rule>::drawPiece(const PaintPiece& piece, int32_t count)
 {
     blend(
-        piece.colours, [&](int32_t i) { return load4(piece.weights + i); }, count);
+        piece.colours,
+        [&](auto sources, int32_t i) { return load<decltype(sources)>(piece.weights + i); }, count);
 }
 
 template <class Rule>
@@ -65,10 +65,13 @@ void TranslucentRun<Rule>::drawFlat(Pixel colour, uint32_t weight, int32_t count
 {
     const int32_t pairs = pixelsWithBackground(count);
     int32_t i = 0;
-    if (pairs >= 4) {
-        const FlatBlend blended = Rule::flat(colour, weight);
-        for (; i + 4 <= pairs; i += 4)
-            store4(pixels_ + i, blended(load4(pixels_ + i + Rule::kBackground)));
+    if (pairs >= kFewLanes) {
+        const auto blended = Rule::flat(colour, weight);
+        Pixel* const to = pixels_; // a copy: a store of pixels may alias the member
+        for (; i + kLanes <= pairs; i += kLanes)
+            store(to + i, blended(load<PixelVector>(to + i + Rule::kBackground)));
+        for (; i + kFewLanes <= pairs; i += kFewLanes)
+            store(to + i, blended(load<FewPixels>(to + i + Rule::kBackground)));
     }
     for (; i < count; ++i)
         pixels_[i] =

@@ -13,7 +13,7 @@ namespace KAVO {
 namespace Graphics2D {
 inline namespace MM2D_LEVEL {
 
-constexpr int32_t kPieceLength = 128; // a multiple of four
+constexpr int32_t kPieceLength = 128; // a multiple of any vector's
 
 // Source pixels on their way into the target.
 struct PaintPiece {
@@ -44,31 +44,32 @@ public:
     // Blends the first count pixels of a piece. The coverage is the caller's to advance.
     void drawPiece(const PaintPiece& piece, int32_t count);
 
-    // The same with four weights from weightsAt(i) at a time. Colours and weights are read up to
-    // the next multiple of four.
-    template <class WeightsAt>
-    void blend(const Pixel* colours, WeightsAt weightsAt, int32_t count)
+    // The same with the weights of weightsOf(colours, i), a vector at a time. Colours and weights
+    // are read up to the next multiple of four.
+    template <class WeightsOf>
+    void blend(const Pixel* colours, WeightsOf weightsOf, int32_t count)
     {
-        blendBy(count, [=](U32x4 backgrounds, int32_t i) {
-            return Rule::four(backgrounds, load4(colours + i), weightsAt(i));
+        blendBy(count, [=](auto backgrounds, int32_t i) {
+            const auto sources = load<decltype(backgrounds)>(colours + i);
+            return Rule::blend(backgrounds, sources, weightsOf(sources, i));
         });
     }
 
-    // Replaces count pixels by four results of blended(backgrounds, i) at a time.
+    // Replaces count pixels by the results of blended(backgrounds, i), a vector at a time.
     template <class Blended>
     void blendBy(int32_t count, Blended blended)
     {
         const int32_t pairs = pixelsWithBackground(count);
         Pixel* to = pixels_; // a copy: a store of pixels may alias the member
         int32_t i = 0;
-        for (; i + 4 <= pairs; i += 4)
-            store4(to + i, blended(load4(to + i + Rule::kBackground), i));
-        for (; i < count; i += 4) {
-            Pixel backgrounds[4] = {};
-            const int32_t rest = count - i < 4 ? count - i : 4;
+        for (; i + kLanes <= pairs; i += kLanes)
+            store(to + i, blended(load<PixelVector>(to + i + Rule::kBackground), i));
+        for (; i < count; i += kFewLanes) {
+            Pixel backgrounds[kFewLanes] = {};
+            const int32_t rest = count - i < kFewLanes ? count - i : kFewLanes;
             for (int32_t k = 0; k < rest; ++k)
                 backgrounds[k] = to[i + k < pairs ? i + k + Rule::kBackground : i + k];
-            storeFew(to + i, blended(load4(backgrounds), i), rest);
+            storeFew(to + i, blended(load<FewPixels>(backgrounds), i), rest);
         }
         pixels_ += count;
     }
