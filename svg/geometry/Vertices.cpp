@@ -118,5 +118,25 @@ std::vector<Vertex> verticesOf(const Outline& outline)
     return vertices;
 }
 
+std::vector<Joint> jointsOf(const Outline& outline)
+{
+    std::vector<Joint> joints;
+    std::optional<double> first; // directions of the subpath
+    std::optional<double> last;
+    Point place;
+    for (const Outline::Segment& segment : outline.segments()) {
+        if (segment.verb == Outline::Move) {
+            first = last = std::nullopt;
+        } else if (const Piece piece = pieceOf(place, segment); piece.in) {
+            if (last) joints.push_back({place, *last, *piece.in});
+            if (!first) first = piece.in;
+            last = piece.out;
+        }
+        place = segment.end();
+        if (segment.verb == Outline::Close && last) joints.push_back({place, *last, *first});
+    }
+    return joints;
+}
+
 } // namespace Svg
 } // namespace KAVO

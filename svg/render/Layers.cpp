@@ -130,6 +130,44 @@ void Renderer::coverBox(const Box& box, const Affine& toDevice)
     session_.bounds = drawn;
 }
 
+// Paints what draw() covers with the paint that it is given, once also where its parts overlap.
+void Renderer::drawAsOne(const MMPaint& paint,
+                         const std::function<void(const MMPaint& paint)>& draw)
+{
+    const MMPaint wanted = paint;
+    const bool opaque = wanted.paintType == kPaintSolid && wanted.paintOpacity == 255 &&
+                        wanted.paintColour >> 24 == 255;
+    if (opaque || session_.pick || layers_ == kMostLayers) {
+        draw(wanted);
+        return;
+    }
+    MMPaint covering = wanted;
+    covering.paintType = kPaintSolid;
+    covering.paintColour = 0xFFFFFFFF;
+    covering.paintOpacity = 255;
+    Coverage coverage(context_, 255);
+    coverage.cutTo(context_, [&] { draw(covering); });
+    MMLayerOptions options;
+    options.mask = &coverage.mask();
+    drawInLayer(options, [&] { fillClip(wanted); });
+}
+
+// All that the clip rectangle holds.
+void Renderer::fillClip(const MMPaint& paint)
+{
+    const std::optional<PathSpace> space = PathSpace::make(Affine(), targetCentre());
+    Shape shape;
+    shape.outline = Outline::rectangle(
+        {static_cast<double>(context_.clipLeft), static_cast<double>(context_.clipTop),
+         static_cast<double>(context_.clipRight), static_cast<double>(context_.clipBottom)});
+    const Box drawn = session_.bounds;
+    context_.fillPaint = paint;
+    context_.strokePaint.paintType = kPaintNone;
+    context_.fillRule = kFillNonZero;
+    drawGeometry(shape, *space);
+    session_.bounds = drawn;
+}
+
 // Whether the text, or a span in it that says so itself, is drawn with its outlines.
 bool Renderer::strokesText(pugi::xml_node node, const Style& style) const
 {

@@ -221,8 +221,7 @@ void Renderer::noteUndrawn(pugi::xml_node node, const Properties& properties)
                     {Property::UnicodeBidi, "unicode-bidi"},
                     {Property::TextTransform, "text-transform"},
                     {Property::FontVariant, "font-variant"}};
-    const std::string_view join = properties[Property::StrokeLinejoin];
-    if (join == "arcs" || join == "miter-clip") note(std::string(join) + " joins", node);
+    if (equalsIgnoringCase(properties[Property::StrokeLinejoin], "arcs")) note("arcs joins", node);
     for (const auto& undrawn : kUndrawn) {
         const std::string_view value = properties[undrawn.property];
         static constexpr std::string_view kPlain[] = {

@@ -114,6 +114,8 @@ private:
     // What draws nothing outside of a box of some space.
     void drawInside(const Box& box, const Affine& toDevice, const std::function<void()>& draw);
     void coverBox(const Box& box, const Affine& toDevice);
+    void fillClip(const MMPaint& paint);
+    void drawAsOne(const MMPaint& paint, const std::function<void(const MMPaint& paint)>& draw);
     bool strokesText(pugi::xml_node node, const Style& style) const;
     bool overlaps(pugi::xml_node node, const Style& style) const;
     // The element that a property refers to, when it is one of the wanted kind.
@@ -141,6 +143,7 @@ private:
                   const Box& bounds);
     void drawStroke(const Shape& shape, const PathSpace& space, const State& state,
                     const Box& bounds);
+    void drawPen(const Shape& shape, const PathSpace& space, const State& state, const Box& bounds);
     void drawMarkers(const Outline& outline, const State& state);
     void drawMarker(pugi::xml_node marker, const struct Vertex& vertex, bool first,
                     const State& state, const ContextPaints& paints);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Shapes: their fills, strokes and pens.
+#include "svg/geometry/MiterClip.h"
 #include "svg/geometry/PathWalk.h"
+#include "svg/render/ClipGuard.h"
 #include "svg/render/Renderer.h"
 
 #include <algorithm>
@@ -84,17 +86,41 @@ void Renderer::drawStroke(const Shape& shape, const PathSpace& space, const Stat
         mapped.outline = shape.outline.mapped(state.toDevice);
         mapped.pathLength = shape.pathLength;
         const std::optional<PathSpace> device = PathSpace::make(Affine(), targetCentre());
-        if (!setStroke(state, bounds)) return;
-        setPen(mapped, state, *device);
-        context_.fillPaint.paintType = kPaintNone;
-        drawGeometry(mapped, *device);
+        if (setStroke(state, bounds)) drawPen(mapped, *device, state, bounds);
         return;
     }
     const Box deviceBox = state.toDevice.mapBox(bounds.grown(reach));
     if (isOutside(deviceBox) || !setStroke(state, bounds)) return;
+    drawPen(shape, space, state, bounds);
+}
+
+// With the paint of the stroke set.
+void Renderer::drawPen(const Shape& shape, const PathSpace& space, const State& state,
+                       const Box& bounds)
+{
+    const Style& style = state.style;
     setPen(shape, state, space);
     context_.fillPaint.paintType = kPaintNone;
-    drawGeometry(shape, space);
+    Shape miters;
+    if (style.clipsMiters && style.dashes)
+        note("miter-clip joins of dashes", current_);
+    else if (style.clipsMiters)
+        miters.outline = clippedMiters(shape.outline, style.strokeWidth, style.miterLimit);
+    if (miters.outline.empty()) {
+        drawGeometry(shape, space);
+        return;
+    }
+    const ClipGuard guard(context_);
+    clipTo(visiblePart(bounds, state));
+    drawAsOne(context_.strokePaint, [&](const MMPaint& paint) {
+        context_.strokePaint = paint;
+        context_.fillPaint.paintType = kPaintNone;
+        drawGeometry(shape, space);
+        context_.strokePaint.paintType = kPaintNone;
+        context_.fillPaint = paint;
+        context_.fillRule = kFillNonZero;
+        drawGeometry(miters, space);
+    });
 }
 
 // With one of the paints set.
@@ -168,7 +194,7 @@ void Renderer::setPen(const Shape& shape, const State& state, const PathSpace& s
 {
     const Style& style = state.style;
     context_.strokeHalfWidth = std::max(1, space.length(style.strokeWidth / 2));
-    context_.miterLimit = toFixed(style.miterLimit);
+    context_.miterLimit = toFixed(std::max(1.0, style.miterLimit));
     context_.joinStyle = style.join;
     context_.capStyle = style.cap;
     setDashes(shape, style, space);

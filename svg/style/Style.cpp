@@ -163,6 +163,11 @@ Style Style::child(const Properties& p, const Viewport& viewport) const
                                                   {"arcs", kJoinMiter},
                                                   {"round", kJoinRound},
                                                   {"bevel", kJoinBevel}};
+    static constexpr Keyword<bool> kMiterClips[] = {{"miter", false},
+                                                    {"miter-clip", true},
+                                                    {"arcs", false},
+                                                    {"round", false},
+                                                    {"bevel", false}};
     static constexpr Keyword<uint8_t> kCaps[] = {
         {"butt", kCapButt}, {"round", kCapRound}, {"square", kCapSquare}};
     static constexpr Keyword<bool> kSlants[] = {
@@ -220,8 +225,9 @@ Style Style::child(const Properties& p, const Viewport& viewport) const
     if (width >= 0) s.strokeWidth = width;
     TextScanner limit(p[Property::StrokeMiterlimit]);
     double miter = 0;
-    if (limit.number(miter) && limit.atEnd() && miter >= 0) s.miterLimit = std::max(miter, 1.0);
+    if (limit.number(miter) && limit.atEnd() && miter >= 0) s.miterLimit = miter;
     setKeyword(s.join, p[Property::StrokeLinejoin], kJoins);
+    setKeyword(s.clipsMiters, p[Property::StrokeLinejoin], kMiterClips);
     setKeyword(s.cap, p[Property::StrokeLinecap], kCaps);
     setDashes(s, p[Property::StrokeDasharray], lengths);
     s.dashOffset = length(Property::StrokeDashoffset, dashOffset);

@@ -34,6 +34,7 @@ struct Style {
     double strokeWidth = 1;
     double miterLimit = 4;
     uint8_t join = 0;                                  // MMJoinStyle
+    bool clipsMiters = false;                          // those beyond the limit, instead of bevels
     uint8_t cap = 0;                                   // MMCapStyle
     std::shared_ptr<const std::vector<double>> dashes; // null: none
     double dashOffset = 0;

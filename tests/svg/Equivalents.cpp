@@ -84,6 +84,40 @@ TEST(SvgEquivalents, MiterLimitsBelowOneCutAllCorners)
                         {line + "stroke-miterlimit='0.9'/>", line + "stroke-linejoin='bevel'/>"}});
 }
 
+TEST(SvgEquivalents, MitersEndAtTheirLimit)
+{
+    const std::string clipped = "stroke='red' fill='none' stroke-linejoin='miter-clip' ";
+    const auto bent = [](const std::string& more) {
+        return "<path d='M10 34L20 24L30 34' stroke-width='8' fill='none' stroke='red' " + more +
+               "/>";
+    };
+    // A corner of a right angle: its miter is 1.41 widths long, its bevel 0.71.
+    const std::string box = "<clipPath id='c'><rect y='19' width='40' height='40'/></clipPath>";
+    expectSameElements(
+        {// There and back: the miter has no end of its own.
+         {"<path d='M5 20H25H10' stroke-width='10' stroke-miterlimit='2' " + clipped + "/>",
+          "<rect x='5' y='15' width='30' height='10' fill='red'/>"},
+         {"<path d='M5 20H25H10' stroke-width='10' stroke-miterlimit='2' stroke-opacity='.5' " +
+              clipped + "/>",
+          "<g opacity='.5'><rect x='5' y='15' width='30' height='10' fill='red'/>"
+          "<rect x='9' y='16' width='3' height='3' fill='red'/></g>"},
+         {"<path d='M10 20H50H20' stroke-width='10' vector-effect='non-scaling-stroke' "
+          "transform='scale(.5 1)' stroke-miterlimit='2' " +
+              clipped + "/>",
+          "<rect x='5' y='15' width='30' height='10' fill='red'/>"},
+         {bent("stroke-linejoin='miter-clip' stroke-miterlimit='1.42'"), bent("")},
+         {bent("stroke-linejoin='miter-clip' stroke-miterlimit='.7'"),
+          bent("stroke-linejoin='bevel'")}});
+    // Where the edge of the stroke goes over into that of its corner they share a pixel.
+    const auto picture = [](const std::string& elements) {
+        return drawn("<svg width='40' height='40'>" + elements + "</svg>", 40, 40);
+    };
+    EXPECT_LE(
+        worstDifference(picture(bent("stroke-linejoin='miter-clip' stroke-miterlimit='1.25'")),
+                        picture(box + "<g clip-path='url(#c)'>" + bent("") + "</g>")),
+        16);
+}
+
 TEST(SvgEquivalents, KeywordsAndFunctionsInAnyCase)
 {
     const std::string server = "<linearGradient id='s'><stop stop-color='red'/></linearGradient>";
