@@ -9,13 +9,40 @@
 
 using namespace KAVO;
 
-using KAVO::Svg::encodePath;
-using KAVO::Svg::PathSpace;
 using KAVO::Svg::toFixed;
 
 namespace {
 
 using namespace KAVO::Graphics2D;
+
+// Curves stay whole: the library cuts them itself, by the rule of the mode.
+MMPathBuilder encoded(const Outline& outline)
+{
+    MMPathBuilder path;
+    for (const Outline::Segment& segment : outline.segments()) {
+        Fixed x[3];
+        Fixed y[3];
+        for (int i = 0; i < 3; ++i) {
+            x[i] = toFixed(segment.points[i].x);
+            y[i] = toFixed(segment.points[i].y);
+        }
+        switch (segment.verb) {
+        case Outline::Move:
+            path.moveTo(x[0], y[0]);
+            break;
+        case Outline::Line:
+            path.lineTo(x[0], y[0]);
+            break;
+        case Outline::Curve:
+            path.cubicTo(x[0], y[0], x[1], y[1], x[2], y[2]);
+            break;
+        case Outline::Close:
+            path.close();
+            break;
+        }
+    }
+    return path;
+}
 
 struct EncodedShape {
     MMPathBuilder path;
@@ -58,15 +85,13 @@ struct Drawing {
 Draw drawWithOurs(const std::vector<Shape>& shapes, bool refined)
 {
     auto drawing = std::make_shared<Drawing>(refined);
-    PathSpace space;
-    space.transform = kIdentityMatrix;
     for (const Shape& shape : shapes) {
-        EncodedShape encoded;
-        encoded.path = encodePath(shape.outline, space);
+        EncodedShape ready;
+        ready.path = encoded(shape.outline);
         for (double dash : shape.dashes)
-            encoded.dashes.push_back(toFixed(dash));
-        encoded.style = shape;
-        drawing->shapes.push_back(std::move(encoded));
+            ready.dashes.push_back(toFixed(dash));
+        ready.style = shape;
+        drawing->shapes.push_back(std::move(ready));
     }
     return [drawing] {
         for (const EncodedShape& shape : drawing->shapes)
