@@ -34,13 +34,11 @@ constexpr Fixed fixMulInline(Fixed a, Fixed b)
 {
     const uint32_t magA = magnitudeOf(a);
     const uint32_t magB = magnitudeOf(b);
-    // The high halves are taken with an arithmetic shift, which only shows for -2^31.
-    const uint32_t highA = static_cast<uint32_t>(static_cast<int32_t>(magA) >> 16);
-    const uint32_t lowA = magA & 0xFFFFu;
-    const uint32_t highB = static_cast<uint32_t>(static_cast<int32_t>(magB) >> 16);
-    const uint32_t lowB = magB & 0xFFFFu;
-    const uint32_t product = highB * magA + lowB * highA + ((lowB * (lowA >> 1)) >> 15);
-    return applySign(product, signMaskOf(a) ^ signMaskOf(b));
+    // Of the product of the two low halves the lowest bit of a does not count. A magnitude of 2^31
+    // is taken for negative.
+    const int64_t product = int64_t{static_cast<int32_t>(magA)} * static_cast<int32_t>(magB) -
+                            (magB & 0xFFFFu & (0u - (magA & 1u)));
+    return applySign(static_cast<uint32_t>(product >> 16), signMaskOf(a) ^ signMaskOf(b));
 }
 
 // fixMulSHR inside the caller, for inner loops.

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // 16.16 arithmetic and trigonometry, bit-exact on every host.
 //
-// Products and quotients are formed on the operands' magnitudes in unsigned 32-bit arithmetic and
-// get their sign at the end, so they are symmetric about zero; nothing saturates. The rounding of
-// these functions decides the library's pixels, so each is exact in its quirks too, and none needs
-// 64-bit arithmetic (small devices have no hardware divider); 64-bit processors divide in one step,
-// with the same results.
-// -2^31 is outside the domain of all of them; it does no harm but the result means nothing.
+// Products and quotients are formed on the operands' magnitudes and get their sign at the end, so
+// they are symmetric about zero; nothing saturates. The rounding of these functions decides the
+// library's pixels, so each is exact in its quirks too, and none needs more than a product of 64
+// bits (small devices have no hardware divider); 64-bit processors divide in one step, with the
+// same results. -2^31 is outside the domain of all of them; it does no harm but the result means
+// nothing.
 #pragma once
 
 #include "Fixed.h"

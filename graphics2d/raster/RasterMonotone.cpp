@@ -169,23 +169,47 @@ void drawSharp(RowPainter& painter, WalkedChain& forward, WalkedChain& backward,
     }
 }
 
-// Sums up the part of a row from level on, slab by slab, and draws it. Returns the level reached.
+// Adds what lies between two edges.
+void addSlab(CoverageRow& coverage, SlabFill& slabs, const SlabEdge& a, const SlabEdge& b,
+             uint32_t height)
+{
+    const bool exchanged = isBefore(b, a);
+    const SlabEdge edges[] = {exchanged ? b : a, exchanged ? a : b};
+    if (edges[1].bottomX < edges[0].bottomX) {
+        slabs.addCrossedPair(edges, 0, height);
+        return;
+    }
+    coverage.addPiece(edges[0].topX, edges[0].bottomX, height, 1);
+    coverage.addPiece(edges[1].topX, edges[1].bottomX, height, -1);
+}
+
+// Sums up the part of a row from level on, slab by slab, and draws it. Both chains reach below the
+// level. Returns the level reached.
 Fixed drawSlabs(RowPainter& painter, CoverageRow& coverage, SlabFill& slabs, WalkedChain& forward,
                 WalkedChain& backward, Fixed level, Fixed bottom)
 {
     const Fixed rowBottom = std::min(fixFromInt(fixFloor(level) + 1), bottom);
     painter.expect(fixFloor(level) + 2, forward.endX());
     painter.expect(fixFloor(level) + 2, backward.endX());
-    while (level < rowBottom && forward.advance(level, false) && backward.advance(level, false)) {
+    SlabEdge a = {0, forward.xAt(level), 1};
+    SlabEdge b = {0, backward.xAt(level), -1};
+    for (;;) {
         const Fixed slabBottom = std::min({rowBottom, forward.endY(), backward.endY()});
-        SlabEdge edges[] = {{forward.xAt(level), forward.xAt(slabBottom), 1},
-                            {backward.xAt(level), backward.xAt(slabBottom), -1}};
-        const uint32_t height = static_cast<uint32_t>(slabBottom - level);
-        if (edges[0].topX <= edges[1].topX && edges[0].bottomX <= edges[1].bottomX)
-            slabs.addOrdered(edges, 2, 0, height);
-        else
-            slabs.add(edges, 2, 0, height);
+        a.topX = a.bottomX;
+        b.topX = b.bottomX;
+        a.bottomX = forward.endY() == slabBottom ? forward.endX() : forward.xAt(slabBottom);
+        b.bottomX = backward.endY() == slabBottom ? backward.endX() : backward.xAt(slabBottom);
+        addSlab(coverage, slabs, a, b, static_cast<uint32_t>(slabBottom - level));
         level = slabBottom;
+        if (level == rowBottom) break;
+        if (forward.endY() == level) {
+            if (!forward.advance(level, false)) break;
+            a.bottomX = forward.xAt(level);
+        }
+        if (backward.endY() == level) {
+            if (!backward.advance(level, false)) break;
+            b.bottomX = backward.xAt(level);
+        }
     }
     coverage.sweep(painter);
     return rowBottom;

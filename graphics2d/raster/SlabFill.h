@@ -81,9 +81,11 @@ public:
     // Adds edges that do not cross, from left to right.
     void addOrdered(const SlabEdge* edges, uint32_t count, int32_t winding, uint32_t height);
 
+    // Adds two edges that cross, the one first whose top is left.
+    void addCrossedPair(const SlabEdge* edges, int32_t winding, uint32_t height);
+
 private:
     void addGroups(const SlabEdge* edges, uint32_t count, int32_t winding, uint32_t height);
-    void addCrossedPair(const SlabEdge* edges, int32_t winding, uint32_t height);
     void bisect(const SlabEdge* edges, uint32_t count, int32_t winding, uint32_t height);
     void addByMiddles(const SlabEdge* edges, uint32_t count, int32_t winding, uint32_t height);
 
