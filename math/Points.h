@@ -14,13 +14,6 @@ constexpr MMPoint2D midPoint(const MMPoint2D& a, const MMPoint2D& b)
     return {(a.x >> 1) + (b.x >> 1), (a.y >> 1) + (b.y >> 1)};
 }
 
-// Half the sum, truncated toward zero: the halving of curves.
-constexpr MMPoint2D curveMiddle(const MMPoint2D& a, const MMPoint2D& b)
-{
-    return {static_cast<Fixed>((int64_t{a.x} + b.x) / 2),
-            static_cast<Fixed>((int64_t{a.y} + b.y) / 2)};
-}
-
 // As Matrix2D::transform, of one point.
 inline MMPoint2D mapped(const Matrix2D& m, Fixed x, Fixed y)
 {

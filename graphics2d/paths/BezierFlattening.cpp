@@ -13,6 +13,7 @@
 #include "graphics2d/paths/BezierFlattening.h"
 
 #include "graphics2d/MMContext2D.h"
+#include "graphics2d/strips/PixelLanes.h"
 #include "math/FixedMath.h"
 #include "math/Points.h"
 
@@ -29,16 +30,31 @@ namespace {
 constexpr uint32_t kEvenLevels = 10;
 static_assert(1u << kEvenLevels == kMaxCurvePoints, "a point per piece");
 
-void halveCurve(const BezierCurve& c, BezierCurve& left, BezierCurve& right)
+// Halves of sums, truncated toward zero; none wraps on the way.
+inline U32x4 middles(U32x4 a, U32x4 b)
 {
-    const MMPoint2D left1 = curveMiddle(c.start, c.control1);
-    const MMPoint2D ridge = curveMiddle(c.control1, c.control2);
-    const MMPoint2D right2 = curveMiddle(c.control2, c.end);
-    const MMPoint2D left2 = curveMiddle(left1, ridge);
-    const MMPoint2D right1 = curveMiddle(ridge, right2);
-    const MMPoint2D split = curveMiddle(left2, right1);
-    left = {c.start, left1, left2, split};
-    right = {split, right1, right2, c.end};
+    const U32x4 odd = a ^ b;
+    const U32x4 floor = (a & b) + (U32x4)((I32x4)odd >> 1);
+    return floor + (odd & (floor >> 31)); // the lowest bit of odd: a half, to be dropped upward
+}
+
+// Makes second, which is the whole curve, its second half, and first the other one. A vector holds
+// two points.
+void halveCurve(BezierCurve& first, BezierCurve& second)
+{
+    uint32_t* const words = reinterpret_cast<uint32_t*>(&second);
+    const U32x4 startControl1 = load4(words);
+    const U32x4 controls = load4(words + 2);
+    const U32x4 control2End = load4(words + 4);
+    const U32x4 outer = middles(startControl1, controls); // left 1, ridge
+    const U32x4 ends = middles(controls, control2End);    // ridge, right 2
+    const U32x4 inner = middles(outer, ends);             // left 2, right 1
+    const U32x4 split = middles(inner, __builtin_shufflevector(inner, inner, 2, 3, 0, 1)); // twice
+    uint32_t* const to = reinterpret_cast<uint32_t*>(&first);
+    store4(to, __builtin_shufflevector(startControl1, outer, 0, 1, 4, 5));
+    store4(to + 4, __builtin_shufflevector(inner, split, 0, 1, 4, 5));
+    store4(words, __builtin_shufflevector(split, inner, 0, 1, 6, 7));
+    store4(words + 4, __builtin_shufflevector(ends, control2End, 2, 3, 6, 7));
 }
 
 // 2 / |determinant| in 16.16 square user units; everything is flat under a singular transform.
@@ -74,14 +90,17 @@ public:
 
     Piece whole(const BezierCurve& curve) const { return {curve, 0}; }
 
-    // Returns whether the piece is flat, and sets its halves where it is not.
-    bool halve(const Piece& piece, Piece& left, Piece& right) const
+    // Returns whether the piece is flat. Makes it its second half and sets the first one where it
+    // is not; its end stays in any case.
+    bool halve(Piece& piece, Piece& first) const
     {
-        const BezierCurve& c = piece.curve;
-        halveCurve(c, left.curve, right.curve);
-        left.level = right.level = piece.level + 1;
-        const MMPoint2D& split = right.curve.start;
-        return turnArea(c.start, split, c.end) + turnArea(c.start, split, c.control1) <= tolerance_;
+        const MMPoint2D control1 = piece.curve.control1;
+        halveCurve(first.curve, piece.curve);
+        first.level = ++piece.level;
+        const MMPoint2D& start = first.curve.start;
+        const MMPoint2D& split = first.curve.end;
+        return turnArea(start, split, piece.curve.end) + turnArea(start, split, control1) <=
+               tolerance_;
     }
 
 private:
@@ -121,12 +140,12 @@ public:
         return {c, {fitted(points[0]), fitted(points[1]), fitted(points[2]), fitted(points[3])}, 0};
     }
 
-    bool halve(const Piece& piece, Piece& left, Piece& right) const
+    bool halve(Piece& piece, Piece& first) const
     {
         if (isFlat(piece.device)) return true;
-        halveCurve(piece.curve, left.curve, right.curve);
-        halveCurve(piece.device, left.device, right.device);
-        left.level = right.level = piece.level + 1;
+        halveCurve(first.curve, piece.curve);
+        halveCurve(first.device, piece.device);
+        first.level = ++piece.level;
         return false;
     }
 
@@ -170,22 +189,24 @@ private:
         return absolute(leg.x) <= limit && absolute(leg.y) <= limit;
     }
 
-    // A cubic curve strays from its chord by at most 3/4 of what its controls do.
+    // A cubic curve strays from its chord by at most 3/4 of what its controls do. What cannot be
+    // seen is flat too.
     bool isFlat(const BezierCurve& c) const
     {
         const Wide first = between(c.start, c.control1);
         const Wide middle = between(c.control1, c.control2);
         const Wide last = between(c.control2, c.end);
         const Wide chord = between(c.start, c.end);
-        if (isTiny(first) && isTiny(middle) && isTiny(last)) return true; // cannot be seen
-        if (dot(first, chord) < 0 || dot(middle, chord) < 0 || dot(last, chord) < 0) return false;
         const int64_t larger = std::max(absolute(chord.x), absolute(chord.y));
         const int64_t smaller = std::min(absolute(chord.x), absolute(chord.y));
         const int64_t length = larger - larger / 8 + smaller / 2; // or up to an eighth less
         const int64_t pixel =
             fractionBits_ >= 0 ? length << fractionBits_ : length >> -fractionBits_;
-        return 24 * std::max(cross(chord, first), cross(chord, last)) <= pixel &&
-               turnsLittle(first, last) && turnsLittle(first, middle) && turnsLittle(middle, last);
+        const bool isNear = 24 * std::max(cross(chord, first), cross(chord, last)) <= pixel;
+        if (isNear && dot(first, chord) >= 0 && dot(middle, chord) >= 0 && dot(last, chord) >= 0 &&
+            turnsLittle(first, last) && turnsLittle(first, middle) && turnsLittle(middle, last))
+            return true;
+        return isTiny(first) && isTiny(middle) && isTiny(last);
     }
 
     const Matrix2D& transform_;
@@ -197,24 +218,20 @@ private:
 template <class Rule, class Take>
 uint32_t subdivide(Rule rule, const BezierCurve& curve, uint32_t maxLevel, Take take)
 {
-    typename Rule::Piece pending[Rule::kMaxPending + 1]; // and the half that may not be kept
-    typename Rule::Piece pieces[2];
-    typename Rule::Piece* piece = &pieces[0];
-    typename Rule::Piece* left = &pieces[1];
+    typename Rule::Piece pieces[Rule::kMaxPending + 1]; // and the one to be halved
+    typename Rule::Piece* piece = pieces;               // those before it wait
     *piece = rule.whole(curve);
-    uint32_t pendingCount = 0;
     uint32_t count = 0;
     for (;;) {
-        if (!rule.halve(*piece, *left, pending[pendingCount]) && pendingCount < Rule::kMaxPending &&
-            piece->level < maxLevel) {
-            ++pendingCount;
-            std::swap(piece, left);
+        const bool mayGoOn = piece < pieces + Rule::kMaxPending && piece->level < maxLevel;
+        if (mayGoOn && !rule.halve(*piece, piece[1])) {
+            ++piece;
             continue;
         }
         if (++count > kMaxCurvePoints) return count;
         take(piece->curve.end);
-        if (pendingCount == 0) return count;
-        *piece = pending[--pendingCount];
+        if (piece == pieces) return count;
+        --piece;
     }
 }
 

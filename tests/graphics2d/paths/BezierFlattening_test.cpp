@@ -25,11 +25,12 @@ using Points = std::vector<MMPoint2D>;
 void modelHalve(const BezierCurve& c, int64_t tolerance, int waiting, Points& out)
 {
     const auto half = [](MMPoint2D a, MMPoint2D b) {
-        return MMPoint2D{(a.x + b.x) / 2, (a.y + b.y) / 2};
+        return MMPoint2D{static_cast<Fixed>((int64_t{a.x} + b.x) / 2),
+                         static_cast<Fixed>((int64_t{a.y} + b.y) / 2)};
     };
     const auto cross = [](MMPoint2D a, MMPoint2D b, MMPoint2D c) {
-        return int64_t{(b.x - a.x) >> 8} * ((c.y - b.y) >> 8) -
-               int64_t{(b.y - a.y) >> 8} * ((c.x - b.x) >> 8);
+        return ((int64_t{b.x} - a.x) >> 8) * ((int64_t{c.y} - b.y) >> 8) -
+               ((int64_t{b.y} - a.y) >> 8) * ((int64_t{c.x} - b.x) >> 8);
     };
     const MMPoint2D l1 = half(c.start, c.control1), h = half(c.control1, c.control2);
     const MMPoint2D r2 = half(c.control2, c.end), l2 = half(l1, h), r1 = half(h, r2);
@@ -70,7 +71,12 @@ TEST(BezierFlattening, EqualsThePlainModelAtEveryScale)
     std::vector<BezierCurve> curves = {{at(0, 0), at(10, 10), at(20, 20), at(30, 30)}, // straight
                                        {at(0, 0), at(0, 0), at(90, 40), at(90, 40)},
                                        // Products of these round sizes are whole multiples of 2^32.
-                                       {at(0, 0), at(0, 512), at(512, 512), at(512, 0)}};
+                                       {at(0, 0), at(0, 512), at(512, 512), at(512, 0)},
+                                       // Sums of these coordinates do not fit 32 bits.
+                                       {{-0x7FFFFFFF, -0x7FFFFFFE},
+                                        {-0x7FFFFFFE, -0x7FFFFFFF},
+                                        {0x7FFFFFFE, -0x7FFFFFFF},
+                                        {0x7FFFFFFF, 0x7FFFFFFE}}};
     std::mt19937 random(11);
     while (curves.size() < 3000) {
         const uint32_t size = 1u << (12 + random() % 17); // 1/16 to 4,096 units
@@ -80,14 +86,15 @@ TEST(BezierFlattening, EqualsThePlainModelAtEveryScale)
         };
         curves.push_back({point(), point(), point(), point()});
     }
-    // |determinant| 1, 1/4, 16 and 900 and their tolerances of 2 / |determinant|.
+    // |determinant| 1, 1/4, 16, 900 and 1/1024 and their tolerances of 2 / |determinant|.
     const struct {
         Matrix2D transform;
         int64_t tolerance;
     } scales[] = {{scaling(1, 1), 0xFFFFFFFF / 0x8000},
                   {scaling(0.5, -0.5), 0xFFFFFFFF / 0x2000},
                   {{0, 2_fx, 8_fx, 0, 5, 9}, 0xFFFFFFFF / 0x80000},
-                  {scaling(30, 30), 0xFFFFFFFF / 0x1C20000}};
+                  {scaling(30, 30), 0xFFFFFFFF / 0x1C20000},
+                  {scaling(1.0 / 32, 1.0 / 32), 0xFFFFFFFF / 0x20}};
     size_t most = 0;
     for (const BezierCurve& c : curves)
         for (const auto& s : scales) {
