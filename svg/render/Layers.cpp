@@ -196,7 +196,8 @@ void Renderer::drawLayered(pugi::xml_node node, const Properties& properties, co
                            const Content& content)
 {
     const pugi::xml_node clip = referenced(node, properties[Property::ClipPath], "clipPath");
-    const pugi::xml_node mask = referenced(node, properties[Property::Mask], "mask");
+    const pugi::xml_node mask =
+        clipping_ ? pugi::xml_node() : referenced(node, properties[Property::Mask], "mask");
     MMLayerOptions options;
     if (!clipping_) {
         options.blendMode = blendModeOf(properties[Property::MixBlendMode]);
@@ -213,7 +214,6 @@ void Renderer::drawLayered(pugi::xml_node node, const Properties& properties, co
         drawFiltered(node, properties, state, content);
         return;
     }
-    if (isActive(clip) || isActive(mask)) return;
     if (layers_ == kMostLayers) {
         note("clips, masks and opacities inside one another beyond the limit", node);
         if (!clip && !mask) content(*this, state);
@@ -247,10 +247,12 @@ pugi::xml_node Renderer::referenced(pugi::xml_node node, std::string_view value,
 {
     if (value.empty() || value == "none" || value == "inherit") return {};
     const pugi::xml_node found = document_.find(referenceIn(value));
-    if (isActive(found)) note(std::string(wanted) + " inside itself", node);
-    if (found.name() == wanted) return found;
-    note(std::string(wanted) + (referenceIn(value).empty() ? " of a basic shape or another document"
-                                                           : " that is not there"),
+    const bool isWanted = found.name() == wanted;
+    if (isWanted && !isActive(found)) return found;
+    note(std::string(wanted) + (isWanted ? " inside itself"
+                                : referenceIn(value).empty()
+                                    ? " of a basic shape or another document"
+                                    : " that is not there"),
          node);
     return {};
 }
@@ -264,7 +266,7 @@ bool Renderer::clipState(pugi::xml_node clip, const State& state, const Box& bou
     inner.style.opacity = 1;
     inner.toDevice = state.toDevice;
     const Properties properties(clip, document_.sheet());
-    if (!applyTransform(clip, properties, inner)) return false;
+    applyTransform(clip, properties, inner);
     if (clip.attribute("clipPathUnits").value() != std::string_view("objectBoundingBox"))
         return true;
     if (!bounds.hasArea()) return false;
@@ -296,7 +298,7 @@ bool Renderer::coverByClip(pugi::xml_node clip, const State& state, const Box& b
     if (!clipState(clip, state, bounds, inner)) return false;
     const Properties properties(clip, document_.sheet());
     if (const pugi::xml_node outer = referenced(clip, properties[Property::ClipPath], "clipPath")) {
-        if (isActive(outer) || !coverByClip(outer, state, bounds, coverage)) return false;
+        if (!coverByClip(outer, state, bounds, coverage)) return false;
     }
     const bool clippingBefore = std::exchange(clipping_, true);
     coverage.cutTo(context_, [&] {
@@ -344,7 +346,10 @@ bool Renderer::coverByMask(pugi::xml_node mask, const State& state, const Box& b
     const Properties properties(mask, document_.sheet());
     noteUndrawn(mask, properties);
     if (const pugi::xml_node outer = referenced(mask, properties[Property::Mask], "mask")) {
-        if (isActive(outer) || !coverByMask(outer, state, bounds, coverage)) return false;
+        if (!coverByMask(outer, state, bounds, coverage)) return false;
+    }
+    if (const pugi::xml_node clip = referenced(mask, properties[Property::ClipPath], "clipPath")) {
+        if (!coverByClip(clip, inner, boundsOf(mask, properties, inner), coverage)) return false;
     }
     // Outside of its rectangle a mask is black.
     const bool clippingBefore = std::exchange(clipping_, false);

@@ -34,6 +34,14 @@ bool isSilent(std::string_view name)
     return contains(kSilent, name) || name.find(':') != name.npos;
 }
 
+// Elements that draw something where they stand.
+bool isDrawn(std::string_view name)
+{
+    static constexpr std::string_view kDrawn[] = {"a",      "g",    "image",    "svg",
+                                                  "switch", "text", "textArea", "use"};
+    return contains(kDrawn, name) || isShape(name);
+}
+
 // One of the wanted languages is, or is the beginning of, one of the list.
 bool listsLanguage(std::string_view list, const std::vector<std::string>& wanted)
 {
@@ -130,20 +138,34 @@ bool Renderer::enter(pugi::xml_node node, const Properties& properties, State& s
     }
     ++state.depth;
     state.style = state.style.child(properties, state.viewport);
-    if (!state.style.displayed || !meetsConditions(node)) return false;
+    // A symbol that is used is always displayed.
+    const bool displayed = state.style.displayed || node.name() == std::string_view("symbol");
+    if (!displayed || !meetsConditions(node)) return false;
     if (!properties.unknownFunction().empty()) {
         note("a value that " + std::string(properties.unknownFunction()) + ") computes", node);
         return false;
     }
     noteUndrawn(node, properties);
-    return applyTransform(node, properties, state);
+    applyTransform(node, properties, state);
+    return true;
+}
+
+// A use element moves what it shows after all else, so that it moves its clip path and mask, too.
+void Renderer::applyTransform(pugi::xml_node node, const Properties& properties, State& state)
+{
+    applyOwnTransform(node, properties, state);
+    if (node.name() != std::string_view("use")) return;
+    const LengthContext lengths = state.style.lengths(state.viewport);
+    state.toDevice =
+        state.toDevice * translation(parseLength(properties[Property::X], lengths, Axis::X, 0),
+                                     parseLength(properties[Property::Y], lengths, Axis::Y, 0));
 }
 
 // A transform that cannot be read counts as none.
-bool Renderer::applyTransform(pugi::xml_node node, const Properties& properties, State& state)
+void Renderer::applyOwnTransform(pugi::xml_node node, const Properties& properties, State& state)
 {
     const Style& style = state.style;
-    if (style.transform.empty() && style.transformOrigin.empty()) return true;
+    if (style.transform.empty() && style.transformOrigin.empty()) return;
     const LengthContext lengths = style.lengths(state.viewport);
     Box box{0, 0, state.viewport.width, state.viewport.height};
     if (style.transformBox == "fill-box" || style.transformBox == "content-box" ||
@@ -154,13 +176,12 @@ bool Renderer::applyTransform(pugi::xml_node node, const Properties& properties,
     const std::optional<Affine> transform = parseTransform(style.transform, lengths, box);
     if (!transform) {
         note("malformed transform", node);
-        return true;
+        return;
     }
     const std::optional<Point> origin = transformOrigin(style.transformOrigin, box, lengths);
     if (!origin) note("malformed transform-origin", node);
     const Point o = origin.value_or(Point());
     state.toDevice = state.toDevice * translation(o.x, o.y) * *transform * translation(-o.x, -o.y);
-    return true;
 }
 
 bool Renderer::meetsConditions(pugi::xml_node node) const
@@ -179,7 +200,7 @@ void Renderer::drawEntered(pugi::xml_node node, const Properties& properties, co
     if (name == "g" || name == "a")
         drawChildren(node, state);
     else if (name == "svg")
-        drawSvg(node, properties, state);
+        drawViewport(node, state, frameOfSvg(properties, state));
     else if (name == "use")
         drawUse(node, properties, state);
     else if (name == "switch")
@@ -197,16 +218,21 @@ void Renderer::drawEntered(pugi::xml_node node, const Properties& properties, co
     current_ = outer;
 }
 
-// The first child whose conditions are met, but for what we could not draw.
+// The first child whose conditions are met, but for what we could not draw, which is named when
+// there is nothing in its place.
 void Renderer::drawSwitch(pugi::xml_node node, const State& state)
 {
+    pugi::xml_node passedOver;
     for (const pugi::xml_node child : node.children()) {
         const std::string_view name = child.name();
-        if (isSilent(name) || isAnimation(name) || name == "foreignObject") continue;
-        if (!meetsConditions(child)) continue;
-        drawElement(child, state);
-        return;
+        if (isSilent(name) || isAnimation(name) || !meetsConditions(child)) continue;
+        if (isDrawn(name)) {
+            drawElement(child, state);
+            return;
+        }
+        if (!passedOver) passedOver = child;
     }
+    if (passedOver) drawElement(passedOver, state);
 }
 
 void Renderer::noteUndrawn(pugi::xml_node node, const Properties& properties)

@@ -91,7 +91,8 @@ private:
     // An element on its own: its style and transform within its parent's. False when it draws
     // nothing.
     bool enter(pugi::xml_node node, const Properties& properties, State& state);
-    bool applyTransform(pugi::xml_node node, const Properties& properties, State& state);
+    void applyTransform(pugi::xml_node node, const Properties& properties, State& state);
+    void applyOwnTransform(pugi::xml_node node, const Properties& properties, State& state);
     bool meetsConditions(pugi::xml_node node) const;
     void drawElement(pugi::xml_node node, const State& parent);
     // With its filters, clip path, mask and opacity.
@@ -103,9 +104,22 @@ private:
     void drawUse(pugi::xml_node node, const Properties& properties, const State& state);
     void drawUseOfFile(pugi::xml_node node, const Properties& properties, const State& state);
     void drawUsed(pugi::xml_node target, const Properties& properties, const State& state);
-    void drawSvg(pugi::xml_node node, const Properties& properties, const State& state);
-    void drawViewport(pugi::xml_node node, State state, const Size& size, const Affine& place);
+    // How large a viewport is, and where.
+    struct Frame {
+        Size size;
+        Affine place;
+    };
+    static Frame frameOfSvg(const Properties& properties, const State& state);
+    static Frame frameOfUsed(const Properties& properties, const State& outer,
+                             const Properties& ofTarget, const State& state);
+    // Sets outer to the transform of the viewport's own rectangle.
+    static bool enterViewport(pugi::xml_node node, const Frame& frame, State& state, Affine& outer);
+    void drawViewport(pugi::xml_node node, State state, const Frame& frame);
+    // The box of what an element fills, in its own user space; empty for what has no geometry.
     Box boundsOf(pugi::xml_node node, const Properties& properties, const State& state);
+    void includeBounds(pugi::xml_node child, const State& state, Box& box);
+    Box boundsInViewport(pugi::xml_node node, const Frame& frame, State state);
+    Box boundsOfUsed(pugi::xml_node node, const Properties& properties, const State& state);
 
     // --- Layers.cpp
     class Coverage;
@@ -118,7 +132,8 @@ private:
     void drawAsOne(const MMPaint& paint, const std::function<void(const MMPaint& paint)>& draw);
     bool strokesText(pugi::xml_node node, const Style& style) const;
     bool overlaps(pugi::xml_node node, const Style& style) const;
-    // The element that a property refers to, when it is one of the wanted kind.
+    // The element that a property refers to, when it is one of the wanted kind and not being drawn
+    // already: a reference in a circle counts as none.
     pugi::xml_node referenced(pugi::xml_node node, std::string_view value, std::string_view wanted);
     void narrowTo(pugi::xml_node clip, const State& state, const Box& bounds);
     bool clipState(pugi::xml_node clip, const State& state, const Box& bounds, State& inner);

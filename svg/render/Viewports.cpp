@@ -63,7 +63,7 @@ void Renderer::draw(const Affine& frame, const Size& viewport, const char* aspec
 }
 
 // A nested one; as large as the viewport around it unless it says otherwise.
-void Renderer::drawSvg(pugi::xml_node node, const Properties& properties, const State& state)
+Renderer::Frame Renderer::frameOfSvg(const Properties& properties, const State& state)
 {
     const LengthContext lengths = state.style.lengths(state.viewport);
     const Viewport& outer = state.viewport;
@@ -73,18 +73,36 @@ void Renderer::drawSvg(pugi::xml_node node, const Properties& properties, const 
         const double given = parseLength(properties[property], lengths, axis, whole);
         return given < 0 ? whole : given;
     };
-    const Size size{side(Property::Width, Axis::X, outer.width),
-                    side(Property::Height, Axis::Y, outer.height)};
-    drawViewport(node, state, size, translation(x, y));
+    return {{side(Property::Width, Axis::X, outer.width),
+             side(Property::Height, Axis::Y, outer.height)},
+            translation(x, y)};
 }
 
-// Draws the children of an svg or symbol element into a viewport of its own, clipped.
-void Renderer::drawViewport(pugi::xml_node node, State state, const Size& size, const Affine& place)
+// The frame that a use element, whose properties these are, gives to an svg or symbol element: a
+// size that it names goes before the target's own.
+Renderer::Frame Renderer::frameOfUsed(const Properties& properties, const State& outer,
+                                      const Properties& ofTarget, const State& state)
 {
-    if (!(size.width > 0 && size.height > 0)) return;
-    if (isEmptyViewBox(node.attribute("viewBox").value())) return;
-    state.toDevice = state.toDevice * place;
-    const Affine outer = state.toDevice;
+    const LengthContext lengths = outer.style.lengths(outer.viewport);
+    const LengthContext inner = state.style.lengths(state.viewport);
+    const auto length = [&](Property property, Axis axis, double whole) {
+        if (const auto given = findLength(properties[property], lengths, axis)) return *given;
+        return parseLength(ofTarget[property], inner, axis, whole);
+    };
+    return {{length(Property::Width, Axis::X, outer.viewport.width),
+             length(Property::Height, Axis::Y, outer.viewport.height)},
+            translation(parseLength(ofTarget[Property::X], inner, Axis::X, 0),
+                        parseLength(ofTarget[Property::Y], inner, Axis::Y, 0))};
+}
+
+// Goes into the viewport that an svg or symbol element opens. False when nothing can be seen in it.
+bool Renderer::enterViewport(pugi::xml_node node, const Frame& frame, State& state, Affine& outer)
+{
+    const Size& size = frame.size;
+    if (!(size.width > 0 && size.height > 0)) return false;
+    if (isEmptyViewBox(node.attribute("viewBox").value())) return false;
+    outer = state.toDevice * frame.place;
+    state.toDevice = outer;
     state.viewport.width = size.width;
     state.viewport.height = size.height;
     if (const std::optional<Box> box = parseViewBox(node.attribute("viewBox").value())) {
@@ -93,22 +111,30 @@ void Renderer::drawViewport(pugi::xml_node node, State state, const Size& size, 
         state.viewport.width = box->width();
         state.viewport.height = box->height();
     }
+    if (node.name() != std::string_view("symbol")) return true;
     const LengthContext lengths = state.style.lengths(state.viewport);
     const double x =
         referencePoint(node.attribute("refX").value(), lengths, Axis::X, state.viewport.width);
     const double y =
         referencePoint(node.attribute("refY").value(), lengths, Axis::Y, state.viewport.height);
-    const Affine fit = state.toDevice;
-    state.toDevice = fit * translation(-x, -y);
+    // The viewport moves along with the point that refX and refY name.
+    const Point moved = state.toDevice.mapVector({-x, -y});
+    state.toDevice = translation(moved.x, moved.y) * state.toDevice;
+    outer = translation(moved.x, moved.y) * outer;
+    return true;
+}
 
+// Draws the children of an svg or symbol element into a viewport of its own, clipped.
+void Renderer::drawViewport(pugi::xml_node node, State state, const Frame& frame)
+{
+    Affine outer;
+    if (!enterViewport(node, frame, state, outer)) return;
     const std::string_view overflow = state.style.overflow;
     if (overflow == "visible" || overflow == "auto") {
         drawChildren(node, state);
         return;
     }
-    // The viewport moves along with the point that refX and refY name.
-    const Point moved = fit.mapVector({-x, -y});
-    drawInside({0, 0, size.width, size.height}, translation(moved.x, moved.y) * outer,
+    drawInside({0, 0, frame.size.width, frame.size.height}, outer,
                [&] { drawChildren(node, state); });
 }
 
@@ -162,36 +188,23 @@ void Renderer::drawUseOfFile(pugi::xml_node node, const Properties& properties, 
 void Renderer::drawUsed(pugi::xml_node target, const Properties& properties, const State& outer)
 {
     const Active active(*this, target);
-    const LengthContext lengths = outer.style.lengths(outer.viewport);
     State state = outer;
-    state.toDevice =
-        state.toDevice * translation(parseLength(properties[Property::X], lengths, Axis::X, 0),
-                                     parseLength(properties[Property::Y], lengths, Axis::Y, 0));
     const ContextPaints paints{outer, {}};
     state.contextPaints = &paints;
     if (!isViewport(target.name())) {
-        drawElement(target, state);
+        // What clips has one element between the two at most: none that holds others.
+        const std::string_view name = target.name();
+        if (!clipping_ || isShape(name) || name == "text") drawElement(target, state);
         return;
     }
-
-    // A size that the use element gives goes before the target's own.
+    if (clipping_) return;
     const Properties ofTarget(target, document_.sheet());
     if (!enter(target, ofTarget, state)) return;
-    const bool nested = target.name() == std::string_view("svg");
-    const LengthContext inner = state.style.lengths(state.viewport);
-    const auto length = [&](Property property, Axis axis, double fallback) {
-        if (const auto given = findLength(properties[property], lengths, axis)) return *given;
-        return parseLength(ofTarget[property], inner, axis, fallback);
-    };
-    const Size size{length(Property::Width, Axis::X, outer.viewport.width),
-                    length(Property::Height, Axis::Y, outer.viewport.height)};
-    const Affine place = nested ? translation(parseLength(ofTarget[Property::X], inner, Axis::X, 0),
-                                              parseLength(ofTarget[Property::Y], inner, Axis::Y, 0))
-                                : Affine();
+    const Frame frame = frameOfUsed(properties, outer, ofTarget, state);
     const pugi::xml_node before = current_;
     current_ = target;
     drawLayered(target, ofTarget, state, [&](Renderer& renderer, const State& entered) {
-        renderer.drawViewport(target, entered, size, place);
+        renderer.drawViewport(target, entered, frame);
     });
     current_ = before;
 }
@@ -208,32 +221,62 @@ Box Renderer::boundsOf(pugi::xml_node node, const Properties& properties, const 
                 y + parseLength(properties[Property::Height], lengths, Axis::Y, 0)};
     }
     if (node.name() == std::string_view("text")) return boundsOfText(node, state);
+    if (state.depth >= static_cast<int>(session_.limits.depth)) return {};
+    if (node.name() == std::string_view("svg") && node != document_.root())
+        return boundsInViewport(node, frameOfSvg(properties, state), state);
+    if (node.name() == std::string_view("use")) return boundsOfUsed(node, properties, state);
     Box box;
-    const bool isUse = node.name() == std::string_view("use");
-    if (state.depth >= static_cast<int>(session_.limits.depth)) return box;
-    const auto include = [&](pugi::xml_node child) {
-        if (child.type() != pugi::node_element || session_.elementsLeft == 0) return;
-        --session_.elementsLeft;
-        const Properties ofChild(child, document_.sheet());
-        State inner = state;
-        inner.toDevice = Affine();
-        ++inner.depth;
-        inner.style = state.style.child(ofChild, state.viewport);
-        if (!inner.style.displayed) return;
-        applyTransform(child, ofChild, inner);
-        const Box bounds = boundsOf(child, ofChild, inner);
-        if (!bounds.empty()) box.include(inner.toDevice.mapBox(bounds));
-    };
-    if (isUse) {
-        include(document_.target(node));
-        const double x = parseLength(properties[Property::X], lengths, Axis::X, 0);
-        const double y = parseLength(properties[Property::Y], lengths, Axis::Y, 0);
-        if (!box.empty()) box = translation(x, y).mapBox(box);
-    } else {
-        for (const pugi::xml_node child : node.children())
-            include(child);
-    }
+    for (const pugi::xml_node child : node.children())
+        includeBounds(child, state, box);
     return box;
+}
+
+// Makes the box include what a child fills.
+void Renderer::includeBounds(pugi::xml_node child, const State& state, Box& box)
+{
+    if (child.type() != pugi::node_element || session_.elementsLeft == 0) return;
+    --session_.elementsLeft;
+    const Properties properties(child, document_.sheet());
+    State inner = state;
+    inner.toDevice = Affine();
+    ++inner.depth;
+    inner.style = state.style.child(properties, state.viewport);
+    if (!inner.style.displayed) return;
+    applyTransform(child, properties, inner);
+    const Box bounds = boundsOf(child, properties, inner);
+    if (!bounds.empty()) box.include(inner.toDevice.mapBox(bounds));
+}
+
+// In the user space around the viewport.
+Box Renderer::boundsInViewport(pugi::xml_node node, const Frame& frame, State state)
+{
+    state.toDevice = Affine();
+    Box box;
+    Affine outer;
+    if (!enterViewport(node, frame, state, outer)) return box;
+    for (const pugi::xml_node child : node.children())
+        includeBounds(child, state, box);
+    return box.empty() ? box : state.toDevice.mapBox(box);
+}
+
+Box Renderer::boundsOfUsed(pugi::xml_node node, const Properties& properties, const State& state)
+{
+    Box box;
+    const pugi::xml_node target = document_.target(node);
+    if (!isViewport(target.name())) {
+        includeBounds(target, state, box);
+        return box;
+    }
+    if (session_.elementsLeft == 0) return box;
+    --session_.elementsLeft;
+    const Properties ofTarget(target, document_.sheet());
+    State inner = state;
+    inner.toDevice = Affine();
+    ++inner.depth;
+    inner.style = state.style.child(ofTarget, state.viewport);
+    applyTransform(target, ofTarget, inner);
+    box = boundsInViewport(target, frameOfUsed(properties, state, ofTarget, inner), inner);
+    return box.empty() ? box : inner.toDevice.mapBox(box);
 }
 
 } // namespace Svg

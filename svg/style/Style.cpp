@@ -276,6 +276,8 @@ Style Style::child(const Properties& p, const Viewport& viewport) const
                                     std::pair{&s.overflow, Property::Overflow}}) {
         if (!p.inherits(property)) *target = p[property];
     }
+    // Only elements that open a viewport hide what leaves it when nothing is said.
+    if (p.inherits(Property::Overflow) && s.overflow.empty()) s.overflow = "visible";
     return s;
 }
 

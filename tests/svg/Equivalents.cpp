@@ -261,13 +261,41 @@ TEST(SvgEquivalents, TransformBoxes)
                          "<rect x='20' y='10' width='10' height='20'/>"}});
 }
 
+TEST(SvgEquivalents, UsedElements)
+{
+    const std::string parts =
+        "<defs><rect id='r' width='10' height='10'/><svg id='v' x='4' "
+        "width='20' height='20' viewBox='0 0 10 10'><rect width='5' "
+        "height='5'/></svg></defs><symbol id='s' display='none' x='3' y='2'>"
+        "<rect width='5' height='5'/></symbol><clipPath id='c'><circle r='9'/>"
+        "</clipPath><clipPath id='b' clipPathUnits='objectBoundingBox'>"
+        "<rect width='.5' height='.5'/></clipPath>";
+    // What use elements move takes along clip paths, and boxes know of viewports.
+    expectSameElements(
+        {{parts + "<use href='#r' x='5' y='6' clip-path='url(#c)'/>",
+          parts + "<g transform='translate(5 6)' clip-path='url(#c)'><use href='#r'/></g>"},
+         {parts + "<use href='#s' x='4'/>", "<rect x='7' y='2' width='5' height='5'/>"},
+         {parts + "<use href='#v' x='4' clip-path='url(#b)'/>",
+          "<rect x='8' width='5' height='5'/>"},
+         {parts + "<svg x='9' y='9' viewBox='0 0 20 20' clip-path='url(#b)'><rect width='9' "
+                  "height='7'/></svg>",
+          "<rect x='9' y='9' width='9' height='7'/>"},
+         {"<switch><unknown/><rect width='9' height='9'/><circle r='20'/></switch>",
+          "<rect width='9' height='9'/>"}});
+}
+
 TEST(SvgEquivalents, Viewports)
 {
-    expectSameElements({{"<svg viewBox='0 0 0 9' width='20' height='20'><circle r='9'/></svg>", ""},
-                        {"<svg viewBox='0 0 9 -9' width='20' height='20'><circle r='9'/></svg>",
-                         "<circle r='9'/>"},
-                        {"<svg x='9' y='9' width='-9' height='20'><circle cx='9' r='9'/></svg>",
-                         "<svg x='9' y='9' width='40' height='20'><circle cx='9' r='9'/></svg>"}});
+    expectSameElements(
+        {{"<g><svg width='9' height='9' overflow='inherit'><circle r='20'/></svg></g>",
+          "<circle r='20'/>"},
+         {"<svg refX='9' width='9' height='9'><circle r='20'/></svg>",
+          "<svg width='9' height='9'><circle r='20'/></svg>"},
+         {"<svg viewBox='0 0 0 9' width='20' height='20'><circle r='9'/></svg>", ""},
+         {"<svg viewBox='0 0 9 -9' width='20' height='20'><circle r='9'/></svg>",
+          "<circle r='9'/>"},
+         {"<svg x='9' y='9' width='-9' height='20'><circle cx='9' r='9'/></svg>",
+          "<svg x='9' y='9' width='40' height='20'><circle cx='9' r='9'/></svg>"}});
 }
 
 } // namespace

@@ -68,9 +68,16 @@ TEST(SvgLayers, ClipPathsCut)
             5, 14);
     expectSquare("<clipPath id='c'/>" + whole, 1, 0);
     expectSquare(whole, 0, 19); // a clip path that is not there cuts nothing
-    expectSquare("<clipPath id='c' clip-path='url(#c)'><rect width='9' height='9'/></clipPath>" +
-                     whole,
-                 1, 0);
+    // Uses name shapes themselves, masks count for nothing, and a reference in a circle for none.
+    const std::string parts = "<mask id='m'/><defs><g id='g'><rect width='99' height='99'/></g>"
+                              "<use id='u' href='#g'/></defs><symbol id='s'><rect width='99' "
+                              "height='99'/></symbol>";
+    for (const char* clip : {"<clipPath id='c' clip-path='url(#c)'><rect width='9' height='9'/>",
+                             "<clipPath id='c'><rect width='9' height='9' clip-path='url(#c)'/>",
+                             "<clipPath id='c'><rect width='9' height='9' mask='url(#m)'/>",
+                             "<clipPath id='c'><rect width='9' height='9'/><use href='#g'/>"
+                             "<use href='#s'/><use href='#u'/>"})
+        expectSquare(parts + clip + "</clipPath>" + whole, 0, 8);
 }
 
 TEST(SvgLayers, MasksWeighByLightOrAlpha)
@@ -91,10 +98,14 @@ TEST(SvgLayers, MasksWeighByLightOrAlpha)
         {"maskUnits='userSpaceOnUse' x='5' y='5' width='10' height='10'",
          "<path d='M0 0h20v20H0' fill='white'/>", 1},
         {"mask='url(#n)'", "<path d='M0 0h20v20H0' fill='white'/>", 0.2},
-        {"", "<path d='M0 0h20v20H0' fill='white' mask='url(#m)'/>", 0}};
+        {"mask='url(#m)'", "<path d='M0 0h20v20H0' fill='white' mask='url(#m)'/>", 1},
+        {"clip-path='url(#l)'", "<path d='M0 0h20v20H0' fill='white'/>", 0},
+        {"clip-path='url(#r)'", "<path d='M0 0h20v20H0' fill='white'/>", 1}};
     for (const auto& c : cases) {
         const Picture picture =
-            drawnElements("<mask id='n'><path d='M0 0h20v20H0' fill='#333'/></mask><mask id='m' " +
+            drawnElements("<clipPath id='l'><path d='M0 0h9v20H0'/></clipPath><clipPath id='r'>"
+                          "<path d='M9 0h9v20H9'/></clipPath>"
+                          "<mask id='n'><path d='M0 0h20v20H0' fill='#333'/></mask><mask id='m' " +
                           std::string(c.mask) + ">" + c.content +
                           "</mask><rect width='20' height='20' mask='url(#m)'/>");
         EXPECT_NEAR(redness(picture, 10, 10), 255 * c.share, 3) << c.mask << c.content;
