@@ -208,22 +208,18 @@ void sampleRefinedBicubic(const PatternWalk& walk, bool inside, Pixel* colours, 
 }
 
 constexpr PatternFilter kBicubic = {
-    1, 2, sampleBicubic, weighBySums, sampleRefinedBicubic, -kFixedHalf, true};
+    1, 2, sampleBicubic, weighBySums, sampleRefinedBicubic, -kFixedHalf, true, kAlwaysMixes};
 
 } // namespace
 
 void drawBicubicPattern(MMContext2D& context)
 {
-    if (context.refined != 0) return drawRefinedPattern(context, kBicubic, false);
-    PatternWalk walk = PatternWalk::fromCorner(context);
-    drawPattern(context, walk, kBicubic);
+    drawPattern(context, kBicubic, false);
 }
 
 void drawTranslucentBicubicPattern(MMContext2D& context)
 {
-    if (context.refined != 0) return drawRefinedPattern(context, kBicubic, true);
-    PatternWalk walk = PatternWalk::fromCorner(context);
-    drawTranslucentPattern(context, walk, kBicubic);
+    drawPattern(context, kBicubic, true);
 }
 
 } // namespace MM2D_LEVEL

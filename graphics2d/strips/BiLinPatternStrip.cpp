@@ -219,45 +219,26 @@ void sampleBilinear(const PatternWalk& walk, bool inside, Pixel* out, uint32_t*,
     samplePixels(ClassicMix(), walk, inside, out, count);
 }
 
-// One texel per pixel, hit in its centre.
-bool isRowCopy(const PatternWalk& walk)
-{
-    return walk.u.step() == kFixedOne && walk.v.step() == 0 &&
-           ((walk.u.fraction() | walk.v.fraction()) & 0xFF00) == 0;
-}
-
 void sampleRefinedBilinear(const PatternWalk& walk, bool inside, Pixel* out, uint32_t*,
                            int32_t count)
 {
-    const RefinedMix mix(walk.alpha);
-    if (!inside || !isRowCopy(walk) || mix.premultiplies)
-        return samplePixels(mix, walk, inside, out, count);
-    const Pixel* texels = walk.row(walk.v.indexPosition()) + fixFloor(walk.u.indexPosition());
-    int32_t i = 0;
-    for (; i + 4 <= count; i += 4)
-        store4(out + i, mix.finished(load4(texels + i)));
-    for (; i < count; ++i)
-        out[i] = texels[i] | mix.alphaBits;
+    samplePixels(RefinedMix(walk.alpha), walk, inside, out, count);
 }
 
 // Half a texel to the corner, and half a weight so that fractions are rounded rather than cut.
 constexpr PatternFilter kBilinear = {
-    0, 1, sampleBilinear, nullptr, sampleRefinedBilinear, 0x80 - kFixedHalf, true};
+    0, 1, sampleBilinear, nullptr, sampleRefinedBilinear, 0x80 - kFixedHalf, true, 0xFF00};
 
 } // namespace
 
 void drawBilinearPattern(MMContext2D& context)
 {
-    if (context.refined != 0) return drawRefinedPattern(context, kBilinear, false);
-    PatternWalk walk = PatternWalk::fromCorner(context);
-    drawPattern(context, walk, kBilinear);
+    drawPattern(context, kBilinear, false);
 }
 
 void drawTranslucentBilinearPattern(MMContext2D& context)
 {
-    if (context.refined != 0) return drawRefinedPattern(context, kBilinear, true);
-    PatternWalk walk = PatternWalk::fromCorner(context);
-    drawTranslucentPattern(context, walk, kBilinear);
+    drawPattern(context, kBilinear, true);
 }
 
 } // namespace MM2D_LEVEL

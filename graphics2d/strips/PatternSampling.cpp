@@ -38,16 +38,36 @@ inline Pixels patternWeights(Pixels colours, uint32_t opacity)
     return weights + (weights >> 7);
 }
 
-// Samples count pixels: in long runs inside the image, in short ones where tap offsets are needed.
-void sample(PatternWalk& walk, const PatternFilter& filter, SampleTexels sampleTexels,
-            Pixel* colours, uint32_t* alphas, int32_t count)
+// The texels that the next count pixels are copies of, which are inside the image; or null. One
+// texel per pixel, or so little less that the run stays on consecutive texels: an inverted identity
+// comes out as 0xFFFF.
+const Pixel* copiedTexels(const PatternWalk& walk, const PatternFilter& filter, int32_t count)
 {
+    if (walk.v.step() != 0 || walk.alpha == TexelAlpha::kPremultiplied) return nullptr;
+    const Fixed step = walk.u.step();
+    if (step != kFixedOne && step != kFixedOne - 1) return nullptr;
+    const uint32_t shortfall =
+        static_cast<uint32_t>(kFixedOne - step) * static_cast<uint32_t>(count - 1);
+    const uint32_t bits = walk.u.fraction() | walk.v.fraction() | kAlwaysMixes;
+    if (shortfall > walk.u.fraction() || (bits & filter.mixingBits) != 0) return nullptr;
+    return walk.row(walk.v.position()) + fixFloor(walk.u.position());
+}
+
+// Samples count pixels: in long runs inside the image, in short ones where tap offsets are needed.
+void sample(PatternWalk& walk, const PatternFilter& filter, Pixel* colours, uint32_t* alphas,
+            int32_t count)
+{
+    const SampleTexels sampleTexels = walk.isRefined ? filter.sampleRefined : filter.sample;
     while (count > 0) {
         int32_t length = walk.u.pixelsInside(filter.before, filter.after, count);
         if (length > 0) length = walk.v.pixelsInside(filter.before, filter.after, length);
         const bool inside = length > 0;
         if (!inside) length = count < kFewPixels ? count : kFewPixels;
-        sampleTexels(walk, inside, colours, alphas, length);
+        const Pixel* const texels = inside ? copiedTexels(walk, filter, length) : nullptr;
+        if (texels != nullptr)
+            copyTexels(texels, colours, length, walk.alpha == TexelAlpha::kMadeWhole);
+        else
+            sampleTexels(walk, inside, colours, alphas, length);
         walk.advance(length);
         colours += length;
         if (alphas != nullptr) alphas += length;
@@ -81,84 +101,125 @@ void drawByAlpha(TranslucentRun<ClassicBlend>& run, PaintPiece& piece, int32_t c
 
 } // namespace
 
-PatternWalk::PatternWalk(const MMPaint& paint, TexelAxis uAxis, TexelAxis vAxis)
-    : u(uAxis), v(vAxis), pixels_(paint.patternImage.pixels)
+PatternWalk::PatternWalk(const MMPaint& patternPaint, TexelPoint start, bool byRefinedRules)
+    : paint(patternPaint),
+      u(start.u, paint.patternTransform.a, paint.patternImage.width, byRefinedRules),
+      v(start.v, paint.patternTransform.b, paint.patternImage.height, byRefinedRules),
+      alpha(byRefinedRules ? TexelAlpha::kMadeWhole : TexelAlpha::kKept), isRefined(byRefinedRules)
 {
 }
 
-PatternWalk PatternWalk::classic(const MMPaint& paint, Fixed x, Fixed y)
-{
-    const Matrix2D& m = paint.patternTransform;
-    const MMPixmap& image = paint.patternImage;
-    const MMPoint2D start = mapped(m, x, y);
-    return {paint, {start.x, m.a, image.width}, {start.y, m.b, image.height}};
-}
+namespace {
 
-PatternWalk PatternWalk::refined(const MMContext2D& context, Fixed offset)
+// By the classic rules the filters that mix sample from the span's exact left end on the row's top
+// edge, the nearest one at pixel centres. The refined ones sample at the centre of the span's first
+// column, moved by an offset along both axes, which is the same for a pixel wherever its span
+// begins.
+TexelPoint startOf(const MMContext2D& context, const PatternFilter& filter)
 {
-    const MMPaint& paint = context.currentPaint;
-    const Matrix2D& m = paint.patternTransform;
-    const MMPixmap& image = paint.patternImage;
+    const Matrix2D& m = context.currentPaint.patternTransform;
     const int64_t column = fixFloor(context.spanStart);
     const int64_t row = context.spanRow;
-    const int64_t u = m.a * column + m.c * row + ((int64_t{m.a} + m.c) >> 1) + m.e + offset;
-    const int64_t v = m.b * column + m.d * row + ((int64_t{m.b} + m.d) >> 1) + m.f + offset;
-    PatternWalk walk(paint, TexelAxis::refined(u, m.a, image.width),
-                     TexelAxis::refined(v, m.b, image.height));
-    walk.isRefined = true;
-    return walk;
+    if (context.refined != 0)
+        return {m.a * column + m.c * row + ((int64_t{m.a} + m.c) >> 1) + m.e + filter.refinedOffset,
+                m.b * column + m.d * row + ((int64_t{m.b} + m.d) >> 1) + m.f +
+                    filter.refinedOffset};
+    Fixed x = context.spanStart;
+    Fixed y = fixFromInt(context.spanRow);
+    if (!filter.mixes) {
+        x = wrapAdd(x & ~0xFFFF, kFixedHalf);
+        y = wrapAdd(y, kFixedHalf);
+    }
+    const MMPoint2D start = mapped(m, x, y);
+    return {start.x, start.y};
 }
 
-void drawPattern(const MMContext2D& context, PatternWalk& walk, const PatternFilter& filter)
+void blendSampled(TranslucentRun<ClassicBlend>& run, const PatternFilter& filter,
+                  const PatternWalk&, PaintPiece& piece, int32_t count)
 {
-    if (walk.isEmpty()) return;
-    sample(walk, filter, filter.sample, spanFirstPixel(context), nullptr, spanLength(context));
+    if (filter.weigh == nullptr) return drawByAlpha(run, piece, count);
+    filter.weigh(piece, run.coverage, count);
+    run.drawPiece(piece, count);
 }
 
-void drawTranslucentPattern(MMContext2D& context, PatternWalk& walk, const PatternFilter& filter)
+void blendSampled(TranslucentRun<RefinedBlend>& run, const PatternFilter&, const PatternWalk& walk,
+                  PaintPiece& piece, int32_t count)
 {
-    if (walk.isEmpty()) return;
-    TranslucentRun<ClassicBlend> run(context);
+    blendRefined(run, walk.alpha, piece, count);
+}
+
+template <class Rule>
+void drawTranslucent(MMContext2D& context, const PatternFilter& filter, PatternWalk& walk)
+{
+    TranslucentRun<Rule> run(context);
     PaintPiece piece;
     int32_t count = spanLength(context);
     do {
         while (count > 0) {
             const int32_t length = count < kPieceLength ? count : kPieceLength;
-            sample(walk, filter, filter.sample, piece.colours, piece.weights, length);
-            if (filter.weigh != nullptr) {
-                filter.weigh(piece, run.coverage, length);
-                run.drawPiece(piece, length);
-            } else {
-                drawByAlpha(run, piece, length);
-            }
+            sample(walk, filter, piece.colours, piece.weights, length);
+            blendSampled(run, filter, walk, piece, length);
             count -= length;
         }
         count = 1;
     } while (run.takeTail());
 }
 
-void drawRefinedPattern(MMContext2D& context, const PatternFilter& filter, bool translucent)
+} // namespace
+
+namespace {
+
+// Most images are upright and at their own size. The texels of a span that copies such a one, found
+// without a walk; null for all others. Under a scale of 1.0, or of one unit less, the centre of
+// column i is mapped to where it is, or i + 1 units less, by either mode's arithmetic.
+inline const Pixel* texelsOfSpan(const MMContext2D& context, const PatternFilter& filter,
+                                 uint32_t count)
 {
-    PatternWalk walk = PatternWalk::refined(context, filter.refinedOffset);
+    const Matrix2D& m = context.currentPaint.patternTransform;
+    const MMPixmap& image = context.currentPaint.patternImage;
+    const uint32_t uShortfall = static_cast<uint32_t>(kFixedOne) - static_cast<uint32_t>(m.a);
+    const uint32_t vShortfall = static_cast<uint32_t>(kFixedOne) - static_cast<uint32_t>(m.d);
+    if ((uShortfall | vShortfall) > 1 || (m.b | m.c) != 0) return nullptr;
+    const bool isRefined = context.refined != 0;
+    if (filter.mixes && !isRefined) return nullptr;
+
+    const auto column = static_cast<uint32_t>(fixFloor(context.spanStart));
+    const auto row = static_cast<uint32_t>(context.spanRow);
+    if ((column | row) >= 0x8000) return nullptr;
+    const int64_t offset = isRefined ? filter.refinedOffset : 0;
+    const int64_t u = (column << 16 | 0x8000) - uShortfall * (column + 1) + offset + m.e;
+    const int64_t v = (row << 16 | 0x8000) - vShortfall * (row + 1) + offset + m.f;
+    const auto bits = static_cast<uint64_t>(u | v);
+    if (bits >= kAlwaysMixes || ((bits | kAlwaysMixes) & filter.mixingBits) != 0) return nullptr;
+    const uint64_t texel = static_cast<uint64_t>(u) >> 16;
+    const uint64_t texelRow = static_cast<uint64_t>(v) >> 16;
+    if (texel + count > image.width || texelRow >= image.height) return nullptr;
+    if (uShortfall * (count - 1) > (u & 0xFFFF) || image.pixels == nullptr) return nullptr;
+    return image.pixels + texelRow * image.width + texel;
+}
+
+[[gnu::noinline]] void drawWalk(MMContext2D& context, const PatternFilter& filter, bool translucent)
+{
+    const MMPaint& paint = context.currentPaint;
+    PatternWalk walk(paint, startOf(context, filter), context.refined != 0);
     if (walk.isEmpty()) return;
-    int32_t count = spanLength(context);
-    walk.alpha = TexelAlpha::kMadeWhole;
     if (!translucent)
-        return sample(walk, filter, filter.sampleRefined, spanFirstPixel(context), nullptr, count);
-
-    if (context.currentPaint.patternHasAlpha != 0)
+        return sample(walk, filter, spanFirstPixel(context), nullptr, spanLength(context));
+    if (!walk.isRefined) return drawTranslucent<ClassicBlend>(context, filter, walk);
+    if (paint.patternHasAlpha != 0)
         walk.alpha = filter.mixes ? TexelAlpha::kPremultiplied : TexelAlpha::kKept;
-    TranslucentRun<RefinedBlend> run(context);
-    PaintPiece piece;
-    do {
-        while (count > 0) {
-            const int32_t length = count < kPieceLength ? count : kPieceLength;
-            sample(walk, filter, filter.sampleRefined, piece.colours, nullptr, length);
-            blendRefined(run, walk.alpha, piece, length);
-            count -= length;
-        }
-        count = 1;
-    } while (run.takeTail());
+    drawTranslucent<RefinedBlend>(context, filter, walk);
+}
+
+} // namespace
+
+void drawPattern(MMContext2D& context, const PatternFilter& filter, bool translucent)
+{
+    if (translucent) return drawWalk(context, filter, true);
+    const int32_t count = spanLength(context);
+    const Pixel* const texels = texelsOfSpan(context, filter, static_cast<uint32_t>(count));
+    if (texels == nullptr) return drawWalk(context, filter, false);
+    copyTexels(texels, spanFirstPixel(context), count, context.refined != 0);
 }
 
 } // namespace MM2D_LEVEL

@@ -21,24 +21,18 @@ inline namespace MM2D_LEVEL {
 
 class TexelAxis {
 public:
-    TexelAxis(Fixed start, Fixed step, int32_t size)
-        : distance_(start), step_(step), size_(size), bias_(step >= 0                 ? 0
-                                                            : fixFraction(start) != 0 ? -1
-                                                                                      : 0xFFFF)
-    {
-    }
-
     // By the refined rules the index is the whole part of the coordinate, always and everywhere.
-    static TexelAxis refined(int64_t start, Fixed step, int32_t size)
+    TexelAxis(int64_t start, Fixed step, int32_t size, bool refined)
+        : distance_(start), step_(step), size_(size),
+          bias_(refined || step >= 0                          ? 0
+                : fixFraction(static_cast<Fixed>(start)) != 0 ? -1
+                                                              : 0xFFFF),
+          wrappedBits_(refined ? 0 : 32)
     {
-        TexelAxis axis(0, step, size);
-        axis.distance_ = start;
-        axis.bias_ = 0;
-        axis.wrappedBits_ = 0;
-        return axis;
     }
 
     // The coordinate is kept modulo 2^32, the index is not.
+    int64_t distance() const { return distance_; }
     Fixed position() const { return static_cast<Fixed>(static_cast<uint32_t>(distance_)); }
     Fixed step() const { return step_; }
     int32_t size() const { return size_; }
@@ -82,9 +76,9 @@ public:
 private:
     int64_t distance_; // 16.16 texels, exact for any span
     Fixed step_;
-    int32_t size_;             // texels
-    Fixed bias_;               // of the index
-    uint8_t wrappedBits_ = 32; // on top of the distance, that the classic coordinate is without
+    int32_t size_;        // texels
+    Fixed bias_;          // of the index
+    uint8_t wrappedBits_; // on top of the distance, that the classic coordinate is without
 };
 
 // The texels that the next pixels of an axis point at; all of them inside the image.
@@ -104,30 +98,25 @@ struct TexelRange {
     }
 };
 
-class PatternWalk {
-public:
-    // The classic walk, from where the device point (x, y) falls.
-    static PatternWalk classic(const MMPaint& paint, Fixed x, Fixed y);
+// A point of the pattern image, 16.16 texels.
+struct TexelPoint {
+    int64_t u;
+    int64_t v;
+};
 
-    // The classic walk of the filters that mix: from the span's exact left end on the row's top
-    // edge.
-    static PatternWalk fromCorner(const MMContext2D& context)
-    {
-        return classic(context.currentPaint, context.spanStart, fixFromInt(context.spanRow));
-    }
+// From a point of the paint's image on, by either mode's rules.
+struct PatternWalk {
+    PatternWalk(const MMPaint& patternPaint, TexelPoint start, bool byRefinedRules);
 
-    // The refined one: from the centre of the span's first column, moved by an offset along both
-    // axes. It is the same for a pixel wherever its span begins.
-    static PatternWalk refined(const MMContext2D& context, Fixed offset);
-
-    bool isEmpty() const { return pixels_ == nullptr || u.size() == 0 || v.size() == 0; }
+    bool isEmpty() const { return pixels() == nullptr || u.size() == 0 || v.size() == 0; }
+    const Pixel* pixels() const { return paint.patternImage.pixels; }
     int32_t width() const { return u.size(); }
 
     // Inside the image, where no tap offsets are needed; they fit a pointer difference on every
     // host.
     const Pixel* row(Fixed vIndex) const
     {
-        return pixels_ + static_cast<ptrdiff_t>(fixFloor(vIndex)) * width();
+        return pixels() + static_cast<ptrdiff_t>(fixFloor(vIndex)) * width();
     }
 
     // Rows follow each other without gaps. An index outside the image is brought back by one row
@@ -139,7 +128,7 @@ public:
         int64_t index = row * width + column;
         if (index < 0) index = index >= -width ? index + width : 0;
         if (index >= end) index = index < end + width ? index - width : end - 1;
-        return pixels_[index];
+        return pixels()[index];
     }
 
     void advance(int32_t pixels)
@@ -148,16 +137,11 @@ public:
         v.advance(pixels);
     }
 
+    const MMPaint& paint;
     TexelAxis u;
     TexelAxis v;
-
-    TexelAlpha alpha = TexelAlpha::kKept;
-    bool isRefined = false;
-
-private:
-    PatternWalk(const MMPaint& paint, TexelAxis uAxis, TexelAxis vAxis);
-
-    const Pixel* pixels_;
+    TexelAlpha alpha;
+    bool isRefined;
 };
 
 // Writes the colours of the next count pixels. Either all of them are inside the image, where no
@@ -167,6 +151,8 @@ using SampleTexels = void (*)(const PatternWalk& walk, bool inside, Pixel* colou
                               uint32_t* alphas, int32_t count);
 
 constexpr int32_t kFewPixels = 8;
+
+constexpr uint32_t kAlwaysMixes = 0x80000000u; // no bit of a coordinate inside an image
 
 // What makes a filter.
 struct PatternFilter {
@@ -180,13 +166,17 @@ struct PatternFilter {
     SampleTexels sampleRefined;
     Fixed refinedOffset; // from a pixel's centre to the point whose whole part is the texel
     bool mixes;          // several texels into one colour
+
+    // Bits of the coordinates' fractions by which it does: where they are 0, one texel per pixel is
+    // a copy. kAlwaysMixes: never.
+    uint32_t mixingBits;
 };
 
-// The strip fillers.
-void drawPattern(const MMContext2D& context, PatternWalk& walk, const PatternFilter& filter);
-void drawTranslucentPattern(MMContext2D& context, PatternWalk& walk, const PatternFilter& filter);
+// The strip fillers, in both modes.
+void drawPattern(MMContext2D& context, const PatternFilter& filter, bool translucent);
 
-void drawRefinedPattern(MMContext2D& context, const PatternFilter& filter, bool translucent);
+// Copies texels that follow each other, as they are or opaque.
+void copyTexels(const Pixel* texels, Pixel* out, int32_t count, bool makeOpaque);
 
 } // namespace MM2D_LEVEL
 } // namespace Graphics2D

@@ -11,38 +11,11 @@ inline namespace MM2D_LEVEL {
 
 namespace {
 
-// One texel per pixel, or so little less that the run stays on consecutive texels: an inverted
-// identity comes out as 0xFFFF. False when the texels do not follow each other.
-bool isRowCopy(const PatternWalk& walk, int32_t count)
-{
-    if (walk.v.step() != 0) return false;
-    const Fixed step = walk.u.step();
-    if (step != kFixedOne && step != kFixedOne - 1) return false;
-    const uint32_t shortfall =
-        static_cast<uint32_t>(kFixedOne - step) * static_cast<uint32_t>(count - 1);
-    return shortfall <= walk.u.fraction();
-}
-
 // A texel as it is, or opaque.
 template <bool kMakeOpaque, class Pixels>
 inline Pixels taken(Pixels texels)
 {
     return kMakeOpaque ? texels | kOpaque : texels;
-}
-
-// Texels that follow each other.
-template <bool kMakeOpaque>
-void copyRow(const Pixel* texels, Pixel* out, int32_t count)
-{
-    if (!kMakeOpaque) {
-        std::memcpy(out, texels, static_cast<size_t>(count) * sizeof(Pixel));
-        return;
-    }
-    int32_t i = 0;
-    for (; i + kLanes <= count; i += kLanes)
-        store(out + i, load<PixelVector>(texels + i) | kOpaque);
-    for (; i < count; ++i)
-        out[i] = texels[i] | kOpaque;
 }
 
 // All texels from one row.
@@ -76,7 +49,6 @@ void sampleNearest(const PatternWalk& walk, bool inside, Pixel* out, uint32_t*, 
     }
     Fixed u = walk.u.indexPosition();
     Fixed v = walk.v.indexPosition();
-    if (isRowCopy(walk, count)) return copyRow<kMakeOpaque>(walk.row(v) + fixFloor(u), out, count);
     if (walk.v.step() == 0) return scaleRow<kMakeOpaque>(walk, out, count);
     for (int32_t i = 0; i < count; ++i) {
         out[i] = taken<kMakeOpaque>(walk.row(v)[fixFloor(u)]);
@@ -93,30 +65,32 @@ void sampleRefinedNearest(const PatternWalk& walk, bool inside, Pixel* out, uint
     sampleNearest<false>(walk, inside, out, alphas, count);
 }
 
-constexpr PatternFilter kNearest = {0, 0,    sampleNearest<false>, nullptr, sampleRefinedNearest,
-                                    0, false};
-
-PatternWalk walkOf(const MMContext2D& context)
-{
-    return PatternWalk::classic(context.currentPaint,
-                                wrapAdd(fixFromInt(fixFloor(context.spanStart)), kFixedHalf),
-                                wrapAdd(fixFromInt(context.spanRow), kFixedHalf));
-}
+constexpr PatternFilter kNearest = {
+    0, 0, sampleNearest<false>, nullptr, sampleRefinedNearest, 0, false, 0};
 
 } // namespace
 
+void copyTexels(const Pixel* texels, Pixel* out, int32_t count, bool makeOpaque)
+{
+    if (!makeOpaque) {
+        std::memcpy(out, texels, static_cast<size_t>(count) * sizeof(Pixel));
+        return;
+    }
+    int32_t i = 0;
+    for (; i + kLanes <= count; i += kLanes)
+        store(out + i, load<PixelVector>(texels + i) | kOpaque);
+    for (; i < count; ++i)
+        out[i] = texels[i] | kOpaque;
+}
+
 void drawNearestPattern(MMContext2D& context)
 {
-    if (context.refined != 0) return drawRefinedPattern(context, kNearest, false);
-    PatternWalk walk = walkOf(context);
-    drawPattern(context, walk, kNearest);
+    drawPattern(context, kNearest, false);
 }
 
 void drawTranslucentNearestPattern(MMContext2D& context)
 {
-    if (context.refined != 0) return drawRefinedPattern(context, kNearest, true);
-    PatternWalk walk = walkOf(context);
-    drawTranslucentPattern(context, walk, kNearest);
+    drawPattern(context, kNearest, true);
 }
 
 } // namespace MM2D_LEVEL

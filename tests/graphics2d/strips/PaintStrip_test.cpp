@@ -189,6 +189,7 @@ protected:
             *e = !hostile && oneIn(3) ? whole[within(0, 5)] : field(-0x18000, 0x18000);
         if (oneIn(3)) m.b = 0;
         if (oneIn(6)) m.a = within(-300, 300); // many fractions between few texels
+        if (oneIn(5)) m = {whole[within(0, 1)], 0, 0, whole[within(0, 1)], 0, 0}; // copied
         m.e = field(-w * 65536, w << 16);
         m.f = field(-h * 65536, h << 16);
         if (oneIn(3)) {
