@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "svg/geometry/PathEncoder.h"
 
+#include <algorithm>
+#include <vector>
+
 namespace KAVO {
 namespace Svg {
 
@@ -22,10 +25,12 @@ public:
 
 private:
     int piecesOf(Point p0, Point c1, Point c2, Point p3) const;
+    void addCuts(Point from, Point to);
     void addCurve(Point p0, Point c1, Point c2, Point p3);
 
     const PathSpace& space_;
     Point current_;
+    Point first_;                    // of the subpath
     std::optional<MMPoint2D> start_; // of a subpath that has no segment yet: it may get none
 };
 
@@ -64,13 +69,33 @@ void Encoder::addCurve(Point p0, Point c1, Point c2, Point p3)
     }
 }
 
+// A line that reaches too far gets points where it enters and leaves what is in reach: points
+// beyond are held at the rim, and may not pull what is near with them.
+void Encoder::addCuts(Point from, Point to)
+{
+    if (space_.reaches(from) && space_.reaches(to)) return;
+    const Point start = (from - space_.origin) * space_.scale;
+    const Point way = (to - from) * space_.scale;
+    std::vector<double> cuts;
+    for (const double rim : {-PathSpace::kReach, PathSpace::kReach}) {
+        for (const double cut : {(rim - start.x) / way.x, (rim - start.y) / way.y}) {
+            if (cut > 0 && cut < 1) cuts.push_back(cut);
+        }
+    }
+    std::sort(cuts.begin(), cuts.end());
+    for (const double cut : cuts) {
+        const MMPoint2D p = space_.point(from + (to - from) * cut);
+        path.lineTo(p.x, p.y);
+    }
+}
+
 void Encoder::add(const Outline::Segment& segment)
 {
     const Point* p = segment.points;
     const MMPoint2D end = space_.point(p[0]);
     if (segment.verb == Outline::Move) {
         start_ = end;
-        current_ = p[0];
+        current_ = first_ = p[0];
         return;
     }
     if (start_) path.moveTo(start_->x, start_->y);
@@ -79,6 +104,7 @@ void Encoder::add(const Outline::Segment& segment)
     case Outline::Move:
         break;
     case Outline::Line:
+        addCuts(current_, p[0]);
         path.lineTo(end.x, end.y);
         current_ = p[0];
         break;
@@ -87,7 +113,9 @@ void Encoder::add(const Outline::Segment& segment)
         current_ = p[2];
         break;
     case Outline::Close:
+        addCuts(current_, first_);
         path.close();
+        current_ = first_;
         break;
     }
 }

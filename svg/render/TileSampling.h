@@ -10,7 +10,7 @@ namespace KAVO {
 namespace Svg {
 
 // Samples along each side of a pixel. A tile is best drawn with as many texels in a pixel's length.
-constexpr int kTileSamples = 3;
+constexpr int kTileSamples = 4;
 
 // Sets the pixels of the area to the mean of the texels at their samples. toTile maps device
 // pixels to tiles: each is a square of side 1, the first at the origin. Both pictures are

@@ -186,6 +186,23 @@ TEST(SvgEquivalents, MarkersAreClippedAndFadedAsOne)
           "<g opacity='.5'><rect x='20' y='20' width='9' height='9'/><path d='M20 20h9v9'/></g>"}});
 }
 
+TEST(SvgEquivalents, LinesFromFarAwayKeepTheirPlace)
+{
+    const auto picture = [](const std::string& path) {
+        return drawn("<svg width='40' height='40'><path stroke='red' stroke-width='3' d='" + path +
+                         "'/></svg>",
+                     40, 40);
+    };
+    // Each beside one of nearer points on the same lines.
+    for (const auto& [far, near] : {std::pair{"M-50000 8L50000 28", "M-500 17.9L500 18.1"},
+                                    {"M9 9L1000009 500009V9", "M9 9L1009 509V9"},
+                                    {"M9 9L4e8 8e8H0V30", "M9 9L509 1009H0V30"},
+                                    {"M1000009 -999991L9 9V3e5", "M1009 -991L9 9V3000"}})
+        EXPECT_LE(worstDifference(picture(far), picture(near)), 4) << far;
+    expectSameElements({{"<svg width='9' height='9' overflow='inherit'><circle r='20'/></svg>",
+                         "<circle r='20'/>"}});
+}
+
 TEST(SvgEquivalents, PathLengthsMeasureDashes)
 {
     const std::string dashed = "<path fill='none' stroke='red' stroke-width='4' d='M0 20H40' ";
