@@ -8,6 +8,7 @@
 #include "svg/values/TextScanner.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace KAVO {
 namespace Svg {
@@ -23,8 +24,8 @@ constexpr unsigned kParseFlags = pugi::parse_default | pugi::parse_ws_pcdata;
 
 bool isCss(pugi::xml_node style)
 {
-    const std::string_view type = style.attribute("type").value();
-    return type.empty() || type.substr(0, 8) == "text/css";
+    const std::string_view type = trimmed(style.attribute("type").value());
+    return type.empty() || equalsIgnoringCase(trimmed(type.substr(0, type.find(';'))), "text/css");
 }
 
 // Calls function with reference and media of each style sheet that a processing instruction names.
@@ -47,6 +48,25 @@ void forStyleSheets(std::string_view prolog, Function function)
     }
 }
 
+void setDefaults(const std::vector<AttributeDefault>& defaults, pugi::xml_document& document)
+{
+    struct Setter : pugi::xml_tree_walker {
+        const std::vector<AttributeDefault>& defaults;
+        explicit Setter(const std::vector<AttributeDefault>& list) : defaults(list) {}
+        bool for_each(pugi::xml_node& node) override
+        {
+            for (const AttributeDefault& d : defaults) {
+                if (d.element == node.name() && !node.attribute(d.attribute.c_str()))
+                    node.append_attribute(d.attribute.c_str()) = d.value.c_str();
+            }
+            return true;
+        }
+    };
+    if (defaults.empty()) return;
+    Setter setter(defaults);
+    document.traverse(setter);
+}
+
 } // namespace
 
 std::string SvgDocument::parse(std::string text)
@@ -59,6 +79,7 @@ std::string SvgDocument::parse(std::string text)
     const pugi::xml_parse_result result =
         document_.load_buffer(text.data(), text.size(), kParseFlags);
     if (!result) return result.description();
+    setDefaults(readAttributeDefaults(text), document_);
     lookForBlending(text);
     const auto rootAt = static_cast<size_t>(document_.document_element().offset_debug());
     return readRoot(std::string_view(text).substr(0, rootAt));
@@ -85,6 +106,9 @@ std::string SvgDocument::readRoot(std::string_view prolog)
         {
             ++count;
             if (const pugi::xml_attribute id = node.attribute("id")) byId.emplace(id.value(), node);
+            pugi::xml_attribute style = node.attribute("style");
+            if (std::strstr(style.value(), "/*"))
+                style.set_value(withoutComments(style.value()).c_str());
             return true;
         }
     };

@@ -4,6 +4,7 @@
 #include "svg/style/StyleSheet.h"
 #include "svg/style/Validity.h"
 #include "svg/values/TextScanner.h"
+#include "svg/values/TransformParser.h"
 
 #include <algorithm>
 
@@ -11,17 +12,6 @@ namespace KAVO {
 namespace Svg {
 
 namespace {
-
-// What follows the comments that a declaration begins with.
-std::string_view withoutComment(std::string_view text)
-{
-    text = trimmed(text);
-    while (text.substr(0, 2) == "/*") {
-        const size_t end = text.find("*/", 2);
-        text = end == text.npos ? std::string_view() : trimmed(text.substr(end + 2));
-    }
-    return text;
-}
 
 void addShorthand(std::string_view name, std::string_view value, bool important,
                   std::vector<Declaration>& declarations)
@@ -63,8 +53,8 @@ bool isUndrawn(std::string_view name, std::string_view value)
 {
     if (value == "none" || value == "normal" || value == "auto") return false;
     for (const std::string_view undrawn :
-         {"animation", "animation-name", "backdrop-filter", "mask-image", "offset-path", "rotate",
-          "scale", "translate", "zoom"}) {
+         {"animation", "animation-name", "backdrop-filter", "d", "mask-composite", "mask-image",
+          "mask-mode", "offset-path", "rotate", "scale", "translate", "zoom"}) {
         if (name == undrawn) return true;
     }
     return false;
@@ -90,7 +80,6 @@ bool isNoAttribute(Property property)
 void parseDeclarations(std::string_view text, std::vector<Declaration>& declarations)
 {
     while (!text.empty()) {
-        text = withoutComment(text);
         const size_t end = findOutside(text, ';');
         const std::string_view declaration = text.substr(0, end);
         text = end == text.npos ? std::string_view() : text.substr(end + 1);
@@ -100,7 +89,7 @@ void parseDeclarations(std::string_view text, std::vector<Declaration>& declarat
         std::string_view value = trimmed(declaration.substr(colon + 1));
         bool important = false;
         if (const size_t mark = value.rfind('!'); mark != value.npos) {
-            important = trimmed(value.substr(mark + 1)) == "important";
+            important = equalsIgnoringCase(trimmed(value.substr(mark + 1)), "important");
             if (!important) continue;
             value = trimmed(value.substr(0, mark));
         }
@@ -123,7 +112,10 @@ Properties::Properties(pugi::xml_node node, const StyleSheet& sheet) : node_(nod
     if (!sheet.empty()) sheet.match(node, rules);
     for (const pugi::xml_attribute attribute : node.attributes()) {
         const std::optional<Property> property = findProperty(attribute.name());
-        if (property && !isNoAttribute(*property))
+        if (!property || isNoAttribute(*property)) continue;
+        if (property == Property::Transform && hasUnits(attribute.value()))
+            undrawn_.push_back("malformed transform");
+        else
             set({*property, trimmed(attribute.value()), false, {}});
     }
     forAll(rules, own, [&](const Declaration& declaration) {

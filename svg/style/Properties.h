@@ -22,7 +22,8 @@ struct Declaration {
                                 // not drawn; the property is Count then
 };
 
-// Appends the declarations between semicolons; shorthands are taken apart.
+// Appends the declarations between semicolons; shorthands are taken apart. The text has no
+// comments.
 void parseDeclarations(std::string_view text, std::vector<Declaration>& declarations);
 
 // The element's properties: attributes, then rules of the style sheet by specificity, then the

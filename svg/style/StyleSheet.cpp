@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace KAVO {
 namespace Svg {
@@ -14,6 +15,8 @@ namespace {
 
 constexpr size_t kMostSheets = 32; // with those that sheets import
 constexpr int kMostBrackets = 8;   // of media rules in media rules
+
+} // namespace
 
 std::string withoutComments(const std::string& text)
 {
@@ -33,6 +36,8 @@ std::string withoutComments(const std::string& text)
     }
     return result;
 }
+
+namespace {
 
 // The first of the characters outside of quotes.
 size_t findOutsideQuotes(std::string_view text, std::string_view wanted)
@@ -77,7 +82,9 @@ std::string_view takeBlock(std::string_view& text)
 void StyleSheet::add(const std::string& text, const Surroundings& around)
 {
     texts_.push_back(withoutComments(text));
+    const bool before = std::exchange(mayImport_, true);
     parse(texts_.back(), around, 0);
+    mayImport_ = before;
 }
 
 void StyleSheet::addFrom(const std::string& reference, const Surroundings& around)
@@ -108,6 +115,7 @@ void StyleSheet::parse(std::string_view text, const Surroundings& around, int de
             parseAtRule(text, around, depth);
             continue;
         }
+        mayImport_ = false;
         const size_t brace = findOutsideQuotes(text, "{");
         if (brace == text.npos) return;
         const std::string_view selectors = text.substr(0, brace);
@@ -124,10 +132,19 @@ void StyleSheet::parseAtRule(std::string_view& text, const Surroundings& around,
     text.remove_prefix(end == text.npos ? text.size() : hasBlock ? end : end + 1);
     const std::string_view block = hasBlock ? takeBlock(text) : std::string_view();
 
-    if (head.substr(0, 6) == "@media" && depth < kMostBrackets) {
-        if (isForScreens(head.substr(6), around)) parse(block, around, depth + 1);
-    } else if (head.substr(0, 7) == "@import") {
-        parseImport(head.substr(7), around);
+    const std::string name = lowerCase(head.substr(0, head.find_first_of(" \t\r\n\f(\"'")));
+    const std::string_view rest = head.substr(std::min(name.size(), head.size()));
+    // Imports come before all other rules.
+    const bool mayImport = std::exchange(mayImport_, mayImport_ && !hasBlock);
+    if (name == "@media" && depth < kMostBrackets) {
+        if (isForScreens(rest, around)) parse(block, around, depth + 1);
+    } else if (name == "@import" && mayImport) {
+        parseImport(rest, around);
+    } else if (hasBlock) {
+        for (const std::string_view undrawn :
+             {"@container", "@font-face", "@layer", "@scope", "@supports"}) {
+            if (name == undrawn) around.note(name);
+        }
     }
 }
 

@@ -84,6 +84,16 @@ bool TextScanner::flag(bool& value)
     return true;
 }
 
+std::string_view TextScanner::letters()
+{
+    size_t length = 0;
+    while (length < rest_.size() && isLetter(rest_[length]))
+        ++length;
+    const std::string_view result = rest_.substr(0, length);
+    rest_.remove_prefix(length);
+    return result;
+}
+
 std::string_view TextScanner::word()
 {
     size_t length = 0;

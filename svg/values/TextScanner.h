@@ -25,6 +25,7 @@ public:
     bool character(char c);
     bool number(double& value); // sign, digits, fraction, exponent; kept within a billion
     bool flag(bool& value);     // a single 0 or 1
+    std::string_view letters(); // may be empty
     std::string_view word();    // letters, digits, '-', '_'; may be empty
 
 private:

@@ -10,7 +10,7 @@ namespace Svg {
 
 namespace {
 
-constexpr size_t kMostValues = 6;
+constexpr size_t kMostValues = 16;
 const double kDegree = std::acos(-1.0) / 180;
 
 // A number and its unit.
@@ -42,11 +42,15 @@ public:
     }
     bool readValues(TextScanner& scanner);
     std::optional<Affine> transform();
+    // Whether only the property of style sheets can hold this, or only the attribute.
+    bool hasUnits() const { return hasUnits_; }
+    bool hasSpaces() const { return hasSpaces_; }
 
 private:
     bool isNamed(std::string_view name, size_t fewest, size_t most) const
     {
-        return name_ == name && count_ >= fewest && count_ <= most;
+        const bool isName = hasUnits_ ? equalsIgnoringCase(name_, name) : name_ == name;
+        return isName && count_ >= fewest && count_ <= most;
     }
     double number(size_t i, double fallback = 0) const
     {
@@ -65,17 +69,24 @@ private:
     Value values_[kMostValues];
     size_t count_ = 0;
     bool valid_ = true;
+    bool hasUnits_ = false;
+    bool hasSpaces_ = false; // between values, without a comma
 };
 
 bool Item::readValues(TextScanner& scanner)
 {
     scanner.skipSpace();
+    bool comma = false; // before what comes next
     while (count_ < kMostValues && scanner.number(values_[count_].number)) {
-        values_[count_].unit = scanner.character('%') ? "%" : scanner.word();
-        ++count_;
-        scanner.skipSeparator();
+        hasSpaces_ = hasSpaces_ || (count_ > 0 && !comma);
+        Value& value = values_[count_++];
+        value.unit = scanner.character('%') ? "%" : scanner.letters();
+        hasUnits_ = hasUnits_ || !value.unit.empty();
+        scanner.skipSpace();
+        comma = scanner.character(',');
+        scanner.skipSpace();
     }
-    return count_ > 0 && scanner.character(')');
+    return count_ > 0 && !comma && scanner.character(')');
 }
 
 double Item::length(size_t i, Axis axis)
@@ -122,6 +133,14 @@ std::optional<Affine> Item::transform()
         result = shear(angle(0), angle(1));
     else if (isNamed("matrix", 6, 6))
         result = {number(0), number(1), number(2), number(3), number(4), number(5)};
+    else if (isNamed("translate3d", 3, 3))
+        result = translation(length(0, Axis::X), length(1, Axis::Y));
+    else if (isNamed("scale3d", 3, 3))
+        result = {factor(0), 0, 0, factor(1), 0, 0};
+    else if (isNamed("rotateZ", 1, 1))
+        result = rotation(angle(0));
+    else if (isNamed("rotate3d", 4, 4) && number(0) == 0 && number(1) == 0 && number(2) != 0)
+        result = rotation(number(2) > 0 ? angle(3) : -angle(3));
     else
         return std::nullopt;
     if (!valid_) return std::nullopt;
@@ -137,7 +156,14 @@ std::optional<Affine> parseTransform(std::string_view text, const LengthContext&
     Affine result;
     if (text == "none") return result;
     TextScanner scanner(text);
-    scanner.skipSeparator();
+    bool units = false;
+    bool spaces = false;
+    bool commas = false; // between functions
+    const auto skipCommas = [&] {
+        for (scanner.skipSpace(); scanner.character(','); scanner.skipSpace())
+            commas = true;
+    };
+    scanner.skipSpace();
     while (!scanner.atEnd()) {
         Item item(scanner.word(), lengths, box);
         scanner.skipSpace();
@@ -145,9 +171,27 @@ std::optional<Affine> parseTransform(std::string_view text, const LengthContext&
         const std::optional<Affine> transform = item.transform();
         if (!transform) return std::nullopt;
         result = result * *transform;
-        scanner.skipSeparator();
+        units = units || item.hasUnits();
+        spaces = spaces || item.hasSpaces();
+        skipCommas();
     }
+    // With units it is a style sheet's, whose commas are not a matter of taste.
+    if (units && (spaces || commas)) return std::nullopt;
     return result;
+}
+
+bool hasUnits(std::string_view transform)
+{
+    TextScanner scanner(transform);
+    while (!scanner.atEnd()) {
+        double number = 0;
+        if (scanner.number(number)) {
+            if (scanner.peek() == '%' || !scanner.letters().empty()) return true;
+        } else if (scanner.word().empty()) {
+            scanner.skip(1);
+        }
+    }
+    return false;
 }
 
 } // namespace Svg

@@ -11,10 +11,14 @@ namespace KAVO {
 namespace Svg {
 
 // The transform that the list describes, or nothing when the list is malformed. Beside what the
-// attribute knows it may hold what the property of style sheets does in two dimensions: angles and
-// lengths with units, percentages of the box, and the functions for single axes.
+// attribute knows it may hold what the property of style sheets does: angles and lengths with
+// units, percentages of the box, the functions for single axes, and of those for three dimensions
+// the ones that stay in the plane.
 std::optional<Affine> parseTransform(std::string_view text, const LengthContext& lengths,
                                      const Box& box = {0, 0, 0, 0});
+
+// Whether a number in the list has a unit, which the attribute does not know.
+bool hasUnits(std::string_view transform);
 
 } // namespace Svg
 } // namespace KAVO

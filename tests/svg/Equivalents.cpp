@@ -42,6 +42,42 @@ TEST(SvgEquivalents, Namespaces)
         expectSame({feature, plain});
 }
 
+TEST(SvgEquivalents, DocumentTypes)
+{
+    const std::string plain = "<svg width='40' height='40'><rect width='9' height='8'/></svg>";
+    const auto feature = [](const std::string& subset, const std::string& elements) {
+        return "<!DOCTYPE svg [" + subset + "]>\n<svg width='40' height='40'>" + elements +
+               "</svg>";
+    };
+    expectSame({feature("<!ATTLIST rect width CDATA \"9\" rx CDATA #IMPLIED\n fill (red|blue) "
+                        "'&#98;lack' height NMTOKEN #FIXED '8'><!ATTLIST g x CDATA #REQUIRED>",
+                        "<rect/>"),
+                plain});
+    expectSame(
+        {feature("<!ATTLIST rect width CDATA '30' height CDATA '8'>", "<rect width='9'/>"), plain});
+    expectSame(
+        {feature("<!ENTITY r \"&#60;rect width='9' height='&h;'/&#x3E;\"><!ENTITY h '&#56;'>",
+                 "&r;"),
+         plain});
+}
+
+TEST(SvgEquivalents, StyleSheets)
+{
+    const std::string rect = "<rect width='9' height='9' fill='red'/>";
+    const std::string green = "<rect width='9' height='9' fill='green'/>";
+    expectSameElements(
+        {{"<rect width='9' height='9' style='/*;*/fill/**/:/*x*/green/*'/>", green},
+         {"<style type=' TEXT/CSS; charset=utf-8'>rect{fill:green !IMPORTANT}</style>"
+          "<rect width='9' height='9' style='fill:red'/>",
+          green},
+         {"<style>@MEDIA screen{rect{fill:green}} @import 'data:text/css,rect{fill:blue}';"
+          "</style>" +
+              rect,
+          green},
+         {"<style>@charset 'utf-8'; @import 'data:text/css,rect{fill:green}';</style>" + rect,
+          green}});
+}
+
 TEST(SvgEquivalents, Visibility)
 {
     expectSameElements(

@@ -195,6 +195,9 @@ TEST(SvgInterface, EveryThingThatIsNotDrawnHasAName)
         {"<use href='a.svg#b'/>", "use of what is not there: a.svg#b"},
         {"<path d='M0 0L'/>", "malformed path data"},
         {"<polygon points='0 0 9'/>", "malformed points"},
+        {rect + "transform='translate(9px)'/>", "malformed transform"},
+        {"<style>@supports (fill:red) { g { fill: red } }</style>", "@supports"},
+        {"<path style='d:path(\"M0 0h9v9\")'/>", "d"},
         {"<switch><hatch/></switch>", "<hatch>"}};
     for (const auto& [elements, what] : cases) {
         MMSvgDocument document;

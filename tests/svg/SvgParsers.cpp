@@ -182,6 +182,10 @@ TEST(SvgTransform, ListsApplyFromRightToLeft)
         {"rotate(0.25turn)", {-20, 10}},
         {"scaleX(3) scaleY(50%)", {30, 10}},
         {"skew(45deg)", {30, 20}},
+        {"Translate3D(5px, 6px, 7px)rotateZ(90deg)", {-15, 16}},
+        {"rotate3d(0, 0, -2, 90deg) scale3d(2, 3, 4)", {60, -20}},
+        {"translate(5-7)", {15, 13}},
+        {"translate(5 7), , scale(2)", {25, 47}},
     };
     const Viewport viewport;
     const LengthContext lengths{viewport};
@@ -194,7 +198,9 @@ TEST(SvgTransform, ListsApplyFromRightToLeft)
         EXPECT_NEAR(p.y, c.image.y, 1e-6) << c.text;
     }
     for (const char* text :
-         {"scale()", "rotate(1 2)", "turn(5)", "scale(2", "matrix(1 2 3)", "7", "rotate(1cat)"})
+         {"scale()", "rotate(1 2)", "turn(5)", "scale(2", "matrix(1 2 3)", "7", "rotate(1cat)",
+          "scale(2,,3)", "scale(,2)", "scale(2,)", "translate(1px 2px)", "scale(2), rotate(1deg)",
+          "rotate3d(1, 0, 0, 9deg)", "SCALE(2)"})
         EXPECT_FALSE(parseTransform(text, lengths, box)) << text;
 }
 
