@@ -70,6 +70,16 @@ void drawPremultiplied(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, int
 // Colours with an alpha of their own that none of their channels has been multiplied with.
 void drawStraight(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, int32_t count)
 {
+    if (run.coverage.isFlat()) {
+        const uint32_t opacity = coarseCoverage(run.coverage.current());
+        run.blendBy(count, [&](auto backgrounds, int32_t i) {
+            const auto colours = load<decltype(backgrounds)>(piece.colours + i);
+            return RefinedBlend::blend(backgrounds, colours | kOpaque,
+                                       weighedAlphas(colours >> 24 << 8, opacity));
+        });
+        run.coverage.advance(count);
+        return;
+    }
     for (int32_t i = 0; i < count; i += kLanes) {
         const PixelVector colours = load<PixelVector>(piece.colours + i);
         store(piece.weights + i, colours >> 24 << 8);
