@@ -28,17 +28,29 @@ struct RowStep {
 
 // How colours are mixed by the classic rules.
 struct ClassicMix {
+    using Rule = ClassicBlend; // of each step
+
     static RowStep between(U16x8 left, U16x8 right)
     {
         return {left << 8, raisedDifference(left, right)};
     }
     static U16x8 moved(U16x8 from, U16x8 to, U16x8 weight) { return moveToward(from, to, weight); }
-    static U16x8 prepared(U16x8 texels) { return texels; }
-    static U32x4 finished(U32x4 pixels) { return pixels; }
+    template <class Texels>
+    static Texels prepared(Texels texels)
+    {
+        return texels;
+    }
+    template <class Pixels>
+    static Pixels finished(Pixels pixels)
+    {
+        return pixels;
+    }
 };
 
 // By the refined ones: rounded to nearest each time.
 struct RefinedMix {
+    using Rule = RefinedBlend;
+
     bool premultiplies;
     Pixel alphaBits; // set in all pixels
 
@@ -49,8 +61,16 @@ struct RefinedMix {
     }
     static RowStep between(U16x8 left, U16x8 right) { return {left << 8 | 128, right - left}; }
     static U16x8 moved(U16x8 from, U16x8 to, U16x8 weight) { return moveRounded(from, to, weight); }
-    U16x8 prepared(U16x8 texels) const { return premultiplies ? premultiplied(texels) : texels; }
-    U32x4 finished(U32x4 pixels) const { return pixels | alphaBits; }
+    template <class Texels>
+    Texels prepared(Texels texels) const
+    {
+        return premultiplies ? premultiplied(texels) : texels;
+    }
+    template <class Pixels>
+    Pixels finished(Pixels pixels) const
+    {
+        return pixels | alphaBits;
+    }
 };
 
 // The step from the texel at an address to its right-hand neighbour, and from the one below.
@@ -203,9 +223,53 @@ void sampleFew(const Mix& mix, PatternWalk walk, Pixel* out, int32_t count)
     std::memcpy(out, pixels, static_cast<size_t>(count) * sizeof(Pixel));
 }
 
+// Without vector registers: two channels in one word, a pixel after the other.
+template <class Mix>
+void sampleOneByOne(const Mix& mix, PatternWalk walk, bool inside, Pixel* out, int32_t count)
+{
+    using Rule = typename Mix::Rule;
+    const auto mixed = [&mix](const Pixel(&texels)[4], uint32_t u, uint32_t v) {
+        const Pixel upperLeft = mix.prepared(texels[0]), upperRight = mix.prepared(texels[1]);
+        const Pixel lowerLeft = mix.prepared(texels[2]), lowerRight = mix.prepared(texels[3]);
+        const auto pair = [=](int shift) {
+            const auto row = [=](Pixel left, Pixel right) {
+                return Rule::pair(left >> shift & kEvenChannels, right >> shift & kEvenChannels,
+                                  u >> 8 & 0xFF);
+            };
+            return Rule::pair(row(upperLeft, upperRight), row(lowerLeft, lowerRight),
+                              v >> 8 & 0xFF);
+        };
+        return mix.finished(pair(0) | pair(8) << 8);
+    };
+    if (!inside) {
+        for (int32_t i = 0; i < count; ++i, walk.advance(1)) {
+            const int64_t x[2] = {walk.u.tap(0), walk.u.tap(1)};
+            const int64_t y[2] = {walk.v.tap(0), walk.v.tap(1)};
+            const Pixel texels[4] = {walk.texelAt(x[0], y[0]), walk.texelAt(x[1], y[0]),
+                                     walk.texelAt(x[0], y[1]), walk.texelAt(x[1], y[1])};
+            out[i] = mixed(texels, walk.u.fraction(), walk.v.fraction());
+        }
+        return;
+    }
+    const int32_t width = walk.width();
+    const Fixed uStep = walk.u.step(), vStep = walk.v.step();
+    Fixed u = walk.u.indexPosition(), v = walk.v.indexPosition();
+    uint32_t uFraction = walk.u.fraction(), vFraction = walk.v.fraction();
+    for (int32_t i = 0; i < count; ++i) {
+        const Pixel* const upper = walk.row(v) + fixFloor(u);
+        const Pixel* const lower = upper + width;
+        out[i] = mixed({upper[0], upper[1], lower[0], lower[1]}, uFraction, vFraction);
+        u = wrapAdd(u, uStep);
+        v = wrapAdd(v, vStep);
+        uFraction += static_cast<uint32_t>(uStep);
+        vFraction += static_cast<uint32_t>(vStep);
+    }
+}
+
 template <class Mix>
 void samplePixels(const Mix& mix, const PatternWalk& walk, bool inside, Pixel* out, int32_t count)
 {
+    if constexpr (kLanes == 1) return sampleOneByOne(mix, walk, inside, out, count);
     if (!inside || count < 4) return sampleFew(mix, walk, out, count);
     if (walk.v.step() == 0 && magnitudeOf(walk.u.step()) <= kFixedOne && count > kFewPixels)
         return magnifyRows(mix, walk, out, count);

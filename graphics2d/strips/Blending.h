@@ -28,6 +28,18 @@ inline Pixel blendPixel(Pixel destination, Pixel source, uint32_t weight)
                << 8;
 }
 
+// A pixel's colour multiplied with its alpha, rounded.
+inline Pixel premultiplied(Pixel pixel)
+{
+    const auto product = [pixel](uint32_t pair) {
+        const uint32_t share = pair * (pixel >> 24) + 0x00800080u;
+        return ((share + (share >> 8 & kEvenChannels)) >> 8) & kEvenChannels;
+    };
+    const Pixel even = product(pixel & kEvenChannels);
+    const Pixel odd = product((pixel >> 8 & 0xFF) | 0x00FF0000u); // alpha times 255 by 255
+    return even | odd << 8;
+}
+
 // --- Lanes ---------------------------------------------------------------------------------------
 
 // Blends a vector of pixels by pairs of the same weight. move(from, to, weights) moves the channels
@@ -179,12 +191,12 @@ struct ClassicBlend {
     // of 255 reaches the source exactly for large rises; falls reach it because the shift floors.
     static uint32_t pair(uint32_t destination, uint32_t source, uint32_t weight)
     {
-        // A lane holds 512 + source - destination - 129: bit 9 is set when the difference is above
-        // 128.
-        const uint32_t raised =
-            (((source | 0x02000200u) - 0x00810081u - destination) >> 9) & 0x10001u;
+        // Borrows between the lanes cancel out.
+        const uint32_t difference = source - destination;
+        // A lane holds 383 more than its difference: bit 9 is set when that is above 128.
+        const uint32_t raised = ((difference + 0x017F017Fu) >> 9) & 0x10001u;
         // d * 256 + (s - d + raised) * w of each lane, which lies between 0 and 65535.
-        return ((destination * (256 - weight) + (source + raised) * weight) >> 8) & kEvenChannels;
+        return (((destination << 8) + (difference + raised) * weight) >> 8) & kEvenChannels;
     }
 
     template <class Pixels>
@@ -205,7 +217,15 @@ struct ClassicBlend {
         if constexpr (sizeof(Pixels) > sizeof(Pixel))
             return FlatBlend<Pixels>(colour, weight, 128);
         else
-            return [=](Pixel destination) { return blend(destination, colour, weight); };
+            return [=](Pixel destination) {
+                const auto moved = [weight](uint32_t from, uint32_t to) {
+                    const uint32_t limit = to + 0x017F017Fu, share = to * weight;
+                    const uint32_t raised = ((limit - from) >> 9) & 0x10001u;
+                    return (from * (256 - weight) + raised * weight + share) >> 8 & kEvenChannels;
+                };
+                return moved(destination & kEvenChannels, colour & kEvenChannels) |
+                       moved(destination >> 8 & kEvenChannels, colour >> 8 & kEvenChannels) << 8;
+            };
     }
 
     static Pixel sourceOf(Pixel colour) { return colour; }
@@ -266,7 +286,8 @@ struct RefinedBlend {
 
     static uint32_t pair(uint32_t destination, uint32_t source, uint32_t weight)
     {
-        return ((destination * (256 - weight) + source * weight + 0x00800080u) >> 8) &
+        // Borrows between the lanes cancel out.
+        return (((destination << 8) + (source - destination) * weight + 0x00800080u) >> 8) &
                kEvenChannels;
     }
 
@@ -288,7 +309,14 @@ struct RefinedBlend {
         if constexpr (sizeof(Pixels) > sizeof(Pixel))
             return FlatBlend<Pixels>(colour, weight, 128, INT16_MIN);
         else
-            return [=](Pixel destination) { return blend(destination, colour, weight); };
+            return [=](Pixel destination) {
+                const auto moved = [weight](uint32_t from, uint32_t to) {
+                    const uint32_t share = to * weight + 0x00800080u;
+                    return (from * (256 - weight) + share) >> 8 & kEvenChannels;
+                };
+                return moved(destination & kEvenChannels, colour & kEvenChannels) |
+                       moved(destination >> 8 & kEvenChannels, colour >> 8 & kEvenChannels) << 8;
+            };
     }
 
     static Pixel sourceOf(Pixel colour) { return colour | kOpaque; }

@@ -123,9 +123,9 @@ struct PatternWalk {
     // up or down, or else to the nearest end.
     Pixel texelAt(int64_t column, int64_t row) const
     {
-        const int64_t width = u.size();
-        const int64_t end = width * v.size();
-        int64_t index = row * width + column;
+        const ptrdiff_t width = u.size();
+        const ptrdiff_t end = width * v.size();
+        ptrdiff_t index = static_cast<ptrdiff_t>(row) * width + static_cast<ptrdiff_t>(column);
         if (index < 0) index = index >= -width ? index + width : 0;
         if (index >= end) index = index < end + width ? index - width : end - 1;
         return pixels()[index];
