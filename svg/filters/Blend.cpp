@@ -130,9 +130,20 @@ public:
     void apply(const std::vector<const FilterImage*>& inputs, FilterImage& result) const override
     {
         const PixelArea& area = result.area();
-        for (int y = area.top; y < area.bottom; ++y)
-            for (int x = area.left; x < area.right; ++x)
-                result.row(y)[x - area.left] = blended(inputs[0]->at(x, y), inputs[1]->at(x, y));
+        Texel lastAbove = {}; // neighbours are often alike
+        Texel lastBelow = {};
+        Texel both = {};
+        for (int y = area.top; y < area.bottom; ++y) {
+            Texel* texel = result.row(y);
+            for (int x = area.left; x < area.right; ++x, ++texel) {
+                const Texel above = inputs[0]->at(x, y);
+                const Texel below = inputs[1]->at(x, y);
+                if (above != lastAbove || below != lastBelow) both = blended(above, below);
+                lastAbove = above;
+                lastBelow = below;
+                *texel = both;
+            }
+        }
     }
 
 private:

@@ -29,9 +29,17 @@ public:
     void apply(const std::vector<const FilterImage*>& inputs, FilterImage& result) const override
     {
         const PixelArea& area = result.area();
-        for (int y = area.top; y < area.bottom; ++y)
-            for (int x = area.left; x < area.right; ++x)
-                result.row(y)[x - area.left] = changed(inputs[0]->at(x, y));
+        Texel last = {}; // neighbours are often alike
+        Texel to = changed(last);
+        for (int y = area.top; y < area.bottom; ++y) {
+            Texel* texel = result.row(y);
+            for (int x = area.left; x < area.right; ++x, ++texel) {
+                const Texel from = inputs[0]->at(x, y);
+                if (from != last) to = changed(from);
+                last = from;
+                *texel = to;
+            }
+        }
     }
 
 private:

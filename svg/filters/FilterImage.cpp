@@ -30,11 +30,19 @@ void FilterImage::convert(bool linear)
     if (linear == linear_) return;
     linear_ = linear;
     const LightCurve& curve = linear ? LightCurve::toLinear() : LightCurve::toSrgb();
+    Texel last = {}; // neighbours are often alike
+    Texel converted = {};
     for (Texel& texel : texels_) {
-        const uint32_t alpha = texel[kAlpha];
-        if (alpha == 0 || (texel[0] | texel[1] | texel[2]) == 0) continue;
-        for (size_t channel = 0; channel < kAlpha; ++channel)
-            texel[channel] = times(curve(separated(texel[channel], alpha)), alpha);
+        if (texel != last) {
+            last = converted = texel;
+            const uint32_t alpha = texel[kAlpha];
+            const bool isColoured = alpha != 0 && (texel[0] | texel[1] | texel[2]) != 0;
+            for (size_t channel = 0; isColoured && channel < kAlpha; ++channel)
+                converted[channel] = alpha == 65535
+                                         ? curve(texel[channel])
+                                         : times(curve(separated(texel[channel], alpha)), alpha);
+        }
+        texel = converted;
     }
 }
 
