@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "svg/document/Resources.h"
 
+#include "svg/values/TextScanner.h"
 #include "util/Base64.h"
 
 #include <cerrno>
@@ -62,17 +63,25 @@ bool readData(const std::string& reference, std::string& bytes)
     const size_t comma = reference.find(',');
     if (comma == reference.npos) return false;
     const std::string content = withoutEscapes(std::string_view(reference).substr(comma + 1));
-    const bool base64 = reference.substr(0, comma).find(";base64") != reference.npos;
+    const std::string_view kind = std::string_view(reference).substr(0, comma);
+    const size_t semicolon = kind.rfind(';');
+    const bool base64 =
+        semicolon != kind.npos && equalsIgnoringCase(trimmed(kind.substr(semicolon + 1)), "base64");
     bytes = base64 ? decodeBase64(content) : content;
     return !bytes.empty();
 }
 
 } // namespace
 
+bool isData(std::string_view reference)
+{
+    return equalsIgnoringCase(reference.substr(0, 5), "data:");
+}
+
 bool Resources::read(const std::string& reference, std::string& bytes) const
 {
     if (reference.size() > mostBytes_) return false;
-    if (reference.compare(0, 5, "data:") == 0) return readData(reference, bytes);
+    if (isData(reference)) return readData(reference, bytes);
     if (!files_ || !isRelativeFile(reference)) return false;
     return readFile(folder_ + withoutEscapes(reference), mostBytes_, bytes).empty() &&
            !bytes.empty();
@@ -80,8 +89,7 @@ bool Resources::read(const std::string& reference, std::string& bytes) const
 
 Resources Resources::beside(const std::string& reference) const
 {
-    const size_t slash =
-        reference.compare(0, 5, "data:") == 0 ? reference.npos : reference.rfind('/');
+    const size_t slash = isData(reference) ? reference.npos : reference.rfind('/');
     const std::string folder = slash == reference.npos ? "" : reference.substr(0, slash + 1);
     return {folder_ + withoutEscapes(folder), files_, mostBytes_};
 }

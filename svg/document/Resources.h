@@ -9,6 +9,9 @@
 namespace KAVO {
 namespace Svg {
 
+// Whether a reference holds its data itself.
+bool isData(std::string_view reference);
+
 class Resources {
 public:
     // folder: "" or with a '/' at its end. Without files, data references alone are read.
@@ -23,6 +26,8 @@ public:
 
     // For what a file that the reference names refers to itself.
     Resources beside(const std::string& reference) const;
+    // For a drawing that is shown as an image, which must not ask for other files.
+    Resources withoutFiles() const { return {folder_, false, mostBytes_}; }
 
     uint64_t mostBytes() const { return mostBytes_; }
 

@@ -123,15 +123,22 @@ std::string SvgDocument::readRoot(std::string_view prolog)
     Viewport viewport;
     viewport.width = box ? box->width() : kDefaultWidth;
     viewport.height = box ? box->height() : kDefaultHeight;
+    viewport.windowWidth = viewport.width;
+    viewport.windowHeight = viewport.height;
     const LengthContext lengths{viewport};
     const Properties properties(root_, sheet_);
     const std::string_view widthText = properties[Property::Width];
     const std::string_view heightText = properties[Property::Height];
-    const std::optional<double> width = findLength(widthText, lengths, Axis::X);
-    const std::optional<double> height = findLength(heightText, lengths, Axis::Y);
+    const auto side = [&](std::string_view text, Axis axis) {
+        const std::optional<double> length = findLength(text, lengths, axis);
+        return length && *length >= 0 ? length : std::nullopt;
+    };
+    const std::optional<double> width = side(widthText, Axis::X);
+    const std::optional<double> height = side(heightText, Axis::Y);
     size_.width = width.value_or(viewport.width);
     size_.height = height.value_or(viewport.height);
     const auto isShare = [](std::string_view text) { return !text.empty() && text.back() == '%'; };
+    hasExtent_ = box || (width && !isShare(widthText)) || (height && !isShare(heightText));
     if (box && width && !height && !isShare(widthText))
         size_.height = size_.width * box->height() / box->width();
     if (box && height && !width && !isShare(heightText))

@@ -45,6 +45,8 @@ public:
 
     // Size in user units that the root element asks for.
     Size size() const { return size_; }
+    // Whether it says how large it is, or what its coordinates span.
+    bool hasExtent() const { return hasExtent_; }
     // What its own coordinates span.
     Box viewBox() const;
 
@@ -72,6 +74,7 @@ private:
     std::vector<Remark> remarks_;
     size_t nodeCount_ = 0;
     bool blends_ = false;
+    bool hasExtent_ = false;
     Size size_;
 };
 

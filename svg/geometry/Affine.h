@@ -44,6 +44,11 @@ struct Box {
     double height() const { return bottom - top; }
     bool hasArea() const { return right > left && bottom > top; }
     Box grown(double by) const { return {left - by, top - by, right + by, bottom + by}; }
+    Box common(const Box& other) const
+    {
+        return {std::max(left, other.left), std::max(top, other.top), std::min(right, other.right),
+                std::min(bottom, other.bottom)};
+    }
     void include(const Box& box)
     {
         if (box.empty()) return;

@@ -97,7 +97,7 @@ std::string decodeGif(std::string_view bytes, uint64_t mostPixels, Picture& pict
     picture.hasAlpha = true;
     std::vector<GifPixelType> indices(static_cast<size_t>(part.Width));
     for (const int row : rowsInOrder(part.Height, part.Interlace)) {
-        if (DGifGetLine(gif.get(), indices.data(), part.Width) != GIF_OK) break;
+        if (DGifGetLine(gif.get(), indices.data(), part.Width) != GIF_OK) return "breaks off";
         const int y = part.Top + row;
         for (int i = 0; i < part.Width; ++i) {
             const int x = part.Left + i;

@@ -8,13 +8,13 @@ namespace Svg {
 
 namespace {
 
-LoadedImage read(const SvgDocument& document, const std::string& href, uint64_t pixelsLeft)
+LoadedImage read(const SvgDocument& document, const std::string& href, bool files,
+                 uint64_t pixelsLeft)
 {
     LoadedImage image;
     std::string bytes;
     // What a fragment names is a view of the whole drawing at most.
-    const bool isData = href.compare(0, 5, "data:") == 0;
-    if (!document.resources().read(isData ? href : href.substr(0, href.find('#')), bytes)) {
+    if (!document.resources().read(isData(href) ? href : href.substr(0, href.find('#')), bytes)) {
         image.problem = "cannot be read";
         return image;
     }
@@ -28,8 +28,9 @@ LoadedImage read(const SvgDocument& document, const std::string& href, uint64_t 
     } else if (kind == "webp") {
         image.problem = decodeWebp(bytes, pixelsLeft, image.picture);
     } else if (kind == "svg") {
-        image.drawing =
-            std::make_unique<SvgDocument>(document.options(), document.resources().beside(href));
+        const Resources beside = document.resources().beside(href);
+        image.drawing = std::make_unique<SvgDocument>(document.options(),
+                                                      files ? beside : beside.withoutFiles());
         image.problem = image.drawing->parse(std::move(bytes));
     } else {
         image.problem = "is of an unknown kind";
@@ -39,11 +40,22 @@ LoadedImage read(const SvgDocument& document, const std::string& href, uint64_t 
 
 } // namespace
 
-const LoadedImage& ImageStore::load(const std::string& href, uint64_t& pixelsLeft)
+const LoadedImage& ImageStore::loadImage(const std::string& href, uint64_t& pixelsLeft)
 {
-    auto found = images_.find(href);
-    if (found == images_.end()) {
-        found = images_.emplace(href, read(document_, href, pixelsLeft)).first;
+    return load(images_, href, false, pixelsLeft);
+}
+
+const LoadedImage& ImageStore::loadDocument(const std::string& href, uint64_t& pixelsLeft)
+{
+    return load(documents_, href, true, pixelsLeft);
+}
+
+const LoadedImage& ImageStore::load(Images& images, const std::string& href, bool files,
+                                    uint64_t& pixelsLeft)
+{
+    auto found = images.find(href);
+    if (found == images.end()) {
+        found = images.emplace(href, read(document_, href, files, pixelsLeft)).first;
         pixelsLeft -= std::min<uint64_t>(pixelsLeft, found->second.picture.pixels.size());
     }
     return found->second;

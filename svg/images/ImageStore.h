@@ -17,19 +17,27 @@ struct LoadedImage {
     Picture picture;
     mutable std::vector<Picture> halves; // of the picture, of its half and so on, as they are drawn
     std::unique_ptr<SvgDocument> drawing;
-    std::string problem;
+    std::string problem; // of a picture that breaks off, too
 };
 
 class ImageStore {
 public:
     explicit ImageStore(const SvgDocument& document) : document_(document) {}
 
-    // What a reference names; each is read once. Its pixels are taken off the limit.
-    const LoadedImage& load(const std::string& href, uint64_t& pixelsLeft);
+    // What a reference names; each is read once. Its pixels are taken off the limit. A drawing that
+    // is shown as an image gets no other files.
+    const LoadedImage& loadImage(const std::string& href, uint64_t& pixelsLeft);
+    // A drawing that elements come from.
+    const LoadedImage& loadDocument(const std::string& href, uint64_t& pixelsLeft);
 
 private:
+    using Images = std::map<std::string, LoadedImage>;
+    const LoadedImage& load(Images& images, const std::string& href, bool files,
+                            uint64_t& pixelsLeft);
+
     const SvgDocument& document_;
-    std::map<std::string, LoadedImage> images_;
+    Images images_;
+    Images documents_;
 };
 
 } // namespace Svg

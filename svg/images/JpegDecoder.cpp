@@ -89,7 +89,7 @@ std::string decodeJpeg(std::string_view bytes, uint64_t mostPixels, Picture& pic
     reader.errors.error_exit = onError;
     reader.errors.output_message = onMessage;
     readPicture(reader, bytes, mostPixels, picture);
-    return picture.pixels.empty() ? reader.message : "";
+    return reader.message;
 }
 
 } // namespace Svg

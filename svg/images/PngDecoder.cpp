@@ -89,7 +89,7 @@ std::string decodePng(std::string_view bytes, uint64_t mostPixels, Picture& pict
     readPicture(reader, mostPixels, picture);
     picture.hasAlpha = std::any_of(picture.pixels.begin(), picture.pixels.end(),
                                    [](uint32_t pixel) { return pixel >> 24 != 255; });
-    return picture.pixels.empty() ? reader.problem : "";
+    return reader.problem;
 }
 
 } // namespace Svg

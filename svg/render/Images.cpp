@@ -53,10 +53,10 @@ const LoadedImage* Renderer::imageOf(pugi::xml_node node)
 {
     const std::string href(trimmed(hrefOf(node)));
     if (href.empty()) return nullptr;
-    const LoadedImage& image = images_->load(href, session_.imagePixelsLeft);
+    const LoadedImage& image = images_->loadImage(href, session_.imagePixelsLeft);
     if (image.problem.empty()) return &image;
     note("image that " + image.problem + ": " + href.substr(0, 40), node);
-    return nullptr;
+    return image.picture.pixels.empty() ? nullptr : &image; // as far as it goes
 }
 
 void Renderer::drawImage(pugi::xml_node node, const Properties& properties, const State& state)
@@ -69,8 +69,12 @@ void Renderer::drawImage(pugi::xml_node node, const Properties& properties, cons
     const Size own = image->drawing ? image->drawing->size()
                                     : Size{static_cast<double>(image->picture.width),
                                            static_cast<double>(image->picture.height)};
-    const std::optional<double> width = findLength(properties[Property::Width], lengths, Axis::X);
-    const std::optional<double> height = findLength(properties[Property::Height], lengths, Axis::Y);
+    const auto side = [&](Property property, Axis axis) {
+        const std::optional<double> length = findLength(properties[property], lengths, axis);
+        return length && *length >= 0 ? length : std::nullopt;
+    };
+    const std::optional<double> width = side(Property::Width, Axis::X);
+    const std::optional<double> height = side(Property::Height, Axis::Y);
     Size size{width.value_or(own.width), height.value_or(own.height)};
     if (width && !height) size.height = size.width * own.height / own.width;
     if (height && !width) size.width = size.height * own.width / own.height;
@@ -113,9 +117,7 @@ void Renderer::drawPicture(const LoadedImage& image, const Affine& frame, const 
     const Picture& picture = image.picture;
     const Box texels{0, 0, static_cast<double>(picture.width), static_cast<double>(picture.height)};
     const Affine fit = fitViewBox(aspectRatio, texels, size.width, size.height);
-    const Box fitted = fit.mapBox(texels);
-    const Box shown{std::max(fitted.left, 0.0), std::max(fitted.top, 0.0),
-                    std::min(fitted.right, size.width), std::min(fitted.bottom, size.height)};
+    const Box shown = fit.mapBox(texels).common({0, 0, size.width, size.height});
     if (session_.pick) {
         const std::optional<PathSpace> space = PathSpace::make(frame, targetCentre());
         if (!space) return;

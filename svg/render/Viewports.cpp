@@ -40,7 +40,8 @@ void Renderer::draw(const Affine& frame, const Size& viewport, const char* aspec
                     double opacity, int depth)
 {
     const pugi::xml_node root = document_.root();
-    const Box box = document_.viewBox();
+    const bool fitsAny = aspectRatio && !document_.hasExtent();
+    const Box box = fitsAny ? Box{0, 0, viewport.width, viewport.height} : document_.viewBox();
     State state;
     state.toDevice = frame;
     state.depth = depth;
@@ -50,6 +51,9 @@ void Renderer::draw(const Affine& frame, const Size& viewport, const char* aspec
     if (!enter(root, properties, state)) return;
     if (!aspectRatio) aspectRatio = root.attribute("preserveAspectRatio").value();
     const Affine fit = fitViewBox(aspectRatio, box, viewport.width, viewport.height);
+    // An image shows no more than its view box.
+    Box shown{0, 0, viewport.width, viewport.height};
+    if (depth > 0) shown = shown.common(fit.mapBox(box));
     // Back from the root's own transform, which does not move the viewport.
     const Affine toFrame = state.toDevice.inverse().value_or(Affine()) * frame;
     const Active active(*this, root);
@@ -57,8 +61,7 @@ void Renderer::draw(const Affine& frame, const Size& viewport, const char* aspec
         State inner = entered;
         inner.toDevice = entered.toDevice * fit;
         const Affine place = entered.toDevice * toFrame;
-        renderer.drawInside({0, 0, viewport.width, viewport.height}, place,
-                            [&] { renderer.drawChildren(root, inner); });
+        renderer.drawInside(shown, place, [&] { renderer.drawChildren(root, inner); });
     });
 }
 
@@ -157,7 +160,7 @@ void Renderer::drawUseOfFile(pugi::xml_node node, const Properties& properties, 
 {
     const std::string href(trimmed(hrefOf(node)));
     const size_t hash = href.find('#');
-    const LoadedImage& file = images_->load(href.substr(0, hash), session_.imagePixelsLeft);
+    const LoadedImage& file = images_->loadDocument(href.substr(0, hash), session_.imagePixelsLeft);
     const pugi::xml_node target = !file.drawing       ? pugi::xml_node()
                                   : hash == href.npos ? file.drawing->root()
                                                       : file.drawing->find(href.substr(hash + 1));

@@ -78,6 +78,28 @@ TEST(SvgEquivalents, StyleSheets)
           green}});
 }
 
+TEST(SvgEquivalents, DrawingsAsImages)
+{
+    const auto image = [](const std::string& attributes, const std::string& drawing,
+                          const std::string& scheme = "data:image/svg+xml,") {
+        return "<image " + attributes + " href=\"" + scheme + drawing + "\"/>";
+    };
+    const std::string circle = "&lt;circle r='9'/>";
+    // Without a size of its own a drawing takes that of the image; with one it shows no more.
+    expectSameElements(
+        {{image("width='20' height='30'", "&lt;svg>" + circle + "&lt;/svg>"), "<circle r='9'/>"},
+         {image("width='6' height='30'", "&lt;svg>" + circle + "&lt;/svg>"),
+          "<svg width='6' height='30'><circle r='9'/></svg>"},
+         {image("width='10' height='20'", "&lt;svg width='5' height='5'>" + circle + "&lt;/svg>"),
+          "<svg y='5' width='10' height='10'><circle r='18'/></svg>"},
+         {image("width='-1' height='10'", "&lt;svg width='20' height='5'>" + circle + "&lt;/svg>"),
+          "<svg width='40' height='10'><circle r='18'/></svg>"},
+         {image("width='9' height='9'",
+                "PHN2ZyB3aWR0aD0nNCcgaGVpZ2h0PSc0Jz48Y2lyY2xlIHI9JzQnLz48L3N2Zz4=",
+                "DATA: image/svg+xml ; BASE64 , "),
+          "<svg width='9' height='9'><circle r='9'/></svg>"}});
+}
+
 TEST(SvgEquivalents, Visibility)
 {
     expectSameElements(

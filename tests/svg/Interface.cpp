@@ -198,6 +198,8 @@ TEST(SvgInterface, EveryThingThatIsNotDrawnHasAName)
         {rect + "transform='translate(9px)'/>", "malformed transform"},
         {"<style>@supports (fill:red) { g { fill: red } }</style>", "@supports"},
         {"<path style='d:path(\"M0 0h9v9\")'/>", "d"},
+        {"<image href=\"data:,&lt;svg>&lt;image href='a.png'/>&lt;/svg>\"/>",
+         "image that cannot be read: a.png in an image"},
         {"<switch><hatch/></switch>", "<hatch>"}};
     for (const auto& [elements, what] : cases) {
         MMSvgDocument document;
