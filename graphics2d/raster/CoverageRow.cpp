@@ -14,11 +14,6 @@ uint32_t bitmapWords(int32_t columns)
     return static_cast<uint32_t>(columns) / 32 + 1;
 }
 
-uint32_t lowestBit(uint32_t bits)
-{
-    return static_cast<uint32_t>(__builtin_ctz(bits));
-}
-
 // height * part / whole, part at most whole.
 uint32_t shareOf(uint32_t height, uint32_t part, uint32_t whole)
 {
@@ -108,31 +103,32 @@ void CoverageRow::sweep(RowPainter& painter)
 {
     int32_t column = 0;
     Area area = 0;
-    const uint32_t words = bitmapWords(columns_);
-    for (uint32_t w = 0; w < words; ++w) {
-        uint32_t bits = touched_[w];
-        if (bits == 0) continue;
-        touched_[w] = 0;
-        do {
+    const int32_t words = static_cast<int32_t>(bitmapWords(columns_));
+    for (int32_t w = 0; w < words; ++w) {
+        uint32_t bits = touched_[static_cast<uint32_t>(w)];
+        touched_[static_cast<uint32_t>(w)] = 0;
+        while (bits != 0) {
             // A stretch of touched columns, and what lies before it.
-            uint32_t bit = lowestBit(bits);
-            const int32_t first = static_cast<int32_t>(w * 32 + bit);
-            if (first != column) painter.addConstant(left_ + column, left_ + first, area);
+            const uint32_t rest = bits & (bits + (bits & (0u - bits)));
+            const int32_t first = w * 32 + __builtin_ctz(bits);
+            const int32_t end = w * 32 + 32 - __builtin_clz(bits ^ rest);
+            bits = rest;
+            if (area >= kLeastArea && first != column)
+                painter.addConstant(left_ + column, left_ + first, area);
             Area areas[32];
-            int32_t count = 0;
-            for (int32_t* delta = deltas_.data() + first; bit < 32 && (bits >> bit & 1) != 0;
-                 ++bit) {
-                area += *delta;
-                *delta++ = 0;
-                areas[count++] = area;
+            Area* last = areas;
+            for (column = first; column < end; ++column) {
+                int32_t& delta = deltas_[static_cast<uint32_t>(column)];
+                area += delta;
+                delta = 0;
+                *last++ = area;
             }
-            bits = bit < 32 ? bits >> bit << bit : 0;
-            column = first + count;
             // The entry behind the last column only takes what is left over.
-            painter.addAreas(left_ + first, areas, std::min(count, columns_ - first));
-        } while (bits != 0);
+            painter.addAreas(left_ + first, areas, std::min(end, columns_) - first);
+        }
     }
-    if (column < columns_) painter.addConstant(left_ + column, left_ + columns_, area);
+    if (area >= kLeastArea && column < columns_)
+        painter.addConstant(left_ + column, left_ + columns_, area);
     painter.flush();
 }
 
