@@ -184,11 +184,16 @@ void* MMCacheContext<N>::Get(const void* key)
     if (last == nullptr) return nullptr;
     MMCacheEntry* entry = static_cast<MMCacheEntry*>(last->children[lastDigit<N>(key)]);
     if (entry == nullptr) return nullptr;
-    if (entry != mruHead) {
-        unlink(*this, entry);
-        putFirst(*this, entry);
-    }
+    Use(entry);
     return entry->data;
+}
+
+template <uint32_t N>
+void MMCacheContext<N>::Use(MMCacheEntry* entry)
+{
+    if (entry == mruHead) return;
+    unlink(*this, entry);
+    putFirst(*this, entry);
 }
 
 template <uint32_t N>

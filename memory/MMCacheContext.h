@@ -54,6 +54,9 @@ public:
     // The payload under the key, which becomes the most recently used, or null.
     void* Get(const void* key);
 
+    // Makes an entry the most recently used, as Get does.
+    void Use(MMCacheEntry* entry);
+
     // Stores a copy of size bytes (null data: not initialised) and returns where it is. A key that
     // is there already keeps its payload and place in the order, and that payload is returned. Null
     // when size exceeds maxEntrySize or the budget, or the heap is exhausted. What has to go for it

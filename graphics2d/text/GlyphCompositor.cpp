@@ -82,9 +82,8 @@ inline U32x4 blendFour(U32x4 background, U32x4 colour, U32x4 coverages)
                            Blend::two(widenHigh(background), widenHigh(colour), last));
 }
 
-// The levels of four pixels, 0 to 15, in the lower lanes. Of the two pixels in a byte, the left one
-// is in the upper half. Nothing is read from end on.
-inline U16x8 fourLevels(const uint8_t* bytes, const uint8_t* end, bool startsLow)
+// The four bytes from there, 0 from end on.
+inline uint32_t fourBytes(const uint8_t* bytes, const uint8_t* end)
 {
     uint32_t word = 0;
     if (end - bytes >= 4) {
@@ -93,7 +92,18 @@ inline U16x8 fourLevels(const uint8_t* bytes, const uint8_t* end, bool startsLow
         for (ptrdiff_t i = end - bytes; i-- > 0;)
             word = word << 8 | bytes[i];
     }
-    if (startsLow) word = (word & 0x0F0F0F0Fu) << 4 | (word >> 12 & 0x0F0F0F0Fu);
+    return word;
+}
+
+// The levels of eight pixels, 0 to 15. Of the two pixels in a byte, the left one is in the upper
+// half. Nothing is read from end on.
+inline U16x8 eightLevels(const uint8_t* bytes, const uint8_t* end, bool startsLow)
+{
+    uint32_t word = fourBytes(bytes, end);
+    if (startsLow) {
+        const uint32_t next = end - bytes > 4 ? bytes[4] : 0u;
+        word = (word & 0x0F0F0F0Fu) << 4 | (word >> 12 & 0x000F0F0Fu) | next >> 4 << 24;
+    }
     const U16x8 pairs = widenLow(U32x4{word, 0, 0, 0});
     return __builtin_shufflevector(pairs >> 4, pairs & 15, 0, 8, 1, 9, 2, 10, 3, 11);
 }
@@ -211,16 +221,8 @@ GlyphCompositor::Box GlyphCompositor::visible(const FS_GrayMap& glyph,
     return box;
 }
 
-bool GlyphCompositor::shows(const FS_GrayMap& glyph, const GlyphPlace& place) const
+void GlyphCompositor::draw(const FS_GrayMap& glyph, Box box)
 {
-    const Box box = visible(glyph, place);
-    return box.width > 0 && box.height > 0;
-}
-
-void GlyphCompositor::draw(const FS_GrayMap& glyph, const GlyphPlace& place)
-{
-    Box box = visible(glyph, place);
-    if (box.width <= 0 || box.height <= 0) return;
     box.stride = glyph.stride;
     box.startsLow = box.skippedColumns % 2 != 0;
     box.levels = glyph.bitmap + box.skippedRows * box.stride + box.skippedColumns / 2;
@@ -261,17 +263,22 @@ inline void GlyphCompositor::compositeRow(const Box& box, int32_t y, const Meeti
 {
     Pixel* pixels = box.pixels + y * rowPixels_;
     const uint8_t* levels = box.levels + y * box.stride;
+    U16x8 coverage = {}; // of the piece, in the lower lanes
     for (int32_t i = 0; i < box.width; i += kPiece) {
         const int32_t count = box.width - i;
         const U32x4 background = meeting.backgroundOf(pixels, count);
-        const U16x8 coverage = meeting.coverageOf(fourLevels(levels, box.levelsEnd, box.startsLow));
+        if (i % (2 * kPiece) == 0) {
+            coverage = meeting.coverageOf(eightLevels(levels, box.levelsEnd, box.startsLow));
+            levels += kPiece;
+        } else {
+            coverage = __builtin_shufflevector(coverage, coverage, 4, 5, 6, 7, 4, 5, 6, 7);
+        }
         storeFirst(pixels,
                    blendFour<Blend>(
                        background, coloursAt(i),
                        (U32x4)__builtin_shufflevector(coverage, coverage, 0, 0, 1, 1, 2, 2, 3, 3)),
                    count);
         pixels += kPiece;
-        levels += kPiece / 2;
     }
 }
 

@@ -42,14 +42,6 @@ public:
                pixel.y < visible_.bottom;
     }
 
-    // Whether draw would draw anything.
-    bool shows(const FS_GrayMap& glyph, const GlyphPlace& place) const;
-
-    // Draws the image, which must have its bitmap, cut to the clip rectangle and the target. Sets
-    // outOfMemory and draws nothing when there is no row buffer.
-    void draw(const FS_GrayMap& glyph, const GlyphPlace& place);
-
-private:
     // What is visible of a glyph.
     struct Box {
         const uint8_t* levels;    // the byte with the first visible pixel of the first visible row
@@ -63,11 +55,19 @@ private:
         int32_t height;
         int32_t skippedColumns; // of the glyph, to the left
         int32_t skippedRows;    // above
+
+        bool empty() const { return width <= 0 || height <= 0; }
     };
 
-    // The visible rectangle alone; its size is not positive when there is none.
+    // The glyph's rectangle cut to the clip rectangle and the target; all but its pixels and
+    // levels.
     Box visible(const FS_GrayMap& glyph, const GlyphPlace& place) const;
 
+    // Draws what is visible of the image, which must have its bitmap: of a box that is not empty.
+    // Sets outOfMemory and draws nothing when there is no row buffer.
+    void draw(const FS_GrayMap& glyph, Box box);
+
+private:
     size_t rowBytes() const { return static_cast<size_t>(rowPixels_) * sizeof(Pixel); }
     void drawOver(const Box& box, int32_t beside);
     void drawRedirected(Box box);

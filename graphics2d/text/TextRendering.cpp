@@ -60,7 +60,8 @@ void* graymapWithin(void* engine, uint32_t character, uint32_t bytes)
 // The key is the font size, the glyph's matrix and the character. The cache walks through the size
 // once for a run, and through the matrix once for all glyphs that follow with the same one; but it
 // makes nodes for a matrix only when a glyph is put under it, so that matrices which never come
-// again leave nothing behind when their glyphs go.
+// again leave nothing behind when their glyphs go. Characters that come again find their entries
+// without a walk.
 class GlyphSource {
 public:
     explicit GlyphSource(MMContext2D& context) : context_(context)
@@ -81,6 +82,7 @@ public:
         key_[3] = static_cast<uint32_t>(m.b);
         key_[4] = static_cast<uint32_t>(m.c);
         atMatrix_ = false;
+        forgetRecent();
         seekMatrix();
     }
 
@@ -88,9 +90,17 @@ public:
     // its bitmap, unless it is to be whole. Valid until release.
     const FS_GrayMap* glyph(uint16_t character, bool whole)
     {
+        MMCacheContext<48>& cache = context_.fontCache;
+        const uint32_t place = character % kRecent;
+        if (recentCharacters_[place] == character) {
+            cache.Use(recent_[place]);
+            return reinterpret_cast<const FS_GrayMap*>(recent_[place]->data);
+        }
         key_[5] = character | (fontEmboldening != 0 ? kBoldKey : 0u);
-        void* image = caching_ ? context_.fontCache.Get(key_) : nullptr;
-        if (image == nullptr) image = load(character, whole);
+        void* image = caching_ ? cache.Get(key_) : nullptr;
+        if (image == nullptr) return static_cast<const FS_GrayMap*>(load(character, whole));
+        recentCharacters_[place] = character;
+        recent_[place] = cache.mruHead;
         return static_cast<const FS_GrayMap*>(image);
     }
 
@@ -103,6 +113,9 @@ private:
     static constexpr uint32_t kSizeDigits = 8;
     static constexpr uint32_t kMatrixDigits = 40;
     static constexpr uint32_t kBoldKey = 0x10000; // above all characters
+    static constexpr uint32_t kRecent = 64;       // all letters of one alphabet
+
+    void forgetRecent() { std::fill_n(recentCharacters_, kRecent, uint16_t{0}); }
 
     // Puts the cache's cursor behind the matrix if glyphs are there, else behind the size: the
     // cursor may still be at the matrix before.
@@ -118,6 +131,7 @@ private:
     [[gnu::noinline]] void* load(uint16_t character, bool whole)
     {
         const uint32_t cachedAtMost = context_.fontCache.maxEntrySize;
+        forgetRecent(); // what is put into the cache may drive out any of them
         void* image = whole ? FS_get_graymap(fontEngine, character)
                             : graymapWithin(fontEngine, character, cachedAtMost);
         context_.currentGlyph = image;
@@ -134,8 +148,10 @@ private:
     uint32_t key_[6];
     LinearPart matrix_ = {};
     bool hasMatrix_ = false;
-    bool atMatrix_ = false; // where the cache's cursor is
-    bool caching_;          // until the cache cannot hold the size's nodes
+    bool atMatrix_ = false;              // where the cache's cursor is
+    bool caching_;                       // until the cache cannot hold the size's nodes
+    uint16_t recentCharacters_[kRecent]; // characters, by their low bits, or 0
+    MMCacheEntry* recent_[kRecent];      // and where they are in the cache
 };
 
 // Whether the text has a rotation for the character, and which.
@@ -156,12 +172,16 @@ bool rotationOf(const MMContext2D& context, uint32_t index, Degrees& angle)
 void drawGlyph(GlyphCompositor& compositor, GlyphSource& source, const FS_GrayMap* glyph,
                uint16_t character, const GlyphPlace& place)
 {
-    if (!compositor.shows(*glyph, place)) return;
+    GlyphCompositor::Box box = compositor.visible(*glyph, place);
+    if (box.empty()) return;
     if (!FS_has_bitmap(glyph)) {
         source.release();
         glyph = source.glyph(character, true);
+        if (glyph == nullptr || !FS_has_bitmap(glyph)) return;
+        box = compositor.visible(*glyph, place);
+        if (box.empty()) return;
     }
-    if (glyph != nullptr && FS_has_bitmap(glyph)) compositor.draw(*glyph, place);
+    compositor.draw(*glyph, box);
 }
 
 // One walk. The pen is in device space.
