@@ -322,5 +322,27 @@ void addChain(SlabFill& slabs, RowPlacing& row, const RowPlace& place, int32_t w
     coverage.addPiece(x, place.bottomX, static_cast<uint32_t>(end - y), sign);
 }
 
+bool addFlatEnd(SlabFill& slabs, RowPlacing& row, const RowPlace* places, int32_t winding)
+{
+    if (!places[0].partial || !places[1].partial) return false;
+    const VertexRings& rings = row.rings();
+    const ActiveChain& first = row.recordOf(places[0]);
+    const Fixed y = first.startY;
+    const Fixed end = first.line.endY;
+    SlabEdge edges[2];
+    for (uint32_t i = 0; i < 2; ++i) {
+        const ActiveChain& chain = row.recordOf(places[i]);
+        const MMPoint2D& vertex = rings[chain.startVertex];
+        if (!chain.ended || chain.startY != y || chain.line.endY != end || vertex.y != end)
+            return false;
+        edges[i] = {places[i].topX, vertex.x, places[i].winding};
+    }
+    if (end - y <= kStepHeight || edges[0].topX > edges[1].topX ||
+        edges[0].bottomX > edges[1].bottomX)
+        return false;
+    slabs.addOrdered(edges, 2, winding, static_cast<uint32_t>(end - y));
+    return true;
+}
+
 } // namespace Graphics2D
 } // namespace KAVO

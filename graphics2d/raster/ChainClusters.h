@@ -23,6 +23,10 @@ void addChains(SlabFill& slabs, RowPlacing& row, const RowPlace* places, uint32_
 // Adds a chain that meets no other in its row.
 void addChain(SlabFill& slabs, RowPlacing& row, const RowPlace& place, int32_t winding);
 
+// Adds two chains that begin beside each other, go down on an edge each, and meet along one level,
+// as the upright sides of a rectangle do at its lower end. False when they are no such pair.
+bool addFlatEnd(SlabFill& slabs, RowPlacing& row, const RowPlace* places, int32_t winding);
+
 // Spreads a level over 32 bits, so that sums of such numbers vanish only when the levels cancel.
 inline uint32_t mixed(Fixed level)
 {

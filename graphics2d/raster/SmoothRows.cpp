@@ -120,7 +120,8 @@ void SmoothFill::addClusters(RowPlace* first, RowPlace* end, int32_t winding, bo
             addApart(first, cluster.end, winding);
         else if (cluster.hasStraight && !areBetween)
             addCrowd(first, cluster.end, winding);
-        else if (!slabs_.isDeepInside(winding, count))
+        else if (!slabs_.isDeepInside(winding, count) &&
+                 (count != 2 || !addFlatEnd(slabs_, row_, first, winding)))
             addChains(slabs_, row_, first, count, winding, cluster.reach <= coverage_.startX());
         winding += cluster.winding;
         first = cluster.end;
