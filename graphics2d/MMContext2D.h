@@ -55,6 +55,8 @@
 namespace KAVO {
 namespace Graphics2D {
 
+struct OwnFillers; // Internal.
+
 // Values of MMContext2D::joinStyle, capStyle, fillRule and patternFilter.
 enum MMJoinStyle : uint8_t { kJoinMiter = 0, kJoinRound = 1, kJoinBevel = 2 };
 enum MMCapStyle : uint8_t { kCapButt = 0, kCapRound = 1, kCapSquare = 2 };
@@ -462,6 +464,10 @@ public:
     // the processor has, with the same pixels at each. The environment variable MM2D_LEVEL may name
     // another, "base", "avx2" or "neon"; one that is not there counts as not named.
     const LevelTable* level;
+
+    // INNER: what the paint itself draws the current polygon by where a mask or a layer comes
+    // first.
+    const OwnFillers* ownFillers;
 };
 
 // Turns every run of tabs, line ends and spaces into one space, also at both ends; dst may be src.

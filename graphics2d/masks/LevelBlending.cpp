@@ -80,14 +80,51 @@ inline void blendRow(Pixel* pixels, const Pixel* others, const uint8_t* levels, 
     }
 }
 
+// Levels are looked at in blocks: where they are alike, as in most of many masks, one weight is
+// enough.
+constexpr int32_t kBlock = 32;
+
+// How many levels there are in the first blocks that are all alike.
+int32_t alikeLevels(const uint8_t* levels, int32_t count)
+{
+    const uint64_t pattern = *levels * 0x0101010101010101u;
+    int32_t i = 0;
+    for (; i + kBlock <= count; i += kBlock) {
+        uint64_t words[4];
+        std::memcpy(words, levels + i, sizeof words);
+        if (((words[0] ^ pattern) | (words[1] ^ pattern) | (words[2] ^ pattern) |
+             (words[3] ^ pattern)) != 0)
+            break;
+    }
+    return i;
+}
+
+// Blends a colour over whole blocks of one level.
+void tintAlike(Pixel* pixels, Tint tint, uint8_t level, int32_t count)
+{
+    const uint32_t weight = refinedWeight(uint32_t{level} << 8, tint.opacity);
+    const auto blend = RefinedBlend::flat(tint.source, weight);
+    for (int32_t i = 0; i < count; i += kLanes)
+        store(pixels + i, blend(load<PixelVector>(pixels + i)));
+}
+
 } // namespace
 
 void tintByLevels(Pixel* pixels, Tint tint, const uint8_t* levels, int32_t count)
 {
-    blendRow(pixels, pixels, levels, count, [=](auto from, auto, auto level) {
+    const auto blended = [=](auto from, auto, auto level) {
         const auto source = all<decltype(from)>(tint.source);
         return RefinedBlend::blend(from, source, weighedAlphas(level << 8, tint.opacity));
-    });
+    };
+    for (int32_t length; count > 0; pixels += length, levels += length, count -= length) {
+        length = alikeLevels(levels, count);
+        if (length > 0) {
+            tintAlike(pixels, tint, *levels, length);
+        } else {
+            length = std::min(count, kBlock);
+            blendRow(pixels, pixels, levels, length, blended);
+        }
+    }
 }
 
 void moveByLevels(Pixel* pixels, const Pixel* drawn, const uint8_t* levels, int32_t count)

@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: MIT
 // A row seen through a mask is cut into stretches: hidden ones are skipped, those of full levels
 // are drawn by the paint's own filler, and only what lies between is weighed pixel by pixel. There
-// a colour is blended with coverage, opacity and level in one weight; any other paint is drawn over
-// a copy of up to 127 pixels of the target, which the target is then moved to by the levels. So
-// every paint keeps the rules of its mode, and a mask that hides nothing changes nothing.
+// a colour is blended with coverage, opacity and level in one weight; any other paint is drawn
+// aside, over a copy of the target where it shows some of it, and the target is then moved to that
+// by the levels. So every paint keeps the rules of its mode, and a mask that hides nothing changes
+// nothing.
 #include "graphics2d/masks/MaskedStrip.h"
 
 #include "graphics2d/OutOfMemory.h"
 #include "graphics2d/masks/LevelBlending.h"
+#include "graphics2d/masks/LevelRuns.h"
 #include "graphics2d/strips/SolidStrip.h"
 #include "graphics2d/strips/Span.h"
 #include "memory/ScratchArray.h"
@@ -22,47 +24,7 @@ namespace {
 
 // --- Levels -------------------------------------------------------------------------------------
 
-constexpr int32_t kLane = 8;         // levels at a time
 constexpr uint32_t kHalfLevel = 128; // from which on a pixel that cannot be weighed is taken
-
-uint64_t eightLevels(const uint8_t* levels)
-{
-    uint64_t eight;
-    std::memcpy(&eight, levels, sizeof eight);
-    return eight;
-}
-
-// The end of the columns from `from` on that all have the level.
-int32_t endOfLevel(const uint8_t* levels, int32_t from, int32_t end, uint8_t level)
-{
-    const uint64_t pattern = level * 0x0101010101010101u;
-    // Long stretches first, sixty-four at a time.
-    for (const U64x2 patterns = {pattern, pattern}; end - from >= 64; from += 64) {
-        U64x2 others = {};
-        for (int32_t i = 0; i < 64; i += 16) {
-            U64x2 sixteen;
-            std::memcpy(&sixteen, levels + from + i, sizeof sixteen);
-            others |= sixteen ^ patterns;
-        }
-        if ((others[0] | others[1]) != 0) break;
-    }
-    for (; end - from >= kLane; from += kLane)
-        if (const uint64_t others = eightLevels(levels + from) ^ pattern)
-            return from + __builtin_ctzll(others) / 8;
-    while (from < end && levels[from] == level)
-        ++from;
-    return from;
-}
-
-// The end of the columns from `from` on before eight that are all hidden or all visible.
-int32_t endOfMixture(const uint8_t* levels, int32_t from, int32_t end)
-{
-    for (; end - from >= kLane; from += kLane) {
-        const uint64_t eight = eightLevels(levels + from);
-        if (eight == 0 || eight == ~uint64_t{0}) return from;
-    }
-    return end;
-}
 
 // a * b / 255 of a coverage, rounded.
 Coverage coverageThrough(Coverage coverage, uint32_t level)
@@ -122,28 +84,51 @@ private:
     const Fixed end_;
 };
 
-constexpr int32_t kCopyLength = 127; // pixels; one more is the right-hand neighbour of the last
+constexpr int32_t kAsideLength = 512; // pixels; one more is the right-hand neighbour of the last
 
-// Draws the columns from first to end - 1, which are selected, by draw() into a copy, which has
-// room for one more, and moves the target to it by the levels.
+// Draws the columns from first to end - 1, which are selected, by draw() into `aside`, which has
+// room for one more, and moves the target to that by the levels.
+template <class Draw>
+void drawAside(MMContext2D& context, PartOfSpan& part, int32_t first, int32_t end,
+               const uint8_t* levels, Pixel* aside, Draw draw)
+{
+    part.drawInto(aside, first);
+    draw();
+    part.drawIntoTarget();
+    context.level->moveByLevels(part.at(first), aside, levels + first, end - first);
+}
+
+// The same over what the target has there.
 template <class Draw>
 void drawThroughCopy(MMContext2D& context, PartOfSpan& part, int32_t first, int32_t end,
                      const uint8_t* levels, Pixel* copy, Draw draw)
 {
-    Pixel* const pixels = part.at(first);
+    const Pixel* const pixels = part.at(first);
     const int32_t count = end - first;
     std::memcpy(copy, pixels, static_cast<size_t>(count) * sizeof(Pixel));
     copy[count] = pixels[end < context.target.width ? count : count - 1];
-    part.drawInto(copy, first);
-    draw();
-    part.drawIntoTarget();
-    context.level->moveByLevels(pixels, copy, levels + first, count);
+    drawAside(context, part, first, end, levels, copy, draw);
 }
 
 void invertByLevels(Pixel* pixels, Pixel colour, const uint8_t* levels, int32_t count)
 {
     for (int32_t i = 0; i < count; ++i)
         if (levels[i] >= kHalfLevel) pixels[i] ^= colour;
+}
+
+// Whether the paint writes every pixel of a span and looks at none.
+bool hidesTarget(const MMContext2D& context, const SpanFiller& paint)
+{
+    if (context.refined == 0 || paint.flatCoverage) return false;
+    switch (context.currentPaint.paintType) {
+    case kPaintLinearGradient:
+    case kPaintRadialGradient:
+        return context.currentPaint.gradientStopCount != 0;
+    case kPaintSource:
+        return context.currentPaint.sourceFunction != nullptr;
+    default:
+        return false;
+    }
 }
 
 // A stretch of a span with mixed levels.
@@ -158,12 +143,16 @@ void drawMixture(MMContext2D& context, const SpanFiller& paint, PartOfSpan& part
         return invertByLevels(part.at(first), context.currentPaint.paintColour, levels + first,
                               end - first);
     default:
-        Pixel copy[kCopyLength + 1];
+        const auto draw = [&] { drawSpan(context, paint); };
+        const bool hides = hidesTarget(context, paint);
+        Pixel aside[kAsideLength + 1];
         for (int32_t next; first < end; first = next) {
-            next = std::min(end, first + kCopyLength);
+            next = std::min(end, first + kAsideLength);
             part.select(first, next);
-            drawThroughCopy(context, part, first, next, levels, copy,
-                            [&] { drawSpan(context, paint); });
+            if (hides)
+                drawAside(context, part, first, next, levels, aside, draw);
+            else
+                drawThroughCopy(context, part, first, next, levels, aside, draw);
         }
     }
 }
@@ -187,7 +176,7 @@ bool dependsOnStart(const MMContext2D& context)
 
 void drawSpanThroughMask(MMContext2D& context)
 {
-    const SpanFiller paint = chooseSpanFiller(context);
+    const SpanFiller& paint = context.ownFillers->span;
     const uint8_t* levels = clipLevels(context);
     PartOfSpan part(context);
     const int32_t end = part.end();
@@ -206,8 +195,6 @@ void drawSpanThroughMask(MMContext2D& context)
             drawSpan(context, paint);
         } else {
             next = endOfMixture(levels, first, end);
-            // A few pixels before a whole word of hidden or visible ones belong to the mixture.
-            if (next == first) next = std::min(end, first + kLane);
             drawMixture(context, paint, part, first, next, levels);
         }
     }
@@ -234,14 +221,14 @@ void drawColourRun(MMContext2D& context, const uint8_t* levels)
 
 void drawPaintRun(MMContext2D& context, const uint8_t* levels)
 {
-    const StripFiller paint = chooseEdgeFiller(context);
+    const StripFiller paint = context.ownFillers->edge;
     CoverageSequence coverage(context);
     const Coverage tail = context.spanTailCoverage;
     PartOfSpan part(context);
     const int32_t end = part.end();
-    Pixel copy[kCopyLength + 1];
+    Pixel copy[kAsideLength + 1];
     for (int32_t first = part.first(), next; first < end; first = next) {
-        next = std::min(end, first + kCopyLength - 1);
+        next = std::min(end, first + kAsideLength - 1);
         const bool takesTail = next == end && tail > 0;
         part.select(first, next);
         context.spanCoverage = coverage.current();

@@ -12,6 +12,8 @@ void RowPainter::redirect()
     if (!draws()) return;
     prepareTarget(context_, visible_);
     if (!usesMasks(context_)) return;
+    own_ = {span_, anyEdge_};
+    context_.ownFillers = &own_;
     span_ = {maskedSpanFiller(context_), false};
     anyEdge_ = maskedEdgeFiller(context_);
     edgeIgnoresCoverage_ = context_.currentPaint.paintType == kPaintPicking ||

@@ -36,6 +36,8 @@ enum class RunLimits {
 class RowPainter {
 public:
     RowPainter(MMContext2D& context, const PixelBox& visible);
+    RowPainter(const RowPainter&) = delete; // the context may point at its fillers
+    RowPainter& operator=(const RowPainter&) = delete;
 
     // False when the paint draws nothing at all.
     bool draws() const { return span_.filler != nullptr || anyEdge_ != nullptr; }
@@ -126,6 +128,7 @@ private:
     StripFiller anyEdge_; // of partial pixels, within the limits; null draws nothing
     int32_t opacity_;
     RunLimits limits_;
+    OwnFillers own_;           // where those above are a mask's or a layer's
     bool edgeIgnoresCoverage_; // exclusive-or and picking: no tail pixel either
 
     // The run of whole pixels not drawn yet.

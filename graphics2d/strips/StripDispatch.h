@@ -15,6 +15,12 @@ struct SpanFiller {
     bool flatCoverage; // the filler is translucent: its coverage is paintOpacity throughout
 };
 
+// What a polygon is drawn by, where MMContext2D::ownFillers keeps it.
+struct OwnFillers {
+    SpanFiller span;
+    StripFiller edge;
+};
+
 // For the interior of shapes: the opaque filler where paint and opacity allow it.
 SpanFiller chooseSpanFiller(const MMContext2D& context);
 
