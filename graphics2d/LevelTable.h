@@ -37,6 +37,10 @@ struct LevelTable {
     // Of masks/LevelBlending.h.
     void (*tintByLevels)(Pixel* pixels, Tint tint, const uint8_t* levels, int32_t count);
     void (*moveByLevels)(Pixel* pixels, const Pixel* drawn, const uint8_t* levels, int32_t count);
+    // Of masks/LevelRuns.h and layers/NormalRow.h.
+    int32_t (*endOfLevel)(const uint8_t* levels, int32_t from, int32_t end, uint8_t level);
+    void (*blendNormal)(Pixel* target, const Pixel* layer, const uint8_t* levels, uint32_t opacity,
+                        int32_t count);
 #endif
 };
 

@@ -3,8 +3,8 @@
 //
 // From the layer's channel s and its alpha sa, the target's d and its alpha da they find sa * da
 // times the mix of d / da and s / sa. Channels are bytes not above their alpha, and results lie
-// between 0 and sa * da; for alphas as channels they are sa * da. T is U16x8, or uint32_t, which
-// holds no alphas.
+// between 0 and sa * da; for alphas as channels they are sa * da. T is lanes of 16
+// bits, or uint32_t, which holds no alphas.
 #pragma once
 
 #include "graphics2d/strips/PixelLanes.h"
@@ -13,6 +13,7 @@
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 // Whether channels are mixed eight at a time. Elsewhere the compiler would take each lane of each
 // mode apart into code of its own.
@@ -22,41 +23,42 @@ constexpr bool kMixesLanes = true;
 constexpr bool kMixesLanes = false;
 #endif
 
-inline U16x8 lesser(U16x8 a, U16x8 b)
+template <class T>
+T lesser(T a, T b)
 {
     return a < b ? a : b;
 }
 
-inline U16x8 greater(U16x8 a, U16x8 b)
+template <class T>
+T greater(T a, T b)
 {
     return a < b ? b : a;
 }
 
-// a where x is below y, which are no more than 15 bits.
-inline U16x8 chooseBelow(U16x8 x, U16x8 y, U16x8 a, U16x8 b)
+// a where x is below y, which are no more than 15 bits: signed comparisons are one instruction
+// everywhere.
+template <class T>
+T chooseBelow(T x, T y, T a, T b)
 {
-    return (I16x8)x < (I16x8)y ? a : b;
-}
-
-inline U16x8 withoutAlphas(U16x8 channels)
-{
-    constexpr U16x8 kColours = {0xFFFF, 0xFFFF, 0xFFFF, 0, 0xFFFF, 0xFFFF, 0xFFFF, 0};
-    return channels & kColours;
-}
-
-inline uint32_t lesser(uint32_t a, uint32_t b)
-{
-    return std::min(a, b);
-}
-
-inline uint32_t greater(uint32_t a, uint32_t b)
-{
-    return std::max(a, b);
+    using Signed = decltype(x < y);
+    return (Signed)x < (Signed)y ? a : b;
 }
 
 inline uint32_t chooseBelow(uint32_t x, uint32_t y, uint32_t a, uint32_t b)
 {
     return x < y ? a : b;
+}
+
+template <class T>
+T withoutAlphas(T channels)
+{
+    constexpr uint64_t kColours = 0x0000FFFFFFFFFFFFu; // of a pixel, in four lanes
+    uint64_t pixels[sizeof(T) / sizeof(uint64_t)];
+    std::memcpy(pixels, &channels, sizeof channels);
+    for (uint64_t& pixel : pixels)
+        pixel &= kColours;
+    std::memcpy(&channels, pixels, sizeof channels);
+    return channels;
 }
 
 inline uint32_t withoutAlphas(uint32_t channel)
@@ -114,5 +116,6 @@ T exclusion(T s, T sa, T d, T da)
     return screen<T>(s, sa, d, da) - withoutAlphas(s * d);
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

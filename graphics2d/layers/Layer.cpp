@@ -2,6 +2,7 @@
 // Opening layers and putting them on what lies below.
 #include "graphics2d/layers/MMLayer.h"
 
+#include "graphics2d/LevelTable.h"
 #include "graphics2d/OutOfMemory.h"
 #include "graphics2d/Redirection.h"
 #include "graphics2d/layers/BlendRow.h"
@@ -168,12 +169,16 @@ void MMLayer::composeRow(int32_t row, int32_t first, int32_t end)
         const int32_t count = next - first;
         const uint8_t* const levels =
             levelsOf(clipMask_, options_.mask, row, first, count, combined);
-        if (maskTarget_ != nullptr)
-            addAlphas(maskRow(*maskTarget_, row) + first, drawn + (first - left()), levels,
-                      options_.opacity, count);
+        const Pixel* const from = drawn + (first - left());
+        if (maskTarget_ != nullptr) {
+            addAlphas(maskRow(*maskTarget_, row) + first, from, levels, options_.opacity, count);
+            continue;
+        }
+        Pixel* const to = targetRow(target_, row, target_.rowBytes) + first;
+        if (options_.blendMode == kBlendNormal)
+            context_.level->blendNormal(to, from, levels, options_.opacity, count);
         else
-            blendRow(options_.blendMode, targetRow(target_, row, target_.rowBytes) + first,
-                     drawn + (first - left()), levels, options_.opacity, count);
+            blendRow(options_.blendMode, to, from, levels, options_.opacity, count);
     }
 }
 

@@ -5,7 +5,9 @@
 #include "graphics2d/strips/StripFillers.h"
 
 #if !defined(MM2D_WITHOUT_LAYERS)
+#include "graphics2d/layers/NormalRow.h"
 #include "graphics2d/masks/LevelBlending.h"
+#include "graphics2d/masks/LevelRuns.h"
 #endif
 
 namespace KAVO {
@@ -29,6 +31,8 @@ const LevelTable kLevelTable = {
 #if !defined(MM2D_WITHOUT_LAYERS)
     tintByLevels,
     moveByLevels,
+    endOfLevel,
+    blendNormal,
 #endif
 };
 

@@ -10,33 +10,6 @@ inline namespace MM2D_LEVEL {
 
 namespace {
 
-// The levels of a vector of pixels, as words.
-template <class Pixels>
-Pixels levelsOf(const uint8_t* levels);
-
-template <>
-[[maybe_unused]] inline uint32_t levelsOf(const uint8_t* levels)
-{
-    return *levels;
-}
-
-template <>
-[[maybe_unused]] inline U32x4 levelsOf(const uint8_t* levels)
-{
-    uint32_t four;
-    std::memcpy(&four, levels, sizeof four);
-    const U32x4 bytes = {four, 0, 0, 0};
-    return zipLow(widenLow(bytes), U16x8{});
-}
-
-#if defined(__AVX2__)
-template <>
-inline U32x8 levelsOf(const uint8_t* levels)
-{
-    return (U32x8)_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(levels)));
-}
-#endif
-
 // Moves pixels by level / 255.
 template <class Pixels>
 inline Pixels movedByLevels(Pixels from, Pixels to, Pixels levels)

@@ -5,6 +5,8 @@
 #include "graphics2d/LevelTable.h"
 #include "graphics2d/strips/Blending.h"
 
+#include <cstring>
+
 namespace KAVO {
 namespace Graphics2D {
 inline namespace MM2D_LEVEL {
@@ -19,6 +21,33 @@ inline Tint tintOf(const MMContext2D& context)
     if (context.refined == 0) return {colour, static_cast<uint16_t>(opacity << 8)};
     return {colour | kOpaque, opacityWith(opacity, colour >> 24)};
 }
+
+// The levels of a vector of pixels, as words.
+template <class Pixels>
+Pixels levelsOf(const uint8_t* levels);
+
+template <>
+inline uint32_t levelsOf(const uint8_t* levels)
+{
+    return *levels;
+}
+
+template <>
+inline U32x4 levelsOf(const uint8_t* levels)
+{
+    uint32_t four;
+    std::memcpy(&four, levels, sizeof four);
+    const U32x4 bytes = {four, 0, 0, 0};
+    return zipLow(widenLow(bytes), U16x8{});
+}
+
+#if defined(__AVX2__)
+template <>
+inline U32x8 levelsOf(const uint8_t* levels)
+{
+    return (U32x8)_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(levels)));
+}
+#endif
 
 // Blends a colour over count pixels by its opacity and the levels.
 void tintByLevels(Pixel* pixels, Tint tint, const uint8_t* levels, int32_t count);

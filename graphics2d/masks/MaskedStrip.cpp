@@ -9,7 +9,6 @@
 
 #include "graphics2d/OutOfMemory.h"
 #include "graphics2d/masks/LevelBlending.h"
-#include "graphics2d/masks/LevelRuns.h"
 #include "graphics2d/strips/SolidStrip.h"
 #include "graphics2d/strips/Span.h"
 #include "memory/ScratchArray.h"
@@ -24,7 +23,20 @@ namespace {
 
 // --- Levels -------------------------------------------------------------------------------------
 
+constexpr int32_t kLane = 8;         // levels at a time
 constexpr uint32_t kHalfLevel = 128; // from which on a pixel that cannot be weighed is taken
+
+// The end of the columns from `from` on before eight that are all hidden or all visible. The first
+// is neither.
+int32_t endOfMixture(const MMContext2D& context, const uint8_t* levels, int32_t from, int32_t end)
+{
+    from = context.level->endOfLevel(levels, from, end, levels[from]); // often all are alike
+    for (uint64_t eight; end - from >= kLane; from += kLane) {
+        std::memcpy(&eight, levels + from, sizeof eight);
+        if (eight == 0 || eight == ~uint64_t{0}) return from;
+    }
+    return end;
+}
 
 // a * b / 255 of a coverage, rounded.
 Coverage coverageThrough(Coverage coverage, uint32_t level)
@@ -181,20 +193,20 @@ void drawSpanThroughMask(MMContext2D& context)
     PartOfSpan part(context);
     const int32_t end = part.end();
     if (part.first() < end && dependsOnStart(context)) {
-        if (endOfLevel(levels, part.first(), end, 0) == end) return;
-        if (endOfLevel(levels, part.first(), end, kWholeLevel) == end)
+        if (context.level->endOfLevel(levels, part.first(), end, 0) == end) return;
+        if (context.level->endOfLevel(levels, part.first(), end, kWholeLevel) == end)
             return drawSpan(context, paint);
         return drawUncut(context, paint, part, levels);
     }
     for (int32_t first = part.first(), next; first < end; first = next) {
         if (levels[first] == 0) {
-            next = endOfLevel(levels, first, end, 0);
+            next = context.level->endOfLevel(levels, first, end, 0);
         } else if (levels[first] == kWholeLevel) {
-            next = endOfLevel(levels, first, end, kWholeLevel);
+            next = context.level->endOfLevel(levels, first, end, kWholeLevel);
             part.select(first, next);
             drawSpan(context, paint);
         } else {
-            next = endOfMixture(levels, first, end);
+            next = endOfMixture(context, levels, first, end);
             drawMixture(context, paint, part, first, next, levels);
         }
     }

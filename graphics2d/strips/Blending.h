@@ -114,21 +114,16 @@ inline Pixel blendPremultiplied(Pixel destination, Pixel source, uint32_t weight
            (((destination >> 8 & kEvenChannels) * rest + odd) & ~kEvenChannels);
 }
 
-// Many pixels of one colour and weight by either rule: d * (256 - w) + s * w, plus a bias, and plus
-// w where d lies below a bound.
-template <class Pixels>
+// Many pixels of one colour and weight by either rule: d * (256 - w) + s * w + 128, or without the
+// 128 but plus w where d lies 128 below the colour's channel.
+template <class Pixels, bool isRounded>
 class FlatBlend {
 public:
-    FlatBlend(Pixel colour, uint32_t weight, uint32_t bias, int16_t raiseBelow)
-        : raiseBelow_(Signed{} + raiseBelow), weight_(same(weight)), rest_(same(256 - weight)),
-          share_(widenLow(all<Pixels>(colour)) * weight_ + same(bias))
+    FlatBlend(Pixel colour, uint32_t weight)
+        : raiseBelow_((Signed)widenLow(all<Pixels>(colour)) - 128), weight_(same(weight)),
+          rest_(same(256 - weight)),
+          share_(widenLow(all<Pixels>(colour)) * weight_ + same(isRounded ? 128 : 0))
     {
-    }
-    // The bound lies so far below each channel of the colour.
-    FlatBlend(Pixel colour, uint32_t weight, int16_t raiseDistance)
-        : FlatBlend(colour, weight, 0, 0)
-    {
-        raiseBelow_ = (Signed)widenLow(all<Pixels>(colour)) - raiseDistance;
     }
 
     // Takes fewer pixels as well.
@@ -147,10 +142,11 @@ private:
     template <class Some>
     Some moved(Some from) const
     {
+        const Some sum = from * firstOf<Some>(rest_) + firstOf<Some>(share_);
+        if constexpr (isRounded) return sum;
         using SomeSigned = decltype(from < from);
         const Some raised = (Some)(firstOf<SomeSigned>(raiseBelow_) > (SomeSigned)from);
-        return from * firstOf<Some>(rest_) +
-               (firstOf<Some>(share_) + (raised & firstOf<Some>(weight_)));
+        return sum + (raised & firstOf<Some>(weight_));
     }
 
     Signed raiseBelow_;
@@ -215,7 +211,7 @@ struct ClassicBlend {
     static auto flat(Pixel colour, uint32_t weight)
     {
         if constexpr (sizeof(Pixels) > sizeof(Pixel))
-            return FlatBlend<Pixels>(colour, weight, 128);
+            return FlatBlend<Pixels, false>(colour, weight);
         else
             return [=](Pixel destination) {
                 const auto moved = [weight](uint32_t from, uint32_t to) {
@@ -307,7 +303,7 @@ struct RefinedBlend {
     static auto flat(Pixel colour, uint32_t weight)
     {
         if constexpr (sizeof(Pixels) > sizeof(Pixel))
-            return FlatBlend<Pixels>(colour, weight, 128, INT16_MIN);
+            return FlatBlend<Pixels, true>(colour, weight);
         else
             return [=](Pixel destination) {
                 const auto moved = [weight](uint32_t from, uint32_t to) {

@@ -79,6 +79,22 @@ inline Lanes all(uint32_t v)
     return Lanes{} + v;
 }
 
+// Whether all bits are 0.
+template <class Lanes>
+inline bool isZero(Lanes lanes)
+{
+    if constexpr (sizeof(Lanes) < sizeof(uint64_t)) {
+        return lanes == 0;
+    } else {
+        uint64_t words[sizeof lanes / sizeof(uint64_t)];
+        std::memcpy(words, &lanes, sizeof lanes);
+        uint64_t bits = 0;
+        for (const uint64_t word : words)
+            bits |= word;
+        return bits == 0;
+    }
+}
+
 // The first lanes of a longer vector.
 template <class Lanes, class Longer>
 inline Lanes firstOf(Longer lanes)

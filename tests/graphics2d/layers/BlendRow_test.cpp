@@ -3,6 +3,8 @@
 // that are not multiplied with their alpha.
 #include "graphics2d/layers/BlendRow.h"
 
+#include "graphics2d/LevelTable.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -15,6 +17,17 @@ using namespace KAVO;
 
 namespace KAVO::Graphics2D {
 namespace {
+
+// As layers are blended.
+void blend(MMBlendMode mode, Pixel* target, const Pixel* layer, const uint8_t* levels,
+           uint32_t opacity, int32_t count)
+{
+    static const LevelTable* const level = MMContext2D().level;
+    if (mode == kBlendNormal)
+        level->blendNormal(target, layer, levels, opacity, count);
+    else
+        blendRow(mode, target, layer, levels, opacity, count);
+}
 
 using Rgb = std::array<double, 3>;
 
@@ -207,8 +220,8 @@ TEST(BlendRow, IsTheFormulaOfEachModeRoundedOnce)
             const uint32_t opacity = random() % 3 != 0 ? 255 : random() % 256;
             const bool masked = random() % 2 != 0;
             std::vector<Pixel> result = target;
-            blendRow(static_cast<MMBlendMode>(mode), result.data(), layer.data(),
-                     masked ? levels.data() : nullptr, opacity, static_cast<int32_t>(count));
+            blend(static_cast<MMBlendMode>(mode), result.data(), layer.data(),
+                  masked ? levels.data() : nullptr, opacity, static_cast<int32_t>(count));
             ASSERT_EQ(result[count], target[count]);
             for (size_t i = 0; i < count; ++i) {
                 const double share = opacity / 255.0 * (masked ? levels[i] / 255.0 : 1);
@@ -235,13 +248,13 @@ TEST(BlendRow, TakesAnyWords)
             target[i] = random();
             layer[i] = random();
         }
-        blendRow(static_cast<MMBlendMode>(mode), target.data(), layer.data(), nullptr, 255, 64);
+        blend(static_cast<MMBlendMode>(mode), target.data(), layer.data(), nullptr, 255, 64);
     }
     // Over an alpha of 0 all modes of colours are normal, whatever the colour below.
     for (int mode = 0; mode <= kBlendLuminosity; ++mode) {
         Pixel target[] = {0x00FF8040, 0x00FF8040};
         const Pixel layer[] = {0xFF102030, 0x80402010};
-        blendRow(static_cast<MMBlendMode>(mode), target, layer, nullptr, 255, 2);
+        blend(static_cast<MMBlendMode>(mode), target, layer, nullptr, 255, 2);
         EXPECT_EQ(target[0], 0xFF102030u) << mode;
         EXPECT_EQ(target[1], 0x80BF6030u) << mode; // 127 of 255 of what is below shine through
     }
@@ -268,10 +281,10 @@ TEST(BlendRow, BlendsPixelsOfARowAsEachAlone)
                 }
                 const uint8_t* mask = alpha == 1 ? levels.data() : nullptr;
                 std::vector<Pixel> row = target;
-                blendRow(mode, row.data(), layer.data(), mask, 255, static_cast<int32_t>(count));
+                blend(mode, row.data(), layer.data(), mask, 255, static_cast<int32_t>(count));
                 for (size_t i = 0; i < count; ++i) {
                     Pixel alone = target[i];
-                    blendRow(mode, &alone, &layer[i], mask != nullptr ? mask + i : nullptr, 255, 1);
+                    blend(mode, &alone, &layer[i], mask != nullptr ? mask + i : nullptr, 255, 1);
                     ASSERT_EQ(row[i], alone)
                         << "mode " << code << ", pixel " << i << " of " << count << std::hex
                         << ", target " << target[i] << ", layer " << layer[i];
@@ -285,7 +298,7 @@ TEST(BlendRow, KnowsWhichModesActOutside)
         const MMBlendMode mode = static_cast<MMBlendMode>(code);
         Pixel target = 0x80402010;
         const Pixel clear = 0;
-        blendRow(mode, &target, &clear, nullptr, 255, 1);
+        blend(mode, &target, &clear, nullptr, 255, 1);
         EXPECT_EQ(target != 0x80402010, actsOutside(mode)) << code;
     }
 }
