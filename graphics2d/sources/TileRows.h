@@ -62,6 +62,22 @@ public:
         if (position_ < 0) position_ += period_;
     }
 
+    // The half of a mirrored period that is the other way round.
+    bool isInMirror() const { return texel() >= size_; }
+    int64_t positionInImage() const { return isInMirror() ? period_ - 1 - position_ : position_; }
+
+    // How many of the next pixels, of which there are at least one, lie in the same half.
+    int32_t lengthOfRun(int32_t count) const
+    {
+        const int64_t half = int64_t{size_} << kTexelBits;
+        const int64_t first = isInMirror() ? half : 0;
+        const int64_t last = first + half - 1;
+        const int64_t end = position_ + step_ * (count - 1);
+        if (first <= end && end <= last) return count;
+        const int64_t more = step_ > 0 ? (last - position_) / step_ : (position_ - first) / -step_;
+        return static_cast<int32_t>(more) + 1;
+    }
+
     // Whether the next few pixels and the one behind them lie within the same period; then they
     // may be skipped.
     bool staysWithin(int32_t pixels) const

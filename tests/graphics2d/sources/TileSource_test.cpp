@@ -97,7 +97,10 @@ Matrix2D transformOf(Random& random, int round)
 {
     const Fixed e = fx(random.between(-500, 500)), f = fx(random.between(-500, 500));
     if (round % 4 == 0) return {kFixedOne, 0, 0, round % 8 ? kFixedOne : -kFixedOne, e, f};
-    if (round % 4 == 1) return {fx(random.between(0.1, 6)), 0, 0, fx(random.between(-6, 6)), e, f};
+    if (round % 4 == 1) {
+        const int sign = random.whole(0, 1) * 2 - 1;
+        return {fx(sign * random.between(0.1, 6)), 0, 0, fx(random.between(-6, 6)), e, f};
+    }
     const Point unit = random.between(0.2, 5) * random.direction();
     const Point other = unit * Point(random.between(-0.7, 0.7), random.between(0.3, 2));
     return {fx(unit.real()), fx(unit.imag()), fx(other.real()), fx(other.imag()), e, f};
