@@ -108,13 +108,20 @@ inline void mixPixels(const Mix& mix, const TexelAxis& axis, Texels texels, U16x
     const U16x8 uStep = all8(fixFraction(axis.step()));
     U16x8 u = all8(axis.fraction());
     while (true) {
-        U16x8 rows[4];
-        for (int i = 0; i < 4; ++i, u += uStep)
-            rows[i] = texels.next().mixed(u);
-        const U16x8 firstTwo = mixedRows<Mix>(rows[0], rows[1], v);
-        const U16x8 lastTwo = mixedRows<Mix>(rows[2], rows[3], v + vStep + vStep);
+        const auto nextRows = [&] {
+            const U16x8 rows = texels.next().mixed(u);
+            u += uStep;
+            return rows;
+        };
+        const auto nextTwo = [&] {
+            const U16x8 first = nextRows();
+            return mixedRows<Mix>(first, nextRows(), v);
+        };
+        const U16x8 firstTwo = nextTwo();
+        v += 2 * vStep;
+        const U16x8 lastTwo = nextTwo();
+        v += 2 * vStep;
         store4(out, mix.finished(narrowHighBytes(firstTwo, lastTwo)));
-        v += 4 * vStep;
         out += 4;
         count -= 4;
         if (count <= 0) return;
