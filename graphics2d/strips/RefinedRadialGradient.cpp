@@ -4,7 +4,8 @@
 // The parameter r is the length of (u, v), the pixel's centre mapped around the gradient's. Along a
 // row u and v are linear, so r * r is a parabola that two additions per pixel follow exactly: in
 // 64 bits, and modulo 2^64, so that it does not matter where a span begins. r is its root, from a
-// table, and the colour at r lies between two stops as far as r does.
+// table: of every pixel near the centre, of every eighth one farther out, where r itself is all but
+// a parabola from one to the next. The colour at r lies between two stops as far as r does.
 //
 // Columns where u or v alone reaches the last stop are padded with its colour and never squared.
 #include "graphics2d/strips/RefinedRadialGradient.h"
@@ -125,6 +126,92 @@ private:
     }
 };
 
+// The radii along a row, from a block of columns on. Blocks lie where they lie on the target,
+// wherever a span begins.
+constexpr int32_t kBlock = 16;
+
+class RadiusFollower {
+public:
+    RadiusFollower(const MappedAxis& u, const MappedAxis& v, int32_t column)
+    {
+        const auto uStart = static_cast<uint64_t>(u.at(column));
+        const auto vStart = static_cast<uint64_t>(v.at(column));
+        const auto uStep = static_cast<uint64_t>(u.step);
+        const auto vStep = static_cast<uint64_t>(v.step);
+        curve_ = uStep * uStep + vStep * vStep;
+        square_ = uStart * uStart + vStart * vStart;
+        change_ = 2 * (uStart * uStep + vStart * vStep) + curve_;
+        root_ = calledRootOf(square_);
+    }
+
+    // Writes the radii of the next block. Thirty pixels from the centre and further out a parabola
+    // through the first, the ninth and the next block's first is as good as roots: it lies at most
+    // 1/30 of a pixel beside them.
+    void next(uint32_t* radii)
+    {
+        const uint64_t halfChange = kBlock / 2 * (change_ - curve_);
+        const uint64_t middle = square_ + halfChange + kBlock * kBlock / 4 * curve_;
+        const uint64_t end = square_ + 2 * halfChange + kBlock * kBlock * curve_;
+        const uint32_t endRoot = calledRootOf(end);
+        const bool isFar = square_ >> kFarShift >= curve_;
+        if (isFar && curve_ - kLeastCurve < kGreatestCurve - kLeastCurve)
+            interpolate(radii, calledRootOf(middle), endRoot);
+        else
+            takeRoots(radii);
+        square_ = end;
+        change_ += 2 * kBlock * curve_;
+        root_ = endRoot;
+    }
+
+private:
+    static constexpr int kFarShift = 11; // 45 pixels from the block's first column
+    // Of steps so short that no square in a block with a pixel of the ramp wraps, and so long that
+    // their parts do not matter.
+    static constexpr uint64_t kGreatestCurve = uint64_t{1} << 52;
+    static constexpr uint64_t kLeastCurve = uint64_t{1} << 26;
+
+    // A call, to have the code once.
+    [[gnu::noinline]] static uint32_t calledRootOf(uint64_t square) { return rootOf(square); }
+
+    void interpolate(uint32_t* radii, uint32_t middle, uint32_t end) const
+    {
+        static_assert(kBlock == 16, "the shares of the differences");
+        const int64_t first = int64_t{middle} - root_;
+        const int64_t bend = int64_t{end} - middle - first;
+        const auto changeOfChange = static_cast<uint32_t>((bend + 32) >> 6);
+        auto change = static_cast<uint32_t>((16 * first - 7 * bend + 64) >> 7);
+        uint32_t radius = root_;
+        const auto next = [&] {
+            const uint32_t now = radius;
+            radius += change;
+            change += changeOfChange;
+            return now;
+        };
+        for (int32_t i = 0; i < kBlock; i += 4) {
+            radii[i] = next();
+            radii[i + 1] = next();
+            radii[i + 2] = next();
+            radii[i + 3] = next();
+        }
+    }
+
+    void takeRoots(uint32_t* radii) const
+    {
+        uint64_t square = square_;
+        uint64_t change = change_;
+        for (int32_t i = 0; i < kBlock; ++i) {
+            radii[i] = calledRootOf(square);
+            square += change;
+            change += 2 * curve_;
+        }
+    }
+
+    uint64_t curve_;  // the change grows by twice this per column
+    uint64_t square_; // at the next block's first column
+    uint64_t change_; // of the square to the column after it
+    uint32_t root_;   // of the square
+};
+
 class RowOfCircles {
 public:
     RowOfCircles(const MMPaint& paint, int32_t row)
@@ -157,23 +244,19 @@ private:
 
     void drawRamp(RefinedGradientTarget& target, Columns columns) const
     {
-        const auto u = static_cast<uint64_t>(u_.at(columns.first));
-        const auto v = static_cast<uint64_t>(v_.at(columns.first));
-        const auto uStep = static_cast<uint64_t>(u_.step);
-        const auto vStep = static_cast<uint64_t>(v_.step);
-        const uint64_t curve = uStep * uStep + vStep * vStep;
-        uint64_t square = u * u + v * v;
-        uint64_t change = 2 * (u * uStep + v * vStep) + curve;
+        RadiusFollower follower(u_, v_, columns.first & -kBlock);
+        int32_t before = columns.first & (kBlock - 1); // columns of the block that are not drawn
+        uint32_t radii[kBlock + kPieceLength + kBlock] = {};
+        int32_t known = 0; // of the radii
         target.ramp(columns.end - columns.first,
                     [&](Pixel* colours, uint32_t* alphas, int32_t count) {
-                        uint32_t radii[kPieceLength + 8];
-                        for (int32_t i = 0; i < count; ++i) {
-                            radii[i] = rootOf(square);
-                            square += change;
-                            change += 2 * curve;
-                        }
-                        std::fill_n(radii + count, 7, 0u);
-                        writeColours(radii, colours, alphas, count);
+                        for (; known < before + count; known += kBlock)
+                            follower.next(radii + known);
+                        writeColours(radii + before, colours, alphas, count);
+                        // What is left of the last block begins the next piece.
+                        before = (before + count) & (kBlock - 1);
+                        std::copy_n(radii + known - kBlock, kBlock, radii);
+                        known = before != 0 ? kBlock : 0;
                     });
     }
 
@@ -185,9 +268,7 @@ private:
         uint32_t runAlphas[kPieceLength + 8];
         for (int32_t i = 0; i < count;) {
             const Bounds bounds = segmentAt(radii[i]);
-            int32_t end = i + 1;
-            while (end < count && radii[end] - bounds.low < bounds.high - bounds.low)
-                ++end;
+            const int32_t end = endOfRun(radii, i, count, bounds);
             const RadialSegment segment(stops_.colours[bounds.from], stops_.colours[bounds.to],
                                         bounds.low, bounds.high);
             segment.write(radii + i, runColours + i, alphas != nullptr ? runAlphas + i : nullptr,
@@ -206,6 +287,22 @@ private:
         uint32_t low;
         uint32_t high;
     };
+
+    // The first of the radii from the i-th to the last that is not within the bounds.
+    static int32_t endOfRun(const uint32_t* radii, int32_t i, int32_t count, const Bounds& bounds)
+    {
+        const uint32_t length = bounds.high - bounds.low;
+        // Eights that surely are: neither difference has its highest bit set.
+        for (; i + 8 <= count; i += 8) {
+            const U32x4 a = load4(radii + i) - bounds.low;
+            const U32x4 b = load4(radii + i + 4) - bounds.low;
+            const U64x2 signs = (U64x2)(a | b | (length - 1 - a) | (length - 1 - b));
+            if (((signs[0] | signs[1]) & 0x8000000080000000u) != 0) break;
+        }
+        while (i < count && radii[i] - bounds.low < length)
+            ++i;
+        return i;
+    }
 
     // Stops out of order are moved up to their predecessor.
     Bounds segmentAt(uint32_t radius) const
