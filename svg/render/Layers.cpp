@@ -104,7 +104,7 @@ void Renderer::drawInside(const Box& box, const Affine& toDevice, const std::fun
         return;
     }
     Coverage coverage(context_, 255);
-    coverage.cutTo(context_, [&] { coverBox(box, toDevice); });
+    coverage.cutTo(context_, [&] { coverOutline(Outline::rectangle(box), false, toDevice); });
     if (session_.pick) {
         if (coverage.coversPick()) draw();
         return;
@@ -114,18 +114,18 @@ void Renderer::drawInside(const Box& box, const Affine& toDevice, const std::fun
     drawInLayer(options, draw);
 }
 
-void Renderer::coverBox(const Box& box, const Affine& toDevice)
+void Renderer::coverOutline(const Outline& outline, bool evenOdd, const Affine& toDevice)
 {
     const std::optional<PathSpace> space = PathSpace::make(toDevice, targetCentre());
     if (!space) return;
     Shape shape;
-    shape.outline = Outline::rectangle(box);
+    shape.outline = outline;
     const Box drawn = session_.bounds;
     context_.fillPaint.paintType = kPaintSolid;
     context_.fillPaint.paintColour = 0xFFFFFFFF;
     context_.fillPaint.paintOpacity = 255;
     context_.strokePaint.paintType = kPaintNone;
-    context_.fillRule = kFillNonZero;
+    context_.fillRule = evenOdd ? kFillEvenOdd : kFillNonZero;
     drawGeometry(shape, *space);
     session_.bounds = drawn;
 }
@@ -195,7 +195,7 @@ bool Renderer::overlaps(pugi::xml_node node, const Style& style) const
 void Renderer::drawLayered(pugi::xml_node node, const Properties& properties, const State& state,
                            const Content& content)
 {
-    const pugi::xml_node clip = referenced(node, properties[Property::ClipPath], "clipPath");
+    const Clip clip = clipOf(node, properties, state);
     const pugi::xml_node mask =
         clipping_ ? pugi::xml_node() : referenced(node, properties[Property::Mask], "mask");
     MMLayerOptions options;
@@ -242,6 +242,26 @@ void Renderer::drawLayered(pugi::xml_node node, const Properties& properties, co
     drawInLayer(options, [&] { drawFiltered(node, properties, inner, content); });
 }
 
+Renderer::Clip Renderer::clipOf(pugi::xml_node node, const Properties& properties,
+                                const State& state)
+{
+    Clip clip;
+    const std::string_view value = properties[Property::ClipPath];
+    if (value.empty() || value == "none" || value == "inherit") return clip;
+    if (const std::optional<BasicShape> shape = parseBasicShape(value); shape && !isUrl(value)) {
+        Box box{0, 0, state.viewport.width, state.viewport.height};
+        if (shape->box != ShapeBox::View) {
+            State measured = state;
+            measured.strokesCount = shape->box == ShapeBox::Stroke;
+            box = boundsOf(node, properties, measured);
+        }
+        clip.shape = outlineOf(*shape, box, state.style.lengths(state.viewport));
+        if (clip.shape) return clip;
+    }
+    clip.element = referenced(node, value, "clipPath");
+    return clip;
+}
+
 pugi::xml_node Renderer::referenced(pugi::xml_node node, std::string_view value,
                                     std::string_view wanted)
 {
@@ -249,10 +269,10 @@ pugi::xml_node Renderer::referenced(pugi::xml_node node, std::string_view value,
     const pugi::xml_node found = document_.find(referenceIn(value));
     const bool isWanted = found.name() == wanted;
     if (isWanted && !isActive(found)) return found;
-    note(std::string(wanted) + (isWanted ? " inside itself"
-                                : referenceIn(value).empty()
-                                    ? " of a basic shape or another document"
-                                    : " that is not there"),
+    note(std::string(wanted) + (isWanted                     ? " inside itself"
+                                : !isUrl(value)              ? " of an unknown kind"
+                                : referenceIn(value).empty() ? " of another document"
+                                                             : " that is not there"),
          node);
     return {};
 }
@@ -276,33 +296,45 @@ bool Renderer::clipState(pugi::xml_node clip, const State& state, const Box& bou
 }
 
 // Nothing outside of the shapes of a clip path needs to be drawn.
-void Renderer::narrowTo(pugi::xml_node clip, const State& state, const Box& bounds)
+void Renderer::narrowTo(const Clip& clip, const State& state, const Box& bounds)
 {
+    if (clip.shape) {
+        const Box box = clip.shape->outline.bounds();
+        clipTo(box.empty() ? Box{0, 0, 0, 0} : state.toDevice.mapBox(box));
+        return;
+    }
     State inner;
     // Letters reach beyond the box of their text, which may be used, too.
     const auto mayBeText = [](pugi::xml_node n) {
         return n.name() == std::string_view("text") || n.name() == std::string_view("use");
     };
-    if (!clipState(clip, state, bounds, inner) || clip.find_child(mayBeText)) return;
-    const Box box = boundsOf(clip, Properties(clip, document_.sheet()), inner);
+    if (!clipState(clip.element, state, bounds, inner) || clip.element.find_child(mayBeText))
+        return;
+    const Box box = boundsOf(clip.element, Properties(clip.element, document_.sheet()), inner);
     clipTo(box.empty() ? Box{0, 0, 0, 0} : inner.toDevice.mapBox(box));
 }
 
 // Multiplies the coverage of each pixel of the clip rectangle by what the clip path covers; false
 // when that is nothing.
-bool Renderer::coverByClip(pugi::xml_node clip, const State& state, const Box& bounds,
+bool Renderer::coverByClip(const Clip& clip, const State& state, const Box& bounds,
                            Coverage& coverage)
 {
-    const Active active(*this, clip);
+    if (clip.shape) {
+        const ShapeOutline& shape = *clip.shape;
+        coverage.cutTo(context_,
+                       [&] { coverOutline(shape.outline, shape.evenOdd, state.toDevice); });
+        return true;
+    }
+    const Active active(*this, clip.element);
     State inner;
-    if (!clipState(clip, state, bounds, inner)) return false;
-    const Properties properties(clip, document_.sheet());
-    if (const pugi::xml_node outer = referenced(clip, properties[Property::ClipPath], "clipPath")) {
+    if (!clipState(clip.element, state, bounds, inner)) return false;
+    const Properties properties(clip.element, document_.sheet());
+    if (const Clip outer = clipOf(clip.element, properties, state)) {
         if (!coverByClip(outer, state, bounds, coverage)) return false;
     }
     const bool clippingBefore = std::exchange(clipping_, true);
     coverage.cutTo(context_, [&] {
-        for (const pugi::xml_node child : clip.children()) {
+        for (const pugi::xml_node child : clip.element.children()) {
             const std::string_view name = child.name();
             if (isShape(name) || name == "text" || name == "use") drawElement(child, inner);
         }
@@ -348,7 +380,7 @@ bool Renderer::coverByMask(pugi::xml_node mask, const State& state, const Box& b
     if (const pugi::xml_node outer = referenced(mask, properties[Property::Mask], "mask")) {
         if (!coverByMask(outer, state, bounds, coverage)) return false;
     }
-    if (const pugi::xml_node clip = referenced(mask, properties[Property::ClipPath], "clipPath")) {
+    if (const Clip clip = clipOf(mask, properties, inner)) {
         if (!coverByClip(clip, inner, boundsOf(mask, properties, inner), coverage)) return false;
     }
     // Outside of its rectangle a mask is black.

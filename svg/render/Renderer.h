@@ -4,6 +4,7 @@
 
 #include "graphics2d/layers/MMLayer.h"
 #include "svg/document/SvgDocument.h"
+#include "svg/geometry/BasicShapes.h"
 #include "svg/geometry/PathEncoder.h"
 #include "svg/geometry/Shapes.h"
 #include "svg/images/ImageStore.h"
@@ -42,6 +43,7 @@ private:
         double glyphOverhang = 0; // above 0: what is painted are glyphs, which reach this far
                                   // beyond the bounds, user units
         int depth = 0;
+        bool strokesCount = false; // in boxes of elements, with half their width all around
         const ContextPaints* contextPaints = nullptr; // null: there are none
     };
 
@@ -127,7 +129,7 @@ private:
     void drawInLayer(const Graphics2D::MMLayerOptions& options, Function draw);
     // What draws nothing outside of a box of some space.
     void drawInside(const Box& box, const Affine& toDevice, const std::function<void()>& draw);
-    void coverBox(const Box& box, const Affine& toDevice);
+    void coverOutline(const Outline& outline, bool evenOdd, const Affine& toDevice);
     void fillClip(const MMPaint& paint);
     void drawAsOne(const MMPaint& paint, const std::function<void(const MMPaint& paint)>& draw);
     bool strokesText(pugi::xml_node node, const Style& style) const;
@@ -135,10 +137,16 @@ private:
     // The element that a property refers to, when it is one of the wanted kind and not being drawn
     // already: a reference in a circle counts as none.
     pugi::xml_node referenced(pugi::xml_node node, std::string_view value, std::string_view wanted);
-    void narrowTo(pugi::xml_node clip, const State& state, const Box& bounds);
+    // What the property clip-path cuts to: a basic shape, the children of an element, or neither.
+    struct Clip {
+        std::optional<ShapeOutline> shape; // user space
+        pugi::xml_node element;
+        explicit operator bool() const { return shape || element; }
+    };
+    Clip clipOf(pugi::xml_node node, const Properties& properties, const State& state);
+    void narrowTo(const Clip& clip, const State& state, const Box& bounds);
     bool clipState(pugi::xml_node clip, const State& state, const Box& bounds, State& inner);
-    bool coverByClip(pugi::xml_node clip, const State& state, const Box& bounds,
-                     Coverage& coverage);
+    bool coverByClip(const Clip& clip, const State& state, const Box& bounds, Coverage& coverage);
     bool coverByMask(pugi::xml_node mask, const State& state, const Box& bounds,
                      Coverage& coverage);
 

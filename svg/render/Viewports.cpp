@@ -216,7 +216,11 @@ void Renderer::drawUsed(pugi::xml_node target, const Properties& properties, con
 Box Renderer::boundsOf(pugi::xml_node node, const Properties& properties, const State& state)
 {
     const LengthContext lengths = state.style.lengths(state.viewport);
-    if (isShape(node.name())) return makeShape(node, properties, lengths).outline.bounds();
+    if (isShape(node.name())) {
+        const Box box = makeShape(node, properties, lengths).outline.bounds();
+        const bool stroked = state.strokesCount && state.style.stroke.kind != PaintValue::None;
+        return stroked && !box.empty() ? box.grown(state.style.strokeWidth / 2) : box;
+    }
     if (node.name() == std::string_view("image")) {
         const double x = parseLength(properties[Property::X], lengths, Axis::X, 0);
         const double y = parseLength(properties[Property::Y], lengths, Axis::Y, 0);

@@ -100,6 +100,50 @@ TEST(SvgEquivalents, DrawingsAsImages)
           "<svg width='9' height='9'><circle r='9'/></svg>"}});
 }
 
+TEST(SvgEquivalents, BasicShapes)
+{
+    // Of a box of 20 by 10 at (10, 12), which with its stroke is one of 24 by 14 at (8, 10).
+    const std::pair<const char*, const char*> shapes[] = {
+        {"circle(4px at 3px 5px) fill-box", "<circle cx='13' cy='17' r='4'/>"},
+        {"content-box CIRCLE()", "<circle cx='20' cy='17' r='5'/>"},
+        {"circle(farthest-side at right 5px bottom 10px)", "<circle cx='27' cy='14' r='19'/>"},
+        {"circle(9px at top left) view-box", "<circle r='9'/>"},
+        {"ellipse(25% 50%)", "<ellipse cx='20' cy='17' rx='6' ry='7'/>"},
+        {"ellipse(closest-side 3px at left)", ""},
+        {"inset(1px 2px 3px)", "<rect x='10' y='11' width='20' height='10'/>"},
+        {"inset(0 round 50%)", "<rect x='8' y='10' width='24' height='14' rx='12' ry='7'/>"},
+        {"inset(0 round 24px / 14px)",
+         "<rect x='8' y='10' width='24' height='14' rx='12' ry='7'/>"},
+        {"inset(60%)", ""},
+        {"rect(2px 12px auto 4px)", "<rect x='12' y='12' width='8' height='12'/>"},
+        {"xywh(2px 3px 50% 50%)", "<rect x='10' y='13' width='12' height='7'/>"},
+        {"polygon(0 0, 100% 0, 50% 100%)", "<path d='M8 10h24l-12 14z'/>"},
+        {"polygon(evenodd, 0 0, 24px 0, 24px 14px, 0 14px, 0 0, 4px 4px, 9px 4px, 4px 9px, 4px "
+         "4px)",
+         "<path d='M8 10h24v14h-24zM12 14h5l-5 5z' clip-rule='evenodd'/>"},
+        {"path('M1 2h9v9')", "<path d='M9 12h9v9'/>"},
+        {"fill-box", "<rect x='10' y='12' width='20' height='10'/>"}};
+    const auto cut = [](const std::string& clip, const std::string& parts) {
+        return drawn("<svg width='40' height='40'>" + parts +
+                         "<rect x='10' y='12' width='20' height='10' stroke='red' "
+                         "stroke-width='4' clip-path=\"" +
+                         clip + "\"/></svg>",
+                     40, 40);
+    };
+    // The library has an operation of its own for ellipses.
+    for (const auto& [shape, elements] : shapes)
+        EXPECT_LE(worstDifference(
+                      cut(shape, ""),
+                      cut("url(#c)", "<clipPath id='c'>" + std::string(elements) + "</clipPath>")),
+                  8)
+            << shape;
+    for (const char* wrong : {"circle(-1px)", "circle(1px 2px)", "inset()", "polygon(1px)",
+                              "path(M0 0h9v9)", "circle() circle()", "view-box fill-box"})
+        expectSameElements(
+            {{"<rect width='9' height='9' style=\"clip-path:" + std::string(wrong) + "\"/>",
+              "<rect width='9' height='9'/>"}});
+}
+
 TEST(SvgEquivalents, Visibility)
 {
     expectSameElements(
