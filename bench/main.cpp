@@ -199,7 +199,7 @@ int main(int argc, char** argv)
 
     std::printf("\nmemory of a context: %zu bytes at rest, %zu with a full glyph cache\n",
                 memory.atRest, memory.withFullCache);
-    constexpr size_t kMostText = 192 * 1024; // with masks, layers and sources
+    constexpr size_t kMostText = 192 * 1024; // with masks, layers, sources and levels
     const size_t text = libraryCodeBytes();
     std::printf("\nmachine code of the library without its engines: %zu of at most %zu bytes\n",
                 text, kMostText);

@@ -1,7 +1,7 @@
 #!/bin/bash
 # SPDX-License-Identifier: MIT
 # Fails when the library's machine code has outgrown its bounds, which are for -O2: natively and for
-# both ARMs, each without what MM2D_BUILD_LAYERS adds and with it. Says also what a context takes of
+# both ARMs, each without what MM2D_BUILD_LAYERS and MM2D_BUILD_LEVELS add and with it. Says also what a context takes of
 # the heap. Measures no times.
 #
 #   scripts/check-code-size.sh
@@ -12,6 +12,7 @@ cd "$(dirname "$0")/.."
 scripts/install-packages.sh build test bench targets
 mkdir -p build
 log=build/code-size.log
+core_alone=(-DMM2D_BUILD_LAYERS=OFF -DMM2D_BUILD_LEVELS=OFF)
 
 # check FOLDER NAME BOUND OPTION...: the library without its engines, by the program that knows its
 # objects; the bound in KB. A build that the tests have made is used as it is.
@@ -41,7 +42,7 @@ both() {
     shift 3
     set -- -DMM2D_BUILD_TESTS=ON -DMM2D_FONT_ENGINE=mm2d_fake_font \
         -DMM2D_LAYOUT_ENGINE=mm2d_fake_layout "$@"
-    check "build/size-$name" "$name, core" "$core" -DMM2D_BUILD_LAYERS=OFF "$@"
+    check "build/core-$name" "$name, core" "$core" "${core_alone[@]}" "$@"
     check "build/test-$name" "$name, all" "$all" "$@"
 }
 
@@ -54,11 +55,11 @@ benchmark() {
     fi
 }
 
-check build/size-native "native, core" 128 -DMM2D_BUILD_LAYERS=OFF
+check build/core-native "native, core" 128 "${core_alone[@]}"
 check build/bench "native, all" 192
 benchmark
 both arm-64 128 192 -DCMAKE_TOOLCHAIN_FILE=scripts/toolchains/aarch64.cmake
 arm32=-DCMAKE_TOOLCHAIN_FILE=scripts/toolchains/arm.cmake
 both arm-32-neon 128 192 "$arm32" -DCMAKE_CXX_FLAGS=-mfpu=neon
-# Vectors of four pixels are taken apart into single numbers there.
+# The vectors that are left without vector registers are taken apart into single numbers there.
 both arm-32 160 192 "$arm32"
