@@ -6,7 +6,7 @@ namespace KAVO {
 namespace Graphics2D {
 inline namespace MM2D_LEVEL {
 
-bool CircleFollower::advance(RadialColour& colour)
+CircleFollower::Move CircleFollower::advanceDistance()
 {
     error = wrapAdd(error, change);
     // The product with a grows by 2a exactly, but is rounded toward zero: it is formed anew.
@@ -18,11 +18,10 @@ bool CircleFollower::advance(RadialColour& colour)
         risingMask = -1;
     }
     const int32_t units = stepOneByOne();
-    colour.value += colour.step * static_cast<uint32_t>(units);
-    if (halfStep()) colour.value += colour.halfStep;
+    const bool takesHalf = halfStep();
     guess = units < guess ? units : units - 1;
     if (guess < 0 || guess > kGreatestGuess) guess = 0;
-    return crossed;
+    return {units, takesHalf, crossed};
 }
 
 int32_t CircleFollower::stepOneByOne()

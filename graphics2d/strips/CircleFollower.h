@@ -29,9 +29,67 @@ inline namespace MM2D_LEVEL {
 
 // The colour along the ramp.
 struct RadialColour {
+    using Mark = Channels; // what a pixel gets
+
     Channels value;
     Channels step;     // per unit step of r
     Channels halfStep; // and per half one
+
+    void add(uint32_t units, uint32_t halves)
+    {
+        value += step * units;
+        if (halves != 0) value += halfStep * halves;
+    }
+
+    // A copy for loops: pixels that take the guessed number of unit steps, one more where the mask
+    // is all ones, and likewise a half one.
+    class Steps {
+    public:
+        Steps(const RadialColour& colour, uint32_t guess)
+            : value_(colour.value), step_(colour.step), halfStep_(colour.halfStep),
+              guessed_(step_ * guess)
+        {
+        }
+        Mark mark() const { return value_; }
+        void advance(uint32_t more) { value_ += guessed_ + (step_ & more); }
+        void advanceHalf(uint32_t half) { value_ += halfStep_ & half; }
+
+    private:
+        Channels value_;
+        Channels step_;
+        Channels halfStep_;
+        Channels guessed_;
+    };
+    void set(const Steps& steps) { value = steps.mark(); }
+    Mark mark() const { return value; }
+};
+
+// Where there are no vector registers, steps are counted, and become colours together: unit steps
+// in the lower half of a word, half ones in the upper. r goes one way, so that neither overflows
+// within a piece of pixels.
+struct CountedSteps {
+    using Mark = uint32_t;
+
+    uint32_t counts = 0;
+
+    static uint32_t unitsOf(Mark mark) { return mark & 0xFFFF; }
+    static uint32_t halvesOf(Mark mark) { return mark >> 16; }
+
+    void add(uint32_t units, uint32_t halves) { counts += units + (halves << 16); }
+
+    class Steps {
+    public:
+        Steps(const CountedSteps& colour, uint32_t guess) : counts_(colour.counts), guess_(guess) {}
+        Mark mark() const { return counts_; }
+        void advance(uint32_t more) { counts_ += guess_ - more; }
+        void advanceHalf(uint32_t half) { counts_ += half & 0x10000; }
+
+    private:
+        uint32_t counts_;
+        uint32_t guess_;
+    };
+    void set(const Steps& steps) { counts = steps.mark(); }
+    Mark mark() const { return counts; }
 };
 
 struct CircleFollower {
@@ -51,11 +109,19 @@ struct CircleFollower {
 
     // The plain stepping: one pixel, whatever the numbers. True when it crossed the vertex: the
     // next one needs the colour steps of the other side.
-    bool advance(RadialColour& colour);
+    template <class Colour>
+    bool advance(Colour& colour)
+    {
+        const Move move = advanceDistance();
+        colour.add(static_cast<uint32_t>(move.units), move.takesHalf ? 1 : 0);
+        return move.crossed;
+    }
 
     // Writes up to count colours as long as r is within [low, high) and the next pixel is a usual
     // one; returns how many. Quick, and the same as that many plain steps.
-    int32_t advanceUsual(RadialColour& colour, Fixed low, Fixed high, Channels* out, int32_t count);
+    template <class Colour>
+    int32_t advanceUsual(Colour& colour, Fixed low, Fixed high, typename Colour::Mark* out,
+                         int32_t count);
 
 private:
     static constexpr int32_t kGreatestGuess = 4;
@@ -76,9 +142,17 @@ private:
         return pixels < 0 ? 0 : pixels < count ? static_cast<int32_t>(pixels) : count;
     }
 
-    template <bool kFalling>
-    int32_t advanceByGuess(RadialColour& colour, Fixed low, Fixed high, Channels* out,
+    template <bool kFalling, class Colour>
+    int32_t advanceByGuess(Colour& colour, Fixed low, Fixed high, typename Colour::Mark* out,
                            int32_t count);
+
+    // What a pixel's step does to r: unit steps, a half one, and whether it crossed the vertex.
+    struct Move {
+        int32_t units;
+        bool takesHalf;
+        bool crossed;
+    };
+    Move advanceDistance();
 
     bool isFalling() const { return direction < 0; }
 
@@ -96,20 +170,17 @@ private:
 // are right when they end with 1 - 2r < error <= 0; the half step is then due while falling
 // only. Stops where they are not right. All of count lie on the same side of the vertex and
 // have 2 dx + 1 of the same sign, so that the change grows evenly.
-template <bool kFalling>
-inline int32_t CircleFollower::advanceByGuess(RadialColour& colour, Fixed low, Fixed high,
-                                              Channels* out, int32_t count)
+template <bool kFalling, class Colour>
+inline int32_t CircleFollower::advanceByGuess(Colour& colour, Fixed low, Fixed high,
+                                              typename Colour::Mark* out, int32_t count)
 {
     constexpr Fixed kUnit = kFalling ? -kFixedOne : kFixedOne;
     const Fixed steps = guess * kUnit;
-    const Channels step = colour.step; // copies: a store of colours may alias them
-    const Channels halvedStep = colour.halfStep;
-    const Channels guessedStep = step * static_cast<uint32_t>(guess);
     const Fixed changeStep = wrapAdd(a, a);
     int32_t cost = guess * (r + r + steps); // of the guessed steps
     // Errors up to the greatest to the side where they are expected, and some to the other.
     const uint32_t slack = kFalling ? 0 : static_cast<uint32_t>(2 * kMostR);
-    Channels value = colour.value;
+    typename Colour::Steps taken(colour, static_cast<uint32_t>(guess)); // a store may alias colour
     Fixed newR = r;
     Fixed newError = error;
     Fixed newChange = change;
@@ -128,20 +199,20 @@ inline int32_t CircleFollower::advanceByGuess(RadialColour& colour, Fixed low, F
         guessedR += more & kUnit;
         cost += more & (2 * guess * kUnit);
         if (static_cast<uint32_t>(-rest) >= static_cast<uint32_t>(2 * guessedR - kFixedOne)) break;
-        out[i++] = value;
-        value += guessedStep + (step & static_cast<uint32_t>(more));
+        out[i++] = taken.mark();
+        taken.advance(static_cast<uint32_t>(more));
         if (kFalling) { // half a step up to 1/4 - r
             const int32_t half = allOnesIfNegative(rest + guessedR - kQuarter - 1);
             rest += half & (guessedR - kQuarter);
             guessedR -= half & kFixedHalf;
             cost -= half & (guess * kFixedOne);
-            value += halvedStep & static_cast<uint32_t>(half);
+            taken.advanceHalf(static_cast<uint32_t>(half));
         }
         newR = guessedR;
         newError = rest;
         newChange = wrapAdd(newChange, changeStep);
     }
-    colour.value = value;
+    colour.set(taken);
     r = newR;
     error = newError;
     change = newChange;
@@ -149,8 +220,9 @@ inline int32_t CircleFollower::advanceByGuess(RadialColour& colour, Fixed low, F
     return i;
 }
 
-inline int32_t CircleFollower::advanceUsual(RadialColour& colour, Fixed low, Fixed high,
-                                            Channels* out, int32_t count)
+template <class Colour>
+inline int32_t CircleFollower::advanceUsual(Colour& colour, Fixed low, Fixed high,
+                                            typename Colour::Mark* out, int32_t count)
 {
     // Where the numbers are so small or large that steps stop early or wrap, nothing is usual.
     if (dx < -kFarthest || dx > kFarthest) return 0;

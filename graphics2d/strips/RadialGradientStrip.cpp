@@ -38,21 +38,54 @@ public:
         pixels_ += count;
     }
 
+    // The same by the steps from a colour on.
+    void ramp(const RadialColour& from, const uint32_t* steps, int32_t count)
+    {
+        PaintPiece piece;
+        Pixel* const pixels = translucent_ ? piece.colours : pixels_;
+        const RadialColour first = from; // a copy: a store of pixels may alias it
+        for (int32_t i = 0; i < count; ++i) {
+            const auto channel = [&](int k) {
+                return channelAfter(first, steps[i], k) + kChannelHalf;
+            };
+            pixels[i] = kOpaque | (channel(kRed) & 0x00FF0000) | (channel(kGreen) >> 8 & 0xFF00) |
+                        (channel(kBlue) >> 16 & 0xFF);
+        }
+        if (!translucent_)
+            pixels_ += count;
+        else
+            blend(
+                piece, [&](int32_t i) { return channelAfter(first, steps[i], kAlpha); }, count);
+    }
+
 private:
+    static uint32_t channelAfter(const RadialColour& colour, uint32_t steps, int k)
+    {
+        return colour.value[k] + colour.step[k] * CountedSteps::unitsOf(steps) +
+               colour.halfStep[k] * CountedSteps::halvesOf(steps);
+    }
+
     // Unlike the linear ramp, which extrapolates, each pixel has the weight of its own alpha.
     void translucentRamp(const Channels* colours, int32_t count)
     {
         PaintPiece piece;
         packOpaque(colours, piece.colours, count);
+        blend(
+            piece, [=](int32_t i) { return colours[i][kAlpha]; }, count);
+    }
+
+    template <class AlphaAt>
+    void blend(PaintPiece& piece, AlphaAt alphaAt, int32_t count)
+    {
         const Coverage opacity = run_.coverage.current();
         if (run_.coverage.isFlatAndWhole()) {
             for (int32_t i = 0; i < count; ++i)
-                piece.weights[i] = wholeWeight(opacity, static_cast<int32_t>(colours[i][kAlpha]));
+                piece.weights[i] = wholeWeight(opacity, static_cast<int32_t>(alphaAt(i)));
             run_.coverage.advance(count);
         } else {
             for (int32_t i = 0; i < count; ++i) {
-                piece.weights[i] = gradientWeight(run_.coverage.current(),
-                                                  static_cast<int32_t>(colours[i][kAlpha]));
+                piece.weights[i] =
+                    gradientWeight(run_.coverage.current(), static_cast<int32_t>(alphaAt(i)));
                 run_.coverage.advance(1);
             }
         }
@@ -213,20 +246,42 @@ private:
         at_.start();
         bool crossed = false;
         const auto goesOn = [&] { return low <= at_.r && at_.r < high && !crossed; };
-        while (count > 0 && goesOn()) {
-            Channels colours[kPieceLength];
-            const int32_t room = count < kPieceLength ? count : kPieceLength;
+        // Follows r for up to so many pixels; returns how many.
+        const auto follow = [&](auto& walked, auto* marks, int32_t room) {
             int32_t length = 0;
             while (length < room && goesOn()) {
                 const int32_t usual =
-                    at_.advanceUsual(colour, low, high, colours + length, room - length);
+                    at_.advanceUsual(walked, low, high, marks + length, room - length);
                 length += usual;
                 if (usual > 0) continue;
-                colours[length++] = colour.value;
-                crossed = at_.advance(colour);
+                marks[length++] = walked.mark();
+                crossed = at_.advance(walked);
             }
+            return length;
+        };
+        while (count > 0 && goesOn()) {
+            const int32_t room = count < kPieceLength ? count : kPieceLength;
+            count -= drawPiece(target, colour, follow, room);
+        }
+    }
+
+    template <class Follow>
+    static int32_t drawPiece(RadialTarget& target, RadialColour& colour, Follow follow,
+                             int32_t room)
+    {
+        if constexpr (kLanes == 1) {
+            CountedSteps counted;
+            uint32_t steps[kPieceLength];
+            const int32_t length = follow(counted, steps, room);
+            target.ramp(colour, steps, length);
+            colour.add(CountedSteps::unitsOf(counted.counts),
+                       CountedSteps::halvesOf(counted.counts));
+            return length;
+        } else {
+            Channels colours[kPieceLength];
+            const int32_t length = follow(colour, colours, room);
             target.ramp(colours, length);
-            count -= length;
+            return length;
         }
     }
 

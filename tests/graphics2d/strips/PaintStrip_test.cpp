@@ -329,25 +329,33 @@ TEST(CircleFollower, QuickStepsMatchPlainOnes)
         const CircleFollower first = plain;
         CircleFollower quick = plain;
         RadialColour quickColour = plainColour;
+        CircleFollower counting = plain;
+        CountedSteps counted;
         bool crossed = false;
         for (int i = 0; i < 200 && !crossed;) {
             Channels colours[16];
             const int steps = quick.advanceUsual(quickColour, low, high, colours, 16);
+            uint32_t counts[16];
+            ASSERT_EQ(counting.advanceUsual(counted, low, high, counts, 16), steps);
             for (int k = 0; k < steps; ++k, ++i) {
                 const Channels plainValue = plainColour.value;
                 ASSERT_EQ(std::memcmp(&colours[k], &plainValue, sizeof plainValue), 0);
+                ASSERT_EQ(plainColour.step[0] * CountedSteps::unitsOf(counts[k]) +
+                              plainColour.halfStep[0] * CountedSteps::halvesOf(counts[k]),
+                          plainValue[0]);
                 ASSERT_FALSE(plain.advance(plainColour));
             }
             if (steps == 0) {
                 crossed = quick.advance(quickColour);
                 ASSERT_EQ(plain.advance(plainColour), crossed);
+                ASSERT_EQ(counting.advance(counted), crossed);
                 ++i;
             }
             ASSERT_TRUE(plain.r == quick.r && plain.error == quick.error && plain.dx == quick.dx)
                 << "from dx " << first.dx << " vertex " << first.vertex << " a " << first.a << " r "
                 << first.r << " after " << i;
             // The plain stepping learns how many steps are usual.
-            quick.guess = plain.guess;
+            quick.guess = counting.guess = plain.guess;
         }
     }
 }
