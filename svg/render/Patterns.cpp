@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Patterns: the tiles are drawn into a picture of their own, which then paints like an image that
-// lies pixel on pixel. Tiles whose edges lie between pixels are one tile, sampled: drawn beside
-// each other their edges would show.
+// lies pixel on pixel. Tiles that lie on pixels are one tile, copied. Tiles whose edges lie between
+// pixels are one tile, sampled: drawn beside each other their edges would show.
 #include "graphics2d/PaintSetup.h"
 #include "svg/document/References.h"
 #include "svg/geometry/ViewBox.h"
@@ -126,13 +126,34 @@ void Renderer::drawTiles(const Tiling& tiling, const TileRange& range, State sta
     }
 }
 
+// Tiles that lie on pixels are all the same. False when one is larger than the whole picture, or
+// has no pixel.
+bool Renderer::copyTiles(const Tiling& tiling, State state, const PixelArea& area, Picture& tiles)
+{
+    const Box box = tiling.toDevice.mapBox(tiling.tile);
+    const double width = std::round(box.width());
+    const double height = std::round(box.height());
+    const double most = static_cast<double>(tiles.pixels.size());
+    if (!(width >= 1 && height >= 1 && width * height <= most)) return false;
+
+    const double left = std::round(box.left);
+    const double top = std::round(box.top);
+    Picture tile(static_cast<int>(width), static_cast<int>(height), 0);
+    const Affine place =
+        translation(-left, -top) * tiling.toDevice * translation(tiling.tile.left, tiling.tile.top);
+    TileDrawing(*this, tile).draw(tiling, place, state, {0, 0, tile.width, tile.height});
+    copyTile(tile, static_cast<int>(std::fmod(left, width)),
+             static_cast<int>(std::fmod(top, height)), area, tiles);
+    return true;
+}
+
 // False when a tile would be larger than the whole picture is worth.
 bool Renderer::sampleTiles(const Tiling& tiling, State state, const PixelArea& area, Picture& tiles)
 {
     const Affine& m = tiling.toDevice;
     const double width = std::hypot(m.a, m.b) * tiling.tile.width() * kTileSamples;
     const double height = std::hypot(m.c, m.d) * tiling.tile.height() * kTileSamples;
-    const double most = 4.0 * static_cast<double>(tiles.pixels.size());
+    const double most = 8.0 * static_cast<double>(tiles.pixels.size());
     if (!(width <= kLargestSide && height <= kLargestSide && width * height <= most)) return false;
 
     Picture tile(std::max(1, static_cast<int>(std::ceil(width))),
@@ -189,8 +210,11 @@ bool Renderer::setTiles(MMPaint& paint, Picture& tiles, pugi::xml_node pattern, 
     const PixelArea area{
         static_cast<int>(std::floor(visible.left)), static_cast<int>(std::floor(visible.top)),
         static_cast<int>(std::ceil(visible.right)), static_cast<int>(std::ceil(visible.bottom))};
-    const bool beside = affordable && (count == 1 || tiling.liesOnPixels());
-    if (beside || !sampleTiles(tiling, tileState, area, tiles)) {
+    const bool single = affordable && count == 1;
+    const bool repeated =
+        !single && ((tiling.liesOnPixels() && copyTiles(tiling, tileState, area, tiles)) ||
+                    sampleTiles(tiling, tileState, area, tiles));
+    if (!repeated) {
         if (!affordable) {
             note("pattern of too many tiles", pattern);
             return false;

@@ -184,6 +184,7 @@ private:
                   const Box& userBounds);
     void drawTiles(const Tiling& tiling, const TileRange& range, State state, const PixelArea& area,
                    Picture& tiles);
+    bool copyTiles(const Tiling& tiling, State state, const PixelArea& area, Picture& tiles);
     bool sampleTiles(const Tiling& tiling, State state, const PixelArea& area, Picture& tiles);
     Tiling readTiling(pugi::xml_node pattern, const State& state, const Box& userBounds) const;
     void setPen(const Shape& shape, const State& state, const PathSpace& space);

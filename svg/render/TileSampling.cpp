@@ -77,5 +77,18 @@ void repeatTile(const Picture& tile, const Affine& toTile, const PixelArea& area
     }
 }
 
+void copyTile(const Picture& tile, int left, int top, const PixelArea& area, Picture& picture)
+{
+    const auto remainder = [](int value, int size) { return ((value % size) + size) % size; };
+    for (int y = area.top; y < area.bottom; ++y) {
+        const int row = remainder(y - top, tile.height);
+        int column = remainder(area.left - left, tile.width);
+        for (int x = area.left; x < area.right; ++x) {
+            picture.at(x, y) = tile.at(column, row);
+            if (++column == tile.width) column = 0;
+        }
+    }
+}
+
 } // namespace Svg
 } // namespace KAVO

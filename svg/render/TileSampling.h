@@ -17,5 +17,9 @@ constexpr int kTileSamples = 4;
 // premultiplied.
 void repeatTile(const Picture& tile, const Affine& toTile, const PixelArea& area, Picture& picture);
 
+// The same for a tile whose pixels lie on those of the picture: one copy has its corner at the left
+// and top.
+void copyTile(const Picture& tile, int left, int top, const PixelArea& area, Picture& picture);
+
 } // namespace Svg
 } // namespace KAVO

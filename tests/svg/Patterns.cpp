@@ -14,6 +14,10 @@ TEST(SvgPatterns, ContentStartsAtTheCornerOfEachTile)
     const char* const contents[] = {
         "<pattern id='p' patternUnits='userSpaceOnUse' x='5' y='10' width='20' height='20'>"
         "<rect width='10' height='10' fill='blue'/></pattern>",
+        "<pattern id='p' patternUnits='userSpaceOnUse' x='405' y='-390' width='20' height='20'>"
+        "<rect width='10' height='10' fill='blue'/></pattern>",
+        "<pattern id='p' patternUnits='userSpaceOnUse' x='5' width='20' height='20'"
+        " patternTransform='scale(-1)'><rect width='10' height='10' fill='blue'/></pattern>",
         "<pattern id='p' patternUnits='userSpaceOnUse' x='5' y='10' width='20' height='20'"
         " patternContentUnits='objectBoundingBox'>"
         "<rect width='.125' height='.125' fill='blue'/></pattern>",
