@@ -131,6 +131,14 @@ Shape makePoly(const char* points, bool closed)
     return shape;
 }
 
+// Of style sheets, or else of the attribute.
+std::string_view pathData(pugi::xml_node node, const Properties& properties)
+{
+    const std::string_view value = properties[Property::D];
+    if (value == "none") return {};
+    return pathDataIn(value).value_or(node.attribute("d").value());
+}
+
 Shape makeOutline(pugi::xml_node node, const Properties& properties, const LengthContext& context)
 {
     const std::string_view name = node.name();
@@ -146,7 +154,7 @@ Shape makeOutline(pugi::xml_node node, const Properties& properties, const Lengt
         shape.outline.moveTo({lengths.attribute("x1", Axis::X), lengths.attribute("y1", Axis::Y)});
         shape.outline.lineTo({lengths.attribute("x2", Axis::X), lengths.attribute("y2", Axis::Y)});
     } else if (name == "path") {
-        shape.malformed = !parsePath(node.attribute("d").value(), shape.outline);
+        shape.malformed = !parsePath(pathData(node, properties), shape.outline);
     }
     return shape;
 }

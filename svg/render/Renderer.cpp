@@ -79,8 +79,7 @@ std::optional<Point> transformOrigin(std::string_view text, const Box& box,
         if (word == "left" || word == "top") return 0;
         if (word == "center") return size / 2;
         if (word == "right" || word == "bottom") return size;
-        const Viewport viewport{box.width(), box.height(), lengths.viewport.windowWidth,
-                                lengths.viewport.windowHeight};
+        const Viewport viewport = lengths.viewport.sized(box.width(), box.height());
         return findLength(word, {viewport, lengths.fontSize}, axis);
     };
     const std::optional<double> dx = place(words[0], box.width(), Axis::X);

@@ -18,8 +18,7 @@ double startOffset(std::string_view text, const LengthContext& lengths, double l
 {
     text = trimmed(text);
     const bool isShare = !text.empty() && text.back() == '%';
-    const Viewport along{length, length, lengths.viewport.windowWidth,
-                         lengths.viewport.windowHeight};
+    const Viewport along = lengths.viewport.sized(length, length);
     const double offset = parseLength(text, {along, lengths.fontSize}, Axis::X, 0);
     return isShare || authorLength <= 0 ? offset : offset * length / authorLength;
 }

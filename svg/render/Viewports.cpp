@@ -49,6 +49,7 @@ void Renderer::draw(const Affine& frame, const Size& viewport, const char* aspec
     state.viewport = {box.width(), box.height(), document_.size().width, document_.size().height};
     const Properties properties(root, document_.sheet());
     if (!enter(root, properties, state)) return;
+    state.viewport.rootFontSize = state.style.fontSize;
     if (!aspectRatio) aspectRatio = root.attribute("preserveAspectRatio").value();
     const Affine fit = fitViewBox(aspectRatio, box, viewport.width, viewport.height);
     // An image shows no more than its view box.

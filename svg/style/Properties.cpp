@@ -53,7 +53,7 @@ bool isUndrawn(std::string_view name, std::string_view value)
 {
     if (value == "none" || value == "normal" || value == "auto") return false;
     for (const std::string_view undrawn :
-         {"animation", "animation-name", "backdrop-filter", "d", "mask-composite", "mask-image",
+         {"animation", "animation-name", "backdrop-filter", "mask-composite", "mask-image",
           "mask-mode", "offset-path", "rotate", "scale", "translate", "zoom"}) {
         if (name == undrawn) return true;
     }
@@ -69,10 +69,11 @@ std::string_view inLowerCase(std::string_view text)
     return text;
 }
 
-// What only style sheets can set.
+// What only style sheets can set. The attribute for path data is written in another way.
 bool isNoAttribute(Property property)
 {
-    return property == Property::Isolation || property == Property::MixBlendMode;
+    return property == Property::D || property == Property::Isolation ||
+           property == Property::MixBlendMode;
 }
 
 } // namespace

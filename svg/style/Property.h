@@ -20,6 +20,7 @@ enum class Property : uint8_t {
     ColorInterpolationFilters,
     Cx,
     Cy,
+    D,
     Direction,
     Display,
     DominantBaseline,

@@ -79,7 +79,7 @@ void setFontSize(double& size, std::string_view text, const Viewport& viewport)
     const Keyword<double> relative[] = {{"larger", inherited * 1.2}, {"smaller", inherited / 1.2}};
     setKeyword(size, text, relative);
     // Percentages are of the inherited size.
-    const Viewport parent{inherited, inherited, viewport.windowWidth, viewport.windowHeight};
+    const Viewport parent = viewport.sized(inherited, inherited);
     const double length = parseLength(text, {parent, inherited}, Axis::X, size);
     if (length >= 0) size = length;
 }
@@ -99,8 +99,7 @@ double shiftOfBaseline(std::string_view text, const LengthContext& lengths, doub
     double shift = 0;
     const Keyword<double> keywords[] = {{"super", 0.4 * parentSize}, {"sub", -0.2 * parentSize}};
     setKeyword(shift, text, keywords);
-    const Viewport line{parentSize, parentSize, lengths.viewport.windowWidth,
-                        lengths.viewport.windowHeight};
+    const Viewport line = lengths.viewport.sized(parentSize, parentSize);
     return parseLength(text, {line, lengths.fontSize}, Axis::Y, shift);
 }
 

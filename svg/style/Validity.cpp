@@ -4,6 +4,7 @@
 #include "svg/style/PaintValue.h"
 #include "svg/values/Colour.h"
 #include "svg/values/Length.h"
+#include "svg/values/PathParser.h"
 #include "svg/values/TextScanner.h"
 
 #include <algorithm>
@@ -61,6 +62,8 @@ bool isValid(Property property, std::string_view value)
     case Property::FillRule:
     case Property::ClipRule:
         return isOneOf(value, {"nonzero", "evenodd"});
+    case Property::D:
+        return value == "none" || pathDataIn(value).has_value();
     case Property::StrokeLinecap:
         return isOneOf(value, {"butt", "round", "square"});
     case Property::StrokeLinejoin:

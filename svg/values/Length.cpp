@@ -10,7 +10,9 @@ namespace Svg {
 
 namespace {
 
-constexpr double kRootFontSize = 16;
+// Of a font that says nothing about them, as parts of its size.
+constexpr double kCapHeight = 0.7;
+constexpr double kLineHeight = 1.2;
 
 double extent(const Viewport& viewport, Axis axis)
 {
@@ -25,6 +27,7 @@ std::optional<double> unitSize(std::string_view unit, const LengthContext& conte
 {
     const Viewport& v = context.viewport;
     // 96 user units to the inch; half an em stands for the height of an x and the width of a 0.
+    // Text runs along x, and a window has no bars that come and go.
     const struct {
         std::string_view name;
         double size;
@@ -34,7 +37,11 @@ std::optional<double> unitSize(std::string_view unit, const LengthContext& conte
                  {"em", context.fontSize},
                  {"ex", context.fontSize / 2},
                  {"ch", context.fontSize / 2},
-                 {"rem", kRootFontSize},
+                 {"cap", context.fontSize * kCapHeight},
+                 {"ic", context.fontSize},
+                 {"lh", context.fontSize * kLineHeight},
+                 {"rem", v.rootFontSize},
+                 {"rlh", v.rootFontSize * kLineHeight},
                  {"pt", 96 / 72.0},
                  {"pc", 16},
                  {"mm", 96 / 25.4},
@@ -43,6 +50,8 @@ std::optional<double> unitSize(std::string_view unit, const LengthContext& conte
                  {"in", 96},
                  {"vw", v.windowWidth / 100},
                  {"vh", v.windowHeight / 100},
+                 {"vi", v.windowWidth / 100},
+                 {"vb", v.windowHeight / 100},
                  {"vmin", std::min(v.windowWidth, v.windowHeight) / 100},
                  {"vmax", std::max(v.windowWidth, v.windowHeight) / 100}};
     for (const auto& known : units) {

@@ -10,12 +10,18 @@
 namespace KAVO {
 namespace Svg {
 
-// What percentages and the units of the window refer to, in user units.
+// What percentages and the units of the window and of the root refer to, in user units.
 struct Viewport {
     double width = 0;
     double height = 0;
     double windowWidth = 0; // of the whole drawing
     double windowHeight = 0;
+    double rootFontSize = 16;
+    // The same window with another size to refer to.
+    Viewport sized(double w, double h) const
+    {
+        return {w, h, windowWidth, windowHeight, rootFontSize};
+    }
     double diagonal() const { return std::hypot(width, height) / std::sqrt(2.0); }
 };
 

@@ -166,5 +166,16 @@ bool parsePath(std::string_view text, Outline& outline)
     return PathParser(text, outline).parse();
 }
 
+std::optional<std::string_view> pathDataIn(std::string_view value)
+{
+    constexpr std::string_view kPath = "path(";
+    if (!equalsIgnoringCase(value.substr(0, kPath.size()), kPath)) return std::nullopt;
+    const size_t start = value.find_first_of("\"'");
+    if (start == value.npos) return std::nullopt;
+    const size_t end = value.find(value[start], start + 1);
+    if (end == value.npos) return std::nullopt;
+    return value.substr(start + 1, end - start - 1);
+}
+
 } // namespace Svg
 } // namespace KAVO

@@ -305,6 +305,25 @@ TEST(SvgEquivalents, LinesFromFarAwayKeepTheirPlace)
                          "<circle r='20'/>"}});
 }
 
+TEST(SvgEquivalents, StyleSheetsSetPathData)
+{
+    const std::string plain = "<path d='M9 9H30V30z'/>";
+    expectSameElements(
+        {{"<path style='d: path(\"M9 9H30V30z\")'/>", plain},
+         {"<style>path { d: PATH('M9 9H30V30z') }</style><path d='M0 0h5v5'/>", plain},
+         {"<path d='M0 0h5v5' style='d: none'/>", ""},
+         {"<path style='d: path(\"M9 9H30V30z\"); d: path(M0 0h5v5)'/>", plain},
+         {"<path d='M9 9H30V30z' style='d: M0 0h5v5'/>", plain}});
+}
+
+TEST(SvgEquivalents, RootsGiveTheirFontSize)
+{
+    for (const char* root : {"font-size='5'", "style='font-size:5px'"})
+        expectSame({"<svg width='40' height='40' " + std::string(root) +
+                        "><g font-size='7'><rect width='4rem' height='2em'/></g></svg>",
+                    "<svg width='40' height='40'><rect width='20' height='14'/></svg>"});
+}
+
 TEST(SvgEquivalents, PathLengthsMeasureDashes)
 {
     const std::string dashed = "<path fill='none' stroke='red' stroke-width='4' d='M0 20H40' ";
