@@ -57,28 +57,34 @@ inline void blendRow(Pixel* pixels, const Pixel* others, const uint8_t* levels, 
 // enough.
 constexpr int32_t kBlock = 32;
 
-// How many levels there are in the first blocks that are all alike.
-int32_t alikeLevels(const uint8_t* levels, int32_t count)
+// Whether the levels of a block are alike.
+bool areAlike(const uint8_t* levels)
 {
-    const uint64_t pattern = *levels * 0x0101010101010101u;
-    int32_t i = 0;
-    for (; i + kBlock <= count; i += kBlock) {
-        uint64_t words[4];
-        std::memcpy(words, levels + i, sizeof words);
-        if (((words[0] ^ pattern) | (words[1] ^ pattern) | (words[2] ^ pattern) |
-             (words[3] ^ pattern)) != 0)
-            break;
+    const PixelVector pattern = all<PixelVector>(*levels * 0x01010101u);
+    PixelVector others = {};
+    for (int32_t i = 0; i < kBlock; i += static_cast<int32_t>(sizeof others)) {
+        PixelVector some;
+        std::memcpy(&some, levels + i, sizeof some);
+        others |= some ^ pattern;
     }
-    return i;
+    return isZero(others);
 }
 
-// Blends a colour over whole blocks of one level.
-void tintAlike(Pixel* pixels, Tint tint, uint8_t level, int32_t count)
+// Blends a colour over whole blocks of one level, of which there is at least one, as far as they
+// go; returns how many pixels these are.
+int32_t tintAlike(Pixel* pixels, Tint tint, const uint8_t* levels, int32_t count)
 {
-    const uint32_t weight = refinedWeight(uint32_t{level} << 8, tint.opacity);
-    const auto blend = RefinedBlend::flat(tint.source, weight);
-    for (int32_t i = 0; i < count; i += kLanes)
-        store(pixels + i, blend(load<PixelVector>(pixels + i)));
+    const uint8_t level = *levels;
+    const auto blend = RefinedBlend::flat(tint.source, refinedWeight(level << 8u, tint.opacity));
+    int32_t i = 0;
+    do {
+        for (const int32_t end = i + kBlock; i < end; i += 2 * kLanes) {
+            const PixelVector second = load<PixelVector>(pixels + i + kLanes);
+            store(pixels + i, blend(load<PixelVector>(pixels + i)));
+            store(pixels + i + kLanes, blend(second));
+        }
+    } while (i + kBlock <= count && levels[i] == level && areAlike(levels + i));
+    return i;
 }
 
 } // namespace
@@ -90,9 +96,8 @@ void tintByLevels(Pixel* pixels, Tint tint, const uint8_t* levels, int32_t count
         return RefinedBlend::blend(from, source, weighedAlphas(level << 8, tint.opacity));
     };
     for (int32_t length; count > 0; pixels += length, levels += length, count -= length) {
-        length = alikeLevels(levels, count);
-        if (length > 0) {
-            tintAlike(pixels, tint, *levels, length);
+        if (count >= kBlock && areAlike(levels)) {
+            length = tintAlike(pixels, tint, levels, count);
         } else {
             length = std::min(count, kBlock);
             blendRow(pixels, pixels, levels, length, blended);

@@ -13,18 +13,19 @@ int32_t endOfLevel(const uint8_t* levels, int32_t from, int32_t end, uint8_t lev
 {
     constexpr int32_t kWord = 8; // levels
     constexpr int32_t kVector = sizeof(PixelVector);
-    constexpr int32_t kBlock = 4 * kVector;
     const uint64_t pattern = level * 0x0101010101010101u;
     const PixelVector patterns = all<PixelVector>(static_cast<uint32_t>(pattern));
-    for (; end - from >= kBlock; from += kBlock) {
-        PixelVector others = {};
-        for (int32_t i = 0; i < kBlock; i += kVector) {
-            PixelVector some;
-            std::memcpy(&some, levels + from + i, sizeof some);
-            others |= some ^ patterns;
-        }
-        if (!isZero(others)) break;
-    }
+    const auto othersIn = [=](int32_t column) {
+        PixelVector some;
+        std::memcpy(&some, levels + column, sizeof some);
+        return some ^ patterns;
+    };
+    for (; end - from >= 4 * kVector; from += 4 * kVector)
+        if (!isZero(othersIn(from) | othersIn(from + kVector) | othersIn(from + 2 * kVector) |
+                    othersIn(from + 3 * kVector)))
+            break;
+    while (end - from >= kVector && isZero(othersIn(from)))
+        from += kVector;
     for (; end - from >= kWord; from += kWord) {
         uint64_t word;
         std::memcpy(&word, levels + from, sizeof word);

@@ -85,6 +85,10 @@ inline bool isZero(Lanes lanes)
 {
     if constexpr (sizeof(Lanes) < sizeof(uint64_t)) {
         return lanes == 0;
+#if defined(__AVX2__)
+    } else if constexpr (sizeof(Lanes) == sizeof(U32x8)) {
+        return _mm256_testz_si256((__m256i)lanes, (__m256i)lanes) != 0;
+#endif
     } else {
         uint64_t words[sizeof lanes / sizeof(uint64_t)];
         std::memcpy(words, &lanes, sizeof lanes);

@@ -21,7 +21,7 @@ void GlyphCompositor::drawRedirected(Box box)
     if (context_.maskTarget != nullptr) return drawIntoMask(box);
     if (context_.clipMask != nullptr) return drawThroughMask(box);
     box.pixels = targetRow(context_.target, box.y, rowBytes()) + box.x;
-    drawOver(box, context_.target.width - drawn.right);
+    drawOver(box, context_.layer->right - drawn.right);
 }
 
 void GlyphCompositor::drawIntoMask(const Box& box)

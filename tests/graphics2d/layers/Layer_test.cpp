@@ -142,6 +142,33 @@ TEST(Layer, CoversItsRectangleInsideTheClip)
 }
 
 // Whatever is done to them inside.
+// Glyphs are blended four pixels at a time, which must not reach beyond the caller's buffer.
+TEST(Layer, OfOnePixelHasItsPartOfAGlyph)
+{
+    constexpr int kRow = 55;
+    const auto drawText = [](Canvas& c) {
+        c.context.refined = 1;
+        c.solid(kRed);
+        c.text(u"gag", 6, 60, 30);
+    };
+    Canvas direct, layered;
+    drawText(direct);
+    for (int column = 0; column < kSide; ++column) {
+        std::vector<Pixel> buffer(MMLayer::pixelsNeeded(column, kRow, column + 1, kRow + 1));
+        MMLayerOptions options;
+        options.buffer = buffer.data();
+        options.bufferPixels = static_cast<uint32_t>(buffer.size());
+        const MMLayer layer(layered.context, column, kRow, column + 1, kRow + 1, options);
+        drawText(layered);
+    }
+    const auto rowOf = [](const Canvas& c) {
+        const auto first = c.pixels.begin() + kRow * kSide;
+        return std::vector<Pixel>(first, first + kSide);
+    };
+    expectClose(rowOf(layered), rowOf(direct), "text");
+    EXPECT_NE(rowOf(direct), rowOf(Canvas()));
+}
+
 TEST(Layer, BringsTheContextBack)
 {
     const LevelledMask clip(3);
