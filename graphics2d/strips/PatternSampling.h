@@ -64,13 +64,14 @@ public:
     // tap offsets. Backward walks keep one texel more of distance.
     int32_t pixelsInside(int32_t first, int32_t last, int32_t atMost) const
     {
+        const Fixed at = position();
+        if (at != distance_) return 0;
         const int32_t reserve = step_ < 0 ? 1 : 0;
         const int32_t end = size_ - last - reserve;
-        const int64_t low = (first + reserve) << 16;
-        const int64_t high = end < 0x8000 ? int64_t{end} * kFixedOne - 1 : INT32_MAX;
-        if (distance_ < low || distance_ > high) return 0;
-        return stepsWithin(position(), step_, static_cast<Fixed>(low), static_cast<Fixed>(high),
-                           atMost);
+        const Fixed low = fixFromInt(first + reserve);
+        const Fixed high = end < 0x8000 ? end * kFixedOne - 1 : INT32_MAX;
+        if (at < low || at > high) return 0;
+        return stepsWithin(at, step_, low, high, atMost);
     }
 
 private:
