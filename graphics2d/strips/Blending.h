@@ -57,7 +57,7 @@ inline Pixels blendByPairs(Pixels destination, Pixels source, Pixels pairs, Move
 template <class Pixels, class Move>
 inline Pixels blendLanes(Pixels destination, Pixels source, Pixels weights, Move move)
 {
-    return blendByPairs(destination, source, weights | (weights << 16), move);
+    return blendByPairs(destination, source, inBothHalves(weights), move);
 }
 
 // What a weight of 256 would move channels by: the difference, one higher above 128.
@@ -259,8 +259,12 @@ inline Lanes refinedWeights(Lanes coverage, Lanes alpha)
 template <class Pixels>
 inline Pixels weighedAlphas(Pixels alphas, uint32_t coverage)
 {
+#if defined(__ARM_NEON) // multiplies whole words as well
+    return ((alphas * coverage >> 16) + 127) * 258 >> 16;
+#else
     using Lanes = decltype(widenLow(alphas)); // the upper halves are 0 and stay so
     return (Pixels)refinedWeights((Lanes)alphas, Lanes{} + static_cast<uint16_t>(coverage));
+#endif
 }
 
 inline uint32_t weighedAlphas(uint32_t alpha, uint32_t coverage)

@@ -16,6 +16,8 @@
 #include <immintrin.h>
 #elif defined(__SSE2__)
 #include <emmintrin.h>
+#elif defined(__ARM_NEON)
+#include <arm_neon.h>
 #endif
 
 namespace KAVO {
@@ -156,14 +158,32 @@ inline U16x8 all8(uint32_t v)
 // The bytes of the two lower or two upper pixels as 16-bit lanes.
 inline U16x8 widenLow(U32x4 pixels)
 {
+#if defined(__ARM_NEON)
+    return (U16x8)vmovl_u8(vget_low_u8((uint8x16_t)pixels));
+#else
     return (U16x8)__builtin_shufflevector((U8x16)pixels, U8x16{}, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20,
                                           5, 21, 6, 22, 7, 23);
+#endif
 }
 
 inline U16x8 widenHigh(U32x4 pixels)
 {
+#if defined(__ARM_NEON)
+    return (U16x8)vmovl_u8(vget_high_u8((uint8x16_t)pixels));
+#else
     return (U16x8)__builtin_shufflevector((U8x16)pixels, U8x16{}, 8, 24, 9, 25, 10, 26, 11, 27, 12,
                                           28, 13, 29, 14, 30, 15, 31);
+#endif
+}
+
+// The lower half of each lane in its upper half as well.
+inline U32x4 inBothHalves(U32x4 lanes)
+{
+#if defined(__ARM_NEON)
+    return (U32x4)vsliq_n_u32((uint32x4_t)lanes, (uint32x4_t)lanes, 16);
+#else
+    return lanes | lanes << 16;
+#endif
 }
 
 // Each of the two lower or two upper lanes twice.
@@ -207,11 +227,31 @@ inline U32x4 zipHigh(U16x8 a, U16x8 b)
     return (U32x4)__builtin_shufflevector(a, b, 4, 12, 5, 13, 6, 14, 7, 15);
 }
 
+#if defined(__ARM_NEON)
+// The products of the lower or upper four lanes.
+inline uint32x4_t productsLow(U16x8 a, U16x8 b)
+{
+    return vmull_u16(vget_low_u16((uint16x8_t)a), vget_low_u16((uint16x8_t)b));
+}
+
+inline uint32x4_t productsHigh(U16x8 a, U16x8 b)
+{
+#if defined(__aarch64__)
+    return vmull_high_u16((uint16x8_t)a, (uint16x8_t)b);
+#else
+    return vmull_u16(vget_high_u16((uint16x8_t)a), vget_high_u16((uint16x8_t)b));
+#endif
+}
+#endif
+
 // The upper halves of the products.
 inline U16x8 mulHigh(U16x8 a, U16x8 b)
 {
 #if defined(__SSE2__)
     return (U16x8)_mm_mulhi_epu16((__m128i)a, (__m128i)b);
+#elif defined(__ARM_NEON)
+    return __builtin_shufflevector((U16x8)productsLow(a, b), (U16x8)productsHigh(a, b), 1, 3, 5, 7,
+                                   9, 11, 13, 15);
 #else
     // In whole words rather than a loop over the lanes: where there are no vector registers, GCC 12
     // packs such a loop into words and gets the upper halves wrong.
@@ -221,11 +261,52 @@ inline U16x8 mulHigh(U16x8 a, U16x8 b)
 #endif
 }
 
+// A number that all lanes are multiplied with, in as few registers as that takes.
+#if defined(__ARM_NEON)
+typedef uint16_t Factor __attribute__((vector_size(8)));
+
+inline U16x8 mulHigh(U16x8 a, Factor b)
+{
+    const auto v = (uint16x8_t)a;
+    const uint32x4_t low = vmull_lane_u16(vget_low_u16(v), (uint16x4_t)b, 0);
+#if defined(__aarch64__)
+    const uint32x4_t high = vmull_high_lane_u16(v, (uint16x4_t)b, 0);
+#else
+    const uint32x4_t high = vmull_lane_u16(vget_high_u16(v), (uint16x4_t)b, 0);
+#endif
+    return __builtin_shufflevector((U16x8)low, (U16x8)high, 1, 3, 5, 7, 9, 11, 13, 15);
+}
+#else
+using Factor = U16x8;
+#endif
+
+inline Factor factorOf(uint32_t v)
+{
+    return Factor{} + static_cast<uint16_t>(v);
+}
+
+// Of each two 16-bit numbers their upper bytes, rounded: the first number's below the other's.
+inline U16x8 roundedBytes(U16x8 low, U16x8 high)
+{
+#if defined(__ARM_NEON)
+    return (U16x8)vsliq_n_u16(vrshrq_n_u16((uint16x8_t)low, 8), vrshrq_n_u16((uint16x8_t)high, 8),
+                              8);
+#else
+    return (low + 128) >> 8 | ((high + 128) & 0xFF00);
+#endif
+}
+
 // a[0] * b[0] + a[1] * b[1] and so on; all below 2^15.
 inline U32x4 multiplyAddPairs(U16x8 a, U16x8 b)
 {
 #if defined(__SSE2__)
     return (U32x4)_mm_madd_epi16((__m128i)a, (__m128i)b);
+#elif defined(__aarch64__)
+    return (U32x4)vpaddq_u32(productsLow(a, b), productsHigh(a, b));
+#elif defined(__ARM_NEON)
+    const uint32x4_t low = productsLow(a, b), high = productsHigh(a, b);
+    return (U32x4)vcombine_u32(vpadd_u32(vget_low_u32(low), vget_high_u32(low)),
+                               vpadd_u32(vget_low_u32(high), vget_high_u32(high)));
 #else
     const U32x4 even = ((U32x4)a & 0xFFFF) * ((U32x4)b & 0xFFFF);
     return even + ((U32x4)a >> 16) * ((U32x4)b >> 16);
@@ -272,6 +353,11 @@ inline uint32_t lesserBytes(uint32_t a, uint32_t b)
 }
 
 #if defined(__AVX2__)
+inline U32x8 inBothHalves(U32x8 lanes)
+{
+    return lanes | lanes << 16;
+}
+
 // The same for eight pixels. Low and high are the halves of each half of a register: here pixels 0,
 // 1, 4 and 5 are the lower ones.
 inline U16x16 widenLow(U32x8 pixels)
@@ -324,11 +410,10 @@ inline U32x4 packChannels(U32x4 a, U32x4 b, U32x4 c, U32x4 d)
     const __m128i high = _mm_packs_epi32((__m128i)(c << 8 >> 24), (__m128i)(d << 8 >> 24));
     const U32x4 pixels = (U32x4)_mm_packus_epi16(low, high);
 #else
-    const U8x16 low = __builtin_shufflevector((U8x16)a, (U8x16)b, 2, 6, 10, 14, 18, 22, 26, 30, 2,
-                                              6, 10, 14, 18, 22, 26, 30);
-    const U8x16 high = __builtin_shufflevector((U8x16)c, (U8x16)d, 2, 6, 10, 14, 18, 22, 26, 30, 2,
-                                               6, 10, 14, 18, 22, 26, 30);
-    const U32x4 pixels = (U32x4)__builtin_shufflevector((U32x4)low, (U32x4)high, 0, 1, 4, 5);
+    const U16x8 low = __builtin_shufflevector((U16x8)a, (U16x8)b, 1, 3, 5, 7, 9, 11, 13, 15);
+    const U16x8 high = __builtin_shufflevector((U16x8)c, (U16x8)d, 1, 3, 5, 7, 9, 11, 13, 15);
+    const U32x4 pixels = (U32x4)__builtin_shufflevector((U8x16)low, (U8x16)high, 0, 2, 4, 6, 8, 10,
+                                                        12, 14, 16, 18, 20, 22, 24, 26, 28, 30);
 #endif
     return pixels | 0xFF000000u;
 }
