@@ -5,6 +5,7 @@
 #include "svg/render/ClipGuard.h"
 #include "svg/render/Renderer.h"
 #include "svg/values/BlendModes.h"
+#include "svg/values/TextScanner.h"
 #include "svg/values/TransformParser.h"
 
 #include <algorithm>
@@ -386,8 +387,11 @@ bool Renderer::coverByMask(pugi::xml_node mask, const State& state, const Box& b
     // Outside of its rectangle a mask is black.
     const bool clippingBefore = std::exchange(clipping_, false);
     ++layers_;
-    const bool byAlpha = properties[Property::MaskType] == "alpha";
-    coverage.cutBy(context_, byAlpha ? kMaskFromAlpha : kMaskFromLuminance,
+    const MMMaskSource source = equalsIgnoringCase(properties[Property::MaskType], "alpha")
+                                    ? kMaskFromAlpha
+                                : inner.style.linearMasks ? kMaskFromLinearLuminance
+                                                          : kMaskFromLuminance;
+    coverage.cutBy(context_, source,
                    [&] { drawInside(region, state.toDevice, [&] { drawChildren(mask, inner); }); });
     --layers_;
     clipping_ = clippingBefore;

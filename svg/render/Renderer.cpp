@@ -251,7 +251,9 @@ void Renderer::noteUndrawn(pugi::xml_node node, const Properties& properties)
         const std::string_view value = properties[undrawn.property];
         static constexpr std::string_view kPlain[] = {
             "", "none", "normal", "auto", "sRGB", "lr-tb", "lr", "horizontal-tb", "ltr", "inherit"};
-        if (!contains(kPlain, value)) note(undrawn.name, node);
+        const bool isKnown = undrawn.property == Property::ColorInterpolation &&
+                             node.name() == std::string_view("mask");
+        if (!contains(kPlain, value) && !isKnown) note(undrawn.name, node);
     }
     for (const std::string_view name : properties.undrawn())
         note(std::string(name), node);

@@ -199,6 +199,8 @@ Style Style::child(const Properties& p, const Viewport& viewport) const
                                                         {"smooth", ImageFilter::Bilinear},
                                                         {"high-quality", ImageFilter::Bilinear}};
 
+    static constexpr Keyword<bool> kMaskSpaces[] = {
+        {"auto", false}, {"linearRGB", true}, {"sRGB", false}};
     static constexpr Keyword<bool> kFilterSpaces[] = {
         {"auto", true}, {"linearRGB", true}, {"sRGB", false}};
 
@@ -246,6 +248,7 @@ Style Style::child(const Properties& p, const Viewport& viewport) const
     setKeyword(s.dominantBaseline, p[Property::DominantBaseline], kBaselines);
     setDecoration(s, p[Property::TextDecoration]);
     setKeyword(s.imageFilter, p[Property::ImageRendering], kFilters);
+    setKeyword(s.linearMasks, p[Property::ColorInterpolation], kMaskSpaces);
     setKeyword(s.linearFilters, p[Property::ColorInterpolationFilters], kFilterSpaces);
 
     s.baseline = s.dominantBaseline;

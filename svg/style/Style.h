@@ -58,6 +58,7 @@ struct Style {
     // Not inherited.
     double opacity = 1; // of the element and of all around it, multiplied
     double ownOpacity = 1;
+    bool linearMasks = false; // color-interpolation: masks weigh linear light
     bool displayed = true;
     double baseline = 0;      // the dominant one, or the one to align: part of the font size
     double baselineShift = 0; // upwards from the parent's, user units

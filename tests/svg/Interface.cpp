@@ -188,8 +188,6 @@ TEST(SvgInterface, EveryThingThatIsNotDrawnHasAName)
          "</linearGradient>" +
              rect + "fill='url(#g)'/>",
          "color-interpolation"},
-        {"<mask id='m' style='color-interpolation:linearRGB'/>" + rect + "mask='url(#m)'/>",
-         "color-interpolation"},
         {rect + "fill='url(a.svg#b)'/>", "paint that is not there"},
         {rect + "clip-path='shape(from 0 0)'/>", "clipPath of an unknown kind"},
         {rect + "clip-path='url(a.svg#b)'/>", "clipPath of another document"},

@@ -92,6 +92,8 @@ TEST(SvgLayers, MasksWeighByLightOrAlpha)
         {"", "<path d='M0 0h20v20H0' fill='lime'/>", 0.7154},
         {"", "<path d='M0 0h20v20H0' fill='black'/>", 0},
         {"", "", 0},
+        // The light of #808080 is 0.2159 of white.
+        {"color-interpolation='linearRGB'", "<path d='M0 0h20v20H0' fill='#808080'/>", 0.2159},
         {"mask-type='alpha'", "<path d='M0 0h20v20H0' fill='black' opacity='.4'/>", 0.4},
         {"maskContentUnits='objectBoundingBox'", "<path d='M0 0h1v1h-1z' fill='white'/>", 1},
         {"x='0' y='0' width='.2' height='1'", "<path d='M0 0h20v20H0' fill='white'/>", 0},
