@@ -80,14 +80,15 @@ std::string SvgDocument::parse(std::string text)
         document_.load_buffer(text.data(), text.size(), kParseFlags);
     if (!result) return result.description();
     setDefaults(readAttributeDefaults(text), document_);
-    lookForBlending(text);
+    lookForKeywords(text);
     const auto rootAt = static_cast<size_t>(document_.document_element().offset_debug());
     return readRoot(std::string_view(text).substr(0, rootAt));
 }
 
-void SvgDocument::lookForBlending(const std::string& text)
+void SvgDocument::lookForKeywords(const std::string& text)
 {
     blends_ = blends_ || text.find("mix-blend-mode") != text.npos;
+    namesContexts_ = namesContexts_ || text.find("context-") != text.npos;
 }
 
 std::string SvgDocument::readRoot(std::string_view prolog)
@@ -154,7 +155,7 @@ void SvgDocument::readSheets(std::string_view prolog)
     const StyleSheet::Surroundings around{[this](const std::string& reference) {
                                               std::string text;
                                               resources_.read(reference, text);
-                                              lookForBlending(text);
+                                              lookForKeywords(text);
                                               return text;
                                           },
                                           [&](const std::string& what) {

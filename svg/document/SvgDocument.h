@@ -34,6 +34,8 @@ public:
     const StyleSheet& sheet() const { return sheet_; }
     // Whether blend modes occur, so that it matters what is drawn apart from what lies below.
     bool blends() const { return blends_; }
+    // Whether context-fill or context-stroke occur, so that boxes of used elements matter.
+    bool namesContexts() const { return namesContexts_; }
 
     // The element with that id, or a null node.
     pugi::xml_node find(std::string_view id) const;
@@ -62,7 +64,7 @@ public:
 private:
     std::string readRoot(std::string_view prolog);
     void readSheets(std::string_view prolog);
-    void lookForBlending(const std::string& text);
+    void lookForKeywords(const std::string& text);
 
     LoadOptions options_;
     Resources resources_;
@@ -74,6 +76,7 @@ private:
     std::vector<Remark> remarks_;
     size_t nodeCount_ = 0;
     bool blends_ = false;
+    bool namesContexts_ = false;
     bool hasExtent_ = false;
     Size size_;
 };

@@ -50,7 +50,7 @@ private:
     // What context-fill and context-stroke stand for inside a marker or a used element.
     struct ContextPaints {
         const State& state;
-        Box bounds; // user space of that state
+        Box bounds; // user space of that state; empty: those of what is painted
     };
 
     // Draws what an element holds by the renderer that it is given, a filter's or this one.
@@ -105,7 +105,9 @@ private:
     void drawSwitch(pugi::xml_node node, const State& state);
     void drawUse(pugi::xml_node node, const Properties& properties, const State& state);
     void drawUseOfFile(pugi::xml_node node, const Properties& properties, const State& state);
-    void drawUsed(pugi::xml_node target, const Properties& properties, const State& state);
+    Box boundsForContexts(pugi::xml_node use, const Properties& properties, const State& state);
+    void drawUsed(pugi::xml_node target, const Properties& properties, const State& state,
+                  const Box& bounds);
     // How large a viewport is, and where.
     struct Frame {
         Size size;

@@ -153,7 +153,18 @@ void Renderer::drawUse(pugi::xml_node node, const Properties& properties, const 
     else if (isActive(target) || isWithin(node, target))
         note("use of an element inside itself", node);
     else
-        drawUsed(target, properties, outer);
+        drawUsed(target, properties, outer, boundsForContexts(node, properties, outer));
+}
+
+// The box that paints of a use element extend over where context-fill and context-stroke stand for
+// them; empty when nothing asks for it.
+Box Renderer::boundsForContexts(pugi::xml_node use, const Properties& properties,
+                                const State& state)
+{
+    const auto isServer = [](const PaintValue& p) { return p.kind == PaintValue::Server; };
+    const bool asked = document_.namesContexts() && !clipping_ &&
+                       (isServer(state.style.fill) || isServer(state.style.stroke));
+    return asked ? boundsOf(use, properties, state) : Box();
 }
 
 // An element of another document, or the whole of it, drawn by that document's style sheet.
@@ -181,19 +192,20 @@ void Renderer::drawUseOfFile(pugi::xml_node node, const Properties& properties, 
     Renderer renderer(*file.drawing, context_, session_, report);
     renderer.clipping_ = clipping_;
     renderer.layers_ = layers_;
-    renderer.drawUsed(target, properties, state);
+    renderer.drawUsed(target, properties, state, {});
     session_.picked = session_.picked ? current_ : picked;
     for (const Shortcoming& shortcoming : report.list())
         note(shortcoming.what + " in another document", node);
 }
 
 // The target is drawn as if it were a child of the use element, whose properties these are and
-// whose style it inherits.
-void Renderer::drawUsed(pugi::xml_node target, const Properties& properties, const State& outer)
+// whose style it inherits. bounds are those of its paints.
+void Renderer::drawUsed(pugi::xml_node target, const Properties& properties, const State& outer,
+                        const Box& bounds)
 {
     const Active active(*this, target);
     State state = outer;
-    const ContextPaints paints{outer, {}};
+    const ContextPaints paints{outer, bounds};
     state.contextPaints = &paints;
     if (!isViewport(target.name())) {
         // What clips has one element between the two at most: none that holds others.

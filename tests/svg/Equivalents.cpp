@@ -324,6 +324,24 @@ TEST(SvgEquivalents, RootsGiveTheirFontSize)
                     "<svg width='40' height='40'><rect width='20' height='14'/></svg>"});
 }
 
+TEST(SvgEquivalents, ContextPaintsExtendOverWhatIsUsed)
+{
+    const std::string paint = "<linearGradient id='s'><stop stop-color='red'/><stop offset='.5' "
+                              "stop-color='red'/><stop offset='.5' stop-color='blue'/>"
+                              "</linearGradient>";
+    const std::string parts = "<rect width='4' height='4' fill='context-fill'/>"
+                              "<rect x='4' y='4' width='4' height='4' fill='context-fill'/>";
+    const std::string plain = "<rect x='8' y='8' width='16' height='16' fill='red'/>"
+                              "<rect x='24' y='24' width='16' height='16' fill='blue'/>";
+    expectSameElements({{paint + "<defs><g id='u' transform='scale(4)'>" + parts +
+                             "</g></defs><use href='#u' x='8' y='8' fill='url(#s)'/>",
+                         plain},
+                        {paint + "<symbol id='u' viewBox='0 0 8 8'>" + parts +
+                             "</symbol><use href='#u' x='8' y='8' width='32' height='32' "
+                             "fill='url(#s)'/>",
+                         plain}});
+}
+
 TEST(SvgEquivalents, PathLengthsMeasureDashes)
 {
     const std::string dashed = "<path fill='none' stroke='red' stroke-width='4' d='M0 20H40' ";
