@@ -125,10 +125,7 @@ private:
         const Fixed high = stops_.offsets[segment_ + 1];
         const Segment segment(stops_, segment_);
         const Channels first = segment.at(t_);
-        const Fixed fractionStep = fixDiv(step_, segment.length);
-        const Channels step = mapChannels(segment.difference, [fractionStep](int32_t change) {
-            return fixMul(fractionStep, change);
-        });
+        const Channels step = segment.part(fixDiv(step_, segment.length));
         // t may wrap into the segment again, which then goes on.
         int32_t length = 0;
         while (count > 0 && low < t_ && t_ <= high)

@@ -16,9 +16,7 @@ Segment::Segment(const StopList& stops, uint32_t i)
 
 Channels Segment::at(Fixed position) const
 {
-    const Fixed fraction = fixDiv(wrapSub(position, offset), length);
-    return start +
-           mapChannels(difference, [fraction](int32_t change) { return fixMul(fraction, change); });
+    return start + part(fixDiv(wrapSub(position, offset), length));
 }
 
 } // namespace MM2D_LEVEL

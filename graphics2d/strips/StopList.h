@@ -36,6 +36,13 @@ struct Segment {
 
     Segment(const StopList& stops, uint32_t i);
 
+    // The part of the difference that a fraction stands for: as fixMul of each channel, which is a
+    // plain product because the channels' differences are whole.
+    Channels part(Fixed fraction) const
+    {
+        return (Channels)((I32x4)difference >> 16) * static_cast<uint32_t>(fraction);
+    }
+
     // The colour at a position of the gradient.
     Channels at(Fixed position) const;
 };

@@ -316,7 +316,8 @@ void GlyphCompositor::drawThroughBuffer(const Box& box, const Meeting& meeting)
     context_.spanRow = box.y;
     const Pixel* colours = buffer.data();
     for (int32_t y = 0; y < box.height; ++y, ++context_.spanRow) {
-        fillPixels(buffer.data(), static_cast<int32_t>(words), 0);
+        // Translucent fillers blend over what is there.
+        if (y == 0 || paint.flatCoverage) fillPixels(buffer.data(), static_cast<int32_t>(words), 0);
         if (isSource)
             readSource(*record_, context_.spanRow, box.x, box.width, buffer.data());
         else
