@@ -6,31 +6,34 @@
 namespace KAVO {
 namespace Graphics2D {
 
+void prepareColumns(const MMLayerSurface& layer, int32_t row, int32_t first, int32_t end,
+                    bool isOverwritten)
+{
+    MMLayerSurface::Columns& columns = layer.prepared[row - layer.top];
+    const auto clear = [&](int32_t from, int32_t to) {
+        if (from < to) std::fill_n(layerRow(layer, row) + (from - layer.left), to - from, 0u);
+    };
+    if (columns.first >= columns.end) {
+        if (!isOverwritten) clear(first, end);
+        columns = {static_cast<int16_t>(first), static_cast<int16_t>(end)};
+        return;
+    }
+    if (first < columns.first) {
+        clear(isOverwritten ? end : first, columns.first);
+        columns.first = static_cast<int16_t>(first);
+    }
+    if (end > columns.end) {
+        clear(columns.end, isOverwritten ? first : end);
+        columns.end = static_cast<int16_t>(end);
+    }
+}
+
 void prepareLayer(const MMLayerSurface& layer, const PixelBox& part)
 {
     const PixelBox common = commonBox(part, boxOf(layer));
     if (common.empty()) return;
-    const int16_t first = static_cast<int16_t>(common.left);
-    const int16_t end = static_cast<int16_t>(common.right);
-    for (int32_t row = common.top; row < common.bottom; ++row) {
-        MMLayerSurface::Columns& columns = layer.prepared[row - layer.top];
-        const auto clear = [&](int32_t from, int32_t to) {
-            std::fill_n(layerRow(layer, row) + (from - layer.left), to - from, 0u);
-        };
-        if (columns.first >= columns.end) {
-            clear(first, end);
-            columns = {first, end};
-            continue;
-        }
-        if (first < columns.first) {
-            clear(first, columns.first);
-            columns.first = first;
-        }
-        if (end > columns.end) {
-            clear(columns.end, end);
-            columns.end = end;
-        }
-    }
+    for (int32_t row = common.top; row < common.bottom; ++row)
+        prepareColumns(layer, row, common.left, common.right, false);
 }
 
 namespace {

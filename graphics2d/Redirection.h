@@ -40,7 +40,13 @@ inline Pixel* layerRow(const MMLayerSurface& layer, int32_t row)
     return layer.pixels + static_cast<size_t>(row - layer.top) * width;
 }
 
-// Clears what has not been cleared of a part of a layer.
+// Clears what has not been cleared of the columns from first to end - 1 of a layer's row, which are
+// inside the layer, and between them and those that are there; but not what is about to be
+// overwritten.
+void prepareColumns(const MMLayerSurface& layer, int32_t row, int32_t first, int32_t end,
+                    bool isOverwritten);
+
+// The same for what is inside the layer of any box.
 void prepareLayer(const MMLayerSurface& layer, const PixelBox& part);
 
 PixelBox commonBox(const PixelBox& a, const PixelBox& b);

@@ -41,8 +41,10 @@ struct MMLayerOptions {
 // the layer as a whole; only picking asks it at once. maskTarget is put aside, too: a layer that is
 // opened while it is set adds its alpha to that mask, whatever its blend mode.
 //
-// A whole layer shows what drawing without it would, but for one more rounding: at most two of 255
-// levels, mostly none; layers inside one another add nothing to that.
+// A whole layer shows what drawing without it would, but for the rounding of its own pixels: where
+// one thing is drawn at most one of 255 levels, where edges or translucent things meet two and
+// seldom three, which pixels of 8 bits cannot do without. Layers inside one another add nothing to
+// that.
 //
 // Layers are drawn by the refined rules: one that is opened under the classic ones switches to them
 // until its end. Where nothing is drawn, nothing is cleared or put on the target, unless the blend

@@ -75,7 +75,8 @@ bool areAlike(const uint8_t* levels)
 int32_t tintAlike(Pixel* pixels, Tint tint, const uint8_t* levels, int32_t count)
 {
     const uint8_t level = *levels;
-    const auto blend = RefinedBlend::flat(tint.source, refinedWeight(level << 8u, tint.opacity));
+    const auto blend =
+        RefinedBlend::flat(tint.source, refinedWeight(uint32_t{level} << 8, tint.opacity));
     int32_t i = 0;
     do {
         for (const int32_t end = i + kBlock; i < end; i += 2 * kLanes) {

@@ -10,10 +10,15 @@ namespace Graphics2D {
 void RowPainter::redirect()
 {
     if (!draws()) return;
-    prepareTarget(context_, visible_);
-    if (!usesMasks(context_)) return;
     own_ = {span_, anyEdge_};
     context_.ownFillers = &own_;
+    if (!usesMasks(context_) && context_.refined != 0) {
+        span_ = {drawSpanIntoLayer, false};
+        anyEdge_ = drawRunIntoLayer;
+        return;
+    }
+    prepareTarget(context_, visible_);
+    if (!usesMasks(context_)) return;
     span_ = {maskedSpanFiller(context_), false};
     anyEdge_ = maskedEdgeFiller(context_);
     edgeIgnoresCoverage_ = context_.currentPaint.paintType == kPaintPicking ||

@@ -5,6 +5,9 @@
 #include "tests/pictures/Scenes.h"
 #include "tests/support/FailingHeap.h"
 
+#include <optional>
+#include <random>
+
 using namespace KAVO;
 
 namespace KAVO::Graphics2D::pictures {
@@ -242,6 +245,40 @@ TEST(Layer, TouchesWhatIsDrawnAlone)
     EXPECT_EQ(drawn.width, kSide);
     EXPECT_EQ(buffer[31 * kSide + 30], kBlue);
     EXPECT_EQ(buffer[0], 0u);
+}
+
+// Rows are cleared between what is drawn, in whatever order, and nowhere under what hides it.
+TEST(Layer, ShowsNothingOfWhatItsBufferHad)
+{
+    std::mt19937 random(3);
+    for (int round = 0; round < 200; ++round) {
+        std::vector<Pixel> buffer(MMLayer::pixelsNeeded(0, 0, kSide, kSide), 0xDEADBEEF);
+        MMLayerOptions options;
+        options.buffer = buffer.data();
+        options.bufferPixels = static_cast<uint32_t>(buffer.size());
+        Canvas direct, layered;
+        direct.context.refined = layered.context.refined = 1;
+        std::optional<MMLayer> layer(std::in_place, layered.context, options);
+        std::string drawn;
+        for (int i = 0; i < 4; ++i) {
+            const auto half = [&](uint32_t most) {
+                return static_cast<Fixed>(random() % (2 * most)) * kFixedHalf;
+            };
+            const Fixed x = half(80), y = half(80), width = half(16), height = half(16);
+            const Pixel colour = i % 2 == 0 ? 0xFF2060C0 : 0x802060C0;
+            for (Canvas* c : {&direct, &layered}) {
+                c->context.fillPaint.paintColour = colour;
+                c->context.drawPath(MMPathBuilder().rect(x, y, width, height).words());
+            }
+            drawn += std::to_string(x) + ' ' + std::to_string(y) + ' ' + std::to_string(width) +
+                     ' ' + std::to_string(height) + ", ";
+        }
+        layer.reset();
+        for (size_t i = 0; i < kPixels; ++i)
+            for (int k = 0; k < 4; ++k)
+                ASSERT_NEAR(channelOf(layered.pixels[i], k), channelOf(direct.pixels[i], k), 3)
+                    << drawn << "pixel " << i % kSide << ' ' << i / kSide;
+    }
 }
 
 TEST(Layer, BecomesAMaskAndIsLeftOut)
