@@ -32,7 +32,8 @@ struct Limits {
     uint64_t imagePixels = 128u << 20;   // of all images together
     uint64_t patternTiles = 20000;       // of one paint, drawn beside each other
     uint64_t shapeRows = 1u << 23; // that the lines of one shape cross in the picture; those of
-                                   // a stroke count four times, as its outline crosses them
+                                   // a stroke count four times, as its outline crosses them, and
+                                   // all count more from some 8,000 lines in a row on
 };
 
 struct LoadOptions {

@@ -15,6 +15,8 @@ using namespace Graphics2D;
 
 namespace {
 
+constexpr double kCrowd = 1 << 13; // lines that cross a row, from which on rows count more
+
 // Anti-aliasing off for the length of a scope, if wanted.
 class CrispEdges {
 public:
@@ -139,7 +141,8 @@ void Renderer::drawGeometry(const Shape& shape, const PathSpace& space)
 }
 
 // Whether the lines of an outline, and of curves the lines through their controls, cross no more
-// visible rows than the limit.
+// visible rows than the limit. Rows that many lines cross count more, as the work in them grows
+// faster than the lines.
 bool Renderer::affordsRows(const Outline& outline, const PathSpace& space) const
 {
     const double top = context_.clipTop;
@@ -154,7 +157,10 @@ bool Renderer::affordsRows(const Outline& outline, const PathSpace& space) const
         return std::clamp(toDouble(m.b) * p.x + toDouble(m.d) * p.y + toDouble(m.f), top, bottom);
     };
     double rows = 0;
+    double unseen = 0; // lines above or below the picture
     double from = top;
+    double highest = bottom;
+    double lowest = top;
     for (const Outline::Segment& segment : outline.segments()) {
         const int count = segment.verb == Outline::Curve   ? 3
                           : segment.verb == Outline::Close ? 0
@@ -162,10 +168,14 @@ bool Renderer::affordsRows(const Outline& outline, const PathSpace& space) const
         for (int i = 0; i < count; ++i) {
             const double to = rowOf(segment.points[i]);
             if (segment.verb != Outline::Move) rows += std::fabs(to - from) + 1;
+            if (to == from && (to == top || to == bottom)) unseen += 1;
             from = to;
+            highest = std::min(highest, to);
+            lowest = std::max(lowest, to);
         }
     }
-    return rows <= most;
+    const double lines = (rows - unseen) / (std::max(lowest - highest, 0.0) + 1); // in a row
+    return rows * std::max(1.0, lines / kCrowd) <= most;
 }
 
 void Renderer::drawPath(const Outline& outline, const PathSpace& space)

@@ -150,4 +150,27 @@ TEST(SvgHostileDrawings, ShapesOfMoreRowsThanTheLimitAreNamed)
     }
 }
 
+// Rows that very many lines cross count more, but not for lines above or below the picture.
+TEST(SvgHostileDrawings, RowsOfManyLinesCountMore)
+{
+    const auto zigzag = [](int lines, const char* to, const char* back) {
+        std::string path = "M0 0";
+        for (int i = 0; i < lines; ++i)
+            path += i % 2 == 0 ? to : back;
+        return "<svg width='20' height='20'><path d='" + path + "L4 2'/></svg>";
+    };
+    LoadOptions options;
+    options.limits.shapeRows = 200000;
+    const std::pair<std::string, bool> cases[] = {{zigzag(40000, "L9 2", "L1 0"), true},
+                                                  {zigzag(8000, "L9 20", "L1 0"), false},
+                                                  {zigzag(40000, "L9-9", "L1-1"), false}};
+    for (const auto& [svg, isLeftOut] : cases) {
+        MMSvgDocument document(options);
+        ASSERT_TRUE(document.loadBytes(svg));
+        drawn(document, 20, 20);
+        EXPECT_EQ(lacks(document, "a shape of more lines than the limit"), isLeftOut)
+            << svg.substr(0, 80);
+    }
+}
+
 } // namespace
