@@ -43,6 +43,40 @@ refused "missing font" --font "$folder/missing.ttf" "$folder/good.svg"
 refused "font that is none" --font "$folder/good.svg" "$folder/good.svg"
 refused "option" --frobnicate "$folder/good.svg"
 
+refused "size not a number" --size nan "$folder/good.svg"
+refused "size without end" --size inf "$folder/good.svg"
+refused "size with more behind it" --size 10x10x10 "$folder/good.svg"
+
+# complains NAME ARGUMENTS...: must fail with 1 and a line that says why, whatever is written where.
+complains() {
+    local name=$1 status=0
+    shift
+    "$svg2png" "$@" 2> "$folder/message" > /dev/null || status=$?
+    if [ $status != 1 ] || [ "$(wc -l < "$folder/message")" != 1 ]; then
+        echo "$name: exit code $status, message: $(cat "$folder/message")"
+        failures=$((failures + 1))
+    fi
+}
+mkdir "$folder/other" "$folder/pictures"
+cp "$folder/good.svg" "$folder/other/good.svg"
+complains "no files"
+complains "value that is missing" "$folder/good.svg" "$folder/out.png" --size
+complains "folder as output" "$folder/good.svg" "$folder/pictures"
+complains "drawing as output" "$folder/good.svg" "$folder/good.svg"
+complains "one picture of two drawings" --out "$folder/pictures" "$folder/good.svg" \
+    "$folder/other/good.svg"
+[ "$(cat "$folder/good.svg")" = "$good" ] || failures=$((failures + 1))
+if [ -e /dev/full ]; then
+    complains "full device" "$folder/good.svg" /dev/full
+fi
+
+# Strict: what is not drawn is a failure, but the picture is there.
+echo "${good/<path/<foreignObject/><path}" > "$folder/foreign.svg"
+"$svg2png" "$folder/foreign.svg" "$folder/out.png" 2> /dev/null || failures=$((failures + 1))
+rm "$folder/out.png"
+complains "strict" --strict "$folder/foreign.svg" "$folder/out.png"
+[ -s "$folder/out.png" ] || failures=$((failures + 1))
+
 "$svg2png" --size 20x10 --background white "$folder/good.svg" "$folder/out.png" || failures=1
 if "$svg2png" "$folder/good.svg" "$folder/no/such/folder.png" 2> /dev/null; then
     echo "wrote into a folder that is not there"

@@ -5,6 +5,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <map>
 
 const char kUsage[] =
     "usage: svg2png [options] INPUT.svg OUTPUT.png\n"
@@ -72,6 +73,18 @@ std::string pictureName(const std::string& folder, const std::string& input)
     return folder + "/" + name + ".png";
 }
 
+// What one job would do to the files of another, or to its own.
+std::string findClash(const std::vector<Arguments::Job>& jobs)
+{
+    std::map<std::string, std::string> inputs; // by output
+    for (const Arguments::Job& job : jobs) {
+        if (job.output == job.input) return "the picture would replace its drawing: " + job.input;
+        const auto [other, isNew] = inputs.emplace(job.output, job.input);
+        if (!isNew) return other->second + " and " + job.input + " would both become " + job.output;
+    }
+    return "";
+}
+
 } // namespace
 
 std::string parseArguments(int argc, char** argv, Arguments& arguments)
@@ -118,10 +131,10 @@ std::string parseArguments(int argc, char** argv, Arguments& arguments)
     if (folder.empty()) {
         if (files.size() != 2) return "needs an input and an output file";
         arguments.jobs = {{files[0], files[1]}};
-        return "";
+        return findClash(arguments.jobs);
     }
     if (files.empty()) return "needs an input file";
     for (const std::string& file : files)
         arguments.jobs.push_back({file, pictureName(folder, file)});
-    return "";
+    return findClash(arguments.jobs);
 }

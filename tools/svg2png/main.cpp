@@ -15,11 +15,45 @@ using namespace KAVO;
 
 namespace {
 
-bool complain(const std::string& message)
-{
-    std::fprintf(stderr, "svg2png: %s\n", message.c_str());
-    return false;
-}
+// What is said on the way: messages, and with several files on a terminal a line below them that
+// tells how far it is.
+class Messages {
+public:
+    explicit Messages(size_t count)
+        : count_(count), watched_(count > 1 && isatty(STDERR_FILENO) != 0)
+    {
+    }
+    ~Messages()
+    {
+        if (watched_) std::fputc('\n', stderr);
+    }
+    Messages(const Messages&) = delete;
+    Messages& operator=(const Messages&) = delete;
+
+    void begin(size_t number, const std::string& name)
+    {
+        progress_ = std::to_string(number) + "/" + std::to_string(count_) + " " + name;
+        showProgress();
+    }
+    bool complain(const std::string& message) const
+    {
+        std::fprintf(stderr, "%ssvg2png: %s\n", watched_ ? kStartOfLine : "", message.c_str());
+        showProgress();
+        return false;
+    }
+
+private:
+    static constexpr const char* kStartOfLine = "\r\x1B[K"; // and nothing on it
+
+    void showProgress() const
+    {
+        if (watched_) std::fprintf(stderr, "%s%s", kStartOfLine, progress_.c_str());
+    }
+
+    size_t count_;
+    bool watched_;
+    std::string progress_;
+};
 
 // Size of the picture in pixels: whole ones, in the drawing's proportions unless both are given.
 Svg::Size pictureSize(const Arguments& arguments, const Svg::Size& drawing)
@@ -68,19 +102,20 @@ void printStats(const Svg::RenderResult& result, double milliseconds)
 }
 
 // False when the picture could not be made, or is not whole although it has to be.
-bool run(const Arguments& arguments, const Arguments::Job& job)
+bool run(const Arguments& arguments, const Arguments::Job& job, const Messages& messages)
 {
     Svg::LoadOptions options;
     options.languages = arguments.languages;
     Svg::MMSvgDocument document(options);
-    if (!document.loadFile(job.input)) return complain(job.input + ": " + document.problem());
+    if (!document.loadFile(job.input))
+        return messages.complain(job.input + ": " + document.problem());
 
     const Svg::Size size = pictureSize(arguments, document.size());
     if (!(size.width <= kLargestSide && size.height <= kLargestSide)) {
         char message[128];
         std::snprintf(message, sizeof message, ": a picture of %.0f x %.0f pixels is out of range",
                       size.width, size.height);
-        return complain(job.input + message);
+        return messages.complain(job.input + message);
     }
     Picture picture(static_cast<int>(size.width), static_cast<int>(size.height),
                     premultiplied(arguments.background));
@@ -94,26 +129,22 @@ bool run(const Arguments& arguments, const Arguments::Job& job)
 
     const std::vector<Svg::Shortcoming> shortcomings = document.shortcomings();
     for (const Svg::Shortcoming& s : shortcomings)
-        complain(describe(job.input, s));
-    if (document.result().outOfMemory) return complain(job.input + ": out of memory");
+        messages.complain(describe(job.input, s));
+    if (document.result().outOfMemory) return messages.complain(job.input + ": out of memory");
     const std::string writing = writePng(job.output, picture);
-    if (!writing.empty()) return complain(job.output + ": " + writing);
+    if (!writing.empty()) return messages.complain(job.output + ": " + writing);
     if (arguments.stats) printStats(document.result(), time.count());
     return shortcomings.empty() || !arguments.strict;
 }
 
-// All of them, with a line that says how far it is when somebody watches.
 bool runAll(const Arguments& arguments)
 {
-    const size_t count = arguments.jobs.size();
-    const bool watched = count > 1 && isatty(STDERR_FILENO);
+    Messages messages(arguments.jobs.size());
     bool good = true;
-    for (size_t i = 0; i < count; ++i) {
-        if (watched)
-            std::fprintf(stderr, "\r\x1B[K%zu of %zu: %s", i + 1, count,
-                         arguments.jobs[i].input.c_str());
-        if (watched) std::fprintf(stderr, "\r\x1B[K");
-        good = run(arguments, arguments.jobs[i]) && good;
+    size_t number = 0;
+    for (const Arguments::Job& job : arguments.jobs) {
+        messages.begin(++number, job.input);
+        good = run(arguments, job, messages) && good;
     }
     return good;
 }
@@ -125,12 +156,12 @@ int main(int argc, char** argv)
     Arguments arguments;
     arguments.font = DEFAULT_FONT;
     const std::string problem = parseArguments(argc, argv, arguments);
-    if (!problem.empty()) return complain(problem + "; --help lists the options"), 1;
+    if (!problem.empty()) return Messages(1).complain(problem + "; --help lists the options"), 1;
     if (arguments.help) {
         std::fputs(kUsage, stdout);
         return 0;
     }
     if (!arguments.font.empty() && !useFont(arguments.font))
-        return complain(arguments.font + ": not a usable font"), 1;
+        return Messages(1).complain(arguments.font + ": not a usable font"), 1;
     return runAll(arguments) ? 0 : 1;
 }
