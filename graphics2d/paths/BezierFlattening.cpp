@@ -163,7 +163,7 @@ private:
         return {int64_t{b.x} - a.x, int64_t{b.y} - a.y};
     }
     static int64_t dot(const Wide& a, const Wide& b) { return a.x * b.x + a.y * b.y; }
-    static int64_t cross(const Wide& a, const Wide& b) { return absolute(a.x * b.y - a.y * b.x); }
+    static int64_t cross(const Wide& a, const Wide& b) { return a.x * b.y - a.y * b.x; }
 
     // The vector on the device with kFractionBits.
     Wide mapped(const MMPoint2D& from, const MMPoint2D& to) const
@@ -179,7 +179,7 @@ private:
     // 64 / 239 is the tangent of 15 degrees.
     static bool turnsLittle(const Wide& a, const Wide& b)
     {
-        return cross(a, b) * 239 <= dot(a, b) * 64;
+        return absolute(cross(a, b)) * 239 <= dot(a, b) * 64;
     }
 
     // 1/64 of a pixel at most.
@@ -202,10 +202,22 @@ private:
         const int64_t length = larger - larger / 8 + smaller / 2; // or up to an eighth less
         const int64_t pixel =
             fractionBits_ >= 0 ? length << fractionBits_ : length >> -fractionBits_;
-        const bool isNear = 24 * std::max(cross(chord, first), cross(chord, last)) <= pixel;
-        if (isNear && dot(first, chord) >= 0 && dot(middle, chord) >= 0 && dot(last, chord) >= 0 &&
-            turnsLittle(first, last) && turnsLittle(first, middle) && turnsLittle(middle, last))
-            return true;
+        const int64_t firstCross = cross(chord, first);
+        const int64_t lastCross = cross(chord, last);
+        if (24 * std::max(absolute(firstCross), absolute(lastCross)) <= pixel) {
+            // Legs within 7 degrees of the chord, as nearly all are here, turn by less than twice
+            // that. What the first and the last leave of the chord is the middle one.
+            const int64_t firstDot = dot(chord, first);
+            const int64_t lastDot = dot(chord, last);
+            const int64_t middleDot = dot(chord, chord) - firstDot - lastDot;
+            if (larger > 0 && 8 * absolute(firstCross) <= firstDot &&
+                8 * absolute(lastCross) <= lastDot &&
+                8 * absolute(firstCross + lastCross) <= middleDot)
+                return true;
+            if (firstDot >= 0 && middleDot >= 0 && lastDot >= 0 && turnsLittle(first, last) &&
+                turnsLittle(first, middle) && turnsLittle(middle, last))
+                return true;
+        }
         return isTiny(first) && isTiny(middle) && isTiny(last);
     }
 
