@@ -23,7 +23,8 @@ uint32_t leadingZeros(uint64_t v)
     return high != 0 ? 31 - MMLog2(high) : 63 - MMLog2(static_cast<uint32_t>(v));
 }
 
-// 1 / sqrt(x) in 2.30 for x in 2.30, 1.0 to just below 4.0.
+} // namespace
+
 uint32_t reciprocalRoot(uint32_t x)
 {
     // 1.16 - 0.18 x is off by at most 13 %; each step of Newton's squares the error and takes it
@@ -36,8 +37,6 @@ uint32_t reciprocalRoot(uint32_t x)
     }
     return static_cast<uint32_t>(root);
 }
-
-} // namespace
 
 Polar polarOf(int64_t x, int64_t y)
 {

@@ -53,6 +53,9 @@ constexpr Fixed30 crossOf(const UnitVector& a, const UnitVector& b)
     return static_cast<Fixed30>((int64_t{a.x} * b.y - int64_t{a.y} * b.x) >> 30);
 }
 
+// 1 / sqrt(x) in 2.30, off by a few units, for x in 2.30, 1.0 to just below 4.0.
+uint32_t reciprocalRoot(uint32_t x);
+
 // A vector's direction and length. The zero vector has length 0 and points along +x.
 struct Polar {
     UnitVector direction;

@@ -3,25 +3,22 @@
 #include "math/Vector2D.h"
 
 #include "math/FixedMath.h"
+#include "math/UnitVector.h"
 
 using namespace KAVO;
 
 namespace {
 
-constexpr uint32_t kOne30 = 0x40000000; // 1.0 in 2.30
-
-// floor(sqrt(s * 2^32)): the root of a 2.30 number in 1.31, bit by bit.
+// floor(sqrt(s * 2^32)): the root of a 2.30 number of 1.0 to 2.0 in 1.31. What is off by a few
+// units is put right.
 uint32_t rootTo31Bits(uint32_t s)
 {
-    uint64_t remainder = static_cast<uint64_t>(s) << 32;
-    uint64_t root = 0;
-    for (uint32_t k = 32; k-- > 0;) {
-        const uint64_t trial = (root << (k + 1)) + (uint64_t{1} << (2 * k));
-        if (remainder >= trial) {
-            remainder -= trial;
-            root |= uint64_t{1} << k;
-        }
-    }
+    const uint64_t square = uint64_t{s} << 32;
+    uint64_t root = uint64_t{s} * reciprocalRoot(s) >> 29;
+    while (root * root > square)
+        --root;
+    while ((root + 1) * (root + 1) <= square)
+        ++root;
     return static_cast<uint32_t>(root);
 }
 
@@ -65,8 +62,8 @@ Fixed v2dNorm(const MMPoint2D* v)
     const int32_t smaller = static_cast<int32_t>(absX > absY ? absY : absX);
     const int32_t larger = static_cast<int32_t>(absX > absY ? absX : absY);
     // larger * sqrt(1 + (smaller / larger)^2) needs no square of a coordinate.
-    const int32_t ratio = fixMulDiv(static_cast<int32_t>(kOne30), smaller, larger);
-    const uint32_t squared = static_cast<uint32_t>(fixMulSHR(ratio, ratio, 14)) + kOne30;
+    const int32_t ratio = fixMulDiv(kOne30, smaller, larger);
+    const uint32_t squared = static_cast<uint32_t>(fixMulSHR(ratio, ratio, 14)) + uint32_t{kOne30};
     const uint32_t root = rootTo31Bits(squared);
     const uint32_t rounded = (root >> 1) + (root & 1u);
     return fixMulSHR(larger, static_cast<int32_t>(rounded), 14);
