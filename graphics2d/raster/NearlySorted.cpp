@@ -29,12 +29,16 @@ public:
 
     void swap(uint32_t a, uint32_t b)
     {
-        for (uint32_t at = 0; at < size_; at += sizeof(uint32_t)) {
+        uint8_t* first = record(a);
+        uint8_t* second = record(b);
+        for (uint8_t* const end = first + size_; first != end;) {
             uint32_t wordA, wordB;
-            std::memcpy(&wordA, record(a) + at, sizeof wordA);
-            std::memcpy(&wordB, record(b) + at, sizeof wordB);
-            std::memcpy(record(a) + at, &wordB, sizeof wordB);
-            std::memcpy(record(b) + at, &wordA, sizeof wordA);
+            std::memcpy(&wordA, first, sizeof wordA);
+            std::memcpy(&wordB, second, sizeof wordB);
+            std::memcpy(first, &wordB, sizeof wordB);
+            std::memcpy(second, &wordA, sizeof wordA);
+            first += sizeof wordA;
+            second += sizeof wordB;
         }
     }
 
