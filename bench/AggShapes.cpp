@@ -15,6 +15,9 @@ struct Drawing : AggTarget {
     agg::renderer_scanline_aa_solid<Base> renderer{base};
     std::vector<Shape> shapes;
     std::vector<agg::path_storage> paths;
+    const double deviation;
+
+    explicit Drawing(double curveDeviation) : deviation(curveDeviation) {}
 
     void add(const Shape& shape)
     {
@@ -55,7 +58,7 @@ struct Drawing : AggTarget {
         using Curves = agg::conv_curve<agg::path_storage>;
         Curves curves(path);
         // A scale of 1 lets arcs of up to 450 pixels deviate by 0.12.
-        curves.approximation_scale(0.125 / kCurveDeviation);
+        curves.approximation_scale(0.125 / deviation);
         rasterizer.reset();
         if (shape.strokeWidth == 0) {
             rasterizer.add_path(curves);
@@ -74,9 +77,9 @@ struct Drawing : AggTarget {
 
 } // namespace
 
-Draw drawWithAgg(const std::vector<Shape>& shapes)
+Draw drawWithAgg(const std::vector<Shape>& shapes, double deviation)
 {
-    auto drawing = std::make_shared<Drawing>();
+    auto drawing = std::make_shared<Drawing>(deviation);
     for (const Shape& shape : shapes)
         drawing->add(shape);
     return [drawing] {

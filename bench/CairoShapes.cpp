@@ -10,6 +10,7 @@ struct Drawing : CairoTarget {
     std::vector<Shape> shapes;
     std::vector<cairo_path_t*> paths;
 
+    explicit Drawing(double deviation) { cairo_set_tolerance(cairo, deviation); }
     ~Drawing()
     {
         for (cairo_path_t* path : paths)
@@ -63,9 +64,9 @@ struct Drawing : CairoTarget {
 
 } // namespace
 
-Draw drawWithCairo(const std::vector<Shape>& shapes)
+Draw drawWithCairo(const std::vector<Shape>& shapes, double deviation)
 {
-    auto drawing = std::make_shared<Drawing>();
+    auto drawing = std::make_shared<Drawing>(deviation);
     for (const Shape& shape : shapes)
         drawing->add(shape);
     return [drawing] {

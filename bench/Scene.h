@@ -11,12 +11,15 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 constexpr int kSceneSize = 1000; // pixels a side of every target
 
-// How far, in pixels, the peers' chords may lie from the curves. Qt cannot be told.
+// How far, in pixels, the peers' chords may lie from the curves: in general, and beside the refined
+// mode, which keeps to this. Qt cannot be told.
 constexpr double kCurveDeviation = 0.125;
+constexpr double kRefinedDeviation = 1.0 / 32;
 
 using KAVO::Svg::Affine;
 using KAVO::Svg::Box;
@@ -32,7 +35,9 @@ struct Scene {
     Draw cairo; // empty where there is no such peer
     Draw agg;
     Draw qt;
-    Draw memory; // as many words written or copied by the C library
+    Draw memory;    // as many words written or copied by the C library
+    Draw fineCairo; // with kRefinedDeviation; empty where there are no curves
+    Draw fineAgg;
 };
 
 // A drawing that is measured at growing sizes.
@@ -52,9 +57,11 @@ struct Shape {
 };
 
 Draw drawWithOurs(const std::vector<Shape>& shapes, bool refined);
-Draw drawWithCairo(const std::vector<Shape>& shapes);
-Draw drawWithAgg(const std::vector<Shape>& shapes);
+Draw drawWithCairo(const std::vector<Shape>& shapes, double deviation = kCurveDeviation);
+Draw drawWithAgg(const std::vector<Shape>& shapes, double deviation = kCurveDeviation);
 Draw drawWithQt(const std::vector<Shape>& shapes);
+
+bool haveCurves(const std::vector<Shape>& shapes);
 
 // The scene of some content in every renderer that there is: Shapes, drawn one after the other with
 // anti-aliasing, a PaintedSquare or TextLines. Each renderer has a file for each.
@@ -74,6 +81,15 @@ Scene sceneOf(std::string name, const Content& content)
 #ifdef MM2D_BENCH_QT
     scene.qt = drawWithQt(content);
 #endif
+    if constexpr (std::is_same_v<Content, std::vector<Shape>>)
+        if (haveCurves(content)) {
+#ifdef MM2D_BENCH_CAIRO
+            scene.fineCairo = drawWithCairo(content, kRefinedDeviation);
+#endif
+#ifdef MM2D_BENCH_AGG
+            scene.fineAgg = drawWithAgg(content, kRefinedDeviation);
+#endif
+        }
     return scene;
 }
 

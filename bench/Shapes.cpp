@@ -50,6 +50,14 @@ Outline scaled(const Outline& outline, const Affine& map)
 
 } // namespace
 
+bool haveCurves(const std::vector<Shape>& shapes)
+{
+    for (const Shape& shape : shapes)
+        for (const Outline::Segment& segment : shape.outline.segments())
+            if (segment.verb == Outline::Curve) return true;
+    return false;
+}
+
 std::vector<Outline> drawingOutlines(const std::string& file)
 {
     pugi::xml_document document;
