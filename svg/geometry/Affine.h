@@ -124,6 +124,12 @@ inline Affine translation(double x, double y)
     return {1, 0, 0, 1, x, y};
 }
 
+// The transform about an origin elsewhere.
+inline Affine around(Point origin, const Affine& transform)
+{
+    return translation(origin.x, origin.y) * transform * translation(-origin.x, -origin.y);
+}
+
 inline Affine rotation(double degrees)
 {
     const double angle = degrees * std::acos(-1.0) / 180;

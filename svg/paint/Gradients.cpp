@@ -72,9 +72,13 @@ Gradient readGradient(const SvgDocument& document, pugi::xml_node node, const Vi
 
     Viewport units = viewport;
     if (gradient.inBox) units.width = units.height = 1;
-    const LengthContext lengths{units, document.styleOf(node, viewport).fontSize};
+    const Style style = document.styleOf(node, viewport);
+    const LengthContext lengths{units, style.fontSize};
     const std::optional<Affine> transform = parseTransform(chain["gradientTransform"], lengths);
-    gradient.transform = transform.value_or(Affine());
+    const Box whole{0, 0, viewport.width, viewport.height};
+    const std::optional<Point> origin =
+        parseTransformOrigin(style.transformOrigin, {viewport, style.fontSize}, whole);
+    gradient.transform = around(origin.value_or(Point()), transform.value_or(Affine()));
     const auto length = [&](const char* name, Axis axis, double fallback) {
         return chain.length(name, lengths, axis, fallback);
     };

@@ -79,7 +79,8 @@ Renderer::Tiling Renderer::readTiling(pugi::xml_node pattern, const State& state
     const bool contentInBox = chain["patternContentUnits"] == std::string_view("objectBoundingBox");
     Viewport units = state.viewport;
     if (inBox) units.width = units.height = 1;
-    const LengthContext lengths{units, document_.styleOf(pattern, state.viewport).fontSize};
+    const Style style = document_.styleOf(pattern, state.viewport);
+    const LengthContext lengths{units, style.fontSize};
     double x = chain.length("x", lengths, Axis::X, 0);
     double y = chain.length("y", lengths, Axis::Y, 0);
     double width = chain.length("width", lengths, Axis::X, 0);
@@ -94,7 +95,11 @@ Renderer::Tiling Renderer::readTiling(pugi::xml_node pattern, const State& state
     Tiling tiling;
     tiling.tile = {x, y, x + width, y + height};
     const std::optional<Affine> transform = parseTransform(chain["patternTransform"], lengths);
-    tiling.toDevice = state.toDevice * transform.value_or(Affine());
+    const Box whole{0, 0, state.viewport.width, state.viewport.height};
+    const std::optional<Point> origin =
+        parseTransformOrigin(style.transformOrigin, style.lengths(state.viewport), whole);
+    tiling.toDevice =
+        state.toDevice * around(origin.value_or(Point()), transform.value_or(Affine()));
     // The content's origin is the corner of each tile.
     tiling.viewport = state.viewport;
     if (const std::optional<Box> box = parseViewBox(chain["viewBox"])) {

@@ -58,36 +58,6 @@ bool listsLanguage(std::string_view list, const std::vector<std::string>& wanted
     return false;
 }
 
-// Where a transform's origin lies in the box: keywords, percentages of it, or lengths.
-std::optional<Point> transformOrigin(std::string_view text, const Box& box,
-                                     const LengthContext& lengths)
-{
-    double x = box.left;
-    double y = box.top;
-    std::string_view words[3] = {"0", "0", "0"};
-    size_t count = 0;
-    forWords(text, [&](std::string_view word) {
-        if (count < 3) words[count] = word;
-        ++count;
-    });
-    if (count == 0) return Point{x, y};
-    if (count > 3) return std::nullopt;
-    if (count == 1) words[1] = "center";
-    if (words[0] == "top" || words[0] == "bottom" || words[1] == "left" || words[1] == "right")
-        std::swap(words[0], words[1]);
-    const auto place = [&](std::string_view word, double size, Axis axis) -> std::optional<double> {
-        if (word == "left" || word == "top") return 0;
-        if (word == "center") return size / 2;
-        if (word == "right" || word == "bottom") return size;
-        const Viewport viewport = lengths.viewport.sized(box.width(), box.height());
-        return findLength(word, {viewport, lengths.fontSize}, axis);
-    };
-    const std::optional<double> dx = place(words[0], box.width(), Axis::X);
-    const std::optional<double> dy = place(words[1], box.height(), Axis::Y);
-    if (!dx || !dy) return std::nullopt;
-    return Point{x + *dx, y + *dy};
-}
-
 } // namespace
 
 Renderer::Renderer(const SvgDocument& document, Graphics2D::MMContext2D& context, Session& session,
@@ -167,20 +137,22 @@ void Renderer::applyOwnTransform(pugi::xml_node node, const Properties& properti
     if (style.transform.empty() && style.transformOrigin.empty()) return;
     const LengthContext lengths = style.lengths(state.viewport);
     Box box{0, 0, state.viewport.width, state.viewport.height};
-    if (style.transformBox == "fill-box" || style.transformBox == "content-box" ||
-        style.transformBox == "stroke-box" || style.transformBox == "border-box")
-        box = boundsOf(node, properties, state);
-    if (style.transformBox == "stroke-box" || style.transformBox == "border-box")
-        note("transform-box of the stroke", node);
+    if (const bool strokes =
+            style.transformBox == "stroke-box" || style.transformBox == "border-box";
+        strokes || style.transformBox == "fill-box" || style.transformBox == "content-box") {
+        State measured = state;
+        measured.strokesCount = strokes;
+        box = boundsOf(node, properties, measured);
+    }
     const std::optional<Affine> transform = parseTransform(style.transform, lengths, box);
     if (!transform) {
         note("malformed transform", node);
         return;
     }
-    const std::optional<Point> origin = transformOrigin(style.transformOrigin, box, lengths);
+    const std::optional<Point> origin = parseTransformOrigin(style.transformOrigin, lengths, box);
     if (!origin) note("malformed transform-origin", node);
     const Point o = origin.value_or(Point());
-    state.toDevice = state.toDevice * translation(o.x, o.y) * *transform * translation(-o.x, -o.y);
+    state.toDevice = state.toDevice * around(o, *transform);
 }
 
 bool Renderer::meetsConditions(pugi::xml_node node) const

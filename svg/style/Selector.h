@@ -4,6 +4,7 @@
 #pragma once
 
 #include "svg/style/Siblings.h"
+#include "svg/values/TextScanner.h"
 
 #include <cstdint>
 #include <optional>
@@ -95,18 +96,6 @@ private:
     std::vector<Part> parts_;
     uint32_t specificity_ = 0;
 };
-
-// Calls function for each word of a list separated by white space.
-template <class Function>
-void forWords(std::string_view list, Function function)
-{
-    constexpr std::string_view kSpace = " \t\r\n\f";
-    for (size_t i = list.find_first_not_of(kSpace); i != list.npos;) {
-        const size_t end = list.find_first_of(kSpace, i);
-        function(list.substr(i, end - i));
-        i = end == list.npos ? end : list.find_first_not_of(kSpace, end);
-    }
-}
 
 } // namespace Svg
 } // namespace KAVO

@@ -47,5 +47,17 @@ std::string lowerCase(std::string_view text);
 // For keywords and units.
 bool equalsIgnoringCase(std::string_view a, std::string_view b);
 
+// Calls function for each word of a list separated by white space.
+template <class Function>
+void forWords(std::string_view list, Function function)
+{
+    constexpr std::string_view kSpace = " \t\r\n\f";
+    for (size_t i = list.find_first_not_of(kSpace); i != list.npos;) {
+        const size_t end = list.find_first_of(kSpace, i);
+        function(list.substr(i, end - i));
+        i = end == list.npos ? end : list.find_first_not_of(kSpace, end);
+    }
+}
+
 } // namespace Svg
 } // namespace KAVO

@@ -180,6 +180,35 @@ std::optional<Affine> parseTransform(std::string_view text, const LengthContext&
     return result;
 }
 
+std::optional<Point> parseTransformOrigin(std::string_view text, const LengthContext& lengths,
+                                          const Box& box)
+{
+    double x = box.left;
+    double y = box.top;
+    std::string_view words[3] = {"0", "0", "0"};
+    size_t count = 0;
+    forWords(text, [&](std::string_view word) {
+        if (count < 3) words[count] = word;
+        ++count;
+    });
+    if (count == 0) return Point{x, y};
+    if (count > 3) return std::nullopt;
+    if (count == 1) words[1] = "center";
+    if (words[0] == "top" || words[0] == "bottom" || words[1] == "left" || words[1] == "right")
+        std::swap(words[0], words[1]);
+    const auto place = [&](std::string_view word, double size, Axis axis) -> std::optional<double> {
+        if (word == "left" || word == "top") return 0;
+        if (word == "center") return size / 2;
+        if (word == "right" || word == "bottom") return size;
+        const Viewport viewport = lengths.viewport.sized(box.width(), box.height());
+        return findLength(word, {viewport, lengths.fontSize}, axis);
+    };
+    const std::optional<double> dx = place(words[0], box.width(), Axis::X);
+    const std::optional<double> dy = place(words[1], box.height(), Axis::Y);
+    if (!dx || !dy) return std::nullopt;
+    return Point{x + *dx, y + *dy};
+}
+
 bool hasUnits(std::string_view transform)
 {
     TextScanner scanner(transform);

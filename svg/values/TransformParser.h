@@ -17,6 +17,11 @@ namespace Svg {
 std::optional<Affine> parseTransform(std::string_view text, const LengthContext& lengths,
                                      const Box& box = {0, 0, 0, 0});
 
+// Where the origin of a transform lies in the box: keywords, percentages of it, or lengths. Nothing
+// when the text is malformed; the box's corner when it is empty.
+std::optional<Point> parseTransformOrigin(std::string_view text, const LengthContext& lengths,
+                                          const Box& box);
+
 // Whether a number in the list has a unit, which the attribute does not know.
 bool hasUnits(std::string_view transform);
 

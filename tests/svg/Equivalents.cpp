@@ -100,6 +100,24 @@ TEST(SvgEquivalents, DrawingsAsImages)
           "<svg width='9' height='9'><circle r='9'/></svg>"}});
 }
 
+TEST(SvgEquivalents, TransformOriginsOfPaints)
+{
+    const std::string rect = "<rect width='40' height='40' fill='url(#p)'/>";
+    const auto gradient = [](const std::string& attributes) {
+        return "<linearGradient id='p' gradientUnits='userSpaceOnUse' x2='40' " + attributes +
+               "><stop stop-color='red'/><stop offset='1' stop-color='blue'/></linearGradient>";
+    };
+    const auto pattern = [](const std::string& attributes) {
+        return "<pattern id='p' patternUnits='userSpaceOnUse' width='8' height='8' " + attributes +
+               "><rect width='4' height='3'/></pattern>";
+    };
+    expectSameElements(
+        {{gradient("gradientTransform='scale(.5)' style='transform-origin:center'") + rect,
+          gradient("gradientTransform='translate(10 10) scale(.5)'") + rect},
+         {pattern("patternTransform='scale(.5)' transform-origin='10 50%'") + rect,
+          pattern("patternTransform='translate(5 10) scale(.5)'") + rect}});
+}
+
 TEST(SvgEquivalents, BasicShapes)
 {
     // Of a box of 20 by 10 at (10, 12), which with its stroke is one of 24 by 14 at (8, 10).
@@ -413,6 +431,9 @@ TEST(SvgEquivalents, TransformBoxes)
                         {turned + "transform-origin:10px 10px'/>", aroundCorner},
                         {turned + "transform-box:fill-box;transform-origin:right bottom'/>",
                          "<rect x='30' width='10' height='20'/>"},
+                        {turned + "stroke:red;stroke-width:4;transform-box:stroke-box'/>",
+                         "<rect x='-4' y='10' width='10' height='20' stroke='red' "
+                         "stroke-width='4'/>"},
                         {turned + "transform-box:view-box;transform-origin:50% 50%'/>",
                          "<rect x='20' y='10' width='10' height='20'/>"}});
 }

@@ -182,8 +182,6 @@ TEST(SvgInterface, EveryThingThatIsNotDrawnHasAName)
         {rect + "stroke-linejoin='arcs'/>", "arcs joins"},
         {rect + "fill='rgb(var(--r), 0, 0)'/>", "a value that var() computes"},
         {rect + "style='width:min(1px,2px)'/>", "a value that min() computes"},
-        {rect + "style='transform:rotate(9deg);transform-box:stroke-box'/>",
-         "transform-box of the stroke"},
         {"<linearGradient id='g' color-interpolation='linearRGB'><stop/><stop offset='1'/>"
          "</linearGradient>" +
              rect + "fill='url(#g)'/>",
