@@ -57,8 +57,6 @@ size_t Renderer::layOnPath(const TextContent& content, size_t index, const State
     const pugi::xml_node node = content.paths[*path];
     if (node.attribute("method").value() == std::string_view("stretch"))
         note("stretched text on a path", node);
-    if (node.attribute("side").value() == std::string_view("right"))
-        note("text on the other side of a path", node);
     const size_t first = runs.size();
     double advance = 0; // along the path, and away from it
     double rise = 0;
@@ -78,6 +76,8 @@ size_t Renderer::layOnPath(const TextContent& content, size_t index, const State
     }
 
     const PathWalk walk(outlineForText(node, state));
+    // On its other side text runs along the path from its end on.
+    const bool isReversed = node.attribute("side").value() == std::string_view("right");
     const Style& style = *runs[first].style;
     const double authorLength = document_.target(node).attribute("pathLength").as_double();
     const double offset = startOffset(node.attribute("startOffset").value(),
@@ -88,8 +88,11 @@ size_t Renderer::layOnPath(const TextContent& content, size_t index, const State
     for (size_t i = first; i < runs.size(); ++i) {
         TextRun& run = runs[i];
         const Point place = places[i - first];
-        const std::optional<PathWalk::Place> middle = walk.at(offset + place.x + run.width / 2);
+        const double distance = offset + place.x + run.width / 2;
+        std::optional<PathWalk::Place> middle =
+            walk.at(isReversed ? walk.length() - distance : distance);
         if (!middle) continue;
+        if (isReversed) middle->direction += 180;
         const Affine onPath =
             translation(middle->point.x, middle->point.y) * rotation(middle->direction);
         run.start = onPath.map({-run.width / 2, place.y});
@@ -98,7 +101,8 @@ size_t Renderer::layOnPath(const TextContent& content, size_t index, const State
         ++kept;
     }
     runs.resize(kept);
-    if (const std::optional<PathWalk::Place> end = walk.at(walk.length())) pen = end->point;
+    if (const std::optional<PathWalk::Place> end = walk.at(isReversed ? 0 : walk.length()))
+        pen = end->point;
     return index;
 }
 

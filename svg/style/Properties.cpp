@@ -51,10 +51,13 @@ void addShorthand(std::string_view name, std::string_view value, bool important,
 // Properties that change a picture in ways that are not known here.
 bool isUndrawn(std::string_view name, std::string_view value)
 {
-    if (value == "none" || value == "normal" || value == "auto") return false;
+    for (const std::string_view plain : {"none", "normal", "auto", "solid", "currentColor"}) {
+        if (value == plain) return false;
+    }
     for (const std::string_view undrawn :
-         {"animation", "animation-name", "backdrop-filter", "mask-composite", "mask-image",
-          "mask-mode", "offset-path", "rotate", "scale", "translate", "zoom"}) {
+         {"animation", "animation-name", "backdrop-filter", "inline-size", "mask-composite",
+          "mask-image", "mask-mode", "offset-path", "rotate", "scale", "shape-inside",
+          "text-decoration-color", "text-decoration-style", "translate", "zoom"}) {
         if (name == undrawn) return true;
     }
     return false;

@@ -276,6 +276,8 @@ TEST_F(SvgTextDrawing, CharactersStandAlongPaths)
                  {"path='M10 30H70' startOffset='100%' text-anchor='end'>MM",
                   "x='70' y='30' text-anchor='end'>MM"},
                  {"path='M10 30H70'><tspan dx='5' dy='9'>i</tspan>", "x='15' y='39'>i"},
+                 {"path='M70 30H10' side='right'>A i", "transform='translate(10 30)'>A i"},
+                 {"path='M70 30H10' side='right' startOffset='20'>i", "x='30' y='30'>i"},
                  // Jumps have no length, and what has its middle beyond an end is left out.
                  {"path='M10 30h4M38 30h30' startOffset='4'>i", "x='38' y='30'>i"},
                  {"path='M10 30H70' startOffset='50'>iii", "x='60' y='30'>ii"}};
