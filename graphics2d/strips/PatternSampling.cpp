@@ -80,15 +80,9 @@ void drawByAlpha(TranslucentRun<ClassicBlend>& run, PaintPiece& piece, int32_t c
     const Pixel* colours = piece.colours;
     if (run.coverage.isFlatAndWhole()) {
         const uint32_t opacity = static_cast<uint32_t>(fixFloor(run.coverage.current()));
-        const uint32_t opaqueWeight = patternWeights(kOpaque, opacity);
-        if (areOpaque(colours, count))
-            run.blend(
-                colours,
-                [=](auto sources, int32_t) { return all<decltype(sources)>(opaqueWeight); }, count);
-        else
-            run.blend(
-                colours, [=](auto sources, int32_t) { return patternWeights(sources, opacity); },
-                count);
+        run.blend(
+            colours, [=](auto sources, int32_t) { return patternWeights(sources, opacity); },
+            count);
         run.coverage.advance(count);
         return;
     }

@@ -27,6 +27,13 @@ uint32_t combinedAlphas(const Pixel* colours, int32_t count, Op op)
     return common >> 24;
 }
 
+// Whether every alpha of at least one colour is 255.
+bool areOpaque(const Pixel* colours, int32_t count)
+{
+    if (colours[0] >> 24 != 0xFF) return false;
+    return combinedAlphas(colours, count, [](auto a, auto b) { return a & b; }) == 0xFF;
+}
+
 bool areTransparent(const Pixel* colours, int32_t count)
 {
     if (colours[0] >> 24 != 0) return false;
@@ -90,12 +97,6 @@ void drawStraight(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, int32_t 
 }
 
 } // namespace
-
-bool areOpaque(const Pixel* colours, int32_t count)
-{
-    if (colours[0] >> 24 != 0xFF) return false;
-    return combinedAlphas(colours, count, [](auto a, auto b) { return a & b; }) == 0xFF;
-}
 
 void blendRefined(TranslucentRun<RefinedBlend>& run, TexelAlpha alpha, PaintPiece& piece,
                   int32_t count)

@@ -12,9 +12,6 @@ inline namespace MM2D_LEVEL {
 // as little: they are premultiplied before.
 enum class TexelAlpha { kKept, kPremultiplied, kMadeWhole };
 
-// Whether every alpha of at least one colour is 255.
-bool areOpaque(const Pixel* colours, int32_t count);
-
 // Blends the first count pixels of a piece by the run's coverage, which moves on. Colours are read
 // up to the next multiple of four.
 void blendRefined(TranslucentRun<RefinedBlend>& run, TexelAlpha alpha, PaintPiece& piece,
