@@ -4,6 +4,7 @@
 #include "svg/render/Renderer.h"
 
 #include <cmath>
+#include <utility>
 
 namespace KAVO {
 namespace Svg {
@@ -81,13 +82,31 @@ bool Renderer::setPaint(MMPaint& paint, PaintStore& store, const PaintValue& val
     return value.colour >> 24 != 0;
 }
 
+// What a gradient or a pattern asks for and does not get.
+void Renderer::noteServer(pugi::xml_node server)
+{
+    const Properties properties(server, document_.sheet());
+    noteUndrawn(server, properties);
+    if (!properties.unknownFunction().empty())
+        note("a value that " + std::string(properties.unknownFunction()) + ") computes", server);
+    if (server.name() != std::string_view("pattern")) return;
+    static constexpr std::pair<Property, const char*> kEffects[] = {
+        {Property::ClipPath, "clip-path of a pattern"},
+        {Property::Mask, "mask of a pattern"},
+        {Property::Filter, "filter of a pattern"}};
+    for (const auto& [property, what] : kEffects) {
+        const std::string_view value = properties[property];
+        if (!value.empty() && value != "none") note(what, server);
+    }
+}
+
 // A gradient or a pattern; false when it is in error, as one without an extent, and a fallback may
 // stand for it.
 bool Renderer::setServer(MMPaint& paint, PaintStore& store, pugi::xml_node server,
                          const State& state, const Box& userBounds, double opacity)
 {
     paint.paintOpacity = byteOf(opacity);
-    noteUndrawn(server, Properties(server, document_.sheet()));
+    noteServer(server);
     context_.patternFilter = kFilterNearest; // for what lies pixel on pixel
     if (server.name() == std::string_view("pattern"))
         return setTiles(paint, store.tiles, server, state, userBounds);

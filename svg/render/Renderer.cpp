@@ -6,6 +6,7 @@
 #include "svg/document/References.h"
 #include "svg/geometry/ViewBox.h"
 #include "svg/render/ClipGuard.h"
+#include "svg/style/Validity.h"
 #include "svg/values/TextScanner.h"
 #include "svg/values/TransformParser.h"
 
@@ -229,10 +230,37 @@ void Renderer::noteUndrawn(pugi::xml_node node, const Properties& properties)
     }
     for (const std::string_view name : properties.undrawn())
         note(std::string(name), node);
+    noteUndrawnValues(node, properties);
     // What stands inside a shape is not walked through.
     if (!isShape(node.name())) return;
     for (const pugi::xml_node child : node.children()) {
         if (isAnimation(child.name())) note("animation", child);
+    }
+}
+
+// Of properties that are known, and of attributes that are none.
+void Renderer::noteUndrawnValues(pugi::xml_node node, const Properties& properties)
+{
+    for (const Property colour : {Property::Color, Property::Fill, Property::Stroke,
+                                  Property::StopColor, Property::FloodColor}) {
+        const std::string_view value = properties[colour];
+        const size_t bracket = value.find('(');
+        if (bracket == value.npos || isUrl(value) || isValid(colour, value)) continue;
+        note("the colour " + std::string(value.substr(0, bracket)) + "()", node);
+    }
+    for (const Property marker :
+         {Property::MarkerStart, Property::MarkerMid, Property::MarkerEnd}) {
+        if (isUrl(properties[marker]) && referenceIn(properties[marker]).empty())
+            note("marker of another document", node);
+    }
+    const std::string_view effect = properties[Property::VectorEffect];
+    for (const std::string_view name : {"fixed-position", "non-rotation", "non-scaling-size"}) {
+        if (effect.find(name) != effect.npos) note("vector-effect: " + std::string(name), node);
+    }
+    for (const pugi::xml_attribute attribute : node.attributes()) {
+        const std::string_view value = attribute.value();
+        if (value.substr(0, 5) == "calc(" && !findProperty(attribute.name()))
+            note("a value that calc() computes", node);
     }
 }
 

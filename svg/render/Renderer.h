@@ -180,6 +180,7 @@ private:
     bool setStroke(const State& state, const Box& userBounds);
     bool setPaint(MMPaint& paint, PaintStore& store, const PaintValue& value, double opacity,
                   const State& state, const Box& userBounds);
+    void noteServer(pugi::xml_node server);
     bool setServer(MMPaint& paint, PaintStore& store, pugi::xml_node server, const State& state,
                    const Box& userBounds, double opacity);
     bool setTiles(MMPaint& paint, Picture& tiles, pugi::xml_node pattern, const State& state,
@@ -239,6 +240,7 @@ private:
 
     void note(const std::string& what, pugi::xml_node node) { report_.note(what, document_, node); }
     void noteUndrawn(pugi::xml_node node, const Properties& properties);
+    void noteUndrawnValues(pugi::xml_node node, const Properties& properties);
 
     const SvgDocument& document_;
     Graphics2D::MMContext2D& context_;
