@@ -77,8 +77,7 @@ struct RefinedMix {
 template <class Mix>
 inline RowStep stepAt(const Mix& mix, const Pixel* upper, int32_t width)
 {
-    const U32x4 texels = load2And2(upper, upper + width);
-    const U32x4 columns = __builtin_shufflevector(texels, texels, 0, 2, 1, 3);
+    const U32x4 columns = loadColumns(upper, upper + width);
     return Mix::between(mix.prepared(widenLow(columns)), mix.prepared(widenHigh(columns)));
 }
 
@@ -86,9 +85,7 @@ inline RowStep stepAt(const Mix& mix, const Pixel* upper, int32_t width)
 template <class Mix>
 inline U16x8 mixedRows(U16x8 first, U16x8 second, U16x8 fraction)
 {
-    const U16x8 upper = __builtin_shufflevector(first, second, 0, 1, 2, 3, 8, 9, 10, 11);
-    const U16x8 lower = __builtin_shufflevector(first, second, 4, 5, 6, 7, 12, 13, 14, 15);
-    return Mix::moved(upper, lower, fraction >> 8);
+    return Mix::moved(lowerHalves(first, second), upperHalves(first, second), fraction >> 8);
 }
 
 // The fractions of two pixels, the first in the lower lanes.
@@ -217,10 +214,8 @@ void sampleFew(const Mix& mix, PatternWalk walk, Pixel* out, int32_t count)
     const U16x8 v = fractionsOfTwo(walk.v);
     const TexelAxis uAxis = walk.u;
     for (int32_t i = 0; i < count; ++i) {
-        const int64_t x[2] = {walk.u.tap(0), walk.u.tap(1)};
-        const int64_t y[2] = {walk.v.tap(0), walk.v.tap(1)};
-        const Pixel texels[4] = {walk.texelAt(x[0], y[0]), walk.texelAt(x[1], y[0]),
-                                 walk.texelAt(x[0], y[1]), walk.texelAt(x[1], y[1])};
+        Pixel texels[4];
+        walk.takeFour(texels);
         steps[i] = stepAt(mix, texels, 2);
         walk.advance(1);
     }
@@ -250,10 +245,8 @@ void sampleOneByOne(const Mix& mix, PatternWalk walk, bool inside, Pixel* out, i
     };
     if (!inside) {
         for (int32_t i = 0; i < count; ++i, walk.advance(1)) {
-            const int64_t x[2] = {walk.u.tap(0), walk.u.tap(1)};
-            const int64_t y[2] = {walk.v.tap(0), walk.v.tap(1)};
-            const Pixel texels[4] = {walk.texelAt(x[0], y[0]), walk.texelAt(x[1], y[0]),
-                                     walk.texelAt(x[0], y[1]), walk.texelAt(x[1], y[1])};
+            Pixel texels[4];
+            walk.takeFour(texels);
             out[i] = mixed(texels, walk.u.fraction(), walk.v.fraction());
         }
         return;

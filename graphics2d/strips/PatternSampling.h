@@ -53,6 +53,16 @@ public:
         const int64_t wanted = at + offset;
         return index() - at + (wanted < 0 ? 0 : wanted < last ? wanted : last);
     }
+    // The taps 0 and 1 in short numbers. False where the index is not the coordinate's texel, or
+    // one is far away.
+    bool hasShortTaps(int32_t (&taps)[2]) const
+    {
+        const Fixed at = position();
+        if (at != distance_ || fixFloor(wrapAdd(at, bias_)) != fixFloor(at)) return false;
+        taps[0] = std::clamp(fixFloor(at), 0, size_ - 1);
+        taps[1] = std::clamp(fixFloor(at) + 1, 0, size_ - 1);
+        return true;
+    }
     // The position whose whole part is the index, as long as the coordinate has not wrapped.
     Fixed indexPosition() const { return static_cast<Fixed>(distance_ + bias_); }
     uint32_t fraction() const { return fixFraction(position()); }
@@ -130,6 +140,23 @@ struct PatternWalk {
         if (index < 0) index = index >= -width ? index + width : 0;
         if (index >= end) index = index < end + width ? index - width : end - 1;
         return pixels()[index];
+    }
+
+    // The four texels around the coordinates, row by row, as the taps 0 and 1 find them.
+    [[gnu::always_inline]] void takeFour(Pixel (&texels)[4]) const
+    {
+        int32_t columns[2], rows[2];
+        if (!u.hasShortTaps(columns) || !v.hasShortTaps(rows)) {
+            for (int i = 0; i < 4; ++i)
+                texels[i] = texelAt(u.tap(i % 2), v.tap(i / 2));
+            return;
+        }
+        const Pixel* const upper = row(fixFromInt(rows[0]));
+        const Pixel* const lower = row(fixFromInt(rows[1]));
+        texels[0] = upper[columns[0]];
+        texels[1] = upper[columns[1]];
+        texels[2] = lower[columns[0]];
+        texels[3] = lower[columns[1]];
     }
 
     void advance(int32_t pixels)

@@ -127,6 +127,18 @@ inline U32x4 load2And2(const uint32_t* first, const uint32_t* second)
     return (U32x4)pairs;
 }
 
+// The same with the first of both places in the lower lanes.
+inline U32x4 loadColumns(const uint32_t* first, const uint32_t* second)
+{
+#if defined(__ARM_NEON) && !defined(__aarch64__)
+    const uint32x2x2_t columns = vtrn_u32(vld1_u32(first), vld1_u32(second));
+    return (U32x4)vcombine_u32(columns.val[0], columns.val[1]);
+#else
+    const U32x4 rows = load2And2(first, second);
+    return __builtin_shufflevector(rows, rows, 0, 2, 1, 3);
+#endif
+}
+
 inline void store4(uint32_t* to, U32x4 lanes)
 {
     std::memcpy(to, &lanes, sizeof lanes);
@@ -195,6 +207,26 @@ inline U32x4 twiceLow(U32x4 lanes)
 inline U32x4 twiceHigh(U32x4 lanes)
 {
     return __builtin_shufflevector(lanes, lanes, 2, 2, 3, 3);
+}
+
+// The lower or upper halves of both. GCC 12 looks them up in tables on 32-bit ARM unless it is
+// told.
+inline U16x8 lowerHalves(U16x8 a, U16x8 b)
+{
+#if defined(__ARM_NEON) && !defined(__aarch64__)
+    return (U16x8)vcombine_u16(vget_low_u16((uint16x8_t)a), vget_low_u16((uint16x8_t)b));
+#else
+    return __builtin_shufflevector(a, b, 0, 1, 2, 3, 8, 9, 10, 11);
+#endif
+}
+
+inline U16x8 upperHalves(U16x8 a, U16x8 b)
+{
+#if defined(__ARM_NEON) && !defined(__aarch64__)
+    return (U16x8)vcombine_u16(vget_high_u16((uint16x8_t)a), vget_high_u16((uint16x8_t)b));
+#else
+    return __builtin_shufflevector(a, b, 4, 5, 6, 7, 12, 13, 14, 15);
+#endif
 }
 
 // The alpha of each of two pixels in all its lanes.
