@@ -39,10 +39,7 @@ public:
         ChannelRamp green(channels_, step_, kGreen);
         ChannelRamp blue(channels_, step_, kBlue);
         channels_ += step_ * static_cast<uint32_t>(count);
-        const auto next = [&] {
-            return 0xFF000000u | (red.next() & 0x00FF0000u) | ((green.next() >> 8) & 0x0000FF00u) |
-                   ((blue.next() >> 16) & 0xFFu);
-        };
+        const auto next = [&] { return opaquePixels(red.next(), green.next(), blue.next()); };
         for (; count >= kLanes; count -= kLanes, out += kLanes)
             store(out, next());
         if (count > 0) storeFew(out, next(), count);

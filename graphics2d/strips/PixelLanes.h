@@ -433,6 +433,17 @@ inline U32x8 narrowHighBytes(U16x16 low, U16x16 high)
 }
 #endif
 
+// Opaque pixels from bits 16 to 23 of the channels.
+inline PixelVector opaquePixels(PixelVector red, PixelVector green, PixelVector blue)
+{
+#if defined(__ARM_NEON)
+    const uint32x4_t redAndGreen = vsriq_n_u32((uint32x4_t)red, (uint32x4_t)(green << 8), 16);
+    return (U32x4)vsriq_n_u32(redAndGreen, (uint32x4_t)(blue << 8), 24) | 0xFF000000u;
+#else
+    return 0xFF000000u | (red & 0x00FF0000u) | (green >> 8 & 0x0000FF00u) | (blue >> 16 & 0xFFu);
+#endif
+}
+
 // Four opaque pixels from bits 16 to 23 of the lanes of each of four vectors of channels: blue,
 // green, red and one that is not used.
 inline U32x4 packChannels(U32x4 a, U32x4 b, U32x4 c, U32x4 d)
