@@ -193,6 +193,8 @@ std::vector<Scene> sourceScenes()
         {SourceScene::kTiles, "tiles 1:1 nearest", kSpreadRepeat, kNone, kNone},
         {SourceScene::kTiles, "tiles 2.3x nearest", kSpreadRepeat, kNone, kNone, kFilterNearest,
          2.3},
+        {SourceScene::kTiles, "tiles mirrored nearest", kSpreadReflect, kNone, kNone,
+         kFilterNearest, 2.3},
         {SourceScene::kTiles, "tiles 2.3x bilinear", kSpreadRepeat, kNone, kNone, kFilterBilinear,
          2.3},
         {SourceScene::kTiles, "tiles 2.3x bicubic", kSpreadRepeat, kNone, kNone, kFilterBicubic,
