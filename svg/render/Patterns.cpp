@@ -139,7 +139,9 @@ bool Renderer::copyTiles(const Tiling& tiling, State state, const PixelArea& are
     const double width = std::round(box.width());
     const double height = std::round(box.height());
     const double most = static_cast<double>(tiles.pixels.size());
-    if (!(width >= 1 && height >= 1 && width * height <= most)) return false;
+    if (!(width >= 1 && height >= 1 && width <= kLargestSide && height <= kLargestSide &&
+          width * height <= most))
+        return false;
 
     const double left = std::round(box.left);
     const double top = std::round(box.top);

@@ -37,6 +37,20 @@ TEST(SvgPatterns, ContentStartsAtTheCornerOfEachTile)
     }
 }
 
+// Too wide for a picture of its own.
+TEST(SvgPatterns, TilesMayBeVeryWide)
+{
+    const KAVO::Svg::Picture picture =
+        drawn("<svg width='600' height='600'><pattern id='p' patternUnits='userSpaceOnUse' "
+              "width='70000' height='2'><rect width='70000' height='1' fill='blue'/></pattern>"
+              "<rect width='600' height='600' fill='url(#p)'/></svg>",
+              600, 600);
+    for (int y = 0; y < 600; ++y)
+        for (const int x : {0, 300, 599})
+            ASSERT_EQ(picture.at(x, y) & kColour, y % 2 == 0 ? 0x0000FFu : 0xFFFFFFu)
+                << x << ' ' << y;
+}
+
 // A ground that fills its tile, with stripes of half a tile's width on it. Skewed, rotated and
 // scaled tiles meet between pixels, which shows nowhere.
 TEST(SvgPatterns, TilesThatMeetBetweenPixelsLeaveNoSeams)
