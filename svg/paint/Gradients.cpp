@@ -74,7 +74,8 @@ Gradient readGradient(const SvgDocument& document, pugi::xml_node node, const Vi
     if (gradient.inBox) units.width = units.height = 1;
     const Style style = document.styleOf(node, viewport);
     const LengthContext lengths{units, style.fontSize};
-    const std::optional<Affine> transform = parseTransform(chain["gradientTransform"], lengths);
+    const std::optional<Affine> transform =
+        parseTransformAttribute(chain["gradientTransform"], lengths);
     const Box whole{0, 0, viewport.width, viewport.height};
     const std::optional<Point> origin =
         parseTransformOrigin(style.transformOrigin, {viewport, style.fontSize}, whole);

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The context's paints from the values of fill and stroke.
 #include "graphics2d/PaintSetup.h"
+#include "svg/document/References.h"
 #include "svg/render/Renderer.h"
+#include "svg/values/TransformParser.h"
 
 #include <cmath>
 #include <utility>
@@ -107,6 +109,11 @@ bool Renderer::setServer(MMPaint& paint, PaintStore& store, pugi::xml_node serve
 {
     paint.paintOpacity = byteOf(opacity);
     noteServer(server);
+    const ReferenceChain chain(document_, server);
+    for (const char* name : {"gradientTransform", "patternTransform"}) {
+        const LengthContext lengths = state.style.lengths(state.viewport);
+        if (!parseTransformAttribute(chain[name], lengths)) note("malformed transform", server);
+    }
     context_.patternFilter = kFilterNearest; // for what lies pixel on pixel
     if (server.name() == std::string_view("pattern"))
         return setTiles(paint, store.tiles, server, state, userBounds);

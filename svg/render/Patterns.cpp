@@ -94,7 +94,8 @@ Renderer::Tiling Renderer::readTiling(pugi::xml_node pattern, const State& state
 
     Tiling tiling;
     tiling.tile = {x, y, x + width, y + height};
-    const std::optional<Affine> transform = parseTransform(chain["patternTransform"], lengths);
+    const std::optional<Affine> transform =
+        parseTransformAttribute(chain["patternTransform"], lengths);
     const Box whole{0, 0, state.viewport.width, state.viewport.height};
     const std::optional<Point> origin =
         parseTransformOrigin(style.transformOrigin, style.lengths(state.viewport), whole);

@@ -209,6 +209,12 @@ std::optional<Point> parseTransformOrigin(std::string_view text, const LengthCon
     return Point{x + *dx, y + *dy};
 }
 
+std::optional<Affine> parseTransformAttribute(std::string_view text, const LengthContext& lengths)
+{
+    if (hasUnits(text)) return std::nullopt;
+    return parseTransform(text, lengths);
+}
+
 bool hasUnits(std::string_view transform)
 {
     TextScanner scanner(transform);

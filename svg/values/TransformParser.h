@@ -17,6 +17,9 @@ namespace Svg {
 std::optional<Affine> parseTransform(std::string_view text, const LengthContext& lengths,
                                      const Box& box = {0, 0, 0, 0});
 
+// The same of an attribute's text, which knows no units.
+std::optional<Affine> parseTransformAttribute(std::string_view text, const LengthContext& lengths);
+
 // Where the origin of a transform lies in the box: keywords, percentages of it, or lengths. Nothing
 // when the text is malformed; the box's corner when it is empty.
 std::optional<Point> parseTransformOrigin(std::string_view text, const LengthContext& lengths,

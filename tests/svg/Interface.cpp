@@ -207,6 +207,11 @@ TEST(SvgInterface, EveryThingThatIsNotDrawnHasAName)
         {"<path d='M0 0L'/>", "malformed path data"},
         {"<polygon points='0 0 9'/>", "malformed points"},
         {rect + "transform='translate(9px)'/>", "malformed transform"},
+        {"<linearGradient id='g' gradientTransform='rotate(9deg)'><stop/></linearGradient>" + rect +
+             "fill='url(#g)'/>",
+         "malformed transform"},
+        {"<pattern id='g' patternTransform='turn(9)'/>" + rect + "fill='url(#g)'/>",
+         "malformed transform"},
         {"<style>@supports (fill:red) { g { fill: red } }</style>", "@supports"},
         {"<image href=\"data:,&lt;svg>&lt;image href='a.png'/>&lt;/svg>\"/>",
          "image that cannot be read: a.png in an image"},
