@@ -215,7 +215,8 @@ private:
                           const State& state, const Box& bounds);
     void drawTextShape(const Outline& outline, State state, const Style& style, const Box& bounds);
     void pickRun(const TextRun& run, const PathSpace& space);
-    void drawLine(const TextRun& run, double offset, const State& state, const Box& bounds);
+    void drawLine(const TextRun& run, const Style& style, double offset, const State& state,
+                  const Box& bounds);
     Box boundsOfText(pugi::xml_node node, const State& state);
     static Box boundsOfRuns(const std::vector<TextRun>& runs);
     void noteParts(pugi::xml_node node);

@@ -60,9 +60,10 @@ void Renderer::drawText(pugi::xml_node node, const State& state)
     const double stretch = runs.empty() ? 1 : runs.front().stretch;
     if (stretch > 1 && !affordsGlyphs(node, content, *space, stretch)) return;
     const Box bounds = boundsOfRuns(runs);
-    const auto drawLines = [&](bool Style::*kind, double offset) {
+    const auto drawLines = [&](std::shared_ptr<const Style> Style::*kind, double offset) {
         for (const TextRun& run : runs) {
-            if (run.style->*kind) drawLine(run, offset, state, bounds);
+            if (const Style* style = (run.style->*kind).get())
+                drawLine(run, *style, offset, state, bounds);
         }
     };
     drawLines(&Style::underline, kUnderlineOffset);
@@ -207,9 +208,10 @@ void Renderer::pickRun(const TextRun& run, const PathSpace& space)
     drawGeometry(shape, space);
 }
 
-void Renderer::drawLine(const TextRun& run, double offset, const State& state, const Box& bounds)
+// In the style of the element that the line belongs to.
+void Renderer::drawLine(const TextRun& run, const Style& style, double offset, const State& state,
+                        const Box& bounds)
 {
-    const Style& style = *run.style;
     const Box line{0, offset * style.fontSize, run.width, (offset + kLineWidth) * style.fontSize};
     drawTextShape(Outline::rectangle(line).mapped(run.toUser()), state, style, bounds);
 }
@@ -256,7 +258,7 @@ void Renderer::drawTextArea(pugi::xml_node node, const State& state)
     context_.penX = 0;
     context_.penY = space->length((spacing + (kAscent - kDescent) * style.fontSize) / 2);
     context_.lineHeight = space->length(spacing);
-    context_.textDecoration = style.underline;
+    context_.textDecoration = style.underline != nullptr;
     context_.strokePaint.paintOpacity = context_.fillPaint.paintOpacity; // for the underline
     context_.preserveSpace = style.preserveSpace;
     context_.drawWrappedText(text.data(), 0, 0);

@@ -84,13 +84,15 @@ void setFontSize(double& size, std::string_view text, const Viewport& viewport)
     if (length >= 0) size = length;
 }
 
-// A list of kinds of lines.
+// A list of kinds of lines, painted as the style is by now.
 void setDecoration(Style& style, std::string_view text)
 {
-    if (text == "none") style.underline = style.overline = style.lineThrough = false;
-    if (text.find("underline") != text.npos) style.underline = true;
-    if (text.find("overline") != text.npos) style.overline = true;
-    if (text.find("line-through") != text.npos) style.lineThrough = true;
+    if (text == "none") style.underline = style.overline = style.lineThrough = nullptr;
+    for (const auto& [kind, line] : {std::pair{"underline", &Style::underline},
+                                     {"overline", &Style::overline},
+                                     {"line-through", &Style::lineThrough}}) {
+        if (text.find(kind) != text.npos) style.*line = std::make_shared<const Style>(style);
+    }
 }
 
 // A keyword, a length, or a share of the line's height, which is the parent's font size here.

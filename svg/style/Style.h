@@ -47,10 +47,10 @@ struct Style {
     double letterSpacing = 0;
     double wordSpacing = 0;
     bool preserveSpace = false;
-    // Lines at a text, handed down here although the standard paints them from outside.
-    bool underline = false;
-    bool overline = false;
-    bool lineThrough = false;
+    // Lines at a text: the style of the element that asked for them, which paints them; null: none.
+    std::shared_ptr<const Style> underline;
+    std::shared_ptr<const Style> overline;
+    std::shared_ptr<const Style> lineThrough;
     double dominantBaseline = 0; // above the alphabetic one, as part of the font size
     ImageFilter imageFilter = ImageFilter::Bilinear;
     bool linearFilters = true; // filter primitives work in linear light

@@ -69,11 +69,11 @@ TEST(SvgText, FontProperties)
         Style parent;
         parent.fontSize = 20;
         parent.fontWeight = 700;
-        parent.underline = true;
+        parent.underline = std::make_shared<const Style>();
         const Style style = parent.child(Properties(node, StyleSheet()), Viewport());
         EXPECT_EQ(style.fontSize, c.size) << c.css;
         EXPECT_EQ(style.fontWeight, c.weight) << c.css;
-        EXPECT_EQ(style.underline, c.underline) << c.css;
+        EXPECT_EQ(style.underline != nullptr, c.underline) << c.css;
     }
 }
 
@@ -297,6 +297,20 @@ TEST_F(SvgTextDrawing, CharactersStandAlongPaths)
     EXPECT_NEAR(after.right, boundsOf("<text x='40' y='30'>M</text>").right, 1);
     drawn("<text y='20'><textPath href='#none'>a</textPath></text>");
     EXPECT_EQ(shortcomings.size(), 1u);
+}
+
+// A line goes on under a span of another colour and size as the text began it.
+TEST_F(SvgTextDrawing, LinesLookAsWhereTheyWereAskedFor)
+{
+    const Picture picture =
+        drawn("<text x='5' y='40' font-size='32' fill='red' text-decoration='underline'>"
+              "l<tspan fill='blue' font-size='20'>HH</tspan>l</text>");
+    int red = 0;
+    for (int x = 6; x < 40; ++x) {
+        EXPECT_EQ(picture.at(x, 44) >> 16 & 0xFF, 0xFFu) << x; // nothing blue
+        red += picture.at(x, 44) == 0xFFFF0000 ? 1 : 0;
+    }
+    EXPECT_GT(red, 25); // but for where runs meet
 }
 
 // A gradient or pattern of one colour looks like that colour.
