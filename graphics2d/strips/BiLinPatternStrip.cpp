@@ -83,9 +83,9 @@ inline RowStep stepAt(const Mix& mix, const Pixel* upper, int32_t width)
 
 // Two pixels between the upper and the lower row; the results are the high bytes.
 template <class Mix>
-inline U16x8 mixedRows(U16x8 first, U16x8 second, U16x8 fraction)
+inline U16x8 mixedRows(U16x8 first, U16x8 second, U16x8 weights)
 {
-    return Mix::moved(lowerHalves(first, second), upperHalves(first, second), fraction >> 8);
+    return Mix::moved(lowerHalves(first, second), upperHalves(first, second), weights);
 }
 
 // The fractions of two pixels, the first in the lower lanes.
@@ -95,11 +95,42 @@ inline U16x8 fractionsOfTwo(const TexelAxis& axis)
     return all8(axis.fraction()) + (U16x8)U32x4{0, 0, step, step};
 }
 
+// The weights across of two pixels after the other, stepped.
+struct SteppedWeights {
+    U16x8 v; // fractions of two pixels
+    U16x8 step;
+
+    explicit SteppedWeights(const TexelAxis& axis)
+        : v(fractionsOfTwo(axis)), step(all8(fixFraction(axis.step())))
+    {
+    }
+    U16x8 next()
+    {
+        const U16x8 weights = v >> 8;
+        v += 2 * step;
+        return weights;
+    }
+    void goBack(int32_t pixels) { v -= step * static_cast<uint16_t>(pixels); }
+};
+
+// From an array, for fours of pixels, or always the same.
+struct PreparedWeights {
+    const U16x8* weights;
+    ptrdiff_t step; // 1 or 0
+
+    const U16x8& next()
+    {
+        const U16x8& now = *weights;
+        weights += step;
+        return now;
+    }
+    void goBack(int32_t) {}
+};
+
 // Interpolates count pixels, four at a time and at least four. texels.next() gives the RowStep of
-// one after the other, texels.goBack(pixels) returns to earlier ones. v are the fractions of two
-// pixels, vStep that of one.
-template <class Mix, class Texels>
-inline void mixPixels(const Mix& mix, const TexelAxis& axis, Texels texels, U16x8 v, U16x8 vStep,
+// one after the other, across.next() the weights of two; goBack(pixels) returns to earlier ones.
+template <class Mix, class Texels, class Weights>
+inline void mixPixels(const Mix& mix, const TexelAxis& axis, Texels texels, Weights across,
                       Pixel* out, int32_t count)
 {
     const U16x8 uStep = all8(fixFraction(axis.step()));
@@ -112,12 +143,10 @@ inline void mixPixels(const Mix& mix, const TexelAxis& axis, Texels texels, U16x
         };
         const auto nextTwo = [&] {
             const U16x8 first = nextRows();
-            return mixedRows<Mix>(first, nextRows(), v);
+            return mixedRows<Mix>(first, nextRows(), across.next());
         };
         const U16x8 firstTwo = nextTwo();
-        v += 2 * vStep;
         const U16x8 lastTwo = nextTwo();
-        v += 2 * vStep;
         store4(out, mix.finished(narrowHighBytes(firstTwo, lastTwo)));
         out += 4;
         count -= 4;
@@ -127,7 +156,7 @@ inline void mixPixels(const Mix& mix, const TexelAxis& axis, Texels texels, U16x
         const int32_t again = 4 - count;
         texels.goBack(again);
         u -= uStep * static_cast<uint16_t>(again);
-        v -= vStep * static_cast<uint16_t>(again);
+        across.goBack(again);
         out -= again;
         count = 4;
     }
@@ -173,32 +202,38 @@ struct PreparedTexels {
 // A call, to have the code once.
 template <class Mix>
 [[gnu::noinline]] void mixPrepared(const Mix& mix, const TexelAxis& axis,
-                                   const PreparedTexels& texels, U16x8 v, U16x8 vStep, Pixel* out,
-                                   int32_t count)
+                                   const PreparedTexels& texels, const PreparedWeights& across,
+                                   Pixel* out, int32_t count)
 {
-    mixPixels(mix, axis, texels, v, vStep, out, count);
+    mixPixels(mix, axis, texels, across, out, count);
 }
 
-// Texels from two rows, and no more of them than pixels: each is prepared once.
+// Texels from two rows, and no more of them than pixels: each is prepared once. At the image's ends
+// the outermost ones repeat.
 template <class Mix>
 void magnifyRows(const Mix& mix, PatternWalk walk, Pixel* out, int32_t count)
 {
     RowStep steps[kPrepared];
+    const U16x8 weights = all8(walk.v.fraction() >> 8);
+    const int32_t row = fixFloor(walk.v.position());
+    const int32_t below = row + 1 < walk.v.size() ? walk.width() : 0;
     while (count > 0) {
         // In pieces that leave no less than four pixels to the last.
         const int32_t length = count <= kPrepared ? count : kPrepared - 4;
         const TexelRange range(walk.u, length);
         const Pixel* upper = walk.row(walk.v.indexPosition()) + range.first;
-        const Pixel* lower = upper + walk.width();
+        const Pixel* lower = upper + below;
+        const int32_t last = walk.width() - 1 - range.first;
         U16x8 left = mix.prepared(widenLow(U32x4{upper[0], lower[0], 0, 0}));
         for (int32_t i = 0; i < range.count; ++i) {
-            const U16x8 right = mix.prepared(widenLow(U32x4{upper[i + 1], lower[i + 1], 0, 0}));
+            const int32_t next = i < last ? i + 1 : last;
+            const U16x8 right = mix.prepared(widenLow(U32x4{upper[next], lower[next], 0, 0}));
             steps[i] = Mix::between(left, right);
             left = right;
         }
         const PreparedTexels texels = {steps, static_cast<uint32_t>(range.start),
                                        static_cast<uint32_t>(walk.u.step())};
-        mixPrepared(mix, walk.u, texels, all8(walk.v.fraction()), U16x8{}, out, length);
+        mixPrepared(mix, walk.u, texels, {&weights, 0}, out, length);
         walk.advance(length);
         out += length;
         count -= length;
@@ -211,7 +246,10 @@ void sampleFew(const Mix& mix, PatternWalk walk, Pixel* out, int32_t count)
 {
     RowStep steps[kFewPixels] = {};
     Pixel pixels[kFewPixels];
-    const U16x8 v = fractionsOfTwo(walk.v);
+    U16x8 weights[kFewPixels / 2];
+    SteppedWeights across(walk.v);
+    for (U16x8& w : weights)
+        w = across.next();
     const TexelAxis uAxis = walk.u;
     for (int32_t i = 0; i < count; ++i) {
         Pixel texels[4];
@@ -220,8 +258,7 @@ void sampleFew(const Mix& mix, PatternWalk walk, Pixel* out, int32_t count)
         walk.advance(1);
     }
     const PreparedTexels texels = {steps, 0, kFixedOne};
-    mixPrepared(mix, uAxis, texels, v, all8(fixFraction(walk.v.step())), pixels,
-                count <= 4 ? 4 : 8);
+    mixPrepared(mix, uAxis, texels, {weights, 1}, pixels, count <= 4 ? 4 : 8);
     std::memcpy(out, pixels, static_cast<size_t>(count) * sizeof(Pixel));
 }
 
@@ -271,11 +308,10 @@ void samplePixels(const Mix& mix, const PatternWalk& walk, bool inside, Pixel* o
 {
     if constexpr (kLanes == 1) return sampleOneByOne(mix, walk, inside, out, count);
     if (!inside || count < 4) return sampleFew(mix, walk, out, count);
-    if (walk.v.step() == 0 && magnitudeOf(walk.u.step()) <= kFixedOne && count > kFewPixels)
+    if (walk.v.step() == 0 && magnitudeOf(walk.u.step()) <= kFixedOne)
         return magnifyRows(mix, walk, out, count);
     const TexelsInside<Mix> texels = {mix, walk, walk.u.indexPosition(), walk.v.indexPosition()};
-    mixPixels(mix, walk.u, texels, fractionsOfTwo(walk.v), all8(fixFraction(walk.v.step())), out,
-              count);
+    mixPixels(mix, walk.u, texels, SteppedWeights(walk.v), out, count);
 }
 
 void sampleBilinear(const PatternWalk& walk, bool inside, Pixel* out, uint32_t*, int32_t count)
@@ -291,7 +327,7 @@ void sampleRefinedBilinear(const PatternWalk& walk, bool inside, Pixel* out, uin
 
 // Half a texel to the corner, and half a weight so that fractions are rounded rather than cut.
 constexpr PatternFilter kBilinear = {
-    0, 1, sampleBilinear, nullptr, sampleRefinedBilinear, 0x80 - kFixedHalf, true, 0xFF00};
+    0, 1, 0, sampleBilinear, nullptr, sampleRefinedBilinear, 0x80 - kFixedHalf, true, 0xFF00};
 
 } // namespace
 

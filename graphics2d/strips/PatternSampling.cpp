@@ -57,10 +57,11 @@ const Pixel* copiedTexels(const PatternWalk& walk, const PatternFilter& filter, 
 void sample(PatternWalk& walk, const PatternFilter& filter, Pixel* colours, uint32_t* alphas,
             int32_t count)
 {
+    const int32_t after = walk.isMagnified() ? filter.afterMagnified : filter.after;
     const SampleTexels sampleTexels = walk.isRefined ? filter.sampleRefined : filter.sample;
     while (count > 0) {
-        int32_t length = walk.u.pixelsInside(filter.before, filter.after, count);
-        if (length > 0) length = walk.v.pixelsInside(filter.before, filter.after, length);
+        int32_t length = walk.u.pixelsInside(filter.before, after, count);
+        if (length > 0) length = walk.v.pixelsInside(filter.before, after, length);
         const bool inside = length > 0;
         if (!inside) length = count < kFewPixels ? count : kFewPixels;
         const Pixel* const texels = inside ? copiedTexels(walk, filter, length) : nullptr;

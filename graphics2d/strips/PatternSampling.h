@@ -122,6 +122,11 @@ struct PatternWalk {
     bool isEmpty() const { return pixels() == nullptr || u.size() == 0 || v.size() == 0; }
     const Pixel* pixels() const { return paint.patternImage.pixels; }
     int32_t width() const { return u.size(); }
+    // Upright, and no more texels than pixels from left to right.
+    bool isMagnified() const
+    {
+        return v.step() == 0 && static_cast<uint32_t>(u.step()) <= static_cast<uint32_t>(kFixedOne);
+    }
 
     // Inside the image, where no tap offsets are needed; they fit a pointer difference on every
     // host.
@@ -186,6 +191,7 @@ constexpr uint32_t kAlwaysMixes = 0x80000000u; // no bit of a coordinate inside 
 struct PatternFilter {
     int32_t before; // texels it reads before and after the one it points at
     int32_t after;
+    int32_t afterMagnified; // the same of a magnified walk
     SampleTexels sample;
     // Turns alphas into weights; moves the coverage on. Null when the colours have their alpha.
     void (*weigh)(PaintPiece& piece, CoverageSequence& coverage, int32_t count);

@@ -66,7 +66,7 @@ void sampleRefinedNearest(const PatternWalk& walk, bool inside, Pixel* out, uint
 }
 
 constexpr PatternFilter kNearest = {
-    0, 0, sampleNearest<false>, nullptr, sampleRefinedNearest, 0, false, 0};
+    0, 0, 0, sampleNearest<false>, nullptr, sampleRefinedNearest, 0, false, 0};
 
 } // namespace
 
