@@ -325,9 +325,13 @@ void sampleRefinedBilinear(const PatternWalk& walk, bool inside, Pixel* out, uin
     samplePixels(RefinedMix(walk.alpha), walk, inside, out, count);
 }
 
+// Only whole rows that are prepared repeat the image's last texels by themselves.
+constexpr int32_t kAfterMagnified = kLanes == 1 ? 1 : 0;
+
 // Half a texel to the corner, and half a weight so that fractions are rounded rather than cut.
 constexpr PatternFilter kBilinear = {
-    0, 1, 0, sampleBilinear, nullptr, sampleRefinedBilinear, 0x80 - kFixedHalf, true, 0xFF00};
+    0,    1,     kAfterMagnified, sampleBilinear, nullptr, sampleRefinedBilinear, 0x80 - kFixedHalf,
+    true, 0xFF00};
 
 } // namespace
 
