@@ -20,7 +20,6 @@ namespace {
 
 constexpr int32_t kBatch = kWeightBatch;
 constexpr int32_t kPrepared = 64; // pixels that columns are prepared for at once
-static_assert(kBatch == kFewPixels, "a few pixels are one batch");
 
 // Premultiplies the channels of two texels in turn.
 inline U16x8 premultipliedPairs(U16x8 channels)
@@ -150,8 +149,7 @@ void magnifyRows(PatternWalk walk, Pixel* colours, uint32_t* alphas, int32_t cou
 void sampleBicubic(const PatternWalk& walk, bool inside, Pixel* colours, uint32_t* alphas,
                    int32_t count)
 {
-    if (inside && walk.v.step() == 0 && magnitudeOf(walk.u.step()) <= kFixedOne &&
-        count > kFewPixels)
+    if (inside && walk.v.step() == 0 && magnitudeOf(walk.u.step()) <= kFixedOne && count > kBatch)
         return magnifyRows(walk, colours, alphas, count);
     PatternWalk at = walk;
     const bool premultiply = premultiplies(walk);

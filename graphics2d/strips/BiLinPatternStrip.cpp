@@ -240,25 +240,79 @@ void magnifyRows(const Mix& mix, PatternWalk walk, Pixel* out, int32_t count)
     }
 }
 
+// The texels around a pixel, row by row.
+using FourTexels = Pixel[4];
+
+// The taps 0 and 1 of an axis's next four pixels. False where an index is not the coordinate's
+// texel, or one is far away.
+inline bool findTaps(const TexelAxis& axis, U32x4 (&taps)[2])
+{
+    TexelAxis last = axis;
+    last.advance(3);
+    if (axis.position() != axis.distance() || last.position() != last.distance()) return false;
+    const U32x4 moved = U32x4{0, 1, 2, 3} * static_cast<uint32_t>(axis.step());
+    const auto texelsFrom = [=](Fixed position) {
+        return (I32x4)(moved + static_cast<uint32_t>(position)) >> 16;
+    };
+    const I32x4 texels = texelsFrom(axis.position());
+    if (axis.indexPosition() != axis.position() &&
+        !isZero((U32x4)(texels ^ texelsFrom(axis.indexPosition()))))
+        return false;
+    const auto inside = [&axis](I32x4 wanted) {
+        const I32x4 outermost = I32x4{} + (axis.size() - 1);
+        const I32x4 least = wanted & ~(wanted >> 31);
+        return (U32x4)(least < outermost ? least : outermost);
+    };
+    taps[0] = inside(texels);
+    taps[1] = inside(texels + 1);
+    return true;
+}
+
+// Finds the texels of pixels anywhere: fours of them, as many as hold count.
+[[gnu::noinline]] void takeTexels(PatternWalk walk, FourTexels* out, int32_t count)
+{
+    const Pixel* const pixels = walk.pixels();
+    const auto width = static_cast<uint32_t>(walk.width());
+    for (; count > 0; count -= 4, out += 4) {
+        U32x4 columns[2], rows[2];
+        if (!findTaps(walk.u, columns) || !findTaps(walk.v, rows)) {
+            for (int i = 0; i < 4; ++i, walk.advance(1))
+                walk.takeFourAnywhere(out[i]);
+            continue;
+        }
+        uint32_t indices[4][4]; // 32 bits count all texels of an image
+        const U32x4 upper = rows[0] * width;
+        const U32x4 lower = rows[1] * width;
+        store4(indices[0], upper + columns[0]);
+        store4(indices[1], upper + columns[1]);
+        store4(indices[2], lower + columns[0]);
+        store4(indices[3], lower + columns[1]);
+        for (int i = 0; i < 4; ++i) {
+            const Pixel texels[4] = {pixels[indices[0][i]], pixels[indices[1][i]],
+                                     pixels[indices[2][i]], pixels[indices[3][i]]};
+            std::memcpy(out[i], texels, sizeof texels);
+        }
+        walk.advance(4);
+    }
+}
+
 // A few pixels anywhere.
 template <class Mix>
-void sampleFew(const Mix& mix, PatternWalk walk, Pixel* out, int32_t count)
+void sampleFew(const Mix& mix, const PatternWalk& walk, Pixel* out, int32_t count)
 {
-    RowStep steps[kFewPixels] = {};
+    FourTexels texels[kFewPixels];
+    RowStep steps[kFewPixels];
     Pixel pixels[kFewPixels];
     U16x8 weights[kFewPixels / 2];
+    const int32_t whole = (count + 3) & ~3;
+    takeTexels(walk, texels, count);
     SteppedWeights across(walk.v);
-    for (U16x8& w : weights)
-        w = across.next();
-    const TexelAxis uAxis = walk.u;
-    for (int32_t i = 0; i < count; ++i) {
-        Pixel texels[4];
-        walk.takeFour(texels);
-        steps[i] = stepAt(mix, texels, 2);
-        walk.advance(1);
+    for (int32_t i = 0; i < whole; ++i) {
+        steps[i] = stepAt(mix, texels[i], 2);
+        if (i % 2 == 0) weights[i / 2] = across.next();
     }
-    const PreparedTexels texels = {steps, 0, kFixedOne};
-    mixPrepared(mix, uAxis, texels, {weights, 1}, pixels, count <= 4 ? 4 : 8);
+    const PreparedTexels prepared = {steps, 0, kFixedOne};
+    mixPrepared(mix, walk.u, prepared, {weights, 1}, pixels, whole);
     std::memcpy(out, pixels, static_cast<size_t>(count) * sizeof(Pixel));
 }
 

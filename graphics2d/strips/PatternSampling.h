@@ -151,17 +151,18 @@ struct PatternWalk {
     [[gnu::always_inline]] void takeFour(Pixel (&texels)[4]) const
     {
         int32_t columns[2], rows[2];
-        if (!u.hasShortTaps(columns) || !v.hasShortTaps(rows)) {
-            for (int i = 0; i < 4; ++i)
-                texels[i] = texelAt(u.tap(i % 2), v.tap(i / 2));
-            return;
-        }
+        if (!u.hasShortTaps(columns) || !v.hasShortTaps(rows)) return takeFourAnywhere(texels);
         const Pixel* const upper = row(fixFromInt(rows[0]));
         const Pixel* const lower = row(fixFromInt(rows[1]));
         texels[0] = upper[columns[0]];
         texels[1] = upper[columns[1]];
         texels[2] = lower[columns[0]];
         texels[3] = lower[columns[1]];
+    }
+    void takeFourAnywhere(Pixel (&texels)[4]) const
+    {
+        for (int i = 0; i < 4; ++i)
+            texels[i] = texelAt(u.tap(i % 2), v.tap(i / 2));
     }
 
     void advance(int32_t pixels)
@@ -183,7 +184,7 @@ struct PatternWalk {
 using SampleTexels = void (*)(const PatternWalk& walk, bool inside, Pixel* colours,
                               uint32_t* alphas, int32_t count);
 
-constexpr int32_t kFewPixels = 8;
+constexpr int32_t kFewPixels = 16;
 
 constexpr uint32_t kAlwaysMixes = 0x80000000u; // no bit of a coordinate inside an image
 
