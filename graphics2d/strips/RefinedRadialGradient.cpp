@@ -44,6 +44,7 @@ public:
     // alphas unless there are to be none.
     void write(const uint32_t* radii, Pixel* colours, uint32_t* alphas, int32_t count) const
     {
+        if constexpr (kLanes == 1) return writeOneByOne(radii, colours, alphas, count);
         for (int32_t i = 0; i < count; i += 8) {
             const U16x8 within = twice(mulHigh(scaled(radii + i), reciprocal_));
             const U16x8 rest = ~within;
@@ -65,6 +66,30 @@ public:
     }
 
 private:
+    // Without vector registers: a pixel after the other, and no more than count.
+    void writeOneByOne(const uint32_t* radii, Pixel* colours, uint32_t* alphas, int32_t count) const
+    {
+        const uint32_t reciprocal = reciprocal_[0];
+        const auto writeAll = [&](auto scaledDistance) {
+            for (int32_t i = 0; i < count; ++i) {
+                const uint32_t share = scaledDistance(radii[i] - low_) * reciprocal >> 16;
+                const uint32_t within = (share << 1 | share >> 14) & 0xFFFF;
+                const uint32_t rest = within ^ 0xFFFF;
+                const auto channel = [&](int k) {
+                    return (from_[k][0] * rest >> 16) + (to_[k][0] * within >> 16);
+                };
+                colours[i] = kOpaque | (channel(2) + 128) >> 8 << 16 |
+                             ((channel(1) + 128) & 0xFF00) | (channel(0) + 128) >> 8;
+                if (alphas != nullptr) alphas[i] = channel(3);
+            }
+        };
+        const int32_t shift = shift_;
+        if (shift >= 0)
+            writeAll([shift](uint32_t distance) { return distance >> shift & 0xFFFF; });
+        else
+            writeAll([shift](uint32_t distance) { return distance << -shift & 0xFFFF; });
+    }
+
     // Shares of the length from 15 to 16 bits.
     static U16x8 twice(U16x8 share) { return share << 1 | share >> 14; }
 
