@@ -144,7 +144,7 @@ private:
     {
         const Some sum = from * firstOf<Some>(rest_) + firstOf<Some>(share_);
         if constexpr (isRounded) return sum;
-        using SomeSigned = decltype(from < from);
+        using SomeSigned = decltype(Some{} < Some{});
         const Some raised = (Some)(firstOf<SomeSigned>(raiseBelow_) > (SomeSigned)from);
         return sum + (raised & firstOf<Some>(weight_));
     }

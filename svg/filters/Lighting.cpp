@@ -77,7 +77,9 @@ private:
         // dx and dy: -1 to 1
         int32_t at(int x, int dx, int dy) const
         {
-            return rows_[static_cast<size_t>(dy + 1)][static_cast<size_t>(x + dx - left_)];
+            const int row = dy + 1;
+            const int column = x + dx - left_;
+            return rows_[static_cast<size_t>(row)][static_cast<size_t>(column)];
         }
 
     private:
