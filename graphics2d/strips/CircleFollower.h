@@ -124,6 +124,8 @@ struct CircleFollower {
                          int32_t count);
 
 private:
+    // Where the processor has but a few, a product costs less than to keep it from pixel to pixel.
+    static constexpr bool kHasFewRegisters = sizeof(void*) < sizeof(uint64_t);
     static constexpr int32_t kGreatestGuess = 4;
     static constexpr Fixed kLeastR = 16 * kFixedOne;
     static constexpr Fixed kMostR = 2048 * kFixedOne;
@@ -184,26 +186,30 @@ inline int32_t CircleFollower::advanceByGuess(Colour& colour, Fixed low, Fixed h
     Fixed newR = r;
     Fixed newError = error;
     Fixed newChange = change;
-    int32_t i = 0;
-    while (i < count && static_cast<uint32_t>(newR - low) < static_cast<uint32_t>(high - low)) {
+    typename Colour::Mark* const begin = out;
+    typename Colour::Mark* const end = out + count;
+    while (out != end) {
         const int32_t due = wrapAdd(newError, newChange);
+        if (kFalling ? newR < low : newR >= high) break; // r goes one way
         const uint32_t size = static_cast<uint32_t>(kFalling ? wrapNeg(due) : due);
         if (size + slack > kGreatestError + slack) break;
         Fixed guessedR = newR + steps;
-        int32_t rest = kFalling ? due + cost : due - cost;
+        const int32_t guessed = kHasFewRegisters ? guess * (newR + guessedR) : cost;
+        int32_t rest = kFalling ? due + guessed : due - guessed;
         cost += 2 * guess * steps;
         // One more step when the rest is above 0, or while falling up to 1 - 2r.
         const int32_t more =
             allOnesIfNegative(kFalling ? rest + 2 * guessedR - kFixedOne - 1 : -rest);
         rest += more & (kFalling ? 2 * guessedR - kFixedOne : -2 * guessedR - kFixedOne);
-        guessedR += more & kUnit;
+        guessedR += kFalling ? -(more & kFixedOne) : more & kFixedOne;
         cost += more & (2 * guess * kUnit);
         if (static_cast<uint32_t>(-rest) >= static_cast<uint32_t>(2 * guessedR - kFixedOne)) break;
-        out[i++] = taken.mark();
+        *out++ = taken.mark();
         taken.advance(static_cast<uint32_t>(more));
         if (kFalling) { // half a step up to 1/4 - r
-            const int32_t half = allOnesIfNegative(rest + guessedR - kQuarter - 1);
-            rest += half & (guessedR - kQuarter);
+            const Fixed halfCost = guessedR - kQuarter;
+            const int32_t half = ~allOnesIfNegative(-rest - halfCost);
+            rest += half & halfCost;
             guessedR -= half & kFixedHalf;
             cost -= half & (guess * kFixedOne);
             taken.advanceHalf(static_cast<uint32_t>(half));
@@ -216,8 +222,9 @@ inline int32_t CircleFollower::advanceByGuess(Colour& colour, Fixed low, Fixed h
     r = newR;
     error = newError;
     change = newChange;
-    dx += i * kFixedOne;
-    return i;
+    const auto length = static_cast<int32_t>(out - begin);
+    dx += length * kFixedOne;
+    return length;
 }
 
 template <class Colour>

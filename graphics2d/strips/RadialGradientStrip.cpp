@@ -228,7 +228,8 @@ private:
             at_.direction = kFixedOne;
         }
         return mapChannels(segment.difference, [&](int32_t change) {
-            return wrapAdd(fixDiv(change, divisor), falling ? 1 : 0);
+            const bool isZero = change == 0 && divisor != 0;
+            return wrapAdd(isZero ? 0 : fixDiv(change, divisor), falling ? 1 : 0);
         });
     }
 
