@@ -35,22 +35,32 @@ template <class Blended>
 inline void blendRow(Pixel* pixels, const Pixel* others, const uint8_t* levels, int32_t count,
                      Blended blended)
 {
+    const auto few = [=](int32_t at) {
+        return blended(load<FewPixels>(pixels + at), load<FewPixels>(others + at),
+                       levelsOf<FewPixels>(levels + at));
+    };
+    // The last few overlap those before them, and come from what the pixels were.
+    FewPixels last = {};
+    const int32_t lastFew = count - kFewLanes;
+    const bool overlaps = lastFew > 0 && count % kFewLanes != 0;
+    if (overlaps) last = few(lastFew);
     int32_t i = 0;
     for (; i + kLanes <= count; i += kLanes)
         store(pixels + i, blended(load<PixelVector>(pixels + i), load<PixelVector>(others + i),
                                   levelsOf<PixelVector>(levels + i)));
-    for (; i < count; i += kFewLanes) {
-        Pixel lastPixels[kFewLanes] = {}, lastOthers[kFewLanes] = {};
-        uint8_t lastLevels[kFewLanes] = {};
-        const int32_t rest = std::min(count - i, kFewLanes);
-        std::copy_n(pixels + i, rest, lastPixels);
-        std::copy_n(others + i, rest, lastOthers);
-        std::copy_n(levels + i, rest, lastLevels);
-        storeFew(pixels + i,
-                 blended(load<FewPixels>(lastPixels), load<FewPixels>(lastOthers),
-                         levelsOf<FewPixels>(lastLevels)),
-                 rest);
-    }
+    for (; i <= lastFew; i += kFewLanes)
+        store(pixels + i, few(i));
+    if (overlaps) return store(pixels + lastFew, last);
+    if (i == count) return;
+    Pixel lastPixels[kFewLanes] = {}, lastOthers[kFewLanes] = {};
+    uint8_t lastLevels[kFewLanes] = {};
+    std::copy_n(pixels, count, lastPixels);
+    std::copy_n(others, count, lastOthers);
+    std::copy_n(levels, count, lastLevels);
+    storeFew(pixels,
+             blended(load<FewPixels>(lastPixels), load<FewPixels>(lastOthers),
+                     levelsOf<FewPixels>(lastLevels)),
+             count);
 }
 
 // Levels are looked at in blocks: where they are alike, as in most of many masks, one weight is

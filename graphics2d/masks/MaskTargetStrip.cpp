@@ -50,7 +50,8 @@ void drawRunIntoMask(MMContext2D& context)
         context.clipMask != nullptr ? maskRow(*context.clipMask, context.spanRow) : nullptr;
     const uint32_t alpha = maskAlpha(context);
     const auto add = [&](int32_t column, Coverage areaAndOpacity) {
-        uint32_t coverage = shareOfLevel(coarseCoverage(areaAndOpacity), alpha);
+        uint32_t coverage = coarseCoverage(areaAndOpacity);
+        if (alpha != kWholeLevel) coverage = shareOfLevel(coverage, alpha);
         if (clip != nullptr) coverage = shareOfLevel(coverage, clip[column]);
         addLevel(levels[column], coverage);
     };

@@ -30,7 +30,9 @@ constexpr uint32_t kHalfLevel = 128; // from which on a pixel that cannot be wei
 // is neither.
 int32_t endOfMixture(const MMContext2D& context, const uint8_t* levels, int32_t from, int32_t end)
 {
-    from = context.level->endOfLevel(levels, from, end, levels[from]); // often all are alike
+    // Often all are alike.
+    if (end - from > 1 && levels[from + 1] == levels[from])
+        from = context.level->endOfLevel(levels, from, end, levels[from]);
     for (uint64_t eight; end - from >= kLane; from += kLane) {
         std::memcpy(&eight, levels + from, sizeof eight);
         if (eight == 0 || eight == ~uint64_t{0}) return from;
