@@ -293,41 +293,6 @@ inline U16x8 mulHigh(U16x8 a, U16x8 b)
 #endif
 }
 
-// A number that all lanes are multiplied with, in as few registers as that takes.
-#if defined(__ARM_NEON)
-typedef uint16_t Factor __attribute__((vector_size(8)));
-
-inline U16x8 mulHigh(U16x8 a, Factor b)
-{
-    const auto v = (uint16x8_t)a;
-    const uint32x4_t low = vmull_lane_u16(vget_low_u16(v), (uint16x4_t)b, 0);
-#if defined(__aarch64__)
-    const uint32x4_t high = vmull_high_lane_u16(v, (uint16x4_t)b, 0);
-#else
-    const uint32x4_t high = vmull_lane_u16(vget_high_u16(v), (uint16x4_t)b, 0);
-#endif
-    return __builtin_shufflevector((U16x8)low, (U16x8)high, 1, 3, 5, 7, 9, 11, 13, 15);
-}
-#else
-using Factor = U16x8;
-#endif
-
-inline Factor factorOf(uint32_t v)
-{
-    return Factor{} + static_cast<uint16_t>(v);
-}
-
-// Of each two 16-bit numbers their upper bytes, rounded: the first number's below the other's.
-inline U16x8 roundedBytes(U16x8 low, U16x8 high)
-{
-#if defined(__ARM_NEON)
-    return (U16x8)vsliq_n_u16(vrshrq_n_u16((uint16x8_t)low, 8), vrshrq_n_u16((uint16x8_t)high, 8),
-                              8);
-#else
-    return (low + 128) >> 8 | ((high + 128) & 0xFF00);
-#endif
-}
-
 // a[0] * b[0] + a[1] * b[1] and so on; all below 2^15.
 inline U32x4 multiplyAddPairs(U16x8 a, U16x8 b)
 {
