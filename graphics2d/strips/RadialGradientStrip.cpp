@@ -48,8 +48,7 @@ public:
             const auto channel = [&](int k) {
                 return channelAfter(first, steps[i], k) + kChannelHalf;
             };
-            pixels[i] = kOpaque | (channel(kRed) & 0x00FF0000) | (channel(kGreen) >> 8 & 0xFF00) |
-                        (channel(kBlue) >> 16 & 0xFF);
+            pixels[i] = opaquePixels(channel(kRed), channel(kGreen), channel(kBlue));
         }
         if (!translucent_)
             pixels_ += count;

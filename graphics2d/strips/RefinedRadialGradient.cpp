@@ -321,8 +321,8 @@ private:
         for (; i + 8 <= count; i += 8) {
             const U32x4 a = load4(radii + i) - bounds.low;
             const U32x4 b = load4(radii + i + 4) - bounds.low;
-            const U64x2 signs = (U64x2)(a | b | (length - 1 - a) | (length - 1 - b));
-            if (((signs[0] | signs[1]) & 0x8000000080000000u) != 0) break;
+            const U32x4 signs = a | b | (length - 1 - a) | (length - 1 - b);
+            if (!isZero(signs & 0x80000000u)) break;
         }
         while (i < count && radii[i] - bounds.low < length)
             ++i;
