@@ -85,8 +85,8 @@ bool areAlike(const uint8_t* levels)
 int32_t tintAlike(Pixel* pixels, Tint tint, const uint8_t* levels, int32_t count)
 {
     const uint8_t level = *levels;
-    const auto blend =
-        RefinedBlend::flat(tint.source, refinedWeight(uint32_t{level} << 8, tint.opacity));
+    const FlatBlend<RefinedBlend, PixelVector> blend(
+        tint.source, refinedWeight(uint32_t{level} << 8, tint.opacity));
     int32_t i = 0;
     do {
         for (const int32_t end = i + kBlock; i < end; i += 2 * kLanes) {
@@ -104,7 +104,7 @@ void tintByLevels(Pixel* pixels, Tint tint, const uint8_t* levels, int32_t count
 {
     const auto blended = [=](auto from, auto, auto level) {
         const auto source = all<decltype(from)>(tint.source);
-        return RefinedBlend::blend(from, source, weighedAlphas(level << 8, tint.opacity));
+        return blendPixels<RefinedBlend>(from, source, weighedAlphas(level << 8, tint.opacity));
     };
     for (int32_t length; count > 0; pixels += length, levels += length, count -= length) {
         if (count >= kBlock && areAlike(levels)) {

@@ -34,7 +34,6 @@ struct ClassicMix {
     {
         return {left << 8, raisedDifference(left, right)};
     }
-    static U16x8 moved(U16x8 from, U16x8 to, U16x8 weight) { return moveToward(from, to, weight); }
     template <class Texels>
     static Texels prepared(Texels texels)
     {
@@ -60,7 +59,6 @@ struct RefinedMix {
     {
     }
     static RowStep between(U16x8 left, U16x8 right) { return {left << 8 | 128, right - left}; }
-    static U16x8 moved(U16x8 from, U16x8 to, U16x8 weight) { return moveRounded(from, to, weight); }
     template <class Texels>
     Texels prepared(Texels texels) const
     {
@@ -85,7 +83,7 @@ inline RowStep stepAt(const Mix& mix, const Pixel* upper, int32_t width)
 template <class Mix>
 inline U16x8 mixedRows(U16x8 first, U16x8 second, U16x8 weights)
 {
-    return Mix::moved(lowerHalves(first, second), upperHalves(first, second), weights);
+    return Mix::Rule::move(lowerHalves(first, second), upperHalves(first, second), weights);
 }
 
 // The fractions of two pixels, the first in the lower lanes.

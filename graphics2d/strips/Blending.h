@@ -60,6 +60,18 @@ inline Pixels blendLanes(Pixels destination, Pixels source, Pixels weights, Move
     return blendByPairs(destination, source, inBothHalves(weights), move);
 }
 
+// A pixel or a vector of them by a rule of those below.
+template <class Rule, class Pixels>
+inline Pixels blendPixels(Pixels destination, Pixels source, Pixels weights)
+{
+    if constexpr (sizeof(Pixels) > sizeof(Pixel))
+        return blendLanes(destination, source, weights, [](auto from, auto to, auto weight) {
+            return Rule::move(from, to, weight);
+        });
+    else
+        return blendPixel<Rule>(destination, source, weights);
+}
+
 // What a weight of 256 would move channels by: the difference, one higher above 128.
 template <class Lanes>
 inline Lanes raisedDifference(Lanes from, Lanes to)
@@ -114,19 +126,20 @@ inline Pixel blendPremultiplied(Pixel destination, Pixel source, uint32_t weight
            (((destination >> 8 & kEvenChannels) * rest + odd) & ~kEvenChannels);
 }
 
-// Many pixels of one colour and weight by either rule: d * (256 - w) + s * w + 128, or without the
-// 128 but plus w where d lies 128 below the colour's channel.
-template <class Pixels, bool isRounded>
+// --- Many pixels of one colour and weight -----------------------------------------------------
+
+// A vector of pixels by either rule: d * (256 - w) + s * w + 128, or without the 128 but plus w
+// where d lies 128 below the colour's channel. Takes shorter vectors as well.
+template <class Rule, class Pixels>
 class FlatBlend {
 public:
     FlatBlend(Pixel colour, uint32_t weight)
         : raiseBelow_((Signed)widenLow(all<Pixels>(colour)) - 128), weight_(same(weight)),
           rest_(same(256 - weight)),
-          share_(widenLow(all<Pixels>(colour)) * weight_ + same(isRounded ? 128 : 0))
+          share_(widenLow(all<Pixels>(colour)) * weight_ + same(Rule::kRounds ? 128 : 0))
     {
     }
 
-    // Takes fewer pixels as well.
     template <class Some>
     Some operator()(Some destination) const
     {
@@ -143,7 +156,7 @@ private:
     Some moved(Some from) const
     {
         const Some sum = from * firstOf<Some>(rest_) + firstOf<Some>(share_);
-        if constexpr (isRounded) return sum;
+        if constexpr (Rule::kRounds) return sum;
         using SomeSigned = decltype(Some{} < Some{});
         const Some raised = (Some)(firstOf<SomeSigned>(raiseBelow_) > (SomeSigned)from);
         return sum + (raised & firstOf<Some>(weight_));
@@ -154,6 +167,42 @@ private:
     Lanes rest_;
     Lanes share_;
 };
+
+// One pixel after the other.
+template <class Rule>
+class FlatBlend<Rule, Pixel> {
+public:
+    FlatBlend(Pixel colour, uint32_t weight) : colour_(colour), weight_(weight) {}
+
+    Pixel operator()(Pixel destination) const
+    {
+        return moved(destination, colour_) | moved(destination >> 8, colour_ >> 8) << 8;
+    }
+
+private:
+    uint32_t moved(uint32_t from, uint32_t to) const
+    {
+        return Rule::flatPair(from & kEvenChannels, to & kEvenChannels, weight_);
+    }
+
+    Pixel colour_;
+    uint32_t weight_;
+};
+
+// Blends pixels over those that lie kBackground to their right, from the index on as far as whole
+// vectors and then fewer pixels go; returns the index of the rest. A call, so that short spans need
+// none of it.
+template <class Rule, int32_t kBackground>
+[[gnu::noinline]] int32_t blendFlat(Pixel* pixels, int32_t i, int32_t end, Pixel colour,
+                                    uint32_t weight)
+{
+    const FlatBlend<Rule, PixelVector> blended(colour, weight);
+    for (; i + kLanes <= end; i += kLanes)
+        store(pixels + i, blended(load<PixelVector>(pixels + i + kBackground)));
+    for (; i + kFewLanes <= end; i += kFewLanes)
+        store(pixels + i, blended(load<FewPixels>(pixels + i + kBackground)));
+    return i;
+}
 
 // --- The classic rule ----------------------------------------------------------------------------
 
@@ -181,6 +230,7 @@ inline uint32_t roundedWeight(int32_t weight)
 // patterns, and a colour keeps its own alpha, toward which the target's is moved.
 struct ClassicBlend {
     static constexpr int32_t kBackground = 1; // pixels to the right
+    static constexpr bool kRounds = false;
 
     // Moves two channels from the destination's values toward the source's by weight / 256,
     // rounding toward minus infinity. Differences above 128 get one extra weight, so that a weight
@@ -195,33 +245,18 @@ struct ClassicBlend {
         return (((destination << 8) + (difference + raised) * weight) >> 8) & kEvenChannels;
     }
 
-    template <class Pixels>
-    static Pixels blend(Pixels destination, Pixels source, Pixels weights)
+    // The same, with all that the colour and the weight decide apart from the rest.
+    static uint32_t flatPair(uint32_t destination, uint32_t source, uint32_t weight)
     {
-        return blendLanes(destination, source, weights, [](auto from, auto to, auto weight) {
-            return moveToward(from, to, weight);
-        });
-    }
-    static Pixel blend(Pixel destination, Pixel source, uint32_t weight)
-    {
-        return blendPixel<ClassicBlend>(destination, source, weight);
+        const uint32_t limit = source + 0x017F017Fu, share = source * weight;
+        const uint32_t raised = ((limit - destination) >> 9) & 0x10001u;
+        return (destination * (256 - weight) + raised * weight + share) >> 8 & kEvenChannels;
     }
 
-    template <class Pixels = PixelVector>
-    static auto flat(Pixel colour, uint32_t weight)
+    template <class Lanes>
+    static Lanes move(Lanes from, Lanes to, Lanes weight)
     {
-        if constexpr (sizeof(Pixels) > sizeof(Pixel))
-            return FlatBlend<Pixels, false>(colour, weight);
-        else
-            return [=](Pixel destination) {
-                const auto moved = [weight](uint32_t from, uint32_t to) {
-                    const uint32_t limit = to + 0x017F017Fu, share = to * weight;
-                    const uint32_t raised = ((limit - from) >> 9) & 0x10001u;
-                    return (from * (256 - weight) + raised * weight + share) >> 8 & kEvenChannels;
-                };
-                return moved(destination & kEvenChannels, colour & kEvenChannels) |
-                       moved(destination >> 8 & kEvenChannels, colour >> 8 & kEvenChannels) << 8;
-            };
+        return moveToward(from, to, weight);
     }
 
     static Pixel sourceOf(Pixel colour) { return colour; }
@@ -283,6 +318,7 @@ inline uint16_t opacityWith(uint32_t opacity, uint32_t alpha)
 // weight, and moves the target's toward 255.
 struct RefinedBlend {
     static constexpr int32_t kBackground = 0;
+    static constexpr bool kRounds = true;
 
     static uint32_t pair(uint32_t destination, uint32_t source, uint32_t weight)
     {
@@ -291,32 +327,17 @@ struct RefinedBlend {
                kEvenChannels;
     }
 
-    template <class Pixels>
-    static Pixels blend(Pixels destination, Pixels source, Pixels weights)
+    // The same, with all that the colour and the weight decide apart from the rest.
+    static uint32_t flatPair(uint32_t destination, uint32_t source, uint32_t weight)
     {
-        return blendLanes(destination, source, weights, [](auto from, auto to, auto weight) {
-            return moveRounded(from, to, weight);
-        });
-    }
-    static Pixel blend(Pixel destination, Pixel source, uint32_t weight)
-    {
-        return blendPixel<RefinedBlend>(destination, source, weight);
+        const uint32_t share = source * weight + 0x00800080u;
+        return (destination * (256 - weight) + share) >> 8 & kEvenChannels;
     }
 
-    template <class Pixels = PixelVector>
-    static auto flat(Pixel colour, uint32_t weight)
+    template <class Lanes>
+    static Lanes move(Lanes from, Lanes to, Lanes weight)
     {
-        if constexpr (sizeof(Pixels) > sizeof(Pixel))
-            return FlatBlend<Pixels, true>(colour, weight);
-        else
-            return [=](Pixel destination) {
-                const auto moved = [weight](uint32_t from, uint32_t to) {
-                    const uint32_t share = to * weight + 0x00800080u;
-                    return (from * (256 - weight) + share) >> 8 & kEvenChannels;
-                };
-                return moved(destination & kEvenChannels, colour & kEvenChannels) |
-                       moved(destination >> 8 & kEvenChannels, colour >> 8 & kEvenChannels) << 8;
-            };
+        return moveRounded(from, to, weight);
     }
 
     static Pixel sourceOf(Pixel colour) { return colour | kOpaque; }

@@ -81,8 +81,8 @@ void drawStraight(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, int32_t 
         const uint32_t opacity = coarseCoverage(run.coverage.current());
         run.blendBy(count, [&](auto backgrounds, int32_t i) {
             const auto colours = load<decltype(backgrounds)>(piece.colours + i);
-            return RefinedBlend::blend(backgrounds, colours | kOpaque,
-                                       weighedAlphas(colours >> 24 << 8, opacity));
+            return blendPixels<RefinedBlend>(backgrounds, colours | kOpaque,
+                                             weighedAlphas(colours >> 24 << 8, opacity));
         });
         run.coverage.advance(count);
         return;

@@ -14,20 +14,6 @@ inline namespace MM2D_LEVEL {
 
 namespace {
 
-// Blends vectors of pixels from the index on; returns the index of the rest. A call, so
-// that short spans need none of it.
-template <class Rule>
-[[gnu::noinline]] int32_t blendFlat(Pixel* pixels, int32_t i, int32_t end, Pixel colour,
-                                    uint32_t weight)
-{
-    const auto blend = Rule::flat(colour, weight);
-    for (; i + kLanes <= end; i += kLanes)
-        store(pixels + i, blend(load<PixelVector>(pixels + i)));
-    for (; i + kFewLanes <= end; i += kFewLanes)
-        store(pixels + i, blend(load<FewPixels>(pixels + i)));
-    return i;
-}
-
 template <class Colour>
 [[gnu::always_inline]] inline void drawTranslucentColour(MMContext2D& context)
 {
@@ -43,7 +29,7 @@ template <class Colour>
         Coverage next = wrapSub(context.spanCoverageNext, step); // of the pixel before
         for (int32_t i = 0; i < count; ++i) {
             const uint32_t weight = colour.weightOf(coverage);
-            if (i == flatFrom) i = blendFlat<Rule>(pixels, i, count, colour.source, weight);
+            if (i == flatFrom) i = blendFlat<Rule, 0>(pixels, i, count, colour.source, weight);
             if (i == count) break;
             pixels[i] = blendPixel<Rule>(pixels[i], colour.source, weight);
             coverage = next = wrapAdd(next, step);

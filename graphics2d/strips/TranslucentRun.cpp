@@ -65,14 +65,8 @@ void TranslucentRun<Rule>::drawFlat(Pixel colour, uint32_t weight, int32_t count
 {
     const int32_t pairs = pixelsWithBackground(count);
     int32_t i = 0;
-    if (pairs >= kFewLanes) {
-        const auto blended = Rule::flat(colour, weight);
-        Pixel* const to = pixels_; // a copy: a store of pixels may alias the member
-        for (; i + kLanes <= pairs; i += kLanes)
-            store(to + i, blended(load<PixelVector>(to + i + Rule::kBackground)));
-        for (; i + kFewLanes <= pairs; i += kFewLanes)
-            store(to + i, blended(load<FewPixels>(to + i + Rule::kBackground)));
-    }
+    if (pairs >= kFewLanes)
+        i = blendFlat<Rule, Rule::kBackground>(pixels_, 0, pairs, colour, weight);
     for (; i < count; ++i)
         pixels_[i] =
             blendPixel<Rule>(pixels_[i < pairs ? i + Rule::kBackground : i], colour, weight);

@@ -51,7 +51,7 @@ public:
     {
         blendBy(count, [=](auto backgrounds, int32_t i) {
             const auto sources = load<decltype(backgrounds)>(colours + i);
-            return Rule::blend(backgrounds, sources, weightsOf(sources, i));
+            return blendPixels<Rule>(backgrounds, sources, weightsOf(sources, i));
         });
     }
 

@@ -49,8 +49,7 @@ inline U16x8 scaleChannels(U16x8 channels, U16x8 factor)
 struct BufferBlend {
     static U16x8 two(U16x8 background, U16x8 colour, U16x8 coverage)
     {
-        const U16x8 alpha = __builtin_shufflevector(colour, colour, 3, 3, 3, 3, 7, 7, 7, 7);
-        const U16x8 rest = 255 - byteProduct(alpha, coverage);
+        const U16x8 rest = 255 - byteProduct(alphasOf(colour), coverage);
         const U16x8 sum = scaleChannels(colour, coverage) + scaleChannels(background, rest);
         return (sum | (U16x8)(sum > 255)) << 8;
     }
@@ -71,16 +70,6 @@ struct RefinedBufferBlend {
         return movePremultiplied(background, colour, weight);
     }
 };
-
-// coverages: of the four pixels, each twice.
-template <class Blend>
-inline U32x4 blendFour(U32x4 background, U32x4 colour, U32x4 coverages)
-{
-    const U16x8 first = (U16x8)__builtin_shufflevector(coverages, coverages, 0, 0, 1, 1);
-    const U16x8 last = (U16x8)__builtin_shufflevector(coverages, coverages, 2, 2, 3, 3);
-    return narrowHighBytes(Blend::two(widenLow(background), widenLow(colour), first),
-                           Blend::two(widenHigh(background), widenHigh(colour), last));
-}
 
 // The four bytes from there, 0 from end on.
 inline uint32_t fourBytes(const uint8_t* bytes, const uint8_t* end)
@@ -273,11 +262,9 @@ inline void GlyphCompositor::compositeRow(const Box& box, int32_t y, const Meeti
         } else {
             coverage = __builtin_shufflevector(coverage, coverage, 4, 5, 6, 7, 4, 5, 6, 7);
         }
-        storeFirst(pixels,
-                   blendFour<Blend>(
-                       background, coloursAt(i),
-                       (U32x4)__builtin_shufflevector(coverage, coverage, 0, 0, 1, 1, 2, 2, 3, 3)),
-                   count);
+        const U32x4 pairs = zipLow(coverage, coverage);
+        const auto over = [](U16x8 from, U16x8 to, U16x8 by) { return Blend::two(from, to, by); };
+        storeFirst(pixels, blendByPairs(background, coloursAt(i), pairs, over), count);
         pixels += kPiece;
     }
 }

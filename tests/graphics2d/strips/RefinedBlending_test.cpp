@@ -36,7 +36,7 @@ TEST(RefinedBlending, MovesEveryByteTowardEveryByte)
 {
     for (uint32_t weight = 0; weight <= 256; ++weight)
         for (uint32_t source = 0; source <= 255; source += weight % 8 == 0 ? 1 : 17) {
-            const auto flat = RefinedBlend::flat(source * 0x01010101u, weight);
+            const FlatBlend<RefinedBlend, PixelVector> flat(source * 0x01010101u, weight);
             uint32_t previous = 0;
             for (uint32_t byte = 0; byte <= 255; ++byte) {
                 const uint32_t moved =
@@ -46,7 +46,8 @@ TEST(RefinedBlending, MovesEveryByteTowardEveryByte)
                 ASSERT_GE(moved, previous);
                 previous = moved;
                 const U32x4 to = all4(source * 0x01010101u), from = all4(byte * 0x01010101u);
-                ASSERT_EQ(RefinedBlend::blend(from, to, all4(weight))[1], moved * 0x01010101u);
+                ASSERT_EQ(blendPixels<RefinedBlend>(from, to, all4(weight))[1],
+                          moved * 0x01010101u);
                 ASSERT_EQ(firstOf<Pixel>(flat(firstOf<FewPixels>(from))), moved * 0x01010101u);
             }
         }
