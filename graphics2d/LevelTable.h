@@ -41,6 +41,7 @@ struct LevelTable {
     int32_t (*endOfLevel)(const uint8_t* levels, int32_t from, int32_t end, uint8_t level);
     void (*blendNormal)(Pixel* target, const Pixel* layer, const uint8_t* levels, uint32_t opacity,
                         int32_t count);
+    MMPaintFunction uprightTiles; // of sources/TileRows.h
 #endif
 };
 

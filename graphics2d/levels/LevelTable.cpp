@@ -8,6 +8,7 @@
 #include "graphics2d/layers/NormalRow.h"
 #include "graphics2d/masks/LevelBlending.h"
 #include "graphics2d/masks/LevelRuns.h"
+#include "graphics2d/sources/TileRows.h"
 #endif
 
 namespace KAVO {
@@ -33,6 +34,7 @@ const LevelTable kLevelTable = {
     moveByLevels,
     endOfLevel,
     blendNormal,
+    writeUprightTiles,
 #endif
 };
 

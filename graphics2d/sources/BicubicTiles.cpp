@@ -7,6 +7,7 @@
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 namespace {
 
@@ -79,5 +80,6 @@ void writeBicubicTiles(const void* state, int32_t row, int32_t column, int32_t c
     }
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

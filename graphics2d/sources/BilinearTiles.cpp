@@ -8,6 +8,7 @@
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 namespace {
 
@@ -149,5 +150,6 @@ void writeBilinearTiles(const void* state, int32_t row, int32_t column, int32_t 
     }
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

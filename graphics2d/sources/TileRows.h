@@ -2,17 +2,23 @@
 // The functions that tiles are drawn by, and their walk through the image. Internal.
 #pragma once
 
+#include "graphics2d/Level.h"
 #include "graphics2d/sources/MMTileSource.h"
 
 #include <cstddef>
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_LEVEL {
 
 constexpr int32_t kTexelBits = 28; // of a coordinate's fraction
 
 // Texels are those of the whole part of a coordinate ...
 void writeNearestTiles(const void* state, int32_t row, int32_t column, int32_t count,
+                       Pixel* pixels);
+
+// ... likewise, where a row of pixels meets one row of texels ...
+void writeUprightTiles(const void* state, int32_t row, int32_t column, int32_t count,
                        Pixel* pixels);
 
 // ... and those of the next one, by the upper 8 bits of the fraction ...
@@ -104,5 +110,6 @@ inline const Pixel* tileRow(const MMTileSource& source, int64_t y)
     return source.pixels + static_cast<ptrdiff_t>(source.rowLength) * static_cast<ptrdiff_t>(y);
 }
 
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // From an image and a transform to the fields that rows of tiles read.
+#include "graphics2d/LevelTable.h"
 #include "graphics2d/sources/AffineForm.h"
 #include "graphics2d/sources/TileRows.h"
 
@@ -70,6 +71,8 @@ Filter filterOf(MMPatternFilter filter)
     source.rowLength = std::max<uint32_t>(image.rowBytes / sizeof(Pixel), image.width);
     source.alphaBits = hasAlpha ? 0 : 0xFF000000;
     paint.sourceFunction = chosen.function;
+    if (chosen.function == writeNearestTiles && source.down.texels.perColumn == 0)
+        paint.sourceFunction = chooseLevel()->uprightTiles;
     paint.sourceState = &source;
     paint.sourceIsOpaque = hasAlpha ? 0 : 1;
 }

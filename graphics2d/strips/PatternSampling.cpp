@@ -3,7 +3,7 @@
 #include "graphics2d/strips/PatternSampling.h"
 
 #include "graphics2d/strips/PieceBlending.h"
-
+#include "graphics2d/strips/TexelCopy.h"
 #include "math/Points.h"
 
 namespace KAVO {
@@ -159,10 +159,6 @@ void drawTranslucent(MMContext2D& context, const PatternFilter& filter, PatternW
         count = 1;
     } while (run.takeTail());
 }
-
-} // namespace
-
-namespace {
 
 // Most images are upright and at their own size. The texels of a span that copies such a one, found
 // without a walk; null for all others. Under a scale of 1.0, or of one unit less, the centre of

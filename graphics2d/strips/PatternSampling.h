@@ -210,9 +210,6 @@ struct PatternFilter {
 // The strip fillers, in both modes.
 void drawPattern(MMContext2D& context, const PatternFilter& filter, bool translucent);
 
-// Copies texels that follow each other, as they are or opaque.
-void copyTexels(const Pixel* texels, Pixel* out, int32_t count, bool makeOpaque);
-
 } // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+#include "graphics2d/strips/TexelCopy.h"
+
+#include "graphics2d/strips/Blending.h"
+#include "graphics2d/strips/Span.h"
+
+namespace KAVO {
+namespace Graphics2D {
+inline namespace MM2D_LEVEL {
+
+void copyTexels(const Pixel* texels, Pixel* out, int32_t count, bool makeOpaque)
+{
+#if !defined(__ARM_NEON) || defined(__aarch64__) // elsewhere the C library takes more instructions
+    if (!makeOpaque) {
+        std::memcpy(out, texels, static_cast<size_t>(count) * sizeof(Pixel));
+        return;
+    }
+#endif
+    const Pixel alphaBits = makeOpaque ? kOpaque : 0;
+#if defined(__ARM_NEON)
+    for (; count >= 16; count -= 16) {
+        U32x4 fours[4];
+#pragma GCC unroll 4
+        for (U32x4& four : fours) {
+            four = load4(texels) | alphaBits;
+            texels = behindFour(texels);
+        }
+#pragma GCC unroll 4
+        for (const U32x4 four : fours)
+            out = storedNext(out, four);
+    }
+#endif
+    int32_t i = 0;
+    for (; i + kLanes <= count; i += kLanes)
+        store(out + i, load<PixelVector>(texels + i) | alphaBits);
+    if (i != count && count > kLanes) { // what is left, with some of those before it once more
+        i = count - kLanes;
+        store(out + i, load<PixelVector>(texels + i) | alphaBits);
+        return;
+    }
+    for (; i < count; ++i)
+        out[i] = texels[i] | alphaBits;
+}
+
+} // namespace MM2D_LEVEL
+} // namespace Graphics2D
+} // namespace KAVO
