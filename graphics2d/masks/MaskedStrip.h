@@ -35,9 +35,5 @@ StripFiller maskedEdgeFiller(const MMContext2D& context);
 void drawSpanIntoMask(MMContext2D& context);
 void drawRunIntoMask(MMContext2D& context);
 
-// The same into a layer by the refined rules and without masks: clears no more than it must.
-void drawSpanIntoLayer(MMContext2D& context);
-void drawRunIntoLayer(MMContext2D& context);
-
 } // namespace Graphics2D
 } // namespace KAVO

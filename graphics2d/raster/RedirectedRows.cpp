@@ -7,18 +7,46 @@
 namespace KAVO {
 namespace Graphics2D {
 
+namespace {
+
+// Into a layer by the refined rules and without masks: what lies under a span is cleared just
+// before, while it is at hand, and not where the paint hides it.
+void drawSpanIntoLayer(MMContext2D& context)
+{
+    const SpanFiller& own = context.ownFillers->span;
+    const int32_t first = fixFloor(context.spanStart);
+    const int32_t end = fixFloor(context.spanEnd);
+    if (first >= end) return;
+    const bool hides = context.currentPaint.paintType == kPaintSolid && !own.flatCoverage;
+    prepareColumns(*context.layer, context.spanRow, first, end, hides);
+    drawSpan(context, own);
+}
+
+void drawRunIntoLayer(MMContext2D& context)
+{
+    const StripFiller own = context.ownFillers->edge;
+    if (own == nullptr) return;
+    const int32_t first = fixFloor(context.spanStart);
+    const int32_t end = fixFloor(context.spanEnd) + (context.spanTailCoverage > 0 ? 1 : 0);
+    if (first < end) prepareColumns(*context.layer, context.spanRow, first, end, false);
+    own(context);
+}
+
+} // namespace
+
 void RowPainter::redirect()
 {
     if (!draws()) return;
     own_ = {span_, anyEdge_};
     context_.ownFillers = &own_;
-    if (!usesMasks(context_) && context_.refined != 0) {
+    const bool isMasked = usesMasks(context_);
+    if (!isMasked && context_.refined != 0) {
         span_ = {drawSpanIntoLayer, false};
         anyEdge_ = drawRunIntoLayer;
         return;
     }
     prepareTarget(context_, visible_);
-    if (!usesMasks(context_)) return;
+    if (!isMasked) return;
     span_ = {maskedSpanFiller(context_), false};
     anyEdge_ = maskedEdgeFiller(context_);
     edgeIgnoresCoverage_ = context_.currentPaint.paintType == kPaintPicking ||
