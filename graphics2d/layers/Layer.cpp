@@ -7,6 +7,7 @@
 #include "graphics2d/Redirection.h"
 #include "graphics2d/layers/BlendRow.h"
 #include "graphics2d/masks/LevelBlending.h"
+#include "graphics2d/masks/MaskedStrip.h"
 #include "graphics2d/strips/Blending.h"
 
 #include <algorithm>
@@ -28,30 +29,19 @@ int32_t sideOf(int32_t from, int32_t to)
 }
 
 // The levels of columns of a row through up to two masks; null where all are 255.
-const uint8_t* levelsOf(const MMMask* a, const MMMask* b, int32_t row, int32_t first, int32_t count,
-                        uint8_t* levels)
+const uint8_t* levelsOf(const LevelTable& code, const MMMask* a, const MMMask* b, int32_t row,
+                        int32_t first, int32_t count, uint8_t* levels)
 {
     if (a == nullptr && b == nullptr) return nullptr;
     if (a == nullptr || b == nullptr) {
         const uint8_t* const some = maskRow(a != nullptr ? *a : *b, row) + first;
-        const auto isWhole = [](uint8_t level) { return level == 255; };
-        return std::all_of(some, some + count, isWhole) ? nullptr : some;
+        return code.endOfLevel(some, 0, count, kWholeLevel) == count ? nullptr : some;
     }
     const uint8_t* const one = maskRow(*a, row) + first;
     const uint8_t* const other = maskRow(*b, row) + first;
     for (int32_t i = 0; i < count; ++i)
         levels[i] = static_cast<uint8_t>(shareOfLevel(one[i], other[i]));
     return levels;
-}
-
-// Draws the alphas of a layer's pixels over the levels of a mask, as far as other levels let them.
-void addAlphas(uint8_t* to, const Pixel* drawn, const uint8_t* levels, uint32_t opacity,
-               int32_t count)
-{
-    for (int32_t i = 0; i < count; ++i) {
-        const uint32_t coverage = opacityWith(opacity, drawn[i] >> 24);
-        addLevel(to[i], levels != nullptr ? shareOfLevel(coverage, levels[i]) : coverage);
-    }
 }
 
 } // namespace
@@ -168,7 +158,7 @@ void MMLayer::composeRow(int32_t row, int32_t first, int32_t end)
         next = std::min(end, first + kPieceLevels);
         const int32_t count = next - first;
         const uint8_t* const levels =
-            levelsOf(clipMask_, options_.mask, row, first, count, combined);
+            levelsOf(*context_.level, clipMask_, options_.mask, row, first, count, combined);
         const Pixel* const from = drawn + (first - left());
         if (maskTarget_ != nullptr) {
             addAlphas(maskRow(*maskTarget_, row) + first, from, levels, options_.opacity, count);

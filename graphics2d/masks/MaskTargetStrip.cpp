@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Spans drawn into a mask: whatever the paint, its coverage times its opacity.
+// Spans drawn into a mask: whatever the paint, its coverage times its opacity; and rows of layers.
 #include "graphics2d/masks/LevelBlending.h"
 #include "graphics2d/masks/MaskedStrip.h"
 #include "graphics2d/strips/Span.h"
@@ -62,6 +62,15 @@ void drawRunIntoMask(MMContext2D& context)
         coverage.advance(1);
     }
     if (context.spanTailCoverage > 0) add(end, context.spanTailCoverage);
+}
+
+void addAlphas(uint8_t* to, const Pixel* drawn, const uint8_t* levels, uint32_t opacity,
+               int32_t count)
+{
+    for (int32_t i = 0; i < count; ++i) {
+        const uint32_t coverage = opacityWith(opacity, drawn[i] >> 24);
+        addLevel(to[i], levels != nullptr ? shareOfLevel(coverage, levels[i]) : coverage);
+    }
 }
 
 } // namespace Graphics2D

@@ -35,5 +35,10 @@ StripFiller maskedEdgeFiller(const MMContext2D& context);
 void drawSpanIntoMask(MMContext2D& context);
 void drawRunIntoMask(MMContext2D& context);
 
+// Draws the alphas of a layer's pixels by an opacity over the levels of a mask, as far as other
+// levels, if there are any, let them.
+void addAlphas(uint8_t* to, const Pixel* drawn, const uint8_t* levels, uint32_t opacity,
+               int32_t count);
+
 } // namespace Graphics2D
 } // namespace KAVO
