@@ -32,8 +32,8 @@ inline Pixels movedByLevels(Pixels from, Pixels to, Pixels levels)
 
 // Replaces pixels by blended(pixels, others, levels), a vector at a time.
 template <class Blended>
-inline void blendRow(Pixel* pixels, const Pixel* others, const uint8_t* levels, int32_t count,
-                     Blended blended)
+inline void blendByLevels(Pixel* pixels, const Pixel* others, const uint8_t* levels, int32_t count,
+                          Blended blended)
 {
     const auto few = [=](int32_t at) {
         return blended(load<FewPixels>(pixels + at), load<FewPixels>(others + at),
@@ -111,15 +111,15 @@ void tintByLevels(Pixel* pixels, Tint tint, const uint8_t* levels, int32_t count
             length = tintAlike(pixels, tint, levels, count);
         } else {
             length = std::min(count, kBlock);
-            blendRow(pixels, pixels, levels, length, blended);
+            blendByLevels(pixels, pixels, levels, length, blended);
         }
     }
 }
 
 void moveByLevels(Pixel* pixels, const Pixel* drawn, const uint8_t* levels, int32_t count)
 {
-    blendRow(pixels, drawn, levels, count,
-             [](auto from, auto to, auto level) { return movedByLevels(from, to, level); });
+    blendByLevels(pixels, drawn, levels, count,
+                  [](auto from, auto to, auto level) { return movedByLevels(from, to, level); });
 }
 
 } // namespace MM2D_LEVEL
