@@ -13,7 +13,7 @@ inline namespace MM2D_LEVEL {
 enum class TexelAlpha { kKept, kPremultiplied, kMadeWhole };
 
 // Blends the first count pixels of a piece by the run's coverage, which moves on. Colours are read
-// up to the next multiple of four.
+// to the end of the last vector.
 void blendRefined(TranslucentRun<RefinedBlend>& run, TexelAlpha alpha, PaintPiece& piece,
                   int32_t count);
 

@@ -45,7 +45,7 @@ public:
     void drawPiece(const PaintPiece& piece, int32_t count);
 
     // The same with the weights of weightsOf(colours, i), a vector at a time. Colours and weights
-    // are read up to the next multiple of four.
+    // are read to the end of the last few pixels.
     template <class WeightsOf>
     void blend(const Pixel* colours, WeightsOf weightsOf, int32_t count)
     {
