@@ -206,7 +206,7 @@ void sampleRefinedBicubic(const PatternWalk& walk, bool inside, Pixel* colours, 
 }
 
 constexpr PatternFilter kBicubic = {
-    1, 2, 2, sampleBicubic, weighBySums, sampleRefinedBicubic, -kFixedHalf, true, kAlwaysMixes};
+    1, 2, 2, sampleBicubic, weighBySums, sampleRefinedBicubic, -kFixedHalf, kAlwaysMixes};
 
 } // namespace
 

@@ -382,8 +382,8 @@ constexpr int32_t kAfterMagnified = kLanes == 1 ? 1 : 0;
 
 // Half a texel to the corner, and half a weight so that fractions are rounded rather than cut.
 constexpr PatternFilter kBilinear = {
-    0,    1,     kAfterMagnified, sampleBilinear, nullptr, sampleRefinedBilinear, 0x80 - kFixedHalf,
-    true, 0xFF00};
+    0,     1, kAfterMagnified, sampleBilinear, nullptr, sampleRefinedBilinear, 0x80 - kFixedHalf,
+    0xFF00};
 
 } // namespace
 

@@ -121,7 +121,7 @@ TexelPoint startOf(const MMContext2D& context, const PatternFilter& filter)
                     filter.refinedOffset};
     Fixed x = context.spanStart;
     Fixed y = fixFromInt(context.spanRow);
-    if (!filter.mixes) {
+    if (!filter.mixes()) {
         x = wrapAdd(x & ~0xFFFF, kFixedHalf);
         y = wrapAdd(y, kFixedHalf);
     }
@@ -172,7 +172,7 @@ inline const Pixel* texelsOfSpan(const MMContext2D& context, const PatternFilter
     const uint32_t vShortfall = static_cast<uint32_t>(kFixedOne) - static_cast<uint32_t>(m.d);
     if ((uShortfall | vShortfall) > 1 || (m.b | m.c) != 0) return nullptr;
     const bool isRefined = context.refined != 0;
-    if (filter.mixes && !isRefined) return nullptr;
+    if (filter.mixes() && !isRefined) return nullptr;
 
     const auto column = static_cast<uint32_t>(fixFloor(context.spanStart));
     const auto row = static_cast<uint32_t>(context.spanRow);
@@ -198,7 +198,7 @@ inline const Pixel* texelsOfSpan(const MMContext2D& context, const PatternFilter
         return sample(walk, filter, spanFirstPixel(context), nullptr, spanLength(context));
     if (!walk.isRefined) return drawTranslucent<ClassicBlend>(context, filter, walk);
     if (paint.patternHasAlpha != 0)
-        walk.alpha = filter.mixes ? TexelAlpha::kPremultiplied : TexelAlpha::kKept;
+        walk.alpha = filter.mixes() ? TexelAlpha::kPremultiplied : TexelAlpha::kKept;
     drawTranslucent<RefinedBlend>(context, filter, walk);
 }
 

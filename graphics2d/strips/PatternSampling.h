@@ -200,11 +200,11 @@ struct PatternFilter {
     // By the refined rules all colours have the alpha that the walk says.
     SampleTexels sampleRefined;
     Fixed refinedOffset; // from a pixel's centre to the point whose whole part is the texel
-    bool mixes;          // several texels into one colour
 
-    // Bits of the coordinates' fractions by which it does: where they are 0, one texel per pixel is
-    // a copy. kAlwaysMixes: never.
+    // Bits of the coordinates' fractions by which it mixes several texels into one colour: where
+    // they are 0, one texel per pixel is a copy. kAlwaysMixes: never.
     uint32_t mixingBits;
+    constexpr bool mixes() const { return mixingBits != 0; }
 };
 
 // The strip fillers, in both modes.

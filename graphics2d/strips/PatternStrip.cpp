@@ -65,8 +65,8 @@ void sampleRefinedNearest(const PatternWalk& walk, bool inside, Pixel* out, uint
     sampleNearest<false>(walk, inside, out, alphas, count);
 }
 
-constexpr PatternFilter kNearest = {
-    0, 0, 0, sampleNearest<false>, nullptr, sampleRefinedNearest, 0, false, 0};
+constexpr PatternFilter kNearest = {0, 0, 0, sampleNearest<false>, nullptr, sampleRefinedNearest,
+                                    0, 0};
 
 } // namespace
 
