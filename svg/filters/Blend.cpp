@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 // The blend modes of CSS in 16 bits.
 #include "svg/filters/Effect.h"
+#include "svg/filters/Remembering.h"
+
+#include <utility>
+
 namespace KAVO {
 namespace Svg {
 
@@ -130,19 +134,12 @@ public:
     void apply(const std::vector<const FilterImage*>& inputs, FilterImage& result) const override
     {
         const PixelArea& area = result.area();
-        Texel lastAbove = {}; // neighbours are often alike
-        Texel lastBelow = {};
-        Texel both = {};
+        auto both = remembering<std::pair<Texel, Texel>>(
+            [this](const auto& pair) { return blended(pair.first, pair.second); });
         for (int y = area.top; y < area.bottom; ++y) {
             Texel* texel = result.row(y);
-            for (int x = area.left; x < area.right; ++x, ++texel) {
-                const Texel above = inputs[0]->at(x, y);
-                const Texel below = inputs[1]->at(x, y);
-                if (above != lastAbove || below != lastBelow) both = blended(above, below);
-                lastAbove = above;
-                lastBelow = below;
-                *texel = both;
-            }
+            for (int x = area.left; x < area.right; ++x)
+                *texel++ = both({inputs[0]->at(x, y), inputs[1]->at(x, y)});
         }
     }
 

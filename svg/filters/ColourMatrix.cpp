@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Colours by a matrix.
 #include "svg/filters/Effect.h"
+#include "svg/filters/Remembering.h"
 
 namespace KAVO {
 namespace Svg {
@@ -29,16 +30,11 @@ public:
     void apply(const std::vector<const FilterImage*>& inputs, FilterImage& result) const override
     {
         const PixelArea& area = result.area();
-        Texel last = {}; // neighbours are often alike
-        Texel to = changed(last);
+        auto to = remembering<Texel>([this](const Texel& from) { return changed(from); });
         for (int y = area.top; y < area.bottom; ++y) {
             Texel* texel = result.row(y);
-            for (int x = area.left; x < area.right; ++x, ++texel) {
-                const Texel from = inputs[0]->at(x, y);
-                if (from != last) to = changed(from);
-                last = from;
-                *texel = to;
-            }
+            for (int x = area.left; x < area.right; ++x)
+                *texel++ = to(inputs[0]->at(x, y));
         }
     }
 

@@ -2,6 +2,7 @@
 #include "svg/filters/FilterImage.h"
 
 #include "svg/filters/LinearLight.h"
+#include "svg/filters/Remembering.h"
 
 namespace KAVO {
 namespace Svg {
@@ -30,20 +31,16 @@ void FilterImage::convert(bool linear)
     if (linear == linear_) return;
     linear_ = linear;
     const LightCurve& curve = linear ? LightCurve::toLinear() : LightCurve::toSrgb();
-    Texel last = {}; // neighbours are often alike
-    Texel converted = {};
-    for (Texel& texel : texels_) {
-        if (texel != last) {
-            last = converted = texel;
-            const uint32_t alpha = texel[kAlpha];
-            const bool isColoured = alpha != 0 && (texel[0] | texel[1] | texel[2]) != 0;
-            for (size_t channel = 0; isColoured && channel < kAlpha; ++channel)
-                converted[channel] = alpha == 65535
-                                         ? curve(texel[channel])
-                                         : times(curve(separated(texel[channel], alpha)), alpha);
-        }
-        texel = converted;
-    }
+    auto converted = remembering<Texel>([&curve](Texel texel) {
+        const uint32_t alpha = texel[kAlpha];
+        const bool isColoured = alpha != 0 && (texel[0] | texel[1] | texel[2]) != 0;
+        for (size_t channel = 0; isColoured && channel < kAlpha; ++channel)
+            texel[channel] = alpha == 65535 ? curve(texel[channel])
+                                            : times(curve(separated(texel[channel], alpha)), alpha);
+        return texel;
+    });
+    for (Texel& texel : texels_)
+        texel = converted(texel);
 }
 
 Picture FilterImage::picture() const
