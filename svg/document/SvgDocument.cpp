@@ -130,12 +130,8 @@ std::string SvgDocument::readRoot(std::string_view prolog)
     const Properties properties(root_, sheet_);
     const std::string_view widthText = properties[Property::Width];
     const std::string_view heightText = properties[Property::Height];
-    const auto side = [&](std::string_view text, Axis axis) {
-        const std::optional<double> length = findLength(text, lengths, axis);
-        return length && *length >= 0 ? length : std::nullopt;
-    };
-    const std::optional<double> width = side(widthText, Axis::X);
-    const std::optional<double> height = side(heightText, Axis::Y);
+    const std::optional<double> width = findSize(widthText, lengths, Axis::X);
+    const std::optional<double> height = findSize(heightText, lengths, Axis::Y);
     size_.width = width.value_or(viewport.width);
     size_.height = height.value_or(viewport.height);
     const auto isShare = [](std::string_view text) { return !text.empty() && text.back() == '%'; };

@@ -56,9 +56,8 @@ Words takeFrom(Words& words, std::string_view keyword)
 class Reader {
 public:
     Reader(const Box& box, const LengthContext& lengths)
-        : box_(box), viewport_{box.width(), box.height(), lengths.viewport.windowWidth,
-                               lengths.viewport.windowHeight},
-          lengths_{viewport_, lengths.fontSize}
+        : box_(box), viewport_(lengths.viewport.sized(box.width(), box.height())),
+          lengths_(LengthContext{viewport_, lengths.fontSize})
     {
     }
     Reader(const Reader&) = delete;
@@ -82,9 +81,9 @@ private:
     }
     double size(std::string_view word, Axis axis)
     {
-        const double found = length(word, axis);
-        valid_ = valid_ && found >= 0;
-        return std::max(0.0, found);
+        const std::optional<double> found = findSize(word, lengths_, axis);
+        valid_ = valid_ && found;
+        return found.value_or(0);
     }
     Outline ellipse(std::string_view arguments, size_t radii);
     double radius(std::string_view word, Axis axis, Point centre);

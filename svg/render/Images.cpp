@@ -69,12 +69,8 @@ void Renderer::drawImage(pugi::xml_node node, const Properties& properties, cons
     const Size own = image->drawing ? image->drawing->size()
                                     : Size{static_cast<double>(image->picture.width),
                                            static_cast<double>(image->picture.height)};
-    const auto side = [&](Property property, Axis axis) {
-        const std::optional<double> length = findLength(properties[property], lengths, axis);
-        return length && *length >= 0 ? length : std::nullopt;
-    };
-    const std::optional<double> width = side(Property::Width, Axis::X);
-    const std::optional<double> height = side(Property::Height, Axis::Y);
+    const std::optional<double> width = findSize(properties[Property::Width], lengths, Axis::X);
+    const std::optional<double> height = findSize(properties[Property::Height], lengths, Axis::Y);
     Size size{width.value_or(own.width), height.value_or(own.height)};
     if (width && !height) size.height = size.width * own.height / own.width;
     if (height && !width) size.width = size.height * own.width / own.height;

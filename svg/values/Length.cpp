@@ -70,6 +70,12 @@ std::optional<double> findLength(std::string_view text, const LengthContext& con
     return value * *size;
 }
 
+std::optional<double> findSize(std::string_view text, const LengthContext& context, Axis axis)
+{
+    const std::optional<double> length = findLength(text, context, axis);
+    return length && *length >= 0 ? length : std::nullopt;
+}
+
 double parseLength(std::string_view text, const LengthContext& context, Axis axis, double fallback)
 {
     return findLength(text, context, axis).value_or(fallback);

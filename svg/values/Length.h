@@ -38,6 +38,8 @@ double parseLength(std::string_view text, const LengthContext& context, Axis axi
 
 // The same, or nothing.
 std::optional<double> findLength(std::string_view text, const LengthContext& context, Axis axis);
+// The same of a size: nothing also when it is negative.
+std::optional<double> findSize(std::string_view text, const LengthContext& context, Axis axis);
 
 // The size of a unit in user units: px, pt, em, vw and so on, in any case; % of the axis. Nothing
 // for a name that is no unit.
