@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "svg/render/TileSampling.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace KAVO {
@@ -81,11 +82,11 @@ void copyTile(const Picture& tile, int left, int top, const PixelArea& area, Pic
 {
     const auto remainder = [](int value, int size) { return ((value % size) + size) % size; };
     for (int y = area.top; y < area.bottom; ++y) {
-        const int row = remainder(y - top, tile.height);
+        const auto texels = tile.pixels.begin() + remainder(y - top, tile.height) * tile.width;
         int column = remainder(area.left - left, tile.width);
-        for (int x = area.left; x < area.right; ++x) {
-            picture.at(x, y) = tile.at(column, row);
-            if (++column == tile.width) column = 0;
+        for (int x = area.left, length; x < area.right; x += length, column = 0) {
+            length = std::min(tile.width - column, area.right - x);
+            std::copy_n(texels + column, length, &picture.at(x, y));
         }
     }
 }
