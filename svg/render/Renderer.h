@@ -121,6 +121,8 @@ private:
     void drawViewport(pugi::xml_node node, State state, const Frame& frame);
     // The box of what an element fills, in its own user space; empty for what has no geometry.
     Box boundsOf(pugi::xml_node node, const Properties& properties, const State& state);
+    std::optional<State> measuring(pugi::xml_node child, const Properties& properties,
+                                   const State& state);
     void includeBounds(pugi::xml_node child, const State& state, Box& box);
     Box boundsInViewport(pugi::xml_node node, const Frame& frame, State state);
     Box boundsOfUsed(pugi::xml_node node, const Properties& properties, const State& state);

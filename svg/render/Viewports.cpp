@@ -251,20 +251,29 @@ Box Renderer::boundsOf(pugi::xml_node node, const Properties& properties, const 
     return box;
 }
 
-// Makes the box include what a child fills.
-void Renderer::includeBounds(pugi::xml_node child, const State& state, Box& box)
+// What a child is measured in, its own transform included; nothing for what is no element, or when
+// no more elements may be visited.
+std::optional<Renderer::State> Renderer::measuring(pugi::xml_node child,
+                                                   const Properties& properties, const State& state)
 {
-    if (child.type() != pugi::node_element || session_.elementsLeft == 0) return;
+    if (child.type() != pugi::node_element || session_.elementsLeft == 0) return std::nullopt;
     --session_.elementsLeft;
-    const Properties properties(child, document_.sheet());
     State inner = state;
     inner.toDevice = Affine();
     ++inner.depth;
     inner.style = state.style.child(properties, state.viewport);
-    if (!inner.style.displayed) return;
     applyTransform(child, properties, inner);
-    const Box bounds = boundsOf(child, properties, inner);
-    if (!bounds.empty()) box.include(inner.toDevice.mapBox(bounds));
+    return inner;
+}
+
+// Makes the box include what a child fills.
+void Renderer::includeBounds(pugi::xml_node child, const State& state, Box& box)
+{
+    const Properties properties(child, document_.sheet());
+    const std::optional<State> inner = measuring(child, properties, state);
+    if (!inner || !inner->style.displayed) return;
+    const Box bounds = boundsOf(child, properties, *inner);
+    if (!bounds.empty()) box.include(inner->toDevice.mapBox(bounds));
 }
 
 // In the user space around the viewport.
@@ -287,16 +296,11 @@ Box Renderer::boundsOfUsed(pugi::xml_node node, const Properties& properties, co
         includeBounds(target, state, box);
         return box;
     }
-    if (session_.elementsLeft == 0) return box;
-    --session_.elementsLeft;
     const Properties ofTarget(target, document_.sheet());
-    State inner = state;
-    inner.toDevice = Affine();
-    ++inner.depth;
-    inner.style = state.style.child(ofTarget, state.viewport);
-    applyTransform(target, ofTarget, inner);
-    box = boundsInViewport(target, frameOfUsed(properties, state, ofTarget, inner), inner);
-    return box.empty() ? box : inner.toDevice.mapBox(box);
+    const std::optional<State> inner = measuring(target, ofTarget, state);
+    if (!inner) return box;
+    box = boundsInViewport(target, frameOfUsed(properties, state, ofTarget, *inner), *inner);
+    return box.empty() ? box : inner->toDevice.mapBox(box);
 }
 
 } // namespace Svg
