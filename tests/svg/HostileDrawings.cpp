@@ -124,6 +124,20 @@ TEST(HostileDrawings, DeeplyNestedGroups)
     renderIfItParses(text + "</svg>");
 }
 
+// Drawings with a limit of rows, and whether their shape is left out.
+void expectLeftOut(uint64_t limit, std::initializer_list<std::pair<std::string, bool>> cases)
+{
+    LoadOptions options;
+    options.limits.shapeRows = limit;
+    for (const auto& [svg, isLeftOut] : cases) {
+        MMSvgDocument document(options);
+        ASSERT_TRUE(document.loadBytes(svg));
+        drawn(document, 20, 20);
+        EXPECT_EQ(lacks(document, "a shape of more lines than the limit"), isLeftOut)
+            << svg.substr(0, 80);
+    }
+}
+
 // Lines that cross the whole picture again and again cost their rows; beyond the limit the shape is
 // left out and named, and what is flat or outside costs little.
 TEST(SvgHostileDrawings, ShapesOfMoreRowsThanTheLimitAreNamed)
@@ -134,20 +148,11 @@ TEST(SvgHostileDrawings, ShapesOfMoreRowsThanTheLimitAreNamed)
             path += i % 2 == 0 ? to : "L1 0";
         return "<svg width='20' height='20'><path d='" + path + "'/></svg>";
     };
-    LoadOptions options;
-    options.limits.shapeRows = 2000;
-    const std::pair<std::string, bool> cases[] = {{zigzag(90, "L9 20"), false},
-                                                  {zigzag(110, "L9 20"), true},
-                                                  {zigzag(110, "L9 5"), false},
-                                                  {zigzag(110, "L9 0"), false},
-                                                  {zigzag(1100, "L9-9"), false}};
-    for (const auto& [svg, isLeftOut] : cases) {
-        MMSvgDocument document(options);
-        ASSERT_TRUE(document.loadBytes(svg));
-        drawn(document, 20, 20);
-        EXPECT_EQ(lacks(document, "a shape of more lines than the limit"), isLeftOut)
-            << svg.substr(0, 80);
-    }
+    expectLeftOut(2000, {{zigzag(90, "L9 20"), false},
+                         {zigzag(110, "L9 20"), true},
+                         {zigzag(110, "L9 5"), false},
+                         {zigzag(110, "L9 0"), false},
+                         {zigzag(1100, "L9-9"), false}});
 }
 
 // Rows that very many lines cross count more, but not for lines above or below the picture.
@@ -159,18 +164,9 @@ TEST(SvgHostileDrawings, RowsOfManyLinesCountMore)
             path += i % 2 == 0 ? to : back;
         return "<svg width='20' height='20'><path d='" + path + "L4 2'/></svg>";
     };
-    LoadOptions options;
-    options.limits.shapeRows = 200000;
-    const std::pair<std::string, bool> cases[] = {{zigzag(40000, "L9 2", "L1 0"), true},
-                                                  {zigzag(8000, "L9 20", "L1 0"), false},
-                                                  {zigzag(40000, "L9-9", "L1-1"), false}};
-    for (const auto& [svg, isLeftOut] : cases) {
-        MMSvgDocument document(options);
-        ASSERT_TRUE(document.loadBytes(svg));
-        drawn(document, 20, 20);
-        EXPECT_EQ(lacks(document, "a shape of more lines than the limit"), isLeftOut)
-            << svg.substr(0, 80);
-    }
+    expectLeftOut(200000, {{zigzag(40000, "L9 2", "L1 0"), true},
+                           {zigzag(8000, "L9 20", "L1 0"), false},
+                           {zigzag(40000, "L9-9", "L1-1"), false}});
 }
 
 } // namespace

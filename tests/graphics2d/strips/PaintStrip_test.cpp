@@ -197,6 +197,16 @@ protected:
             m.f &= ~0xFFFF;
         }
     }
+
+    void makePaint()
+    {
+        if (GetParam() < 3)
+            makeColour();
+        else if (GetParam() < 5)
+            makeGradient(GetParam() == 4);
+        else
+            makePattern();
+    }
 };
 
 // A walk that stands still must fail, not hang.
@@ -212,12 +222,7 @@ TEST_P(PaintStrip, MatchesThePlainModel)
         hostile = oneIn(4);
         const bool translucent = oneIn(2);
         makeSpan();
-        if (GetParam() < 3)
-            makeColour();
-        else if (GetParam() < 5)
-            makeGradient(GetParam() == 4);
-        else
-            makePattern();
+        makePaint();
         context[1].currentPaint = paint;
         const Paint& filler = kPaints[GetParam()];
         const std::string before = input();
@@ -239,12 +244,7 @@ TEST_P(PaintStrip, DrawsTheSameAtEveryLevel)
     MMContext2D baseContext;
     for (int round = 0; round < 4000; ++round) {
         makeSpan();
-        if (GetParam() < 3)
-            makeColour();
-        else if (GetParam() < 5)
-            makeGradient(GetParam() == 4);
-        else
-            makePattern();
+        makePaint();
         paint.patternHasAlpha = oneIn(2);
         context[1].currentPaint = paint;
         context[1].level = baseContext.level;
@@ -267,12 +267,7 @@ TEST_P(PaintStrip, RefinedPixelsDependOnNoCuts)
         hostile = oneIn(4);
         const bool translucent = oneIn(2);
         makeSpan();
-        if (GetParam() < 3)
-            makeColour();
-        else if (GetParam() < 5)
-            makeGradient(GetParam() == 4);
-        else
-            makePattern();
+        makePaint();
         paint.patternHasAlpha = GetParam() >= 5 && translucent;
         const Coverage coverage = within(0, 255 << 16);
         for (MMContext2D& c : context) {
