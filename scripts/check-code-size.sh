@@ -1,8 +1,8 @@
 #!/bin/bash
 # SPDX-License-Identifier: MIT
 # Fails when the library's machine code has outgrown its bounds, which are for -O2: natively and for
-# both ARMs, each without what MM2D_BUILD_LAYERS and MM2D_BUILD_LEVELS add and with it. Says also what a context takes of
-# the heap. Measures no times.
+# both ARMs, each without what MM2D_BUILD_LAYERS and MM2D_BUILD_LEVELS add and with it. Says also what
+# a context takes of the heap. Measures no times.
 #
 #   scripts/check-code-size.sh
 #
