@@ -189,6 +189,18 @@ private:
         return absolute(leg.x) <= limit && absolute(leg.y) <= limit;
     }
 
+    // Whether all legs lie within 7 degrees of the chord, as nearly all do beside it; they turn by
+    // less than twice that. What the first and the last leave of the chord is the middle one.
+    static bool staysBeside(const Wide& chord, const Wide& first, const Wide& last,
+                            int64_t firstCross, int64_t lastCross)
+    {
+        const int64_t firstDot = dot(chord, first);
+        const int64_t lastDot = dot(chord, last);
+        const int64_t middleDot = dot(chord, chord) - firstDot - lastDot;
+        return 8 * absolute(firstCross) <= firstDot && 8 * absolute(lastCross) <= lastDot &&
+               8 * absolute(firstCross + lastCross) <= middleDot;
+    }
+
     // A cubic curve strays from its chord by at most 3/4 of what its controls do. What cannot be
     // seen is flat too.
     bool isFlat(const BezierCurve& c) const
@@ -204,20 +216,12 @@ private:
             fractionBits_ >= 0 ? length << fractionBits_ : length >> -fractionBits_;
         const int64_t firstCross = cross(chord, first);
         const int64_t lastCross = cross(chord, last);
-        if (24 * std::max(absolute(firstCross), absolute(lastCross)) <= pixel) {
-            // Legs within 7 degrees of the chord, as nearly all are here, turn by less than twice
-            // that. What the first and the last leave of the chord is the middle one.
-            const int64_t firstDot = dot(chord, first);
-            const int64_t lastDot = dot(chord, last);
-            const int64_t middleDot = dot(chord, chord) - firstDot - lastDot;
-            if (larger > 0 && 8 * absolute(firstCross) <= firstDot &&
-                8 * absolute(lastCross) <= lastDot &&
-                8 * absolute(firstCross + lastCross) <= middleDot)
-                return true;
-            if (firstDot >= 0 && middleDot >= 0 && lastDot >= 0 && turnsLittle(first, last) &&
-                turnsLittle(first, middle) && turnsLittle(middle, last))
-                return true;
-        }
+        const bool isNear = 24 * std::max(absolute(firstCross), absolute(lastCross)) <= pixel;
+        if (isNear && larger > 0 && staysBeside(chord, first, last, firstCross, lastCross))
+            return true;
+        if (isNear && dot(first, chord) >= 0 && dot(middle, chord) >= 0 && dot(last, chord) >= 0 &&
+            turnsLittle(first, last) && turnsLittle(first, middle) && turnsLittle(middle, last))
+            return true;
         return isTiny(first) && isTiny(middle) && isTiny(last);
     }
 
