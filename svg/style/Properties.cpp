@@ -63,6 +63,12 @@ bool isUndrawn(std::string_view name, std::string_view value)
     return false;
 }
 
+// Which are read in selectors alone.
+bool hasEscapes(std::string_view text)
+{
+    return text.find('\\') != text.npos;
+}
+
 // The words that many properties know, as they are written elsewhere; other texts as they are.
 std::string_view inLowerCase(std::string_view text)
 {
@@ -99,6 +105,8 @@ void parseDeclarations(std::string_view text, std::vector<Declaration>& declarat
         }
         if (value.empty()) continue;
         const std::optional<Property> property = findProperty(lowerCase(name));
+        if (hasEscapes(name) || (property && hasEscapes(value)))
+            declarations.push_back({Property::Count, value, important, "escapes in a declaration"});
         if (property)
             declarations.push_back({*property, value, important, {}});
         else if (name.substr(0, 2) == "--" || isUndrawn(name, value))

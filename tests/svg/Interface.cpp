@@ -212,6 +212,8 @@ TEST(SvgInterface, EveryThingThatIsNotDrawnHasAName)
          "malformed transform"},
         {"<pattern id='g' patternTransform='turn(9)'/>" + rect + "fill='url(#g)'/>",
          "malformed transform"},
+        {rect + "style='f\\69ll:red'/>", "escapes in a declaration"},
+        {"<style>rect { fill: r\\65 d }</style>" + rect + "/>", "escapes in a declaration"},
         {"<style>@supports (fill:red) { g { fill: red } }</style>", "@supports"},
         {"<image href=\"data:,&lt;svg>&lt;image href='a.png'/>&lt;/svg>\"/>",
          "image that cannot be read: a.png in an image"},
