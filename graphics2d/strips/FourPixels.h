@@ -85,6 +85,16 @@ inline U32x4 inBothHalves(U32x4 lanes)
 #endif
 }
 
+// The upper halves of all lanes.
+inline U16x8 upperHalvesOf(U32x4 a, U32x4 b)
+{
+#if defined(__SSE2__) // compilers shuffle this in more steps
+    return (U16x8)_mm_packs_epi32((__m128i)((I32x4)a >> 16), (__m128i)((I32x4)b >> 16));
+#else
+    return __builtin_shufflevector((U16x8)a, (U16x8)b, 1, 3, 5, 7, 9, 11, 13, 15);
+#endif
+}
+
 // Each of the two lower or two upper lanes twice.
 inline U32x4 twiceLow(U32x4 lanes)
 {
@@ -169,8 +179,7 @@ inline U16x8 mulHigh(U16x8 a, U16x8 b)
 #if defined(__SSE2__)
     return (U16x8)_mm_mulhi_epu16((__m128i)a, (__m128i)b);
 #elif defined(__ARM_NEON)
-    return __builtin_shufflevector((U16x8)productsLow(a, b), (U16x8)productsHigh(a, b), 1, 3, 5, 7,
-                                   9, 11, 13, 15);
+    return upperHalvesOf((U32x4)productsLow(a, b), (U32x4)productsHigh(a, b));
 #else
     // In whole words rather than a loop over the lanes: where there are no vector registers, GCC 12
     // packs such a loop into words and gets the upper halves wrong.
@@ -237,8 +246,8 @@ inline U32x4 packChannels(U32x4 a, U32x4 b, U32x4 c, U32x4 d)
     const __m128i high = _mm_packs_epi32((__m128i)(c << 8 >> 24), (__m128i)(d << 8 >> 24));
     const U32x4 pixels = (U32x4)_mm_packus_epi16(low, high);
 #else
-    const U16x8 low = __builtin_shufflevector((U16x8)a, (U16x8)b, 1, 3, 5, 7, 9, 11, 13, 15);
-    const U16x8 high = __builtin_shufflevector((U16x8)c, (U16x8)d, 1, 3, 5, 7, 9, 11, 13, 15);
+    const U16x8 low = upperHalvesOf(a, b);
+    const U16x8 high = upperHalvesOf(c, d);
     const U32x4 pixels = (U32x4)__builtin_shufflevector((U8x16)low, (U8x16)high, 0, 2, 4, 6, 8, 10,
                                                         12, 14, 16, 18, 20, 22, 24, 26, 28, 30);
 #endif

@@ -40,20 +40,21 @@ class RefinedGradientTarget : public GradientTarget<RefinedBlend> {
 public:
     using GradientTarget::GradientTarget;
 
-    // Draws count pixels. write(colours, alphas, length) gives the next opaque colours and, unless
-    // alphas is null, their 8.8 alphas; there is room up to the next multiple of eight.
+    // Draws count pixels. write(colours, alphas, length) gives the next opaque colours, at most
+    // kPieceLength of them, and unless alphas is null their 8.8 alphas, for which there is room up
+    // to the next multiple of eight.
     template <class Write>
     void ramp(int32_t count, Write write)
     {
         PaintPiece piece;
         while (count > 0) {
             const int32_t length = count < kPieceLength ? count : kPieceLength;
-            write(piece.colours, translucent_ ? piece.weights : nullptr, length);
             if (translucent_) {
+                write(piece.colours, piece.weights, length);
                 weighAlphas(piece, run_.coverage, length);
                 run_.drawPiece(piece, length);
             } else {
-                std::memcpy(pixels_, piece.colours, static_cast<size_t>(length) * sizeof(Pixel));
+                write(pixels_, nullptr, length);
                 pixels_ += length;
             }
             count -= length;

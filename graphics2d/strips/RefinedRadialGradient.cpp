@@ -32,20 +32,23 @@ public:
             from_[k] = all8((from >> (8 * k) & 0xFF) << 8);
             to_[k] = all8((to >> (8 * k) & 0xFF) << 8);
         }
-        // The length is scaled to 16 bits with the highest set, and what lies within it alike.
+        // What lies within the length is scaled alike.
         const uint32_t length = high - low;
-        shift_ = 16 - static_cast<int32_t>(__builtin_clz(length));
-        const uint32_t scaled = shift_ >= 0 ? length >> shift_ : length << -shift_;
+        shift_ = __builtin_clz(length);
+        const uint32_t scaled = length << shift_ >> 16;
         const uint32_t reciprocal = 0x80000000u / scaled;
         reciprocal_ = all8(reciprocal < 0xFFFF ? reciprocal : 0xFFFF);
     }
 
-    // Writes count colours, and with the last of them up to seven that mean nothing; likewise 8.8
-    // alphas unless there are to be none.
-    void write(const uint32_t* radii, Pixel* colours, uint32_t* alphas, int32_t count) const
+    // Writes count colours, and their 8.8 alphas unless there are to be none. Eight radii are read
+    // in any case. Not inlined, to have the code once.
+    [[gnu::noinline]] void write(const uint32_t* radii, Pixel* colours, uint32_t* alphas,
+                                 int32_t count) const
     {
         if constexpr (kLanes == 1) return writeOneByOne(radii, colours, alphas, count);
-        for (int32_t i = 0; i < count; i += 8) {
+        if (count < 8) return writeFew(radii, colours, alphas, count);
+        for (int32_t next = 0; next < count; next += 8) {
+            const int32_t i = next + 8 <= count ? next : count - 8; // the last ones anew
             const U16x8 within = twice(mulHigh(scaled(radii + i), reciprocal_));
             const U16x8 rest = ~within;
             const auto channel = [&](int k) {
@@ -70,24 +73,27 @@ private:
     void writeOneByOne(const uint32_t* radii, Pixel* colours, uint32_t* alphas, int32_t count) const
     {
         const uint32_t reciprocal = reciprocal_[0];
-        const auto writeAll = [&](auto scaledDistance) {
-            for (int32_t i = 0; i < count; ++i) {
-                const uint32_t share = scaledDistance(radii[i] - low_) * reciprocal >> 16;
-                const uint32_t within = (share << 1 | share >> 14) & 0xFFFF;
-                const uint32_t rest = within ^ 0xFFFF;
-                const auto channel = [&](int k) {
-                    return (from_[k][0] * rest >> 16) + (to_[k][0] * within >> 16);
-                };
-                colours[i] = kOpaque | (channel(2) + 128) >> 8 << 16 |
-                             ((channel(1) + 128) & 0xFF00) | (channel(0) + 128) >> 8;
-                if (alphas != nullptr) alphas[i] = channel(3);
-            }
-        };
-        const int32_t shift = shift_;
-        if (shift >= 0)
-            writeAll([shift](uint32_t distance) { return distance >> shift & 0xFFFF; });
-        else
-            writeAll([shift](uint32_t distance) { return distance << -shift & 0xFFFF; });
+        for (int32_t i = 0; i < count; ++i) {
+            const uint32_t share = ((radii[i] - low_) << shift_ >> 16) * reciprocal >> 16;
+            const uint32_t within = (share << 1 | share >> 14) & 0xFFFF;
+            const uint32_t rest = within ^ 0xFFFF;
+            const auto channel = [&](int k) {
+                return (from_[k][0] * rest >> 16) + (to_[k][0] * within >> 16);
+            };
+            colours[i] = kOpaque | (channel(2) + 128) >> 8 << 16 | ((channel(1) + 128) & 0xFF00) |
+                         (channel(0) + 128) >> 8;
+            if (alphas != nullptr) alphas[i] = channel(3);
+        }
+    }
+
+    void writeFew(const uint32_t* radii, Pixel* colours, uint32_t* alphas, int32_t count) const
+    {
+        uint32_t words[16];
+        write(radii, words, words + 8, 8);
+        for (int32_t i = 0; i < count; ++i) {
+            colours[i] = words[i];
+            if (alphas != nullptr) alphas[i] = words[8 + i];
+        }
     }
 
     // Shares of the length from 15 to 16 bits.
@@ -96,18 +102,14 @@ private:
     // The distances of eight radii from low, scaled like the length.
     U16x8 scaled(const uint32_t* radii) const
     {
-        const U32x4 first = load4(radii) - low_;
-        const U32x4 last = load4(radii + 4) - low_;
-        const U16x8 a = (U16x8)(shift_ >= 0 ? first >> shift_ : first << -shift_);
-        const U16x8 b = (U16x8)(shift_ >= 0 ? last >> shift_ : last << -shift_);
-        return __builtin_shufflevector(a, b, 0, 2, 4, 6, 8, 10, 12, 14);
+        return upperHalvesOf((load4(radii) - low_) << shift_, (load4(radii + 4) - low_) << shift_);
     }
 
     U16x8 from_[4]; // 8.8
     U16x8 to_[4];
     U16x8 reciprocal_; // 2^31 by the scaled length
     uint32_t low_;
-    int32_t shift_; // right, or left when it is negative
+    int32_t shift_; // to the left, so that the length's highest bit is bit 31; cut to 16 bits then
 };
 
 // --- The row -------------------------------------------------------------------------------------
@@ -204,19 +206,17 @@ private:
         const int64_t first = int64_t{middle} - root_;
         const int64_t bend = int64_t{end} - middle - first;
         const auto changeOfChange = static_cast<uint32_t>((bend + 32) >> 6);
-        auto change = static_cast<uint32_t>((16 * first - 7 * bend + 64) >> 7);
-        uint32_t radius = root_;
-        const auto next = [&] {
-            const uint32_t now = radius;
-            radius += change;
-            change += changeOfChange;
-            return now;
-        };
-        for (int32_t i = 0; i < kBlock; i += 4) {
-            radii[i] = next();
-            radii[i + 1] = next();
-            radii[i + 2] = next();
-            radii[i + 3] = next();
+        const auto change = static_cast<uint32_t>((16 * first - 7 * bend + 64) >> 7);
+        // Columns differ from the block's first by so many changes and changes of them.
+        constexpr PixelVector kPairs = kPlaces * (kPlaces - 1) / 2;
+        const PixelVector bends = kPlaces * changeOfChange;
+        PixelVector radius = root_ + kPlaces * change + kPairs * changeOfChange;
+        PixelVector step = kLanes * (change + bends) + kLanes * (kLanes - 1) / 2 * changeOfChange;
+#pragma GCC unroll 4
+        for (int32_t i = 0; i < kBlock; i += kLanes) {
+            store(radii + i, radius);
+            radius += step;
+            step += kLanes * kLanes * changeOfChange;
         }
     }
 
@@ -288,21 +288,15 @@ private:
     // From radii to colours and alphas, in runs within the same segment.
     void writeColours(const uint32_t* radii, Pixel* colours, uint32_t* alphas, int32_t count) const
     {
-        // Runs write up to seven pixels too many, which the next ones put right.
-        Pixel runColours[kPieceLength + 8];
-        uint32_t runAlphas[kPieceLength + 8];
         for (int32_t i = 0; i < count;) {
             const Bounds bounds = segmentAt(radii[i]);
             const int32_t end = endOfRun(radii, i, count, bounds);
             const RadialSegment segment(stops_.colours[bounds.from], stops_.colours[bounds.to],
                                         bounds.low, bounds.high);
-            segment.write(radii + i, runColours + i, alphas != nullptr ? runAlphas + i : nullptr,
+            segment.write(radii + i, colours + i, alphas != nullptr ? alphas + i : nullptr,
                           end - i);
             i = end;
         }
-        const size_t bytes = static_cast<size_t>(count) * sizeof(uint32_t);
-        std::memcpy(colours, runColours, bytes);
-        if (alphas != nullptr) std::memcpy(alphas, runAlphas, bytes);
     }
 
     // The radii from low to high - 1, and the stops whose colours they lie between.
@@ -313,16 +307,21 @@ private:
         uint32_t high;
     };
 
+    static constexpr uint32_t kSignBit = 0x80000000u;
+
     // The first of the radii from the i-th to the last that is not within the bounds.
     static int32_t endOfRun(const uint32_t* radii, int32_t i, int32_t count, const Bounds& bounds)
     {
         const uint32_t length = bounds.high - bounds.low;
-        // Eights that surely are: neither difference has its highest bit set.
-        for (; i + 8 <= count; i += 8) {
-            const U32x4 a = load4(radii + i) - bounds.low;
-            const U32x4 b = load4(radii + i + 4) - bounds.low;
-            const U32x4 signs = a | b | (length - 1 - a) | (length - 1 - b);
-            if (!isZero(signs & 0x80000000u)) break;
+        if constexpr (kLanes > 1) {
+            // Distances from the lower bound are compared as signed numbers, 2^31 less.
+            const uint32_t low = bounds.low ^ kSignBit;
+            const auto limit = (I32x4)all4(length ^ kSignBit);
+            for (; i + 8 <= count; i += 8) {
+                const auto a = (I32x4)(load4(radii + i) - low);
+                const auto b = (I32x4)(load4(radii + i + 4) - low);
+                if (!isZero(~((limit > a) & (limit > b)))) break;
+            }
         }
         while (i < count && radii[i] - bounds.low < length)
             ++i;
