@@ -12,13 +12,6 @@ bool Chain::step(const VertexRings& rings)
     return true;
 }
 
-bool Chain::stepPast(const VertexRings& rings, Fixed level)
-{
-    while (line.endY <= level)
-        if (!step(rings)) return false;
-    return true;
-}
-
 bool Chain::descend(const VertexRings& rings, Fixed level)
 {
     if (!stepPast(rings, level)) return false;

@@ -19,7 +19,12 @@ struct Chain {
     bool step(const VertexRings& rings);
 
     // Moves to the first edge that reaches below the level. False when the chain ends before.
-    bool stepPast(const VertexRings& rings, Fixed level);
+    bool stepPast(const VertexRings& rings, Fixed level)
+    {
+        while (line.endY <= level)
+            if (!step(rings)) return false;
+        return true;
+    }
 
     // The same, and down to the level.
     bool descend(const VertexRings& rings, Fixed level);

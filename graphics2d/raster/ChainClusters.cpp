@@ -21,13 +21,15 @@ class Levels {
 public:
     static constexpr uint32_t kMost = 16;
 
+    explicit Levels(uint32_t limit) : limit_(limit) {} // kMost at most
+
     void insert(Fixed level)
     {
         uint32_t at = count_;
         while (at > 0 && levels_[at - 1] > level)
             --at;
         if (at > 0 && levels_[at - 1] == level) return;
-        if (count_ == kMost) {
+        if (count_ == limit_) {
             tooMany_ = true;
             return;
         }
@@ -41,8 +43,14 @@ public:
 
 private:
     Fixed levels_[kMost];
+    uint32_t limit_;
     uint32_t count_ = 0;
     bool tooMany_ = false;
+};
+
+// A chain on its way down through slabs.
+struct SlabChain : Chain {
+    Fixed bottomX; // at the lower end of the slab above
 };
 
 // What a chain takes up between two levels.
@@ -65,50 +73,59 @@ struct WindingStep {
     int32_t winding;
 };
 
-inline bool isBefore(const WindingStep& a, const WindingStep& b)
-{
-    return a.level != b.level ? a.level < b.level : a.winding < b.winding;
-}
-
 class ChainClusters {
 public:
     ChainClusters(SlabFill& slabs, const VertexRings& rings) : slabs_(slabs), rings_(rings) {}
 
     // Adds a cluster between two levels of its row.
-    void addCluster(Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to,
+    void addCluster(SlabChain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to,
                     bool isHidden);
 
 private:
     // Takes the chains down past the upper level.
-    void add(Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to);
-    bool measure(Chain chain, Fixed from, Fixed to, ChainExtent& extent) const;
+    void add(SlabChain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to);
+    bool measure(Chain& chain, Fixed from, Fixed to, ChainExtent& extent) const;
     void addAlong(Chain chain, Fixed from, Fixed to, int32_t sign);
-    Levels levelsBetween(const Chain* chains, uint32_t count, Fixed from, Fixed to) const;
-    void addSlabs(Chain* chains, uint32_t count, const Levels& levels, int32_t winding, Fixed from,
-                  Fixed to);
-    void addByMiddles(const Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to);
-    void addHidden(const Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to);
+    void findLevels(Levels& levels, const SlabChain* chains, uint32_t count, Fixed from,
+                    Fixed to) const;
+    void addSlabs(SlabChain* chains, uint32_t count, const Levels& levels, int32_t winding,
+                  Fixed from, Fixed to);
+    void addByMiddles(const SlabChain* chains, uint32_t count, int32_t winding, Fixed from,
+                      Fixed to);
+    void addHidden(const SlabChain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to);
 
     SlabFill& slabs_;
     const VertexRings& rings_;
 };
 
-// False when the chain does not reach into the height.
-bool ChainClusters::measure(Chain chain, Fixed from, Fixed to, ChainExtent& extent) const
+// False when the chain does not reach into the height. Where it does, its line knows its slope
+// afterwards if that was needed.
+bool ChainClusters::measure(Chain& chain, Fixed from, Fixed to, ChainExtent& extent) const
 {
-    const Fixed start = std::max(chain.line.y, from);
-    if (start >= to || chain.line.endY <= from) return false;
-    const bool isBorn = chain.line.y > from;
-    extent.minX = extent.maxX = chain.line.xAt(start);
+    const EdgeLine& line = chain.line;
+    const Fixed start = std::max(line.y, from);
+    if (start >= to || line.endY <= from) return false;
+    const bool isBorn = line.y > from;
     extent.passed = isBorn ? 0 : chain.winding;
-    extent.imbalance = isBorn ? mixed(chain.line.y) : 0;
-    for (;;) {
-        const Fixed x = chain.line.endY <= to ? chain.line.endX : chain.line.xAt(to);
+    extent.imbalance = isBorn ? mixed(line.y) : 0;
+    extent.minX = extent.maxX = chain.line.xAt(start);
+    const auto include = [&](Fixed x) {
         extent.minX = std::min(extent.minX, x);
         extent.maxX = std::max(extent.maxX, x);
-        if (chain.line.endY >= to) break;
-        if (!chain.step(rings_)) {
-            extent.imbalance -= mixed(chain.line.endY);
+    };
+    if (line.endY >= to) {
+        include(chain.line.xAt(to));
+    } else {
+        uint32_t i = chain.vertex;
+        for (;;) {
+            const MMPoint2D& vertex = rings_[i];
+            include(vertex.x);
+            if (!rings_.stepDown(i, chain.winding)) {
+                extent.imbalance -= mixed(vertex.y);
+                break;
+            }
+            if (rings_[i].y < to) continue;
+            include(EdgeLine::between(vertex, rings_[i]).xAt(to));
             break;
         }
     }
@@ -116,7 +133,7 @@ bool ChainClusters::measure(Chain chain, Fixed from, Fixed to, ChainExtent& exte
     return true;
 }
 
-void ChainClusters::add(Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to)
+void ChainClusters::add(SlabChain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to)
 {
     ScratchArray<ChainExtent> extents(slabs_.scratch(), count);
     if (!extents) {
@@ -130,7 +147,7 @@ void ChainClusters::add(Chain* chains, uint32_t count, int32_t winding, Fixed fr
         if (measure(chains[i], from, to, extents[crossing])) ++crossing;
     }
     sortNearlySorted(extents.data(), crossing);
-    ScratchArray<Chain> cluster(slabs_.scratch(), crossing);
+    ScratchArray<SlabChain> cluster(slabs_.scratch(), crossing);
     if (!cluster) {
         slabs_.fail();
         return;
@@ -155,8 +172,8 @@ void ChainClusters::add(Chain* chains, uint32_t count, int32_t winding, Fixed fr
     }
 }
 
-void ChainClusters::addCluster(Chain* chains, uint32_t count, int32_t winding, Fixed from, Fixed to,
-                               bool isHidden)
+void ChainClusters::addCluster(SlabChain* chains, uint32_t count, int32_t winding, Fixed from,
+                               Fixed to, bool isHidden)
 {
     if (isHidden) return addHidden(chains, count, winding, from, to);
     if (count == 1) {
@@ -165,36 +182,40 @@ void ChainClusters::addCluster(Chain* chains, uint32_t count, int32_t winding, F
             addAlong(*chains, from, to, was ? -1 : 1);
         return;
     }
-    const Levels levels = levelsBetween(chains, count, from, to);
-    const bool areFew = !levels.tooMany() && count * levels.count() <= kFewEdges;
-    if (!areFew && to - from > kLeastHeight) {
+    const bool isTall = to - from > kLeastHeight;
+    Levels levels(isTall ? std::min(kFewEdges / count, Levels::kMost) : Levels::kMost);
+    findLevels(levels, chains, count, from, to);
+    if (!levels.tooMany()) {
+        addSlabs(chains, count, levels, winding, from, to);
+    } else if (isTall) {
         const Fixed middle = from + (to - from) / 2;
         add(chains, count, winding, from, middle);
         add(chains, count, winding, middle, to);
-    } else if (!levels.tooMany()) {
-        addSlabs(chains, count, levels, winding, from, to);
     } else {
         addByMiddles(chains, count, winding, from, to);
     }
 }
 
-Levels ChainClusters::levelsBetween(const Chain* chains, uint32_t count, Fixed from, Fixed to) const
+void ChainClusters::findLevels(Levels& levels, const SlabChain* chains, uint32_t count, Fixed from,
+                               Fixed to) const
 {
-    Levels levels;
-    for (uint32_t i = 0; i < count && !levels.tooMany(); ++i) {
-        Chain chain = chains[i];
+    for (uint32_t k = 0; k < count; ++k) {
+        const Chain& chain = chains[k];
         if (chain.line.y > from && chain.line.y < to) levels.insert(chain.line.y);
-        while (chain.line.endY > from && chain.line.endY < to && !levels.tooMany()) {
-            levels.insert(chain.line.endY);
-            if (!chain.step(rings_)) break;
+        uint32_t i = chain.vertex;
+        Fixed y = chain.line.endY;
+        while (y > from && y < to) {
+            levels.insert(y);
+            if (levels.tooMany()) return;
+            if (!rings_.stepDown(i, chain.winding)) break;
+            y = rings_[i].y;
         }
     }
-    return levels;
 }
 
 // Adds the slabs between the levels.
-void ChainClusters::addSlabs(Chain* chains, uint32_t count, const Levels& levels, int32_t winding,
-                             Fixed from, Fixed to)
+void ChainClusters::addSlabs(SlabChain* chains, uint32_t count, const Levels& levels,
+                             int32_t winding, Fixed from, Fixed to)
 {
     ScratchArray<SlabEdge> edges(slabs_.scratch(), count);
     if (!edges) {
@@ -206,9 +227,13 @@ void ChainClusters::addSlabs(Chain* chains, uint32_t count, const Levels& levels
         const Fixed next = slab < levels.count() ? levels[slab] : to;
         uint32_t crossing = 0;
         for (uint32_t i = 0; i < count; ++i) {
-            Chain& chain = chains[i];
+            SlabChain& chain = chains[i];
             if (chain.line.y > level || !chain.stepPast(rings_, level)) continue;
-            edges[crossing++] = {chain.line.xAt(level), chain.line.xAt(next), chain.winding};
+            // A chain above the level has come down through the slab above on the same edge.
+            const bool comesDown = slab != 0 && chain.line.y < level;
+            const Fixed topX = comesDown ? chain.bottomX : chain.line.xAt(level);
+            chain.bottomX = chain.line.xAt(next);
+            edges[crossing++] = {topX, chain.bottomX, chain.winding};
         }
         slabs_.add(edges.data(), crossing, winding, static_cast<uint32_t>(next - level));
         level = next;
@@ -216,8 +241,8 @@ void ChainClusters::addSlabs(Chain* chains, uint32_t count, const Levels& levels
 }
 
 // Decides by the middles of the chains which of them lie between inside and outside.
-void ChainClusters::addByMiddles(const Chain* chains, uint32_t count, int32_t winding, Fixed from,
-                                 Fixed to)
+void ChainClusters::addByMiddles(const SlabChain* chains, uint32_t count, int32_t winding,
+                                 Fixed from, Fixed to)
 {
     ScratchArray<MiddleX> order(slabs_.scratch(), count);
     if (!order) {
@@ -242,7 +267,7 @@ void ChainClusters::addByMiddles(const Chain* chains, uint32_t count, int32_t wi
 
 // Of chains left of all that is visible only the winding number that they leave matters, level by
 // level.
-void ChainClusters::addHidden(const Chain* chains, uint32_t count, int32_t winding, Fixed from,
+void ChainClusters::addHidden(const SlabChain* chains, uint32_t count, int32_t winding, Fixed from,
                               Fixed to)
 {
     ScratchArray<WindingStep> steps(slabs_.scratch(), 2 * count);
@@ -259,7 +284,7 @@ void ChainClusters::addHidden(const Chain* chains, uint32_t count, int32_t windi
         }
         if (chain.line.endY < to) steps[size++] = {chain.line.endY, -chain.winding};
     }
-    sortNearlySorted(steps.data(), size);
+    sortByHeap(steps.data(), sizeof(WindingStep) / sizeof(uint32_t), size);
     int32_t gain = 0; // height that is inside and was outside left of them, or the other way round
     for (uint32_t i = 0; i < size; ++i) {
         winding += steps[i].winding;
@@ -287,13 +312,13 @@ void ChainClusters::addAlong(Chain chain, Fixed from, Fixed to, int32_t sign)
 void addChains(SlabFill& slabs, RowPlacing& row, const RowPlace* places, uint32_t count,
                int32_t winding, bool isHidden)
 {
-    ScratchArray<Chain> chains(slabs.scratch(), count);
+    ScratchArray<SlabChain> chains(slabs.scratch(), count);
     if (!chains) {
         slabs.fail();
         return;
     }
     for (uint32_t i = 0; i < count; ++i)
-        chains[i] = row.chainOf(places[i]);
+        chains[i] = {row.chainOf(places[i]), 0};
     ChainClusters(slabs, row.rings())
         .addCluster(chains.data(), count, winding, row.top(), row.bottom(), isHidden);
 }
