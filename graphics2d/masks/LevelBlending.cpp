@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
+// Levels are looked at in groups. Where those of a group are alike, as most are in many masks, the
+// run of them is passed by or blended by one weight.
 #include "graphics2d/masks/LevelBlending.h"
 
-#include <algorithm>
+#include "graphics2d/masks/LevelRuns.h"
+#include "graphics2d/strips/Span.h"
+
 #include <cstring>
 
 namespace KAVO {
@@ -30,96 +34,113 @@ inline Pixels movedByLevels(Pixels from, Pixels to, Pixels levels)
     return moved(from, to) | moved(from >> 8, to >> 8) << 8;
 }
 
-// Replaces pixels by blended(pixels, others, levels), a vector at a time.
-template <class Blended>
-inline void blendByLevels(Pixel* pixels, const Pixel* others, const uint8_t* levels, int32_t count,
-                          Blended blended)
+#if defined(__AVX2__)
+// The same by multiplying bytes in pairs: 255 - level and level with channels less 128, for these
+// are signed.
+inline U32x8 movedByLevels(U32x8 from, U32x8 to, U32x8 levels)
 {
-    const auto few = [=](int32_t at) {
-        return blended(load<FewPixels>(pixels + at), load<FewPixels>(others + at),
-                       levelsOf<FewPixels>(levels + at));
+    const U32x8 shares = inBothHalves((levels << 8) + (255 - levels));
+    const __m256i start = (__m256i)(from ^ 0x80808080u);
+    const __m256i end = (__m256i)(to ^ 0x80808080u);
+    const auto moved = [](U32x8 pairs, __m256i channels) {
+        const auto less = (U16x16)_mm256_maddubs_epi16((__m256i)pairs, channels);
+        return (__m256i)mulHigh(less + (255 * 128 + 128), U16x16{} + 257); // by 255
     };
-    // The last few overlap those before them, and come from what the pixels were.
-    FewPixels last = {};
-    const int32_t lastFew = count - kFewLanes;
-    const bool overlaps = lastFew > 0 && count % kFewLanes != 0;
-    if (overlaps) last = few(lastFew);
-    int32_t i = 0;
-    for (; i + kLanes <= count; i += kLanes)
-        store(pixels + i, blended(load<PixelVector>(pixels + i), load<PixelVector>(others + i),
-                                  levelsOf<PixelVector>(levels + i)));
-    for (; i <= lastFew; i += kFewLanes)
-        store(pixels + i, few(i));
-    if (overlaps) return store(pixels + lastFew, last);
-    if (i == count) return;
-    Pixel lastPixels[kFewLanes] = {}, lastOthers[kFewLanes] = {};
-    uint8_t lastLevels[kFewLanes] = {};
-    std::copy_n(pixels, count, lastPixels);
-    std::copy_n(others, count, lastOthers);
-    std::copy_n(levels, count, lastLevels);
-    storeFew(pixels,
-             blended(load<FewPixels>(lastPixels), load<FewPixels>(lastOthers),
-                     levelsOf<FewPixels>(lastLevels)),
-             count);
+    return (U32x8)_mm256_packus_epi16(moved(twiceLow(shares), _mm256_unpacklo_epi8(start, end)),
+                                      moved(twiceHigh(shares), _mm256_unpackhi_epi8(start, end)));
 }
+#endif
 
-// Levels are looked at in blocks: where they are alike, as in most of many masks, one weight is
-// enough.
-constexpr int32_t kBlock = 32;
+// Toward other pixels.
+struct MoveToDrawn {
+    const Pixel* drawn;
 
-// Whether the levels of a block are alike.
-bool areAlike(const uint8_t* levels)
-{
-    const PixelVector pattern = all<PixelVector>(*levels * 0x01010101u);
-    PixelVector others = {};
-    for (int32_t i = 0; i < kBlock; i += static_cast<int32_t>(sizeof others)) {
-        PixelVector some;
-        std::memcpy(&some, levels + i, sizeof some);
-        others |= some ^ pattern;
+    template <class Pixels>
+    Pixels blended(Pixels from, int32_t i, Pixels levels) const
+    {
+        return movedByLevels(from, load<Pixels>(drawn + i), levels);
     }
-    return isZero(others);
+
+    // Whole vectors by one level.
+    void blendAlike(Pixel* pixels, int32_t i, int32_t end, uint8_t level) const
+    {
+        for (; i < end; i += kLanes)
+            store(pixels + i, blended(load<PixelVector>(pixels + i), i, all<PixelVector>(level)));
+    }
+};
+
+// Toward a colour.
+struct MoveToColour {
+    Tint tint;
+
+    template <class Pixels>
+    Pixels blended(Pixels from, int32_t, Pixels levels) const
+    {
+        return blendPixels<RefinedBlend>(from, all<Pixels>(tint.source),
+                                         weighedAlphas(levels << 8, tint.opacity));
+    }
+
+    void blendAlike(Pixel* pixels, int32_t i, int32_t end, uint8_t level) const
+    {
+        const uint32_t weight = refinedWeight(uint32_t{level} << 8, tint.opacity);
+        if (weight == 256) return fillPixels(pixels + i, end - i, tint.source);
+        blendFlat<RefinedBlend, 0>(pixels, i, end, tint.source, weight);
+    }
+};
+
+constexpr int32_t kGroup = 8;
+constexpr int32_t kLeastRun = 3 * kGroup; // it takes time to find where a run ends
+
+uint64_t groupOf(const uint8_t* levels)
+{
+    uint64_t group;
+    std::memcpy(&group, levels, sizeof group);
+    return group;
 }
 
-// Blends a colour over whole blocks of one level, of which there is at least one, as far as they
-// go; returns how many pixels these are.
-int32_t tintAlike(Pixel* pixels, Tint tint, const uint8_t* levels, int32_t count)
+// Replaces pixels by what the move makes of them.
+template <class Move>
+inline void blendByLevels(Pixel* pixels, const uint8_t* levels, int32_t count, Move move)
 {
-    const uint8_t level = *levels;
-    const FlatBlend<RefinedBlend, PixelVector> blend(
-        tint.source, refinedWeight(uint32_t{level} << 8, tint.opacity));
+    const auto blendAt = [=](int32_t i, auto lanes) {
+        using Pixels = decltype(lanes);
+        store(pixels + i, move.blended(load<Pixels>(pixels + i), i, levelsOf<Pixels>(levels + i)));
+    };
     int32_t i = 0;
-    do {
-        for (const int32_t end = i + kBlock; i < end; i += 2 * kLanes) {
-            const PixelVector second = load<PixelVector>(pixels + i + kLanes);
-            store(pixels + i, blend(load<PixelVector>(pixels + i)));
-            store(pixels + i + kLanes, blend(second));
+    while (count - i >= kGroup) {
+        const uint8_t level = levels[i];
+        const uint64_t group = groupOf(levels + i);
+        const bool isRun = count - i >= kLeastRun && group == level * 0x0101010101010101u &&
+                           group == groupOf(levels + i + 2 * kGroup);
+        if (!isRun) {
+            for (int32_t k = 0; k < kGroup && group != 0; k += kLanes)
+                blendAt(i + k, PixelVector{});
+            i += kGroup;
+            continue;
         }
-    } while (i + kBlock <= count && levels[i] == level && areAlike(levels + i));
-    return i;
+        int32_t end = endOfLevel(levels, i + kGroup, count, level);
+        if (level != 0) {
+            end = i + ((end - i) & -kGroup);
+            move.blendAlike(pixels, i, end, level);
+        }
+        i = end;
+    }
+    for (; count - i >= kFewLanes; i += kFewLanes)
+        blendAt(i, FewPixels{});
+    for (; i < count; ++i)
+        blendAt(i, Pixel{});
 }
 
 } // namespace
 
 void tintByLevels(Pixel* pixels, Tint tint, const uint8_t* levels, int32_t count)
 {
-    const auto blended = [=](auto from, auto, auto level) {
-        const auto source = all<decltype(from)>(tint.source);
-        return blendPixels<RefinedBlend>(from, source, weighedAlphas(level << 8, tint.opacity));
-    };
-    for (int32_t length; count > 0; pixels += length, levels += length, count -= length) {
-        if (count >= kBlock && areAlike(levels)) {
-            length = tintAlike(pixels, tint, levels, count);
-        } else {
-            length = std::min(count, kBlock);
-            blendByLevels(pixels, pixels, levels, length, blended);
-        }
-    }
+    blendByLevels(pixels, levels, count, MoveToColour{tint});
 }
 
 void moveByLevels(Pixel* pixels, const Pixel* drawn, const uint8_t* levels, int32_t count)
 {
-    blendByLevels(pixels, drawn, levels, count,
-                  [](auto from, auto to, auto level) { return movedByLevels(from, to, level); });
+    blendByLevels(pixels, levels, count, MoveToDrawn{drawn});
 }
 
 } // namespace MM2D_LEVEL

@@ -19,10 +19,25 @@ uint32_t maskAlpha(const MMContext2D& context)
     return counts ? paint.paintColour >> 24 : kWholeLevel;
 }
 
-// The opacity that the current paint has in a mask, 8.8.
-uint32_t maskOpacity(const MMContext2D& context)
+const uint8_t* clipRow(const MMContext2D& context)
 {
-    return opacityWith(context.currentPaint.paintOpacity, maskAlpha(context));
+    return context.clipMask != nullptr ? maskRow(*context.clipMask, context.spanRow) : nullptr;
+}
+
+// Calls add(column, coverage) for the columns of the span and its tail; the coverage is 8.8.
+template <class Add>
+[[gnu::always_inline]] inline void forEachOfRun(const MMContext2D& context, Add add)
+{
+    const int32_t end = fixFloor(context.spanEnd);
+    Coverage coverage = context.spanCoverage;
+    Coverage next = context.spanCoverageNext;
+    const Coverage step = context.spanCoverageStep; // a store of levels may alias the member
+    for (int32_t column = fixFloor(context.spanStart); column < end; ++column) {
+        add(column, coarseCoverage(coverage));
+        coverage = next;
+        next = wrapAdd(next, step);
+    }
+    if (context.spanTailCoverage > 0) add(end, coarseCoverage(context.spanTailCoverage));
 }
 
 } // namespace
@@ -32,36 +47,31 @@ void drawSpanIntoMask(MMContext2D& context)
     const int32_t first = fixFloor(context.spanStart);
     const int32_t count = spanLength(context);
     uint8_t* levels = maskRow(*context.maskTarget, context.spanRow) + first;
-    const uint8_t* clip =
-        context.clipMask != nullptr ? maskRow(*context.clipMask, context.spanRow) + first : nullptr;
-    const uint32_t opacity = maskOpacity(context);
-    if (clip == nullptr && opacity == kWholeAlpha) {
+    const uint8_t* clip = clipRow(context);
+    const uint32_t alpha = maskAlpha(context);
+    if (clip == nullptr && (alpha & context.currentPaint.paintOpacity) == kWholeLevel) {
         std::memset(levels, kWholeLevel, static_cast<size_t>(count));
         return;
     }
+    const uint32_t opacity = opacityWith(context.currentPaint.paintOpacity, alpha); // 8.8
     for (int32_t i = 0; i < count; ++i)
-        addLevel(levels[i], clip != nullptr ? shareOfLevel(opacity, clip[i]) : opacity);
+        addLevel(levels[i], clip != nullptr ? shareOfLevel(opacity, clip[first + i]) : opacity);
 }
 
 void drawRunIntoMask(MMContext2D& context)
 {
-    uint8_t* levels = maskRow(*context.maskTarget, context.spanRow);
-    const uint8_t* clip =
-        context.clipMask != nullptr ? maskRow(*context.clipMask, context.spanRow) : nullptr;
+    uint8_t* const levels = maskRow(*context.maskTarget, context.spanRow);
+    const uint8_t* const clip = clipRow(context);
     const uint32_t alpha = maskAlpha(context);
-    const auto add = [&](int32_t column, Coverage areaAndOpacity) {
-        uint32_t coverage = coarseCoverage(areaAndOpacity);
+    if (clip == nullptr && alpha == kWholeLevel)
+        return forEachOfRun(context, [=](int32_t column, uint32_t coverage) {
+            addLevel(levels[column], coverage);
+        });
+    forEachOfRun(context, [=](int32_t column, uint32_t coverage) {
         if (alpha != kWholeLevel) coverage = shareOfLevel(coverage, alpha);
         if (clip != nullptr) coverage = shareOfLevel(coverage, clip[column]);
         addLevel(levels[column], coverage);
-    };
-    CoverageSequence coverage(context);
-    const int32_t end = fixFloor(context.spanEnd);
-    for (int32_t column = fixFloor(context.spanStart); column < end; ++column) {
-        add(column, coverage.current());
-        coverage.advance(1);
-    }
-    if (context.spanTailCoverage > 0) add(end, context.spanTailCoverage);
+    });
 }
 
 void addAlphas(uint8_t* to, const Pixel* drawn, const uint8_t* levels, uint32_t opacity,

@@ -98,30 +98,27 @@ private:
     const Fixed end_;
 };
 
-constexpr int32_t kAsideLength = 512; // pixels; one more is the right-hand neighbour of the last
+// Pixels that are drawn aside at a time; one more is the right-hand neighbour of the last.
+constexpr int32_t kAsideLength = 1024;
+constexpr int32_t kAsideRun = 511;
 
 // Draws the columns from first to end - 1, which are selected, by draw() into `aside`, which has
-// room for one more, and moves the target to that by the levels.
+// room for one more, and moves the target to that by the levels. Unless the paint hides it, what
+// the target has there lies below.
 template <class Draw>
 void drawAside(MMContext2D& context, PartOfSpan& part, int32_t first, int32_t end,
-               const uint8_t* levels, Pixel* aside, Draw draw)
+               const uint8_t* levels, Pixel* aside, bool hides, Draw draw)
 {
+    Pixel* const pixels = part.at(first);
+    const int32_t count = end - first;
+    if (!hides) {
+        std::memcpy(aside, pixels, static_cast<size_t>(count) * sizeof(Pixel));
+        aside[count] = pixels[end < context.target.width ? count : count - 1];
+    }
     part.drawInto(aside, first);
     draw();
     part.drawIntoTarget();
-    context.level->moveByLevels(part.at(first), aside, levels + first, end - first);
-}
-
-// The same over what the target has there.
-template <class Draw>
-void drawThroughCopy(MMContext2D& context, PartOfSpan& part, int32_t first, int32_t end,
-                     const uint8_t* levels, Pixel* copy, Draw draw)
-{
-    const Pixel* const pixels = part.at(first);
-    const int32_t count = end - first;
-    std::memcpy(copy, pixels, static_cast<size_t>(count) * sizeof(Pixel));
-    copy[count] = pixels[end < context.target.width ? count : count - 1];
-    drawAside(context, part, first, end, levels, copy, draw);
+    context.level->moveByLevels(pixels, aside, levels + first, count);
 }
 
 void invertByLevels(Pixel* pixels, Pixel colour, const uint8_t* levels, int32_t count)
@@ -133,7 +130,7 @@ void invertByLevels(Pixel* pixels, Pixel colour, const uint8_t* levels, int32_t 
 // Whether the paint writes every pixel of a span and looks at none.
 bool hidesTarget(const MMContext2D& context, const SpanFiller& paint)
 {
-    if (context.refined == 0 || paint.flatCoverage) return false;
+    if (paint.flatCoverage) return false;
     switch (context.currentPaint.paintType) {
     case kPaintLinearGradient:
     case kPaintRadialGradient:
@@ -163,10 +160,7 @@ void drawMixture(MMContext2D& context, const SpanFiller& paint, PartOfSpan& part
         for (int32_t next; first < end; first = next) {
             next = std::min(end, first + kAsideLength);
             part.select(first, next);
-            if (hides)
-                drawAside(context, part, first, next, levels, aside, draw);
-            else
-                drawThroughCopy(context, part, first, next, levels, aside, draw);
+            drawAside(context, part, first, next, levels, aside, hides, draw);
         }
     }
 }
@@ -175,17 +169,18 @@ void drawMixture(MMContext2D& context, const SpanFiller& paint, PartOfSpan& part
 void drawUncut(MMContext2D& context, const SpanFiller& paint, PartOfSpan& part,
                const uint8_t* levels)
 {
-    ScratchArray<Pixel> copy(context.scratchStack,
-                             static_cast<uint32_t>(part.end() - part.first()) + 1);
-    if (!copy) return noteOutOfMemory(context);
-    drawThroughCopy(context, part, part.first(), part.end(), levels, copy.data(),
-                    [&] { drawSpan(context, paint); });
+    ScratchArray<Pixel> aside(context.scratchStack,
+                              static_cast<uint32_t>(part.end() - part.first()) + 1);
+    if (!aside) return noteOutOfMemory(context);
+    drawAside(context, part, part.first(), part.end(), levels, aside.data(),
+              hidesTarget(context, paint), [&] { drawSpan(context, paint); });
 }
 
 bool dependsOnStart(const MMContext2D& context)
 {
-    return context.refined == 0 && context.currentPaint.paintType != kPaintSolid &&
-           context.currentPaint.paintType != kPaintXOR;
+    const uint32_t paint = context.currentPaint.paintType;
+    return context.refined == 0 && paint != kPaintSolid && paint != kPaintXOR &&
+           paint != kPaintSource;
 }
 
 void drawSpanThroughMask(MMContext2D& context)
@@ -200,6 +195,9 @@ void drawSpanThroughMask(MMContext2D& context)
             return drawSpan(context, paint);
         return drawUncut(context, paint, part, levels);
     }
+    if (context.currentPaint.paintType == kPaintSolid && !paint.flatCoverage && part.first() < end)
+        return context.level->tintByLevels(part.at(part.first()), tintOf(context),
+                                           levels + part.first(), end - part.first());
     for (int32_t first = part.first(), next; first < end; first = next) {
         if (levels[first] == 0) {
             next = context.level->endOfLevel(levels, first, end, 0);
@@ -240,9 +238,9 @@ void drawPaintRun(MMContext2D& context, const uint8_t* levels)
     const Coverage tail = context.spanTailCoverage;
     PartOfSpan part(context);
     const int32_t end = part.end();
-    Pixel copy[kAsideLength + 1];
+    Pixel aside[kAsideRun + 2]; // with the tail
     for (int32_t first = part.first(), next; first < end; first = next) {
-        next = std::min(end, first + kAsideLength - 1);
+        next = std::min(end, first + kAsideRun);
         const bool takesTail = next == end && tail > 0;
         part.select(first, next);
         context.spanCoverage = coverage.current();
@@ -250,8 +248,8 @@ void drawPaintRun(MMContext2D& context, const uint8_t* levels)
         context.spanCoverageStep = coverage.step();
         context.spanTailCoverage = takesTail ? tail : 0;
         coverage.advance(next - first);
-        drawThroughCopy(context, part, first, next + (takesTail ? 1 : 0), levels, copy,
-                        [&] { paint(context); });
+        drawAside(context, part, first, next + (takesTail ? 1 : 0), levels, aside, false,
+                  [&] { paint(context); });
     }
 }
 
@@ -293,6 +291,20 @@ void pickThroughMasks(MMContext2D& context)
 }
 
 } // namespace
+
+PixelBox withoutHiddenRows(const MMContext2D& context, PixelBox box)
+{
+    const auto isHidden = [&](int32_t row) {
+        const uint8_t* levels = maskRow(*context.clipMask, row);
+        return context.level->endOfLevel(levels, box.left, box.right, 0) == box.right;
+    };
+    if (box.left >= box.right) return box;
+    while (box.top < box.bottom && isHidden(box.top))
+        ++box.top;
+    while (box.top < box.bottom && isHidden(box.bottom - 1))
+        --box.bottom;
+    return box;
+}
 
 StripFiller maskedSpanFiller(const MMContext2D& context)
 {

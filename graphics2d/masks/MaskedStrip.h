@@ -27,6 +27,10 @@ inline bool usesMasks(const MMContext2D& context)
            (context.layer != nullptr && context.currentPaint.paintType == kPaintPicking);
 }
 
+// A box inside the clipMask without the rows at its top and bottom that it hides: they take less
+// time to be looked through here than to be rasterised.
+PixelBox withoutHiddenRows(const MMContext2D& context, PixelBox box);
+
 // For the interior of shapes, and for runs of edge pixels.
 StripFiller maskedSpanFiller(const MMContext2D& context);
 StripFiller maskedEdgeFiller(const MMContext2D& context);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "graphics2d/raster/PolygonBounds.h"
 
+#include "graphics2d/masks/MaskedStrip.h"
 #include "graphics2d/raster/PixelGrid.h"
 
 #include <algorithm>
@@ -21,10 +22,13 @@ PixelBox reachableBox(const MMContext2D& context, const BoundsUnion& bounds)
     if (context.drawSuppressed) return {0, 0, 0, 0};
     const PixelBox drawable = drawableBox(context);
     const PixelGrid grid(context);
-    return {std::max(drawable.left, fixFloor(grid.moved(bounds.minX))),
-            std::max(drawable.top, fixFloor(grid.moved(bounds.minY))),
-            std::min(drawable.right, fixFloor(grid.moved(bounds.maxX)) + 1),
-            std::min(drawable.bottom, fixFloor(grid.moved(bounds.maxY)) + 1)};
+    const PixelBox box = {std::max(drawable.left, fixFloor(grid.moved(bounds.minX))),
+                          std::max(drawable.top, fixFloor(grid.moved(bounds.minY))),
+                          std::min(drawable.right, fixFloor(grid.moved(bounds.maxX)) + 1),
+                          std::min(drawable.bottom, fixFloor(grid.moved(bounds.maxY)) + 1)};
+    if constexpr (kHasLayers)
+        if (context.clipMask != nullptr) return withoutHiddenRows(context, box);
+    return box;
 }
 
 } // namespace Graphics2D
