@@ -4,6 +4,8 @@
 
 #include "graphics2d/MMContext2D.h"
 
+#include <cstddef>
+
 namespace KAVO {
 namespace Graphics2D {
 
@@ -14,6 +16,28 @@ using StripFiller = void (*)(MMContext2D&);
 struct PaintFillers {
     StripFiller opaque;
     StripFiller translucent;
+};
+
+// A box of a glyph image, on its way into the target.
+struct GlyphRows {
+    Pixel* pixels;         // the target's, where the box begins
+    ptrdiff_t rowPixels;   // from one row to the next
+    const uint8_t* levels; // the byte with the first pixel's level; 7 bytes before can be read
+    ptrdiff_t stride;      // bytes per row
+    bool startsLow;        // that level is in the low half of its byte
+    int32_t width;         // pixels and paint can be read up to the next multiple of 4
+    int32_t height;
+    const Pixel* paint; // the colour, or the first row of pixels
+    ptrdiff_t paintRow; // pixels per row
+    uint16_t opacity;   // 0 to 255; by the refined rules 8.8
+};
+
+// Blends a paint into the target through a glyph.
+using GlyphBlender = void (*)(const GlyphRows&);
+
+struct GlyphBlenders {
+    GlyphBlender colour;
+    GlyphBlender pixels;
 };
 
 #if !defined(MM2D_WITHOUT_LAYERS)
@@ -33,6 +57,8 @@ struct LevelTable {
     PaintFillers radialGradient;
     PaintFillers patterns[3]; // by MMPatternFilter
     PaintFillers source;
+    GlyphBlenders classicGlyphs; // of text/GlyphBlending.h
+    GlyphBlenders refinedGlyphs;
 #if !defined(MM2D_WITHOUT_LAYERS)
     // Of masks/LevelBlending.h.
     void (*tintByLevels)(Pixel* pixels, Tint tint, const uint8_t* levels, int32_t count);

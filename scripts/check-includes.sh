@@ -27,7 +27,7 @@ graphics2d/paths:       graphics2d/strokes graphics2d/raster graphics2d/strips g
 graphics2d/text:        graphics2d/masks graphics2d/strips graphics2d math memory util platform
 graphics2d/sources:     graphics2d/strips graphics2d math memory
 graphics2d/layers:      graphics2d/masks graphics2d/strips graphics2d math memory
-graphics2d/levels:      graphics2d/layers graphics2d/masks graphics2d/sources graphics2d/strips graphics2d math memory
+graphics2d/levels:      graphics2d/layers graphics2d/masks graphics2d/sources graphics2d/strips graphics2d/text graphics2d math memory
 graphics2d/convenience: graphics2d/paths graphics2d/text graphics2d math memory util platform
 '
 

@@ -3,6 +3,7 @@
 #include "graphics2d/LevelTable.h"
 
 #include "graphics2d/strips/StripFillers.h"
+#include "graphics2d/text/GlyphBlending.h"
 
 #if !defined(MM2D_WITHOUT_LAYERS)
 #include "graphics2d/layers/NormalRow.h"
@@ -29,6 +30,8 @@ const LevelTable kLevelTable = {
      {drawBilinearPattern, drawTranslucentBilinearPattern},
      {drawBicubicPattern, drawTranslucentBicubicPattern}},
     {drawSource, drawTranslucentSource},
+    {blendClassicColour, blendClassicPixels},
+    {blendRefinedColour, blendRefinedPixels},
 #if !defined(MM2D_WITHOUT_LAYERS)
     tintByLevels,
     moveByLevels,

@@ -2,6 +2,7 @@
 // Drawing one glyph image into the target. Internal.
 #pragma once
 
+#include "graphics2d/LevelTable.h"
 #include "graphics2d/PixelBox.h"
 #include "platform/FontEngine.h"
 
@@ -16,9 +17,9 @@ struct GlyphPlace {
 
 // Composites the glyphs of a run of text, all in one paint.
 //
-// A solid colour is blended straight into the target. Any other paint first draws each row of the
-// glyph's box into a row buffer, as it would fill a rectangle at that place, and the buffer is then
-// composited through the glyph.
+// A solid colour is blended straight into the target. Any other paint first draws the rows of the
+// glyph's box into a buffer for one or a few of them, as it would fill a rectangle at that place,
+// and the buffer is then composited through the glyph.
 //
 // Classic: the background of a pixel is its right-hand neighbour, also where the glyph is empty:
 // within the glyph's box the background moves left by one pixel. Only the very last pixel of the
@@ -42,54 +43,42 @@ public:
                pixel.y < visible_.bottom;
     }
 
-    // What is visible of a glyph.
-    struct Box {
-        const uint8_t* levels;    // the byte with the first visible pixel of the first visible row
-        const uint8_t* levelsEnd; // of the glyph's bitmap
-        ptrdiff_t stride;         // bytes per row
-        bool startsLow;           // that pixel is in the low half of its byte
-        Pixel* pixels;            // that pixel in the target
-        int32_t x;                // of that pixel
-        int32_t y;
-        int32_t width;
-        int32_t height;
-        int32_t skippedColumns; // of the glyph, to the left
-        int32_t skippedRows;    // above
+    // Cuts a glyph's rectangle to what can be seen. False when nothing of it is left.
+    bool place(const FS_GrayMap& glyph, const GlyphPlace& place);
 
-        bool empty() const { return width <= 0 || height <= 0; }
-    };
-
-    // The glyph's rectangle cut to the clip rectangle and the target; all but its pixels and
-    // levels.
-    Box visible(const FS_GrayMap& glyph, const GlyphPlace& place) const;
-
-    // Draws what is visible of the image, which must have its bitmap: of a box that is not empty.
-    // Sets outOfMemory and draws nothing when there is no row buffer.
-    void draw(const FS_GrayMap& glyph, Box box);
+    // Draws what is left of the glyph placed last, which must have its bitmap. Sets outOfMemory and
+    // draws nothing when there is no row buffer.
+    void draw(const FS_GrayMap& glyph);
 
 private:
-    size_t rowBytes() const { return static_cast<size_t>(rowPixels_) * sizeof(Pixel); }
-    void drawOver(const Box& box, int32_t beside);
-    void drawRedirected(Box box);
-    void drawIntoMask(const Box& box);
-    void drawThroughMask(const Box& box);
-    template <class SolidBlend, class BufferBlend, class Meeting>
-    void drawBox(const Box& box, Pixel colour, const Meeting& meeting);
-    template <class Blend, class Meeting, class ColoursAt>
-    void compositeRow(const Box& box, int32_t y, const Meeting& meeting, ColoursAt coloursAt) const;
-    template <class Blend, class Meeting>
-    void drawThroughBuffer(const Box& box, const Meeting& meeting);
+    size_t rowBytes() const { return static_cast<size_t>(rows_.rowPixels) * sizeof(Pixel); }
+    void drawOver();
+    void drawRedirected();
+    void drawIntoMask();
+    void drawThroughMask();
+    void drawThroughBuffer();
+    void blend() const;
+    void blendAside() const;
     void movePaintLeft(int32_t columns);
 
     MMContext2D& context_;
     const MMPaint* record_; // with the paint's origin as the caller set it
 
-    PixelBox visible_;    // where pixels may be drawn
-    ptrdiff_t rowPixels_; // from one row to the next
-    Pixel* targetEnd_;
+    PixelBox visible_; // where pixels may be drawn
+    Pixel* targetEnd_; // classic: the pixel before has no right-hand neighbour
+    Pixel* readEnd_;   // up to where pixels can be read
+    GlyphBlender blender_;
     bool refined_;
+    bool isClassicBlend_;
     bool redirected_;
-    uint16_t opacity_; // refined: of a whole glyph, 8.8
+    Pixel colour_;
+
+    // Of the glyph placed last.
+    GlyphRows rows_;
+    int32_t column_; // of the first visible pixel
+    int32_t row_;
+    int32_t skippedColumns_; // of the glyph, to the left
+    int32_t skippedRows_;    // above
 };
 
 } // namespace Graphics2D

@@ -172,16 +172,13 @@ bool rotationOf(const MMContext2D& context, uint32_t index, Degrees& angle)
 void drawGlyph(GlyphCompositor& compositor, GlyphSource& source, const FS_GrayMap* glyph,
                uint16_t character, const GlyphPlace& place)
 {
-    GlyphCompositor::Box box = compositor.visible(*glyph, place);
-    if (box.empty()) return;
+    if (!compositor.place(*glyph, place)) return;
     if (!FS_has_bitmap(glyph)) {
         source.release();
         glyph = source.glyph(character, true);
-        if (glyph == nullptr || !FS_has_bitmap(glyph)) return;
-        box = compositor.visible(*glyph, place);
-        if (box.empty()) return;
+        if (glyph == nullptr || !FS_has_bitmap(glyph) || !compositor.place(*glyph, place)) return;
     }
-    compositor.draw(*glyph, box);
+    compositor.draw(*glyph);
 }
 
 // One walk. The pen is in device space.
