@@ -38,8 +38,16 @@ inline U32x4 middles(U32x4 a, U32x4 b)
     return floor + (odd & (floor >> 31)); // the lowest bit of odd: a half, to be dropped upward
 }
 
+// The same for sums that fit 32 bits.
+inline U32x4 middlesOfSmall(U32x4 a, U32x4 b)
+{
+    const U32x4 sum = a + b;
+    return (U32x4)((I32x4)(sum + (sum >> 31)) >> 1);
+}
+
 // Makes second, which is the whole curve, its second half, and first the other one. A vector holds
 // two points.
+template <U32x4 middles(U32x4, U32x4)>
 void halveCurve(BezierCurve& first, BezierCurve& second)
 {
     uint32_t* const words = reinterpret_cast<uint32_t*>(&second);
@@ -95,7 +103,7 @@ public:
     bool halve(Piece& piece, Piece& first) const
     {
         const MMPoint2D control1 = piece.curve.control1;
-        halveCurve(first.curve, piece.curve);
+        halveCurve<middles>(first.curve, piece.curve);
         first.level = ++piece.level;
         const MMPoint2D& start = first.curve.start;
         const MMPoint2D& split = first.curve.end;
@@ -112,7 +120,7 @@ public:
     static constexpr uint32_t kMaxPending = 16;
 
     // The curve is halved together with its image on the device, which is relative to the start of
-    // the whole curve and has fractionBits_.
+    // the whole curve and has kFractionBits, or as many as fit.
     struct Piece {
         BezierCurve curve;
         BezierCurve device;
@@ -133,7 +141,10 @@ public:
         int32_t shift = 0;
         while (greatest >> shift > kGreatest)
             ++shift;
-        fractionBits_ = kFractionBits - shift;
+        const int32_t fractionBits = kFractionBits - shift;
+        up_ = std::max(fractionBits, 0);
+        down_ = std::max(-fractionBits, 0);
+        tiny_ = (int64_t{1} << up_) >> 6;
         const auto fitted = [shift](const Wide& p) {
             return MMPoint2D{static_cast<Fixed>(p.x >> shift), static_cast<Fixed>(p.y >> shift)};
         };
@@ -143,8 +154,8 @@ public:
     bool halve(Piece& piece, Piece& first) const
     {
         if (isFlat(piece.device)) return true;
-        halveCurve(first.curve, piece.curve);
-        halveCurve(first.device, piece.device);
+        halveCurve<middles>(first.curve, piece.curve);
+        halveCurve<middlesOfSmall>(first.device, piece.device);
         first.level = ++piece.level;
         return false;
     }
@@ -185,8 +196,7 @@ private:
     // 1/64 of a pixel at most.
     bool isTiny(const Wide& leg) const
     {
-        const int64_t limit = fractionBits_ >= 6 ? int64_t{1} << (fractionBits_ - 6) : 0;
-        return absolute(leg.x) <= limit && absolute(leg.y) <= limit;
+        return absolute(leg.x) <= tiny_ && absolute(leg.y) <= tiny_;
     }
 
     // Whether all legs lie within 7 degrees of the chord, as nearly all do beside it; they turn by
@@ -206,27 +216,29 @@ private:
     bool isFlat(const BezierCurve& c) const
     {
         const Wide first = between(c.start, c.control1);
-        const Wide middle = between(c.control1, c.control2);
         const Wide last = between(c.control2, c.end);
         const Wide chord = between(c.start, c.end);
         const int64_t larger = std::max(absolute(chord.x), absolute(chord.y));
         const int64_t smaller = std::min(absolute(chord.x), absolute(chord.y));
-        const int64_t length = larger - larger / 8 + smaller / 2; // or up to an eighth less
-        const int64_t pixel =
-            fractionBits_ >= 0 ? length << fractionBits_ : length >> -fractionBits_;
+        const int64_t length = larger - (larger >> 3) + (smaller >> 1); // or up to an eighth less
+        const int64_t pixel = (length << up_) >> down_;
         const int64_t firstCross = cross(chord, first);
         const int64_t lastCross = cross(chord, last);
-        const bool isNear = 24 * std::max(absolute(firstCross), absolute(lastCross)) <= pixel;
-        if (isNear && larger > 0 && staysBeside(chord, first, last, firstCross, lastCross))
-            return true;
-        if (isNear && dot(first, chord) >= 0 && dot(middle, chord) >= 0 && dot(last, chord) >= 0 &&
-            turnsLittle(first, last) && turnsLittle(first, middle) && turnsLittle(middle, last))
-            return true;
-        return isTiny(first) && isTiny(middle) && isTiny(last);
+        if (24 * absolute(firstCross) <= pixel && 24 * absolute(lastCross) <= pixel) {
+            if (larger > 0 && staysBeside(chord, first, last, firstCross, lastCross)) return true;
+            const Wide middle = between(c.control1, c.control2);
+            if (dot(first, chord) >= 0 && dot(middle, chord) >= 0 && dot(last, chord) >= 0 &&
+                turnsLittle(first, last) && turnsLittle(first, middle) && turnsLittle(middle, last))
+                return true;
+        }
+        return isTiny(first) && isTiny(between(c.control1, c.control2)) && isTiny(last);
     }
 
     const Matrix2D& transform_;
-    int32_t fractionBits_ = kFractionBits;
+    // A pixel is 2^(up_ - down_) units of the image on the device; one of the two is 0.
+    int32_t up_ = kFractionBits;
+    int32_t down_ = 0;
+    int64_t tiny_ = 0;
 };
 
 // Halves a curve and hands its points to take. Returns how many they are, or kMaxCurvePoints + 1 as
