@@ -88,7 +88,8 @@ class WalkedChain {
 public:
     // Runs from one vertex toward another, step +1 or -1 at a time.
     WalkedChain(const MMPoint2D* from, const MMPoint2D* to, int32_t step)
-        : vertex_(from), end_(to), step_(step), line_(EdgeLine::at(*from))
+        : vertex_(from), end_(to), step_(step), line_(EdgeLine::at(*from)), levelX_(from->x),
+          level_(from->y)
     {
     }
 
@@ -107,13 +108,25 @@ public:
                 line_ = EdgeLine::between(from, *vertex_);
             moved = true;
         }
-        if (moved) coverageSlope_ = 0;
+        if (moved) {
+            coverageSlope_ = 0;
+            level_ = line_.y;
+            levelX_ = line_.x;
+        }
         return true;
     }
 
     Fixed endX() const { return line_.endX; }
     Fixed endY() const { return line_.endY; }
-    Fixed xAt(Fixed level) { return line_.xAt(level); }
+
+    // Often asked for twice, where one slab ends and the next begins.
+    [[gnu::noinline]] Fixed xAt(Fixed level)
+    {
+        if (level == level_) return levelX_;
+        level_ = level;
+        return levelX_ = line_.xAt(level);
+    }
+
     void moveTo(Fixed level, Fixed x) { line_.moveTo(level, x); }
     Fixed slope() { return line_.slopePerRow(); }
 
@@ -137,6 +150,8 @@ private:
     const MMPoint2D* end_;
     int32_t step_;
     EdgeLine line_;
+    Fixed levelX_; // where the line is at level_
+    Fixed level_;
     Fixed coverageSlope_ = 0; // 0: not computed yet
 };
 
@@ -173,14 +188,15 @@ void drawSharp(RowPainter& painter, WalkedChain& forward, WalkedChain& backward,
 void addSlab(CoverageRow& coverage, SlabFill& slabs, const SlabEdge& a, const SlabEdge& b,
              uint32_t height)
 {
-    const bool exchanged = isBefore(b, a);
-    const SlabEdge edges[] = {exchanged ? b : a, exchanged ? a : b};
-    if (edges[1].bottomX < edges[0].bottomX) {
+    const bool aIsLeft = a.topX <= b.topX;
+    if (a.topX != b.topX && a.bottomX != b.bottomX && aIsLeft != (a.bottomX < b.bottomX)) {
+        const SlabEdge edges[] = {aIsLeft ? a : b, aIsLeft ? b : a};
         slabs.addCrossedPair(edges, 0, height);
         return;
     }
-    coverage.addPiece(edges[0].topX, edges[0].bottomX, height, 1);
-    coverage.addPiece(edges[1].topX, edges[1].bottomX, height, -1);
+    const bool isLeft = a.topX != b.topX ? aIsLeft : a.bottomX < b.bottomX;
+    coverage.addPiece(a.topX, a.bottomX, height, isLeft ? 1 : -1);
+    coverage.addPiece(b.topX, b.bottomX, height, isLeft ? -1 : 1);
 }
 
 // Sums up the part of a row from level on, slab by slab, and draws it. Both chains reach below the
