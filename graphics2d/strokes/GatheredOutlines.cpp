@@ -21,40 +21,44 @@ struct TouchedBox {
     int32_t left;
     int32_t bottom;
     int32_t right;
-    uint32_t outline;
-    uint32_t meetsOthers;
+    bool meetsOthers;
 };
 
-bool isBefore(const TouchedBox& a, const TouchedBox& b)
-{
-    return a.top < b.top || (a.top == b.top && a.left < b.left);
-}
-
 // Whatever the pixel grid.
-TouchedBox touchedBy(const BoundsUnion& bounds, uint32_t outline)
+TouchedBox touchedBy(const BoundsUnion& bounds)
 {
-    return {fixFloor(bounds.minY),
-            fixFloor(bounds.minX),
-            fixFloor(bounds.maxY) + 1,
-            fixFloor(bounds.maxX) + 1,
-            outline,
-            0};
+    return {fixFloor(bounds.minY), fixFloor(bounds.minX), fixFloor(bounds.maxY) + 1,
+            fixFloor(bounds.maxX) + 1, false};
 }
 
-// Marks the boxes that overlap, or all when to find out would take long.
-void markMeetings(TouchedBox* boxes, uint32_t count)
+struct BoxByTop {
+    int32_t top;
+    int32_t index;
+};
+
+bool isBefore(const BoxByTop& a, const BoxByTop& b)
+{
+    return a.top < b.top || (a.top == b.top && a.index < b.index);
+}
+
+// Marks the boxes that overlap, or all when to find out would take long. The order is that of their
+// tops.
+void markMeetings(TouchedBox* boxes, const BoxByTop* order, uint32_t count)
 {
     uint64_t budget = uint64_t{64} * count; // comparisons
-    for (uint32_t i = 0; i < count; ++i)
-        for (uint32_t j = i + 1; j < count && boxes[j].top <= boxes[i].bottom; ++j) {
+    for (uint32_t i = 0; i < count; ++i) {
+        TouchedBox& box = boxes[order[i].index];
+        for (uint32_t j = i + 1; j < count && order[j].top <= box.bottom; ++j) {
             if (budget-- == 0) {
                 for (uint32_t k = 0; k < count; ++k)
-                    boxes[k].meetsOthers = 1;
+                    boxes[k].meetsOthers = true;
                 return;
             }
-            if (boxes[j].left > boxes[i].right || boxes[i].left > boxes[j].right) continue;
-            boxes[i].meetsOthers = boxes[j].meetsOthers = 1;
+            TouchedBox& other = boxes[order[j].index];
+            if (other.left > box.right || box.left > other.right) continue;
+            box.meetsOthers = other.meetsOthers = true;
         }
+    }
 }
 
 } // namespace
@@ -88,15 +92,17 @@ bool GatheredOutlines::grow()
 uint32_t GatheredOutlines::fillApart()
 {
     ScratchArray<TouchedBox> boxes(context_.scratchStack, count_);
-    if (!boxes) return count_;
-    for (uint32_t i = 0; i < count_; ++i)
-        boxes[i] = touchedBy(boundsOfPolygon(&points_[beginOf(i)], ends_[i] - beginOf(i)), i);
-    sortNearlySorted(boxes.data(), count_);
-    markMeetings(boxes.data(), count_);
+    ScratchArray<BoxByTop> order(context_.scratchStack, count_);
+    if (!boxes || !order) return count_;
+    for (uint32_t i = 0; i < count_; ++i) {
+        boxes[i] = touchedBy(boundsOfPolygon(&points_[beginOf(i)], ends_[i] - beginOf(i)));
+        order[i] = {boxes[i].top, static_cast<int32_t>(i)};
+    }
+    sortNearlySorted(order.data(), count_);
+    markMeetings(boxes.data(), order.data(), count_);
     uint32_t left = count_;
-    for (uint32_t k = 0; k < count_; ++k) {
-        if (boxes[k].meetsOthers != 0) continue;
-        const uint32_t i = boxes[k].outline;
+    for (uint32_t i = 0; i < count_; ++i) {
+        if (boxes[i].meetsOthers) continue;
         MMPoint2D* const points = &points_[beginOf(i)];
         const uint32_t count = ends_[i] - beginOf(i);
         fillOutline(context_, points, count);
