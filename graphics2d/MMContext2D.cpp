@@ -52,6 +52,7 @@ MMContext2D::MMContext2D()
     reservedFlag = 1;
     target.backgroundColour = 0xFFFFFFFF;
     pointStep = 1;
+    spanRows = 1;
     level = chooseLevel();
     initFontLib();
     updateFont();

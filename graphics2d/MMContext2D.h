@@ -468,6 +468,10 @@ public:
     // INNER: what the paint itself draws the current polygon by where a mask or a layer comes
     // first.
     const OwnFillers* ownFillers;
+
+    // INNER: rows from spanRow on that the fillers of solid colours, and those of patterns but for
+    // the T fillers, draw alike; 1 but while they are called.
+    uint32_t spanRows;
 };
 
 // Turns every run of tabs, line ends and spaces into one space, also at both ends; dst may be src.

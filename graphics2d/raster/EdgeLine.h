@@ -38,6 +38,9 @@ struct EdgeLine {
     // x at a level not above y; the end's x from the end on.
     Fixed xAt(Fixed level);
 
+    // x is the same everywhere.
+    bool isUpright() const { return x == endX && (slope == 0 || slope == kNoSlope); }
+
     // x per row, of a line at least one row high.
     Fixed slopePerRow()
     {

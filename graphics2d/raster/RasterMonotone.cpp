@@ -4,7 +4,8 @@
 // From the topmost vertex two chains of edges run down to the lowest one: one forward through the
 // vertex list, one backward. Each row lies between them. There is no edge table and no sorting; a
 // row costs two additions and the strip calls, an edge one division (two with anti-aliasing). Which
-// chain is on the left is looked up anew in every row, so crossed chains do no harm.
+// chain is on the left is looked up anew in every row, so crossed chains do no harm. Rows between
+// upright edges are alike, and fillers that know how to draw several of them at once.
 //
 // Without anti-aliasing a row is the span between the chains' x at the row's lower boundary, which
 // the pixel grid makes the centre line of the pixels. With it, rows that hold no vertex take
@@ -128,6 +129,7 @@ public:
     }
 
     void moveTo(Fixed level, Fixed x) { line_.moveTo(level, x); }
+    bool isUpright() const { return line_.isUpright(); }
     Fixed slope() { return line_.slopePerRow(); }
 
     // Coverage per column of travel, for rows that the edge crosses wholly.
@@ -168,10 +170,15 @@ void drawSharp(RowPainter& painter, WalkedChain& forward, WalkedChain& backward,
         Fixed backwardX = backward.xAt(boundary);
         const Fixed lowest =
             std::min({forward.endY(), backward.endY(), fixFromInt(visible.bottom)});
+        const bool upright = forward.isUpright() && backward.isUpright();
         // Rows to the end of the nearer edge; both edges continue straight.
         for (;;) {
-            painter.beginRow(row++);
+            const int32_t left = fixFloor(lowest - boundary) + 1;
+            const int32_t rows = upright ? std::min(painter.rowsAtOnce(true), left) : 1;
+            painter.beginRow(row, rows);
             painter.drawSharp(std::min(forwardX, backwardX), std::max(forwardX, backwardX));
+            row += rows;
+            boundary += fixFromInt(rows - 1);
             if (boundary > lowest - kFixedOne) break;
             boundary += kFixedOne;
             forwardX = forward.endY() == boundary ? forward.xAt(boundary)
@@ -283,15 +290,22 @@ int32_t drawWholeRows(MMContext2D& context, RowPainter& painter, WalkedChain& fo
         const EdgeRamp leftRamp = rampOf(left);
         const EdgeRamp rightRamp = rampOf(right);
         // Between upright edges all rows are alike.
-        const int32_t end = a.slope == 0 && b.slope == 0 ? count : drawn + 1;
-        for (; drawn < end; ++drawn) {
-            painter.beginRow(row + drawn);
+        const bool upright = a.slope == 0 && b.slope == 0;
+        const int32_t end = upright ? count : drawn + 1;
+        const int32_t rows =
+            upright ? painter.rowsAtOnce(leftRamp.columns() == 0 && rightRamp.columns() == 0) : 1;
+        for (; drawn < end; drawn += rows) {
+            painter.beginRow(row + drawn, std::min(rows, end - drawn));
             painter.expect(row + drawn + 2, left.bottomX);
             painter.expect(row + drawn + 2, right.bottomX);
             drawEdgeRow(painter, leftRamp, rightRamp);
         }
+        drawn = end;
     }
-    if (drawn != 0) storeEdges(context, exchanged ? b : a, exchanged ? a : b);
+    if (drawn != 0) {
+        painter.beginRow(row + drawn - 1);
+        storeEdges(context, exchanged ? b : a, exchanged ? a : b);
+    }
     forward.moveTo(fixFromInt(row + drawn), a.bottomX);
     backward.moveTo(fixFromInt(row + drawn), b.bottomX);
     return drawn;
@@ -334,6 +348,7 @@ bool drawChains(MMContext2D& context, const PixelBox& visible, Fixed lowest, boo
     const Fixed bottom = grid.moved(lowest);
     if ((context.antiAlias & 1) == 0) {
         drawSharp(painter, forward, backward, top, bottom);
+        context.spanRows = 1;
         return true;
     }
     CoverageRow coverage(context.scratchStack, visible);

@@ -43,10 +43,11 @@ RowPainter::RowPainter(MMContext2D& context, const PixelBox& visible)
     drawableEnd_ = fixFromInt(drawable.right);
 }
 
-void RowPainter::beginRow(int32_t row)
+void RowPainter::beginRow(int32_t row, int32_t rows)
 {
     const MMPixmap& target = context_.target;
     context_.spanRow = row;
+    context_.spanRows = static_cast<uint32_t>(rows);
     context_.spanPixels = targetRow(target, row, target.rowBytes);
 }
 

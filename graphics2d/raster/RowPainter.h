@@ -44,7 +44,15 @@ public:
 
     const PixelBox& visible() const { return visible_; }
 
-    void beginRow(int32_t row);
+    // Rows that are drawn alike may be drawn at once by fillers that know how to.
+    void beginRow(int32_t row, int32_t rows = 1);
+
+    // How many. Where pixels are partial these are more than one only if no filler takes a pixel's
+    // background from a neighbour: a block is drawn span by span.
+    int32_t rowsAtOnce(bool areSharp) const
+    {
+        return 1 + (areSharp ? span_.moreSharp : span_.moreSmooth);
+    }
 
     // Has the memory of a pixel fetched that will be drawn soon. Shapes begin each row in a place
     // that the processor does not foresee, and waiting for it is what a small shape costs most.
@@ -80,7 +88,6 @@ public:
         context_.spanEnd = end;
         drawSpan(context_, span_);
     }
-
     // Gives the columns from first on an area each. Likewise.
     void addAreas(int32_t first, const Area* areas, int32_t count);
 

@@ -161,8 +161,9 @@ void drawTranslucent(MMContext2D& context, const PatternFilter& filter, PatternW
 }
 
 // Most images are upright and at their own size. The texels of a span that copies such a one, found
-// without a walk; null for all others. Under a scale of 1.0, or of one unit less, the centre of
-// column i is mapped to where it is, or i + 1 units less, by either mode's arithmetic.
+// without a walk; null where it does not in all of its rows. Under a scale of 1.0, or of one unit
+// less, the centre of column i is mapped to where it is, or i + 1 units less, by either mode's
+// arithmetic.
 inline const Pixel* texelsOfSpan(const MMContext2D& context, const PatternFilter& filter,
                                  uint32_t count)
 {
@@ -184,8 +185,11 @@ inline const Pixel* texelsOfSpan(const MMContext2D& context, const PatternFilter
     if (bits >= kAlwaysMixes || ((bits | kAlwaysMixes) & filter.mixingBits) != 0) return nullptr;
     const uint64_t texel = static_cast<uint64_t>(u) >> 16;
     const uint64_t texelRow = static_cast<uint64_t>(v) >> 16;
-    if (texel + count > image.width || texelRow >= image.height) return nullptr;
-    if (uShortfall * (count - 1) > (u & 0xFFFF) || image.pixels == nullptr) return nullptr;
+    const uint32_t rows = context.spanRows;
+    if (texel + count > image.width || texelRow + rows > image.height) return nullptr;
+    if (uShortfall * (count - 1) > (u & 0xFFFF) || vShortfall * (rows - 1) > (v & 0xFFFF))
+        return nullptr;
+    if (image.pixels == nullptr) return nullptr;
     return image.pixels + texelRow * image.width + texel;
 }
 
@@ -206,11 +210,21 @@ inline const Pixel* texelsOfSpan(const MMContext2D& context, const PatternFilter
 
 void drawPattern(MMContext2D& context, const PatternFilter& filter, bool translucent)
 {
-    if (translucent) return drawWalk(context, filter, true);
-    const int32_t count = spanLength(context);
-    const Pixel* const texels = texelsOfSpan(context, filter, static_cast<uint32_t>(count));
-    if (texels == nullptr) return drawWalk(context, filter, false);
-    copyTexels(texels, spanFirstPixel(context), count, context.refined != 0);
+    const uint32_t rowBytes = context.target.rowBytes;
+    if (!translucent) {
+        const int32_t count = spanLength(context);
+        const Pixel* const texels = texelsOfSpan(context, filter, static_cast<uint32_t>(count));
+        if (texels != nullptr)
+            return copyTexels(
+                texels, spanFirstPixel(context), count, context.refined != 0,
+                {context.spanRows, context.currentPaint.patternImage.width, rowBytes});
+    }
+    for (uint32_t rows = context.spanRows;;) {
+        drawWalk(context, filter, translucent);
+        if (--rows == 0) return;
+        ++context.spanRow;
+        context.spanPixels = pixelBelow(context.spanPixels, rowBytes);
+    }
 }
 
 } // namespace MM2D_LEVEL

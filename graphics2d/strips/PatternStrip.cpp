@@ -11,16 +11,8 @@ inline namespace MM2D_LEVEL {
 
 namespace {
 
-// A texel as it is, or opaque.
-template <bool kMakeOpaque, class Pixels>
-inline Pixels taken(Pixels texels)
-{
-    return kMakeOpaque ? texels | kOpaque : texels;
-}
-
-// All texels from one row.
-template <bool kMakeOpaque>
-void scaleRow(const PatternWalk& walk, Pixel* out, int32_t count)
+// All texels from one row, with the bits of an opaque pixel's alpha or without.
+void scaleRow(const PatternWalk& walk, Pixel* out, int32_t count, Pixel alphaBits)
 {
     const Pixel* row = walk.row(walk.v.indexPosition());
     const Fixed step = walk.u.step();
@@ -32,41 +24,32 @@ void scaleRow(const PatternWalk& walk, Pixel* out, int32_t count)
         const Pixel third = row[fixFloor(u)];
         const Pixel fourth = row[fixFloor(wrapAdd(u, step))];
         u = wrapAdd(u, wrapAdd(step, step));
-        store4(out, taken<kMakeOpaque>(U32x4{first, second, third, fourth}));
+        store4(out, U32x4{first, second, third, fourth} | alphaBits);
     }
     for (; count > 0; --count, u = wrapAdd(u, step))
-        *out++ = taken<kMakeOpaque>(row[fixFloor(u)]);
+        *out++ = row[fixFloor(u)] | alphaBits;
 }
 
-template <bool kMakeOpaque>
 void sampleNearest(const PatternWalk& walk, bool inside, Pixel* out, uint32_t*, int32_t count)
 {
+    const Pixel alphaBits = walk.alpha == TexelAlpha::kMadeWhole ? kOpaque : 0;
     if (!inside) {
         PatternWalk at = walk;
         for (int32_t i = 0; i < count; ++i, at.advance(1))
-            out[i] = taken<kMakeOpaque>(at.texelAt(at.u.tap(0), at.v.tap(0)));
+            out[i] = at.texelAt(at.u.tap(0), at.v.tap(0)) | alphaBits;
         return;
     }
     Fixed u = walk.u.indexPosition();
     Fixed v = walk.v.indexPosition();
-    if (walk.v.step() == 0) return scaleRow<kMakeOpaque>(walk, out, count);
+    if (walk.v.step() == 0) return scaleRow(walk, out, count, alphaBits);
     for (int32_t i = 0; i < count; ++i) {
-        out[i] = taken<kMakeOpaque>(walk.row(v)[fixFloor(u)]);
+        out[i] = walk.row(v)[fixFloor(u)] | alphaBits;
         u = wrapAdd(u, walk.u.step());
         v = wrapAdd(v, walk.v.step());
     }
 }
 
-void sampleRefinedNearest(const PatternWalk& walk, bool inside, Pixel* out, uint32_t* alphas,
-                          int32_t count)
-{
-    if (walk.alpha == TexelAlpha::kMadeWhole)
-        return sampleNearest<true>(walk, inside, out, alphas, count);
-    sampleNearest<false>(walk, inside, out, alphas, count);
-}
-
-constexpr PatternFilter kNearest = {0, 0, 0, sampleNearest<false>, nullptr, sampleRefinedNearest,
-                                    0, 0};
+constexpr PatternFilter kNearest = {0, 0, 0, sampleNearest, nullptr, sampleNearest, 0, 0};
 
 } // namespace
 

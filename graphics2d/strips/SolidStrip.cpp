@@ -14,19 +14,31 @@ inline namespace MM2D_LEVEL {
 
 namespace {
 
+// All rows of the span in one colour.
+[[gnu::noinline]] void fillRows(MMContext2D& context, Pixel colour)
+{
+    const int32_t count = spanLength(context);
+    Pixel* pixels = spanFirstPixel(context);
+    for (uint32_t rows = context.spanRows; rows > 0;
+         --rows, pixels = pixelBelow(pixels, context.target.rowBytes))
+        fillPixels(pixels, count, colour);
+}
+
 template <class Colour>
 [[gnu::always_inline]] inline void drawTranslucentColour(MMContext2D& context)
 {
     const Colour colour(context.currentPaint.paintColour);
     using Rule = typename Colour::Rule;
     constexpr int32_t kLongSpan = 8;
-    const int32_t count = spanLength(context);
+    const int32_t count = fixFloor(context.spanEnd) - fixFloor(context.spanStart);
+    const Coverage step = context.spanCoverageStep;
+    const int32_t flatFrom = step == 0 && count >= kLongSpan ? 1 : count;
+    Coverage next = context.spanCoverageNext;
     Pixel* pixels = spanFirstPixel(context);
-    if (count > 0) {
-        const Coverage step = context.spanCoverageStep;
-        const int32_t flatFrom = step == 0 && count >= kLongSpan ? 1 : count;
+    for (uint32_t rows = context.spanRows; rows > 0;
+         --rows, pixels = pixelBelow(pixels, context.target.rowBytes)) {
         Coverage coverage = context.spanCoverage;
-        Coverage next = wrapSub(context.spanCoverageNext, step); // of the pixel before
+        next = wrapSub(context.spanCoverageNext, step); // of the pixel before
         for (int32_t i = 0; i < count; ++i) {
             const uint32_t weight = colour.weightOf(coverage);
             if (i == flatFrom) i = blendFlat<Rule, 0>(pixels, i, count, colour.source, weight);
@@ -34,25 +46,23 @@ template <class Colour>
             pixels[i] = blendPixel<Rule>(pixels[i], colour.source, weight);
             coverage = next = wrapAdd(next, step);
         }
-        context.spanCoverageNext = next;
+        if (context.spanTailCoverage > 0)
+            pixels[count] = blendPixel<Rule>(pixels[count], colour.source,
+                                             colour.weightOf(context.spanTailCoverage));
     }
-    if (context.spanTailCoverage > 0) {
-        Pixel& tail = context.spanPixels[fixFloor(context.spanEnd)];
-        tail = blendPixel<Rule>(tail, colour.source, colour.weightOf(context.spanTailCoverage));
-    }
+    if (count > 0) context.spanCoverageNext = next;
 }
 
 } // namespace
 
 void drawClassicColour(MMContext2D& context)
 {
-    fillPixels(spanFirstPixel(context), spanLength(context), context.currentPaint.paintColour);
+    fillRows(context, context.currentPaint.paintColour);
 }
 
 void drawRefinedColour(MMContext2D& context)
 {
-    fillPixels(spanFirstPixel(context), spanLength(context),
-               context.currentPaint.paintColour | kOpaque);
+    fillRows(context, context.currentPaint.paintColour | kOpaque);
 }
 
 void drawTranslucentClassicColour(MMContext2D& context)

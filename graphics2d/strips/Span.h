@@ -24,6 +24,12 @@ inline Pixel* spanFirstPixel(const MMContext2D& context)
     return context.spanPixels + fixFloor(context.spanStart);
 }
 
+// The same column in the next row.
+inline Pixel* pixelBelow(Pixel* pixel, size_t rowBytes)
+{
+    return reinterpret_cast<Pixel*>(reinterpret_cast<uintptr_t>(pixel) + rowBytes);
+}
+
 #if defined(__ARM_NEON)
 // The address behind four pixels. On 32-bit ARM loads and stores move a register on, but GCC rather
 // adds up the addresses of several beforehand, unless it is kept from knowing the sum.

@@ -9,6 +9,10 @@ namespace {
 
 constexpr uint32_t kTranslucentBit = 1; // set in a paint code whose opacity is below 255
 
+// Rows after the first that are drawn at once: few enough for the pixels at their sides to stay at
+// hand.
+constexpr uint8_t kMoreRows = 15;
+
 // A plain call costs short spans less than one through a pointer to a member.
 template <void (MMContext2D::*filler)()>
 void call(MMContext2D& context)
@@ -40,10 +44,10 @@ SpanFiller chooseSpanFiller(const MMContext2D& context)
     case kPaintSolid:
         // By the refined rules the colour's own alpha is an opacity.
         if (context.refined == 0 || paint.paintColour >> 24 == 0xFF)
-            return {coloursOf(context).opaque, false};
+            return {coloursOf(context).opaque, false, kMoreRows, kMoreRows};
         [[fallthrough]];
     case kPaintSolid + kTranslucentBit:
-        return {coloursOf(context).translucent, true};
+        return {coloursOf(context).translucent, true, kMoreRows, kMoreRows};
     case kPaintXOR:
     case kPaintXOR + kTranslucentBit:
         return {call<&MMContext2D::drawSolidXORStrip>, false};
@@ -58,7 +62,7 @@ SpanFiller chooseSpanFiller(const MMContext2D& context)
     case kPaintRadialGradient + kTranslucentBit:
         return {context.level->radialGradient.translucent, true};
     case kPaintPattern:
-        if (paint.patternHasAlpha == 0) return {patternsOf(context).opaque, false};
+        if (paint.patternHasAlpha == 0) return {patternsOf(context).opaque, false, kMoreRows};
         [[fallthrough]];
     case kPaintPattern + kTranslucentBit:
         return {patternsOf(context).translucent, true};

@@ -12,7 +12,9 @@ namespace Graphics2D {
 // How a paint draws whole spans. A null filler draws nothing.
 struct SpanFiller {
     StripFiller filler;
-    bool flatCoverage; // the filler is translucent: its coverage is paintOpacity throughout
+    bool flatCoverage;      // the filler is translucent: its coverage is paintOpacity throughout
+    uint8_t moreSharp = 0;  // rows after the first that it may be given at once
+    uint8_t moreSmooth = 0; // the same of rows with partial pixels, and of the edge filler
 };
 
 // What a polygon is drawn by, where MMContext2D::ownFillers keeps it.

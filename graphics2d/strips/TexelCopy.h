@@ -9,8 +9,16 @@ namespace KAVO {
 namespace Graphics2D {
 inline namespace MM2D_LEVEL {
 
-// Copies texels that follow each other, as they are or opaque.
-void copyTexels(const Pixel* texels, Pixel* out, int32_t count, bool makeOpaque);
+// Rows of an image.
+struct TexelRows {
+    uint32_t count = 1;
+    uint32_t width = 0;    // from one to the next, texels
+    uint32_t outBytes = 0; // from one to the next where they are copied to
+};
+
+// Copies texels that follow each other, of a row or more, as they are or opaque.
+void copyTexels(const Pixel* texels, Pixel* out, int32_t count, bool makeOpaque,
+                TexelRows rows = {});
 
 } // namespace MM2D_LEVEL
 } // namespace Graphics2D

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+// Rows between upright edges, which are alike, come out the same together and one at a time.
+#include "graphics2d/PaintSetup.h"
+#include "graphics2d/convenience/MMPathBuilder.h"
+#include "tests/support/Picture.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+using namespace KAVO;
+
+namespace {
+
+using namespace KAVO::Graphics2D;
+
+constexpr int kSide = 50; // more rows than are drawn at once
+
+struct Scene {
+    MMPaint paint = {};
+    uint8_t filter = kFilterNearest;
+    bool refined;
+    bool antiAlias;
+    Fixed left, top, width, height;
+};
+
+Scene randomScene(std::mt19937& random, const std::vector<Pixel>& texels)
+{
+    const auto below = [&](uint32_t end) { return static_cast<int32_t>(random() % end); };
+    const auto place = [&](uint32_t end) { // on a pixel's edge, on its middle or anywhere
+        constexpr uint32_t kSteps[] = {0x10000, 0x8000, 1};
+        return fixFromInt(below(end) - 3) +
+               (below(0x10000) & -static_cast<int32_t>(kSteps[below(3)]));
+    };
+    Scene scene;
+    scene.refined = below(2) != 0;
+    scene.antiAlias = below(2) != 0;
+    scene.left = place(kSide);
+    scene.top = place(kSide / 2);
+    scene.width = place(kSide) + 3 * kFixedOne;
+    scene.height = place(kSide) + 3 * kFixedOne;
+    constexpr MMPaintType kTypes[] = {kPaintSolid, kPaintXOR, kPaintPattern, kPaintPattern};
+    MMPaint& paint = scene.paint;
+    paint.paintType = kTypes[below(4)];
+    paint.paintOpacity = static_cast<uint8_t>(below(2) == 0 ? 255 : below(256));
+    paint.paintColour = static_cast<Pixel>(random());
+    if (paint.paintType != kPaintPattern) return scene;
+    scene.filter = static_cast<uint8_t>(below(3));
+    const MMPixmap image = {
+        32, 32, 32 * 4, 0, const_cast<Pixel*>(texels.data()), static_cast<uint32_t>(below(2))};
+    Matrix2D transform = kIdentityMatrix;
+    transform.translate(place(kSide), place(kSide)); // the image may end within a block of rows
+    setPattern(paint, image, transform, static_cast<MMPatternFilter>(scene.filter), scene.refined);
+    paint.patternTransform.a -= below(2); // as inverted identities come out
+    paint.patternTransform.d -= below(2);
+    return scene;
+}
+
+// Cut to some rows at a time.
+std::vector<Pixel> drawn(const Scene& scene, int32_t rowsAtOnce)
+{
+    Picture picture(kSide);
+    MMContext2D& context = picture.context;
+    std::mt19937 background(7);
+    for (int i = 0; i < kSide * kSide; ++i)
+        context.target.pixels[i] = static_cast<Pixel>(background());
+    context.refined = scene.refined;
+    context.antiAlias = scene.antiAlias;
+    context.patternFilter = scene.filter;
+    context.fillPaint = scene.paint;
+    MMPathBuilder path;
+    path.rect(scene.left, scene.top, scene.width, scene.height);
+    for (int32_t row = 0; row < kSide; row += rowsAtOnce) {
+        context.clipTop = static_cast<int16_t>(row);
+        context.clipBottom = static_cast<int16_t>(std::min(row + rowsAtOnce, kSide));
+        context.drawPath(path.words());
+        EXPECT_EQ(context.spanRows, 1u);
+    }
+    return picture.pixels;
+}
+
+TEST(RowBlocks, ComeOutAsTheirRows)
+{
+    std::mt19937 random(20);
+    std::vector<Pixel> texels(32 * 32);
+    for (Pixel& texel : texels)
+        texel = static_cast<Pixel>(random());
+    for (int n = 0; n < 2000; ++n) {
+        const Scene scene = randomScene(random, texels);
+        ASSERT_EQ(drawn(scene, kSide), drawn(scene, 1))
+            << "scene " << n << ": paint " << scene.paint.paintType << ", opacity "
+            << int{scene.paint.paintOpacity} << ", filter " << int{scene.filter} << ", refined "
+            << scene.refined << ", smooth " << scene.antiAlias << ", at " << scene.left << " "
+            << scene.top << ", size " << scene.width << " " << scene.height;
+    }
+}
+
+} // namespace
