@@ -17,7 +17,7 @@ constexpr int32_t kTexelBits = 28; // of a coordinate's fraction
 void writeNearestTiles(const void* state, int32_t row, int32_t column, int32_t count,
                        Pixel* pixels);
 
-// ... likewise, where a row of pixels meets one row of texels ...
+// ... likewise, where a row of pixels meets one row of texels; of any count ...
 void writeUprightTiles(const void* state, int32_t row, int32_t column, int32_t count,
                        Pixel* pixels);
 

@@ -2,6 +2,7 @@
 // The strip fillers of a paint that is a function.
 #include "graphics2d/strips/SourceStrip.h"
 
+#include "graphics2d/LevelTable.h"
 #include "graphics2d/strips/PieceBlending.h"
 #include "graphics2d/strips/Span.h"
 #include "graphics2d/strips/StripFillers.h"
@@ -57,9 +58,17 @@ void readSource(const MMPaint& paint, int32_t row, int32_t column, int32_t count
 
 void drawSource(MMContext2D& context)
 {
-    if (context.currentPaint.sourceFunction == nullptr) return;
-    readSource(context.currentPaint, context.spanRow, fixFloor(context.spanStart),
-               spanLength(context), spanFirstPixel(context));
+    const MMPaint& paint = context.currentPaint;
+    if (paint.sourceFunction == nullptr) return;
+    const int32_t first = fixFloor(context.spanStart);
+    const int32_t count = spanLength(context);
+    Pixel* const pixels = spanFirstPixel(context);
+#if !defined(MM2D_WITHOUT_LAYERS)
+    // The library's own take any count, and begin anew with each call.
+    if (paint.sourceFunction == context.level->uprightTiles && paint.sourceIsOpaque != 0)
+        return paint.sourceFunction(paint.sourceState, context.spanRow, first, count, pixels);
+#endif
+    readSource(paint, context.spanRow, first, count, pixels);
 }
 
 void drawTranslucentSource(MMContext2D& context)

@@ -108,20 +108,25 @@ TEST(ClipMask, MovesEveryPixelByItsLevel)
             }
 }
 
-// The formulas of both ways of weighing, on whatever registers: exact, for rows of all lengths.
+// The formulas of both ways of weighing, on whatever registers: exact, for rows of all lengths and
+// runs of levels. Hidden and whole ones follow them under opaque colours.
 TEST(ClipMask, WeighsByTheFormula)
 {
+    constexpr int kMost = 210;
     std::mt19937 random(11);
     for (int round = 0; round < 3000; ++round) {
-        const size_t count = random() % 70;
+        const size_t count = random() % (round % 2 ? kMost : kMost / 3);
+        const bool isOpaque = random() % 3 == 0;
         std::vector<Pixel> ground(count), drawn(count);
         std::vector<uint8_t> levels(count);
         for (size_t i = 0; i < count; ++i) {
             ground[i] = static_cast<Pixel>(random());
             drawn[i] = static_cast<Pixel>(random());
             levels[i] = static_cast<uint8_t>(1 + random() % 254); // neither hidden nor whole
+            if (isOpaque && random() % 8 == 0) levels[i] = random() % 2 ? 255 : 0;
+            if (round % 2 && i > 0 && random() % 40 != 0) levels[i] = levels[i - 1];
         }
-        const MMMask mask = {0, 0, static_cast<int16_t>(count), 1, 70, levels.data()};
+        const MMMask mask = {0, 0, static_cast<int16_t>(count), 1, kMost, levels.data()};
 
         MMContext2D context;
         std::vector<Pixel> moved = ground;
@@ -131,9 +136,11 @@ TEST(ClipMask, WeighsByTheFormula)
         std::vector<Pixel> tinted = ground;
         setTarget(context, tinted.data(), static_cast<int32_t>(count), 1);
         context.clipMask = &mask;
-        const Pixel colour = context.fillPaint.paintColour = static_cast<Pixel>(random());
-        const uint8_t opacity = context.fillPaint.paintOpacity = static_cast<uint8_t>(random());
-        context.drawPath(MMPathBuilder().rect(0, 0, fixFromInt(70), fixFromInt(1)).words());
+        const Pixel colour = static_cast<Pixel>(random()) | (isOpaque ? 0xFF000000 : 0);
+        const uint8_t opacity = isOpaque ? 255 : static_cast<uint8_t>(random());
+        context.fillPaint.paintColour = colour;
+        context.fillPaint.paintOpacity = opacity;
+        context.drawPath(MMPathBuilder().rect(0, 0, fixFromInt(kMost), fixFromInt(1)).words());
 
         const uint32_t whole = (opacity * (colour >> 24) * 256 + 127) / 255; // 8.8
         for (size_t i = 0; i < count; ++i)

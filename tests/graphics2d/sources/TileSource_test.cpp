@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Tiles against double precision under random transforms, and hostile ones.
+#include "graphics2d/convenience/MMContextState.h"
+#include "graphics2d/convenience/MMPathBuilder.h"
 #include "graphics2d/sources/MMTileSource.h"
 #include "tests/graphics2d/sources/GradientModel.h"
 #include "tests/graphics2d/sources/SourceInput.h"
@@ -189,6 +191,29 @@ TEST(TileSource, PixelsDoNotDependOnTheCall)
         expectSameInPieces(paint, random.whole(0, 1000), random.whole(0, 1000), random,
                            "round " + std::to_string(round));
         if (HasFatalFailure()) return;
+    }
+}
+
+// Shapes may ask for more at once.
+TEST(TileSource, LongSpansAreThoseOfTheCalls)
+{
+    constexpr int kWidth = 400, kHeight = 4, kPiece = 100;
+    Random random(6);
+    for (int round = 0; round < 200; ++round) {
+        Image image(random, random.whole(1, 150), random.whole(1, 9), round % 8 != 0);
+        std::vector<Pixel> pixels(kWidth * kHeight, 0);
+        MMContext2D context;
+        setTarget(context, pixels.data(), kWidth, kHeight);
+        MMTileSource source;
+        setTileSource(context.fillPaint, source, image.pixmap(), transformOf(random, round),
+                      kFilterNearest, kModes[random.whole(0, 1)], kTileRepeat);
+        context.drawPath(
+            MMPathBuilder().rect(0, 0, fixFromInt(kWidth), fixFromInt(kHeight)).words());
+        for (int i = 0; i < kWidth * kHeight; i += kPiece) {
+            const auto piece = rowOf(context.fillPaint, i / kWidth, i % kWidth, kPiece);
+            ASSERT_TRUE(std::equal(piece.begin(), piece.end(), pixels.begin() + i))
+                << "round " << round << ", from pixel " << i;
+        }
     }
 }
 
