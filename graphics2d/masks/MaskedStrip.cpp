@@ -195,9 +195,6 @@ void drawSpanThroughMask(MMContext2D& context)
             return drawSpan(context, paint);
         return drawUncut(context, paint, part, levels);
     }
-    if (context.currentPaint.paintType == kPaintSolid && !paint.flatCoverage && part.first() < end)
-        return context.level->tintByLevels(part.at(part.first()), tintOf(context),
-                                           levels + part.first(), end - part.first());
     for (int32_t first = part.first(), next; first < end; first = next) {
         if (levels[first] == 0) {
             next = context.level->endOfLevel(levels, first, end, 0);
@@ -212,13 +209,37 @@ void drawSpanThroughMask(MMContext2D& context)
     }
 }
 
+// Calls draw(pixels, levels) for all rows of the span, both from column 0 on.
+template <class Draw>
+void forEachRow(const MMContext2D& context, Draw draw)
+{
+    Pixel* pixels = context.spanPixels;
+    const uint8_t* levels = clipLevels(context);
+    for (uint32_t rows = context.spanRows; rows > 0; --rows) {
+        draw(pixels, levels);
+        pixels = pixelBelow(pixels, context.target.rowBytes);
+        levels += context.clipMask->rowBytes;
+    }
+}
+
+// By the levels alone: whole ones are the colour itself.
+void drawOpaqueColourThroughMask(MMContext2D& context)
+{
+    const Tint tint = tintOf(context);
+    const int32_t first = fixFloor(context.spanStart);
+    const int32_t count = spanLength(context);
+    forEachRow(context, [=, &context](Pixel* pixels, const uint8_t* levels) {
+        context.level->tintByLevels(pixels + first, tint, levels + first, count);
+    });
+}
+
 template <class Colour>
-void drawColourRun(MMContext2D& context, const uint8_t* levels)
+void drawColourRun(const MMContext2D& context, Pixel* pixels, const uint8_t* levels)
 {
     using Rule = typename Colour::Rule;
     const Colour colour(context.currentPaint.paintColour);
     const auto blend = [&](int32_t column, Coverage coverage) {
-        Pixel& pixel = context.spanPixels[column];
+        Pixel& pixel = pixels[column];
         const uint32_t weight = colour.weightOf(coverageThrough(coverage, levels[column]));
         pixel = blendPixel<Rule>(pixel, colour.source, weight);
     };
@@ -258,9 +279,10 @@ void drawRunThroughMask(MMContext2D& context)
     const uint8_t* levels = clipLevels(context);
     switch (context.currentPaint.paintType) {
     case kPaintSolid:
-        context.refined != 0 ? drawColourRun<RefinedColour>(context, levels)
-                             : drawColourRun<ClassicColour>(context, levels);
-        return;
+        return forEachRow(context, [&](Pixel* pixels, const uint8_t* rowLevels) {
+            context.refined != 0 ? drawColourRun<RefinedColour>(context, pixels, rowLevels)
+                                 : drawColourRun<ClassicColour>(context, pixels, rowLevels);
+        });
     case kPaintXOR:
         invertByLevels(spanFirstPixel(context), context.currentPaint.paintColour,
                        levels + fixFloor(context.spanStart), spanLength(context));
@@ -306,10 +328,14 @@ PixelBox withoutHiddenRows(const MMContext2D& context, PixelBox box)
     return box;
 }
 
-StripFiller maskedSpanFiller(const MMContext2D& context)
+SpanFiller maskedSpanFiller(const MMContext2D& context)
 {
-    if (context.currentPaint.paintType == kPaintPicking) return pickThroughMasks;
-    return context.maskTarget != nullptr ? drawSpanIntoMask : drawSpanThroughMask;
+    if (context.currentPaint.paintType == kPaintPicking) return {pickThroughMasks, false};
+    if (context.maskTarget != nullptr) return {drawSpanIntoMask, false};
+    const SpanFiller& paint = context.ownFillers->span;
+    if (context.currentPaint.paintType == kPaintSolid && !paint.flatCoverage)
+        return {drawOpaqueColourThroughMask, false, paint.moreSharp, paint.moreSmooth};
+    return {drawSpanThroughMask, false};
 }
 
 StripFiller maskedEdgeFiller(const MMContext2D& context)

@@ -32,7 +32,7 @@ inline bool usesMasks(const MMContext2D& context)
 PixelBox withoutHiddenRows(const MMContext2D& context, PixelBox box);
 
 // For the interior of shapes, and for runs of edge pixels.
-StripFiller maskedSpanFiller(const MMContext2D& context);
+SpanFiller maskedSpanFiller(const MMContext2D& context);
 StripFiller maskedEdgeFiller(const MMContext2D& context);
 
 // The same into a mask.

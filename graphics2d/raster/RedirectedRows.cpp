@@ -47,7 +47,7 @@ void RowPainter::redirect()
     }
     prepareTarget(context_, visible_);
     if (!isMasked) return;
-    span_ = {maskedSpanFiller(context_), false};
+    span_ = maskedSpanFiller(context_);
     anyEdge_ = maskedEdgeFiller(context_);
     edgeIgnoresCoverage_ = context_.currentPaint.paintType == kPaintPicking ||
                            (edgeIgnoresCoverage_ && context_.maskTarget == nullptr);

@@ -65,6 +65,12 @@ const Draw kDrawings[] = {
         c.polygon({at(3.5, 90.5), at(94, 2.25), at(94.5, 93)});
     },
     [](Canvas& c) {
+        c.polygon({at(2.25, 1), at(93.75, 1), at(93.75, 95), at(2.25, 95)});
+    },
+    [](Canvas& c) {
+        c.hard(), c.polygon({at(1, 0), at(96, 0), at(96, 96), at(1, 96)});
+    },
+    [](Canvas& c) {
         c.stroke(9), c.line({at(10, 12), at(80, 30), at(20, 80)});
     },
     [](Canvas& c) { c.text(u"gag", 6, 60, 30); },
