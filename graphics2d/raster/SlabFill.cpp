@@ -43,22 +43,17 @@ void SlabFill::addOrdered(const SlabEdge* edges, uint32_t count, int32_t winding
 }
 
 // Splits the edges into the smallest groups that no other edge crosses.
-void SlabFill::addGroups(const SlabEdge* edges, uint32_t count, int32_t winding, uint32_t height)
+void SlabFill::addGroups(SlabEdge* edges, uint32_t count, int32_t winding, uint32_t height)
 {
-    ScratchArray<Fixed> leastBottom(context_.scratchStack, count); // from each edge on
-    if (!leastBottom) {
-        fail();
-        return;
-    }
-    leastBottom[count - 1] = edges[count - 1].bottomX;
-    for (uint32_t i = count - 1; i-- > 0;)
-        leastBottom[i] = std::min(edges[i].bottomX, leastBottom[i + 1]);
+    Fixed least = edges[count - 1].bottomX;
+    for (uint32_t i = count; i-- > 0;)
+        edges[i].leastBottom = least = std::min(least, edges[i].bottomX);
 
     for (uint32_t first = 0; first < count;) {
         Fixed greatest = edges[first].bottomX;
         int32_t after = winding + edges[first].winding;
         uint32_t end = first + 1;
-        for (; end < count && leastBottom[end] < greatest; ++end) {
+        for (; end < count && edges[end].leastBottom < greatest; ++end) {
             greatest = std::max(greatest, edges[end].bottomX);
             after += edges[end].winding;
         }

@@ -10,9 +10,10 @@ namespace Graphics2D {
 
 // An edge through a slab.
 struct SlabEdge {
-    Fixed topX;      // at the slab's upper end
-    Fixed bottomX;   // at its lower end
-    int32_t winding; // what it adds to the winding number right of it
+    Fixed topX;            // at the slab's upper end
+    Fixed bottomX;         // at its lower end
+    int32_t winding;       // what it adds to the winding number right of it
+    Fixed leastBottom = 0; // of it and the edges right of it, where they are parted into groups
 };
 
 inline bool isBefore(const SlabEdge& a, const SlabEdge& b)
@@ -85,7 +86,7 @@ public:
     void addCrossedPair(const SlabEdge* edges, int32_t winding, uint32_t height);
 
 private:
-    void addGroups(const SlabEdge* edges, uint32_t count, int32_t winding, uint32_t height);
+    void addGroups(SlabEdge* edges, uint32_t count, int32_t winding, uint32_t height);
     void bisect(const SlabEdge* edges, uint32_t count, int32_t winding, uint32_t height);
     void addByMiddles(const SlabEdge* edges, uint32_t count, int32_t winding, uint32_t height);
 
