@@ -10,10 +10,17 @@ Fixed EdgeLine::xAt(Fixed level)
 {
     if (level >= endY) return endX;
     if (level == y) return x;
-    if (slope == kNoSlope) findSlope();
-    if (slope == kTooFlat)
-        return wrapAdd(x, fixMulDiv(wrapSub(endX, x), wrapSub(level, y), wrapSub(endY, y)));
+    if (slope == kNoSlope || slope == kTooFlat) return xWithoutSlope(level);
     return wrapAdd(x, fixMulInline(slope, wrapSub(level, y)));
+}
+
+[[gnu::noinline]] Fixed EdgeLine::xWithoutSlope(Fixed level)
+{
+    if (slope == kNoSlope) {
+        findSlope();
+        return xAt(level);
+    }
+    return wrapAdd(x, fixMulDiv(wrapSub(endX, x), wrapSub(level, y), wrapSub(endY, y)));
 }
 
 void EdgeLine::findSlope()

@@ -56,6 +56,7 @@ struct EdgeLine {
     }
 
 private:
+    Fixed xWithoutSlope(Fixed level);
     void findSlope();
 };
 
