@@ -11,6 +11,7 @@ namespace Svg {
 namespace {
 
 constexpr std::string_view kSvg = "http://www.w3.org/2000/svg";
+constexpr std::string_view kXhtml = "http://www.w3.org/1999/xhtml";
 constexpr std::string_view kXlink = "http://www.w3.org/1999/xlink";
 constexpr std::string_view kDeclaration = "xmlns";
 
@@ -67,9 +68,12 @@ void Resolver::resolve(pugi::xml_node node, int depth)
 
     const std::string_view name = node.name();
     const size_t colon = name.find(':');
-    const bool isSvg = nameOf(colon == name.npos ? "" : name.substr(0, colon)) == kSvg;
+    const std::string_view ofName = nameOf(colon == name.npos ? "" : name.substr(0, colon));
+    const std::string_view local = name.substr(colon + 1); // the whole of it without a colon
+    // Style sheets of XHTML count like those of SVG.
+    const bool isSvg = ofName == kSvg || (ofName == kXhtml && local == "style");
     if (isSvg && colon != name.npos)
-        node.set_name(std::string(name.substr(colon + 1)).c_str());
+        node.set_name(std::string(local).c_str());
     else if (!isSvg && colon == name.npos)
         node.set_name((":" + std::string(name)).c_str());
 

@@ -5,6 +5,7 @@
 #include "svg/document/Namespaces.h"
 #include "svg/document/References.h"
 #include "svg/geometry/ViewBox.h"
+#include "svg/style/Escapes.h"
 #include "svg/values/TextScanner.h"
 
 #include <algorithm>
@@ -110,6 +111,7 @@ std::string SvgDocument::readRoot(std::string_view prolog)
             pugi::xml_attribute style = node.attribute("style");
             if (std::strstr(style.value(), "/*"))
                 style.set_value(withoutComments(style.value()).c_str());
+            if (std::strchr(style.value(), '\\')) style.set_value(unescaped(style.value()).c_str());
             return true;
         }
     };

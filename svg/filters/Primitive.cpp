@@ -270,6 +270,7 @@ EffectPointer makeTurbulenceEffect(Primitive& primitive)
 {
     // Further ones are less than a 16-bit channel can show.
     constexpr double kMostOctaves = 16;
+    constexpr double kLargestSeed = 1LL << 32;
     const std::optional<Affine> toUser = primitive.target.toDevice.inverse();
     if (!toUser) return makeFlood(0);
     const Point frequency = primitive.pair("baseFrequency", 0);
@@ -278,7 +279,8 @@ EffectPointer makeTurbulenceEffect(Primitive& primitive)
     turbulence.frequencyY = frequency.y;
     turbulence.octaves =
         static_cast<int>(std::clamp(primitive.number("numOctaves", 1), 0.0, kMostOctaves));
-    turbulence.seed = static_cast<int64_t>(primitive.number("seed", 0));
+    turbulence.seed =
+        static_cast<int64_t>(std::clamp(primitive.number("seed", 0), -kLargestSeed, kLargestSeed));
     turbulence.fractal = primitive["type"] == "fractalNoise";
     turbulence.stitches = primitive["stitchTiles"] == "stitch";
     turbulence.tile = primitive.region;

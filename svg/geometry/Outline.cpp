@@ -158,6 +158,12 @@ Outline Outline::rectangle(const Box& box)
     return outline;
 }
 
+bool Outline::hasCurves() const
+{
+    return std::any_of(segments_.begin(), segments_.end(),
+                       [](const Segment& segment) { return segment.verb == Curve; });
+}
+
 Box Outline::bounds() const
 {
     Box box;

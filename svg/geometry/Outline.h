@@ -36,6 +36,7 @@ public:
 
     const std::vector<Segment>& segments() const { return segments_; }
     bool empty() const { return segments_.empty(); }
+    bool hasCurves() const;
     Point current() const { return current_; }
     // Tight, also around curves; a Move that nothing follows does not count.
     Box bounds() const;

@@ -3,6 +3,9 @@
 
 #include "svg/values/TextScanner.h"
 
+#include <algorithm>
+#include <string>
+
 namespace KAVO {
 namespace Svg {
 
@@ -59,6 +62,28 @@ Affine fitViewBox(const char* preserveAspectRatio, const Box& box, double width,
     const double x = alignment(known ? align.substr(1, 3) : "Mid", width - box.width() * sx);
     const double y = alignment(known ? align.substr(5, 3) : "Mid", height - box.height() * sy);
     return {sx, 0, 0, sy, x - box.left * sx, y - box.top * sy};
+}
+
+Box clippedViewport(const Box& box, std::string_view clip, const LengthContext& lengths)
+{
+    constexpr std::string_view kRect = "rect(";
+    const bool isRect = equalsIgnoringCase(clip.substr(0, kRect.size()), kRect);
+    if (!isRect || clip.back() != ')') return box;
+    std::string sides(clip.substr(kRect.size(), clip.size() - kRect.size() - 1));
+    std::replace(sides.begin(), sides.end(), ',', ' ');
+    Box result = box;
+    double* const places[] = {&result.top, &result.right, &result.bottom, &result.left};
+    size_t count = 0;
+    bool valid = true;
+    forWords(sides, [&](std::string_view word) {
+        const bool vertical = count % 2 == 0;
+        const std::optional<double> length =
+            findLength(word, lengths, vertical ? Axis::Y : Axis::X);
+        valid = valid && count < 4 && (length || equalsIgnoringCase(word, "auto"));
+        if (valid && length) *places[count] = (vertical ? box.top : box.left) + *length;
+        ++count;
+    });
+    return valid && count == 4 ? result.common(box) : box;
 }
 
 bool slices(const char* preserveAspectRatio)

@@ -110,7 +110,8 @@ void Renderer::drawMarker(pugi::xml_node marker, const Vertex& vertex, bool firs
         if (overflows)
             draw();
         else
-            renderer.drawInside(visible, content.toDevice, draw);
+            renderer.drawInside(clippedViewport(visible, content.style.clip, lengths),
+                                content.toDevice, draw);
     });
 }
 

@@ -19,6 +19,10 @@ using namespace Graphics2D;
 
 namespace {
 
+// A pattern is drawn anew for whatever it paints, and so are those inside it: these get as many
+// pixels as fifteen of the largest pictures have.
+constexpr double kMostTilePixels = 1e9;
+
 constexpr double kFarthestTile = 1e9; // columns or rows from the first
 
 bool isWhole(double v)
@@ -31,6 +35,7 @@ bool isWhole(double v)
 // What is repeated, and where.
 struct Renderer::Tiling {
     Box tile;          // the first tile, in the pattern's space
+    Box shown;         // of a tile, from its corner on
     Affine toDevice;   // of the pattern's space
     Affine content;    // maps the content into the pattern's space, its origin at the tile's corner
     Viewport viewport; // that percentages in the content refer to
@@ -63,7 +68,7 @@ public:
         drawing_.clipTo(clip);
         Renderer& renderer = drawing_.renderer();
         state.toDevice = place * tiling.content;
-        renderer.drawInside({0, 0, tiling.tile.width(), tiling.tile.height()}, place,
+        renderer.drawInside(tiling.shown, place,
                             [&] { renderer.drawChildren(tiling.source, state); });
     }
 
@@ -94,6 +99,8 @@ Renderer::Tiling Renderer::readTiling(pugi::xml_node pattern, const State& state
 
     Tiling tiling;
     tiling.tile = {x, y, x + width, y + height};
+    tiling.shown =
+        clippedViewport({0, 0, width, height}, style.clip, style.lengths(state.viewport));
     const std::optional<Affine> transform =
         parseTransformAttribute(chain["patternTransform"], lengths);
     const Box whole{0, 0, state.viewport.width, state.viewport.height};
@@ -187,12 +194,20 @@ bool Renderer::setTiles(MMPaint& paint, Picture& tiles, pugi::xml_node pattern, 
         note("pattern that paints itself", pattern);
         return false;
     }
-    const Active active(*this, tiling.source);
-
     if (state.depth >= static_cast<int>(session_.limits.depth)) {
         note("patterns in patterns without end", pattern);
         return false;
     }
+
+    const bool isInside = std::any_of(active_.begin(), active_.end(), [](pugi::xml_node outer) {
+        return outer.name() == std::string_view("pattern");
+    });
+    if (isInside) session_.tilePixels += 1.0 * context_.target.width * context_.target.height;
+    if (session_.tilePixels > kMostTilePixels) {
+        note("patterns in patterns of more pixels than the limit", pattern);
+        return false;
+    }
+    const Active active(*this, tiling.source);
 
     // The tiles that the visible part of the shape needs.
     const Box visible = visiblePart(userBounds, state);

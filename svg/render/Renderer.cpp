@@ -135,7 +135,7 @@ void Renderer::applyTransform(pugi::xml_node node, const Properties& properties,
 void Renderer::applyOwnTransform(pugi::xml_node node, const Properties& properties, State& state)
 {
     const Style& style = state.style;
-    if (style.transform.empty() && style.transformOrigin.empty()) return;
+    if (!style.isTransformed()) return;
     const LengthContext lengths = style.lengths(state.viewport);
     Box box{0, 0, state.viewport.width, state.viewport.height};
     if (const bool strokes =
@@ -145,6 +145,14 @@ void Renderer::applyOwnTransform(pugi::xml_node node, const Properties& properti
         measured.strokesCount = strokes;
         box = boundsOf(node, properties, measured);
     }
+    Affine before; // of the transform itself
+    for (const auto& [name, value] :
+         {std::pair{"translate", style.translate}, std::pair{"rotate", style.rotate},
+          std::pair{"scale", style.scale}}) {
+        const std::optional<Affine> single = parseSingleTransform(name, value, lengths, box);
+        if (!single) note(name, node);
+        before = before * single.value_or(Affine());
+    }
     const std::optional<Affine> transform = parseTransform(style.transform, lengths, box);
     if (!transform) {
         note("malformed transform", node);
@@ -153,7 +161,7 @@ void Renderer::applyOwnTransform(pugi::xml_node node, const Properties& properti
     const std::optional<Point> origin = parseTransformOrigin(style.transformOrigin, lengths, box);
     if (!origin) note("malformed transform-origin", node);
     const Point o = origin.value_or(Point());
-    state.toDevice = state.toDevice * around(o, *transform);
+    state.toDevice = state.toDevice * around(o, before * *transform);
 }
 
 bool Renderer::meetsConditions(pugi::xml_node node) const
@@ -213,13 +221,12 @@ void Renderer::noteUndrawn(pugi::xml_node node, const Properties& properties)
         Property property;
         const char* name;
     } kUndrawn[] = {{Property::WritingMode, "writing-mode"},
-                    {Property::Clip, "clip"},
                     {Property::ColorInterpolation, "color-interpolation"},
                     {Property::Direction, "direction"},
                     {Property::UnicodeBidi, "unicode-bidi"},
                     {Property::TextTransform, "text-transform"},
+                    {Property::FontStretch, "font-stretch"},
                     {Property::FontVariant, "font-variant"}};
-    if (equalsIgnoringCase(properties[Property::StrokeLinejoin], "arcs")) note("arcs joins", node);
     for (const auto& undrawn : kUndrawn) {
         const std::string_view value = properties[undrawn.property];
         static constexpr std::string_view kPlain[] = {

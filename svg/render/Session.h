@@ -42,6 +42,7 @@ struct Session {
     uint64_t elementsLeft; // that may still be drawn
     uint64_t imagePixelsLeft;
     double glyphPixels = 0;           // of large glyphs
+    double tilePixels = 0;            // of pictures of patterns inside patterns
     double filterWork = 0;            // pixels of all filter primitives
     std::set<uint16_t> charactersMet; // looked up in the font
     GlyphOutlines glyphs;

@@ -103,6 +103,7 @@ void Renderer::drawPen(const Shape& shape, const PathSpace& space, const State& 
     const Style& style = state.style;
     setPen(shape, state, space);
     context_.fillPaint.paintType = kPaintNone;
+    if (style.curvesMiters && shape.outline.hasCurves()) note("arcs joins", current_);
     Shape miters;
     if (style.clipsMiters && style.dashes)
         note("miter-clip joins of dashes", current_);

@@ -55,6 +55,7 @@ void Renderer::draw(const Affine& frame, const Size& viewport, const char* aspec
     // An image shows no more than its view box.
     Box shown{0, 0, viewport.width, viewport.height};
     if (depth > 0) shown = shown.common(fit.mapBox(box));
+    shown = clippedViewport(shown, state.style.clip, state.style.lengths(state.viewport));
     // Back from the root's own transform, which does not move the viewport.
     const Affine toFrame = state.toDevice.inverse().value_or(Affine()) * frame;
     const Active active(*this, root);
@@ -132,13 +133,15 @@ bool Renderer::enterViewport(pugi::xml_node node, const Frame& frame, State& sta
 void Renderer::drawViewport(pugi::xml_node node, State state, const Frame& frame)
 {
     Affine outer;
+    const LengthContext lengths = state.style.lengths(state.viewport);
     if (!enterViewport(node, frame, state, outer)) return;
     const std::string_view overflow = state.style.overflow;
     if (overflow == "visible" || overflow == "auto") {
         drawChildren(node, state);
         return;
     }
-    drawInside({0, 0, frame.size.width, frame.size.height}, outer,
+    const Box whole{0, 0, frame.size.width, frame.size.height};
+    drawInside(clippedViewport(whole, state.style.clip, lengths), outer,
                [&] { drawChildren(node, state); });
 }
 

@@ -38,8 +38,9 @@ void addShorthand(std::string_view name, std::string_view value, bool important,
             declarations.push_back({Property::FontWeight, word, important, {}});
         } else if (word == "small-caps") {
             declarations.push_back({Property::FontVariant, word, important, {}});
-        } else if (word != "normal" && word.find("condensed") == word.npos &&
-                   word.find("expanded") == word.npos) {
+        } else if (word.find("condensed") != word.npos || word.find("expanded") != word.npos) {
+            declarations.push_back({Property::FontStretch, word, important, {}});
+        } else if (word != "normal") {
             declarations.push_back(
                 {Property::FontSize, word.substr(0, word.find('/')), important, {}});
             declarations.push_back({Property::FontFamily, value, important, {}});
@@ -48,22 +49,26 @@ void addShorthand(std::string_view name, std::string_view value, bool important,
     }
 }
 
-// Properties that change a picture in ways that are not known here.
+// Properties that change a picture in ways that are not known here, as all further ones of fills
+// and strokes do.
 bool isUndrawn(std::string_view name, std::string_view value)
 {
-    for (const std::string_view plain : {"none", "normal", "auto", "solid", "currentColor"}) {
+    for (const std::string_view plain :
+         {"none", "normal", "auto", "center", "currentColor", "inherit", "solid"}) {
         if (value == plain) return false;
     }
+    if (name.substr(0, 7) == "stroke-" || name.substr(0, 5) == "fill-") return true;
     for (const std::string_view undrawn :
-         {"animation", "animation-name", "backdrop-filter", "inline-size", "mask-composite",
-          "mask-image", "mask-mode", "offset-path", "rotate", "scale", "shape-inside",
-          "text-decoration-color", "text-decoration-style", "translate", "zoom"}) {
+         {"animation", "animation-name", "backdrop-filter", "font-size-adjust",
+          "glyph-orientation-horizontal", "glyph-orientation-vertical", "inline-size",
+          "mask-composite", "mask-image", "mask-mode", "offset-path", "shape-inside",
+          "text-decoration-color", "text-decoration-style", "zoom"}) {
         if (name == undrawn) return true;
     }
     return false;
 }
 
-// Which are read in selectors alone.
+// Of characters that would part or end something.
 bool hasEscapes(std::string_view text)
 {
     return text.find('\\') != text.npos;
@@ -82,7 +87,8 @@ std::string_view inLowerCase(std::string_view text)
 bool isNoAttribute(Property property)
 {
     return property == Property::D || property == Property::Isolation ||
-           property == Property::MixBlendMode;
+           property == Property::MixBlendMode || property == Property::Rotate ||
+           property == Property::Scale || property == Property::Translate;
 }
 
 } // namespace
@@ -124,6 +130,8 @@ Properties::Properties(pugi::xml_node node, const StyleSheet& sheet) : node_(nod
     if (!sheet.empty()) sheet.match(node, rules);
     for (const pugi::xml_attribute attribute : node.attributes()) {
         const std::optional<Property> property = findProperty(attribute.name());
+        if (!property && isUndrawn(attribute.name(), trimmed(attribute.value())))
+            undrawn_.push_back(attribute.name());
         if (!property || isNoAttribute(*property)) continue;
         if (property == Property::Transform && hasUnits(attribute.value()))
             undrawn_.push_back("malformed transform");

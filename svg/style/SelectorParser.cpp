@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Reads selectors.
+#include "svg/style/Escapes.h"
 #include "svg/style/Selector.h"
 #include "svg/values/TextScanner.h"
 
 #include <algorithm>
-#include <cctype>
-#include <charconv>
 #include <cstring>
 
 namespace KAVO {
@@ -14,50 +13,13 @@ namespace Svg {
 namespace {
 
 constexpr int kMostNesting = 8; // of :not() and :is() in their own arguments
-
-bool isName(char c)
-{
-    return std::isalnum(static_cast<unsigned char>(c)) || c == '-' || c == '_' ||
-           static_cast<unsigned char>(c) >= 0x80;
-}
-
-void appendUtf8(uint32_t code, std::string& text)
-{
-    if (code == 0 || code > 0x10FFFF || (code >= 0xD800 && code < 0xE000)) code = 0xFFFD;
-    const auto append = [&](uint32_t byte) { text += static_cast<char>(byte); };
-    if (code < 0x80) {
-        append(code);
-        return;
-    }
-    const int more = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3; // bytes of six bits each
-    append((0xF00u >> more & 0xFF) | code >> (6 * more));
-    for (int left = more - 1; left >= 0; --left)
-        append(0x80 | (code >> (6 * left) & 0x3F));
-}
-
-// What follows a backslash: a code point in up to six hexadecimal digits with a space after it, or
-// a character as it is.
-void takeEscape(std::string_view& text, std::string& name)
-{
-    uint32_t code = 0;
-    const char* end = text.data() + std::min<size_t>(text.size(), 6);
-    const char* digits = std::from_chars(text.data(), end, code, 16).ptr;
-    const auto count = static_cast<size_t>(digits - text.data());
-    if (count == 0) {
-        name += text.front();
-        text.remove_prefix(1);
-        return;
-    }
-    text.remove_prefix(count);
-    if (!text.empty() && std::isspace(static_cast<unsigned char>(text.front())))
-        text.remove_prefix(1);
-    appendUtf8(code, name);
-}
+constexpr double kMostSiblings = 1e9;
 
 std::string takeName(std::string_view& text)
 {
     std::string name;
-    while (!text.empty() && (isName(text.front()) || (text.front() == '\\' && text.size() > 1))) {
+    while (!text.empty() &&
+           (isNameCharacter(text.front()) || (text.front() == '\\' && text.size() > 1))) {
         if (text.front() == '\\') {
             text.remove_prefix(1);
             takeEscape(text, name);
@@ -101,7 +63,7 @@ bool takeInteger(TextScanner& scanner, int32_t& value)
     const std::string_view literal =
         scanner.rest().substr(0, scanner.rest().size() - after.rest().size());
     if (literal.find_first_of(".eE") != literal.npos) return false;
-    value = static_cast<int32_t>(number);
+    value = static_cast<int32_t>(std::clamp(number, -kMostSiblings, kMostSiblings));
     scanner = after;
     return true;
 }

@@ -2,6 +2,7 @@
 #include "svg/style/Style.h"
 
 #include "graphics2d/MMContext2D.h"
+#include "svg/style/Validity.h"
 #include "svg/values/TextScanner.h"
 
 #include <algorithm>
@@ -164,11 +165,8 @@ Style Style::child(const Properties& p, const Viewport& viewport) const
                                                   {"arcs", kJoinMiter},
                                                   {"round", kJoinRound},
                                                   {"bevel", kJoinBevel}};
-    static constexpr Keyword<bool> kMiterClips[] = {{"miter", false},
-                                                    {"miter-clip", true},
-                                                    {"arcs", false},
-                                                    {"round", false},
-                                                    {"bevel", false}};
+    static constexpr Keyword<bool> kMiterClips[] = {
+        {"miter", false}, {"miter-clip", true}, {"arcs", true}, {"round", false}, {"bevel", false}};
     static constexpr Keyword<uint8_t> kCaps[] = {
         {"butt", kCapButt}, {"round", kCapRound}, {"square", kCapSquare}};
     static constexpr Keyword<bool> kSlants[] = {
@@ -230,6 +228,9 @@ Style Style::child(const Properties& p, const Viewport& viewport) const
     double miter = 0;
     if (limit.number(miter) && limit.atEnd() && miter >= 0) s.miterLimit = miter;
     setKeyword(s.join, p[Property::StrokeLinejoin], kJoins);
+    const std::string_view joinText = p[Property::StrokeLinejoin];
+    if (joinText != "inherit" && isValid(Property::StrokeLinejoin, joinText))
+        s.curvesMiters = equalsIgnoringCase(joinText, "arcs");
     setKeyword(s.clipsMiters, p[Property::StrokeLinejoin], kMiterClips);
     setKeyword(s.cap, p[Property::StrokeLinecap], kCaps);
     setDashes(s, p[Property::StrokeDasharray], lengths);
@@ -274,10 +275,13 @@ Style Style::child(const Properties& p, const Viewport& viewport) const
     if (!p.inherits(Property::LightingColor))
         s.lightingColour =
             findColour(p[Property::LightingColor], s.colour).value_or(initial.lightingColour);
-    for (auto [target, property] : {std::pair{&s.transform, Property::Transform},
-                                    std::pair{&s.transformOrigin, Property::TransformOrigin},
-                                    std::pair{&s.transformBox, Property::TransformBox},
-                                    std::pair{&s.overflow, Property::Overflow}}) {
+    for (auto [target, property] :
+         {std::pair{&s.transform, Property::Transform},
+          std::pair{&s.translate, Property::Translate}, std::pair{&s.rotate, Property::Rotate},
+          std::pair{&s.scale, Property::Scale}, std::pair{&s.clip, Property::Clip},
+          std::pair{&s.transformOrigin, Property::TransformOrigin},
+          std::pair{&s.transformBox, Property::TransformBox},
+          std::pair{&s.overflow, Property::Overflow}}) {
         if (!p.inherits(property)) *target = p[property];
     }
     // Only elements that open a viewport hide what leaves it when nothing is said.

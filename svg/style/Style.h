@@ -34,6 +34,7 @@ struct Style {
     double strokeWidth = 1;
     double miterLimit = 4;
     uint8_t join = 0;                                  // MMJoinStyle
+    bool curvesMiters = false;                         // arcs joins, which are not drawn
     bool clipsMiters = false;                          // those beyond the limit, instead of bevels
     uint8_t cap = 0;                                   // MMCapStyle
     std::shared_ptr<const std::vector<double>> dashes; // null: none
@@ -69,15 +70,25 @@ struct Style {
     double floodOpacity = 1;
     uint32_t lightingColour = 0xFFFFFFFF;
     std::string_view transform;
+    std::string_view translate; // these three go before the transform, in this order
+    std::string_view rotate;
+    std::string_view scale;
     std::string_view transformOrigin;
     std::string_view transformBox;
     std::string_view overflow;
+    std::string_view clip;
 
     // The style of a child with these properties; viewport is what percentages refer to.
     Style child(const Properties& properties, const Viewport& viewport) const;
 
     // How far a stroke reaches from its line at most, user units.
     double strokeReach() const { return strokeWidth * std::max(miterLimit, 1.5); }
+
+    bool isTransformed() const
+    {
+        return !(transform.empty() && transformOrigin.empty() && translate.empty() &&
+                 rotate.empty() && scale.empty());
+    }
 
     LengthContext lengths(const Viewport& viewport) const { return {viewport, fontSize}; }
 };

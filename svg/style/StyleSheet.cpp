@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "svg/style/StyleSheet.h"
 
+#include "svg/style/Escapes.h"
 #include "svg/style/MediaQuery.h"
 #include "svg/values/TextScanner.h"
 
@@ -81,6 +82,7 @@ std::string_view takeBlock(std::string_view& text)
 
 void StyleSheet::add(const std::string& text, const Surroundings& around)
 {
+    ++sheets_;
     texts_.push_back(withoutComments(text));
     const bool before = std::exchange(mayImport_, true);
     parse(texts_.back(), around, 0);
@@ -89,7 +91,7 @@ void StyleSheet::add(const std::string& text, const Surroundings& around)
 
 void StyleSheet::addFrom(const std::string& reference, const Surroundings& around)
 {
-    if (texts_.size() >= kMostSheets) {
+    if (sheets_ >= kMostSheets) {
         around.note("more style sheets than the limit");
         return;
     }
@@ -168,6 +170,7 @@ void StyleSheet::parseImport(std::string_view head, const Surroundings& around)
 void StyleSheet::addRule(std::string_view selectors, std::string_view body)
 {
     const size_t first = declarations_.size();
+    if (body.find('\\') != body.npos) body = texts_.emplace_back(unescaped(body));
     parseDeclarations(body, declarations_);
     const size_t last = declarations_.size();
     // One selector that is wrong makes the whole rule wrong.

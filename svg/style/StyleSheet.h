@@ -58,6 +58,7 @@ private:
     // Rules by the id, class or element name that their last part asks for: "#id", ".class",
     // "name", or "" for all others.
     std::unordered_map<std::string, std::vector<size_t>> byKey_;
+    size_t sheets_ = 0;         // that were added
     bool mayImport_ = false;    // no rule has come yet in the text that is being read
     mutable Siblings siblings_; // what matching has counted so far
 };

@@ -9,7 +9,7 @@ namespace Svg {
 
 namespace {
 
-constexpr double kLargestNumber = 1e9;
+constexpr double kLargestNumber = 1e30; // products of several stay finite
 
 bool isSpace(char c)
 {

@@ -23,7 +23,7 @@ public:
 
     // Each consumes what it found, and nothing when it returns false.
     bool character(char c);
-    bool number(double& value); // sign, digits, fraction, exponent; kept within a billion
+    bool number(double& value); // sign, digits, fraction, exponent; at most 1e30
     bool flag(bool& value);     // a single 0 or 1
     std::string_view letters(); // may be empty
     std::string_view word();    // letters, digits, '-', '_'; may be empty

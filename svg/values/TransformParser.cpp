@@ -3,6 +3,8 @@
 
 #include "svg/values/TextScanner.h"
 
+#include <algorithm>
+#include <string>
 #include <vector>
 
 namespace KAVO {
@@ -178,6 +180,25 @@ std::optional<Affine> parseTransform(std::string_view text, const LengthContext&
     // With units it is a style sheet's, whose commas are not a matter of taste.
     if (units && (spaces || commas)) return std::nullopt;
     return result;
+}
+
+std::optional<Affine> parseSingleTransform(std::string_view name, std::string_view value,
+                                           const LengthContext& lengths, const Box& box)
+{
+    if (value.empty() || equalsIgnoringCase(value, "none")) return Affine();
+    std::vector<std::string> words;
+    forWords(value, [&](std::string_view word) { words.emplace_back(word); });
+    const bool turns = name == "rotate";
+    if (turns && words.size() > 1) { // an axis before or after the angle
+        if (!hasUnits(words.back())) std::rotate(words.begin(), words.begin() + 1, words.end());
+        if (words.size() == 2 && words[0] == "z") words.erase(words.begin());
+    }
+    if (turns && !hasUnits(words.back()) && words.back() != "0") return std::nullopt;
+    std::string function(name);
+    if (words.size() > (turns ? 1 : 2)) function += "3d";
+    for (size_t i = 0; i < words.size(); ++i)
+        function += (i == 0 ? "(" : ",") + words[i];
+    return parseTransform(function + ")", lengths, box);
 }
 
 std::optional<Point> parseTransformOrigin(std::string_view text, const LengthContext& lengths,

@@ -20,6 +20,11 @@ std::optional<Affine> parseTransform(std::string_view text, const LengthContext&
 // The same of an attribute's text, which knows no units.
 std::optional<Affine> parseTransformAttribute(std::string_view text, const LengthContext& lengths);
 
+// What the value of one of the properties translate, rotate and scale describes: the arguments of
+// the function of that name. Nothing when it is malformed or leaves the plane.
+std::optional<Affine> parseSingleTransform(std::string_view name, std::string_view value,
+                                           const LengthContext& lengths, const Box& box);
+
 // Where the origin of a transform lies in the box: keywords, percentages of it, or lengths. Nothing
 // when the text is malformed; the box's corner when it is empty.
 std::optional<Point> parseTransformOrigin(std::string_view text, const LengthContext& lengths,

@@ -136,6 +136,19 @@ TEST(SvgCascade, VariablesStandForValues)
 }
 
 // Every value that is wrong comes after one that is right.
+TEST(SvgCascade, EscapesStandForCharacters)
+{
+    for (const char* declaration :
+         {"f\\69ll:red", "fill:r\\65 d", "fill:r\\000065d", "f\\ill:red", "FILL:\\72 ed"}) {
+        EXPECT_EQ(fillOf("rect{" + std::string(declaration) + "}"), 0xFF0000u) << declaration;
+        const std::string own = "style='" + std::string(declaration) + "'";
+        EXPECT_EQ(fillOf("", own), 0xFF0000u) << declaration;
+    }
+    SvgDocument document({}, {"", false, 1 << 20});
+    document.parse(treeWith("rect{fill:url(#a\\.b\\3a c)}", ""));
+    EXPECT_EQ(document.styleOf(document.find("x"), Viewport()).fill.server, "a.b\\3a c");
+}
+
 TEST(SvgCascade, WrongValuesAreDropped)
 {
     SvgDocument document({}, {"", false, 1 << 20});

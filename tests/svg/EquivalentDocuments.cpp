@@ -57,6 +57,18 @@ TEST(SvgEquivalents, StyleSheets)
           green}});
 }
 
+TEST(SvgEquivalents, StyleElementsOfWebPages)
+{
+    const std::string page = "http://www.w3.org/1999/xhtml";
+    expectSameElements(
+        {{"<style xmlns='" + page + "'>rect{fill:red}</style><rect width='9' height='9'/>",
+          "<rect width='9' height='9' fill='red'/>"},
+         {"<h:style xmlns:h='" + page + "'>rect{fill:red}</h:style><rect width='9' height='9'/>",
+          "<rect width='9' height='9' fill='red'/>"},
+         {"<style xmlns='of:another'>rect{fill:red}</style><rect width='9' height='9'/>",
+          "<rect width='9' height='9'/>"}});
+}
+
 TEST(SvgEquivalents, DrawingsAsImages)
 {
     const auto image = [](const std::string& attributes, const std::string& drawing,
@@ -174,6 +186,22 @@ TEST(SvgEquivalents, Viewports)
           "<circle r='20'/>"},
          {"<svg refX='9' width='9' height='9'><circle r='20'/></svg>",
           "<svg width='9' height='9'><circle r='20'/></svg>"},
+         {"<svg width='30' height='30' clip='rect(5,20,10 4)'><circle r='40'/></svg>",
+          "<rect x='4' y='5' width='16' height='5'/>"},
+         {"<svg x='2' width='30' height='30' style='clip:rect(auto, 20px, auto, auto)'>"
+          "<circle r='60'/></svg>",
+          "<rect x='2' width='20' height='30'/>"},
+         {"<svg width='30' height='30' clip='rect(5 20)'><circle r='60'/></svg>",
+          "<rect width='30' height='30'/>"},
+         {"<svg width='30' height='30' overflow='visible' clip='rect(5 9 9 5)'><circle "
+          "r='60'/></svg>",
+          "<circle r='60'/>"},
+         {"<symbol id='s' clip='rect(5 20 10 4)'><circle r='60'/></symbol><use href='#s'/>",
+          "<rect x='4' y='5' width='16' height='5'/>"},
+         {"<pattern id='p' width='8' height='8' patternUnits='userSpaceOnUse' clip='rect(0 4 8 2)'>"
+          "<rect width='8' height='8'/></pattern><rect width='16' height='8' fill='url(#p)'/>",
+          "<path d='M2 0h2v8h-2zM10 0h2v8h-2z'/>"},
+         {"<rect width='9' height='9' clip='rect(1 2 2 1)'/>", "<rect width='9' height='9'/>"},
          {"<svg viewBox='0 0 0 9' width='20' height='20'><circle r='9'/></svg>", ""},
          {"<svg viewBox='0 0 9 -9' width='20' height='20'><circle r='9'/></svg>",
           "<circle r='9'/>"},

@@ -133,6 +133,48 @@ TEST(SvgEquivalents, PathLengthsMeasureDashes)
           "<rect width='30' height='20' stroke='red' stroke-dasharray='10'/>"}});
 }
 
+TEST(SvgEquivalents, SingleTransforms)
+{
+    const std::string box = "<rect x='10' y='10' width='20' height='10' ";
+    expectSameElements(
+        {{box + "style='translate:5px'/>", "<rect x='15' y='10' width='20' height='10'/>"},
+         {box + "style='translate:10% 5px'/>", "<rect x='14' y='15' width='20' height='10'/>"},
+         {box + "style='translate:5px 6px 7px'/>", "<rect x='15' y='16' width='20' height='10'/>"},
+         {box + "style='rotate:90deg;transform-origin:10px 10px'/>",
+          "<rect y='10' width='10' height='20'/>"},
+         {box + "style='rotate:z .25turn;transform-origin:10px 10px'/>",
+          "<rect y='10' width='10' height='20'/>"},
+         {box + "style='rotate:90deg 0 0 1;transform-origin:10px 10px'/>",
+          "<rect y='10' width='10' height='20'/>"},
+         {box + "style='scale:.5'/>", "<rect x='5' y='5' width='10' height='5'/>"},
+         {box + "style='scale:50% 1'/>", "<rect x='5' y='10' width='10' height='10'/>"},
+         {box + "style='scale:none;translate:none;rotate:none'/>", box + "/>"},
+         // Moved last, turned before, and scaled before that; the transform comes first of all.
+         {box + "style='transform:translate(10px);scale:.5;rotate:90deg;translate:30px'/>",
+          "<rect x='20' y='10' width='5' height='10'/>"},
+         // None of them is an attribute, and a turn needs a unit.
+         {box + "rotate='90deg' scale='2' translate='9px'/>", box + "/>"},
+         {box + "style='rotate:90'/>", box + "/>"}});
+}
+
+TEST(SvgEquivalents, ArcsOfStraightLinesAreMiters)
+{
+    const std::string corner = "<path d='M4 30L20 10L36 30' fill='none' stroke='red' "
+                               "stroke-width='6' stroke-miterlimit='1.2' stroke-linejoin='";
+    expectSameElements({{corner + "arcs'/>", corner + "miter-clip'/>"}});
+}
+
+TEST(SvgEquivalents, NumbersOfAnySizeKeepTheirValue)
+{
+    expectSameElements(
+        {{"<rect x='2e12' width='9' height='9' transform='translate(-2e12)'/>",
+          "<rect width='9' height='9'/>"},
+         {"<g transform='scale(1e20)'><circle cx='2e-19' cy='2e-19' r='1e-19'/></g>",
+          "<circle cx='20' cy='20' r='10'/>"},
+         {"<path d='M-1e20 5H1e20V9H-1e20z'/>", "<rect y='5' width='40' height='4'/>"},
+         {"<path d='M-1e300 5H1e300V9H-1e300z'/>", "<rect y='5' width='40' height='4'/>"}});
+}
+
 TEST(SvgEquivalents, TransformBoxes)
 {
     const std::string turned = "<rect x='10' y='10' width='20' height='10' style='transform:"

@@ -41,6 +41,7 @@ refused "background" --background nothing "$folder/good.svg"
 refused "font without a name" --font "" "$folder/good.svg"
 refused "missing font" --font "$folder/missing.ttf" "$folder/good.svg"
 refused "font that is none" --font "$folder/good.svg" "$folder/good.svg"
+refused "standard input that is a folder" - < "$folder"
 refused "option" --frobnicate "$folder/good.svg"
 
 refused "size not a number" --size nan "$folder/good.svg"
@@ -63,12 +64,17 @@ complains "no files"
 complains "value that is missing" "$folder/good.svg" "$folder/out.png" --size
 complains "folder as output" "$folder/good.svg" "$folder/pictures"
 complains "drawing as output" "$folder/good.svg" "$folder/good.svg"
+complains "picture without a name" --out "$folder/pictures" -
 complains "one picture of two drawings" --out "$folder/pictures" "$folder/good.svg" \
     "$folder/other/good.svg"
 [ "$(cat "$folder/good.svg")" = "$good" ] || failures=$((failures + 1))
 if [ -e /dev/full ]; then
     complains "full device" "$folder/good.svg" /dev/full
 fi
+
+"$svg2png" - "$folder/piped.png" < "$folder/good.svg" || failures=$((failures + 1))
+"$svg2png" "$folder/good.svg" "$folder/named.png"
+cmp "$folder/piped.png" "$folder/named.png" || failures=$((failures + 1))
 
 # Strict: what is not drawn is a failure, but the picture is there.
 echo "${good/<path/<foreignObject/><path}" > "$folder/foreign.svg"

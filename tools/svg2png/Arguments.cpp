@@ -10,6 +10,7 @@
 const char kUsage[] =
     "usage: svg2png [options] INPUT.svg OUTPUT.png\n"
     "       svg2png [options] INPUT.svg... --out FOLDER\n"
+    "INPUT.svg may be -, for standard input.\n"
     "  --out FOLDER      write each picture into the folder, named after its drawing\n"
     "  --size N          longer side of the picture in pixels\n"
     "  --size WxH        size of the picture, the drawing fitted into it\n"
@@ -134,7 +135,9 @@ std::string parseArguments(int argc, char** argv, Arguments& arguments)
         return findClash(arguments.jobs);
     }
     if (files.empty()) return "needs an input file";
-    for (const std::string& file : files)
+    for (const std::string& file : files) {
+        if (file == "-") return "standard input has no name for its picture";
         arguments.jobs.push_back({file, pictureName(folder, file)});
+    }
     return findClash(arguments.jobs);
 }

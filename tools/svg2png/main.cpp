@@ -101,13 +101,26 @@ void printStats(const Svg::RenderResult& result, double milliseconds)
                     number(b.x1), number(b.y1));
 }
 
+// The drawing of a file or, for "-", of standard input, with references from the working folder on.
+bool load(Svg::MMSvgDocument& document, const std::string& input, uint64_t mostBytes)
+{
+    if (input != "-") return document.loadFile(input);
+    std::string bytes;
+    char block[1 << 16];
+    while (const size_t count = std::fread(block, 1, sizeof block, stdin)) {
+        bytes.append(block, count);
+        if (bytes.size() > mostBytes) break; // which loading refuses
+    }
+    return document.loadBytes(bytes);
+}
+
 // False when the picture could not be made, or is not whole although it has to be.
 bool run(const Arguments& arguments, const Arguments::Job& job, const Messages& messages)
 {
     Svg::LoadOptions options;
     options.languages = arguments.languages;
     Svg::MMSvgDocument document(options);
-    if (!document.loadFile(job.input))
+    if (!load(document, job.input, options.limits.documentBytes))
         return messages.complain(job.input + ": " + document.problem());
 
     const Svg::Size size = pictureSize(arguments, document.size());
