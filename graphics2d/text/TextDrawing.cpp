@@ -41,7 +41,6 @@ void MMContext2D::drawText(uint16_t** lines, uint8_t count, Fixed x, Fixed y)
     uint32_t firstIndex = 0;
     for (uint32_t i = 0; i < count; ++i) {
         if (lines[i] == nullptr) continue;
-        ParseText(lines[i], lines[i]);
         const uint32_t length = static_cast<uint32_t>(MMwsstrlen(lines[i]));
         renderText(lines[i], static_cast<uint16_t>(length), draw, firstIndex);
         firstIndex += length;

@@ -72,8 +72,6 @@ public:
 
     void setMatrix(const LinearPart& m)
     {
-        // The engine's y axis points up.
-        FS_set_scale(fontEngine, m.a, wrapNeg(m.c), wrapNeg(m.b), m.d);
         if (hasMatrix_ && m == matrix_) return;
         matrix_ = m;
         hasMatrix_ = true;
@@ -132,6 +130,8 @@ private:
     {
         const uint32_t cachedAtMost = context_.fontCache.maxEntrySize;
         forgetRecent(); // what is put into the cache may drive out any of them
+        // The engine's y axis points up.
+        FS_set_scale(fontEngine, matrix_.a, wrapNeg(matrix_.c), wrapNeg(matrix_.b), matrix_.d);
         void* image = whole ? FS_get_graymap(fontEngine, character)
                             : graymapWithin(fontEngine, character, cachedAtMost);
         context_.currentGlyph = image;
@@ -193,14 +193,15 @@ public:
     void run(const TextRun& run, TextPen& pen)
     {
         SpaceFilter spaces(context_.preserveSpace != 0);
+        const bool hasLists =
+            run.usesLists &&
+            (context_.charXCount > 1 || context_.charYCount > 1 || context_.charRotate != nullptr);
+        source_.setMatrix(upright_);
         uint32_t index = run.firstIndex;
         for (uint32_t i = 0; i < run.length && run.text[i] != 0; ++i) {
             uint16_t character = run.text[i];
             if (run.isRaw && !spaces.keeps(character)) continue;
-            Degrees angle;
-            if (run.usesLists) placePen(index, pen);
-            const bool turned = run.usesLists && rotationOf(context_, index, angle);
-            source_.setMatrix(turned ? rotated(upright_, angle) : upright_);
+            if (hasLists) followLists(index, pen);
             if (!refined_ || character != kSoftHyphen) step(character, pen);
             ++index;
         }
@@ -223,6 +224,15 @@ private:
         if (output_.compositor != nullptr)
             drawGlyph(*output_.compositor, source_, glyph, character, place);
         source_.release();
+    }
+
+    // Places and turns a character.
+    void followLists(uint32_t index, TextPen& pen)
+    {
+        placePen(index, pen);
+        Degrees angle;
+        const bool turned = rotationOf(context_, index, angle);
+        source_.setMatrix(turned ? rotated(upright_, angle) : upright_);
     }
 
     // The pixel that glyphs stand at; far outside of what any target holds, any pixel there.

@@ -11,7 +11,6 @@ namespace {
 constexpr uint16_t kTab = 9;
 constexpr uint16_t kLineFeed = 10;
 constexpr uint16_t kCarriageReturn = 13;
-constexpr uint16_t kSpace = 32;
 
 bool isLineEnd(uint16_t c)
 {
@@ -25,7 +24,7 @@ bool isBlank(uint16_t c)
 
 } // namespace
 
-bool SpaceFilter::keeps(uint16_t& unit)
+bool SpaceFilter::keepsBlank(uint16_t& unit)
 {
     if (preserves_) {
         if (unit == kTab || unit == kLineFeed) unit = kSpace;
