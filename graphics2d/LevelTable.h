@@ -18,6 +18,12 @@ struct PaintFillers {
     StripFiller translucent;
 };
 
+// The rows that a span is drawn in: the current one and those below.
+struct SpanRows {
+    int32_t count;    // 1 at least
+    ptrdiff_t pixels; // from spanPixels to those of the next row
+};
+
 // A box of a glyph image, on its way into the target.
 struct GlyphRows {
     Pixel* pixels;         // the target's, where the box begins
@@ -54,6 +60,7 @@ struct LevelTable {
     PaintFillers classicColour;
     PaintFillers refinedColour;
     PaintFillers linearGradient;
+    void (*linearGradientRows)(MMContext2D&, const SpanRows&); // opaque
     PaintFillers radialGradient;
     PaintFillers patterns[3]; // by MMPatternFilter
     PaintFillers source;

@@ -25,6 +25,7 @@ const LevelTable kLevelTable = {
     {drawClassicColour, drawTranslucentClassicColour},
     {drawRefinedColour, drawTranslucentRefinedColour},
     {drawLinearGradient, drawTranslucentLinearGradient},
+    drawLinearGradientRows,
     {drawRadialGradient, drawTranslucentRadialGradient},
     {{drawNearestPattern, drawTranslucentNearestPattern},
      {drawBilinearPattern, drawTranslucentBilinearPattern},

@@ -27,6 +27,9 @@ public:
         pixels_ += count;
     }
 
+    // Goes to where the next row is drawn opaquely.
+    void goTo(Pixel* pixels) { pixels_ = pixels; }
+
     bool takeTail() { return translucent_ && run_.takeTail(); }
 
 protected:
@@ -61,20 +64,6 @@ public:
         }
     }
 };
-
-// Draws the current span and its tail by the rows of one kind of gradient: Row is made of a paint
-// and a row of the target, and draws columns from a first one on.
-template <class Row>
-void drawRefinedSpan(MMContext2D& context, bool translucent)
-{
-    if (StopList(context.currentPaint).isEmpty()) return;
-    RefinedGradientTarget target(context, translucent);
-    const Row row(context.currentPaint, context.spanRow);
-    const int32_t first = fixFloor(context.spanStart);
-    const int32_t count = spanLength(context);
-    row.draw(target, first, count);
-    if (target.takeTail()) row.draw(target, first + count, 1);
-}
 
 } // namespace MM2D_LEVEL
 } // namespace Graphics2D

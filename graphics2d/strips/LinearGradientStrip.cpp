@@ -75,10 +75,16 @@ public:
     explicit LinearWalk(const MMContext2D& context)
         : stops_(context.currentPaint), step_(context.currentPaint.gradientStepX)
     {
+    }
+
+    // Goes to the first pixel of the current span in a row.
+    void start(const MMContext2D& context, int32_t row)
+    {
         const MMPaint& paint = context.currentPaint;
         const Fixed dx = wrapSub(fixFromInt(fixFloor(context.spanStart)), paint.gradientOriginX);
-        const Fixed dy = wrapSub(fixFromInt(context.spanRow), paint.gradientOriginY);
+        const Fixed dy = wrapSub(fixFromInt(row), paint.gradientOriginY);
         t_ = wrapAdd(fixMul(paint.gradientStepY, dy), fixMul(paint.gradientStepX, dx));
+        segment_ = 0;
     }
 
     // Draws count pixels. The phases repeat because the parameter may run through them in either
@@ -123,46 +129,75 @@ private:
         findSegment();
         const Fixed low = stops_.offsets[segment_];
         const Fixed high = stops_.offsets[segment_ + 1];
-        const Segment segment(stops_, segment_);
-        const Channels first = segment.at(t_);
-        const Channels step = segment.part(fixDiv(step_, segment.length));
+        enterSegment();
+        const Channels first = ramp_.at(t_);
         // t may wrap into the segment again, which then goes on.
         int32_t length = 0;
         while (count > 0 && low < t_ && t_ <= high)
             length += advance(low + 1, high, count);
-        target.ramp(first, step, length);
+        target.ramp(first, rampStep_, length);
+    }
+
+    // Makes the segment's ramp the current one, unless it is.
+    void enterSegment()
+    {
+        if (rampSegment_ == segment_) return;
+        rampSegment_ = segment_;
+        ramp_ = Segment(stops_, segment_);
+        rampStep_ = ramp_.part(fixDiv(step_, ramp_.length));
     }
 
     StopList stops_;
     Fixed step_;
     Fixed t_;
-    uint32_t segment_ = 0;
+    uint32_t segment_;
+
+    // The ramp that was drawn last.
+    uint32_t rampSegment_ = UINT32_MAX; // or none
+    Segment ramp_;
+    Channels rampStep_;
 };
 
-void drawLinear(MMContext2D& context, bool translucent)
+void drawLinear(MMContext2D& context, bool translucent, const SpanRows& rows)
 {
     LinearTarget target(context, translucent);
     LinearWalk walk(context);
-    walk.draw(target, spanLength(context));
+    const int32_t count = spanLength(context);
+    walk.start(context, context.spanRow);
+    walk.draw(target, count);
     if (target.takeTail()) walk.draw(target, 1);
+    for (int32_t i = 1; i < rows.count; ++i) {
+        walk.start(context, context.spanRow + i);
+        target.goTo(spanFirstPixel(context) + i * rows.pixels);
+        walk.draw(target, count);
+    }
 }
+
+void drawByMode(MMContext2D& context, bool translucent, const SpanRows& rows)
+{
+    if (context.refined != 0)
+        drawRefinedLinearGradient(context, translucent, rows);
+    else
+        drawLinear(context, translucent, rows);
+}
+
+constexpr SpanRows kOneRow = {1, 0};
 
 } // namespace
 
 void drawLinearGradient(MMContext2D& context)
 {
-    if (context.refined != 0)
-        drawRefinedLinearGradient(context, false);
-    else
-        drawLinear(context, false);
+    drawByMode(context, false, kOneRow);
 }
 
 void drawTranslucentLinearGradient(MMContext2D& context)
 {
-    if (context.refined != 0)
-        drawRefinedLinearGradient(context, true);
-    else
-        drawLinear(context, true);
+    drawByMode(context, true, kOneRow);
+}
+
+void drawLinearGradientRows(MMContext2D& context, const SpanRows& rows)
+{
+    drawByMode(context, false, rows);
 }
 
 } // namespace MM2D_LEVEL

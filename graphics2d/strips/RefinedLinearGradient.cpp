@@ -47,19 +47,23 @@ private:
     bool backward_;
 };
 
+// A row of the target and, as one row after the other is drawn, the rows below.
 class RowOfGradient {
 public:
     RowOfGradient(const MMPaint& paint, int32_t row)
         : stops_(StopList(paint), paint.gradientStepX < 0), step_(paint.gradientStepX),
-          atZero_(parameterAtColumnZero(paint, row))
+          rowStep_(paint.gradientStepY), atZero_(parameterAtColumnZero(paint, row))
     {
         if (step_ >= 0) return;
         step_ = -step_;
+        rowStep_ = -rowStep_;
         atZero_ = -atZero_;
     }
 
+    void goDown() { atZero_ += rowStep_; }
+
     // Draws count columns from the first on.
-    void draw(RefinedGradientTarget& target, int32_t first, int32_t count) const
+    void draw(RefinedGradientTarget& target, int32_t first, int32_t count)
     {
         const int32_t end = first + count;
         int32_t column = first;
@@ -102,22 +106,34 @@ private:
         return column < least ? least : column < end ? static_cast<int32_t>(column) : end;
     }
 
-    // Between stop i - 1 at low and stop i at high.
-    void drawSegment(RefinedGradientTarget& target, uint32_t i, int64_t low, int64_t high,
-                     int32_t column, int32_t count) const
+    // Makes the segment that ends at stop i the current one, unless it is.
+    void enter(uint32_t i, int64_t length)
     {
-        const int64_t length = high - low;
-        const int32_t anchor = parameter(0) >= low ? 0 : columnOf(low, 0, column);
-        const int64_t share = ((parameter(anchor) - low) << kShareBits) / length;
+        if (segment_ == i) return;
+        segment_ = i;
         const bool isStepped = step_ < length; // or else there is only one column
         const int64_t shareStep = isStepped ? (step_ << kShareBits) / length : 0;
-        const Channels start = channelsOf(stops_.colour(i - 1));
-        const Channels difference = (Channels)((I32x4)(channelsOf(stops_.colour(i)) - start) >> 16);
-        const Channels step =
-            mapChannels(difference, [=](int32_t d) { return toChannel(d * shareStep); });
-        const Channels first =
-            start + mapChannels(difference, [=](int32_t d) { return toChannel(d * share); }) +
-            step * static_cast<uint32_t>(column - anchor);
+        start_ = channelsOf(stops_.colour(i - 1));
+        difference_ = (Channels)((I32x4)(channelsOf(stops_.colour(i)) - start_) >> 16);
+        channelStep_ = part(shareStep);
+    }
+
+    // Of the segment's difference.
+    Channels part(int64_t share) const
+    {
+        return mapChannels(difference_, [=](int32_t d) { return toChannel(d * share); });
+    }
+
+    // Between stop i - 1 at low and stop i at high.
+    void drawSegment(RefinedGradientTarget& target, uint32_t i, int64_t low, int64_t high,
+                     int32_t column, int32_t count)
+    {
+        const int64_t length = high - low;
+        enter(i, length);
+        const int32_t anchor = parameter(0) >= low ? 0 : columnOf(low, 0, column);
+        const int64_t share = ((parameter(anchor) - low) << kShareBits) / length;
+        const Channels step = channelStep_;
+        const Channels first = start_ + part(share) + step * static_cast<uint32_t>(column - anchor);
         ColourRamp colours(first, step);
         AlphaRamp alphas(first, step);
         target.ramp(count, [&](Pixel* pixels, uint32_t* weights, int32_t pixelCount) {
@@ -127,15 +143,33 @@ private:
     }
 
     StopsAlongRow stops_;
-    int64_t step_;   // of t per column, not negative
-    int64_t atZero_; // t at the centre of column 0
+    int64_t step_;    // of t per column, not negative
+    int64_t rowStep_; // and per row
+    int64_t atZero_;  // t at the centre of column 0
+
+    // The segment that was drawn last.
+    uint32_t segment_ = 0; // the stop that ends it, or 0: none
+    Channels start_;
+    Channels difference_; // to its end, whole units
+    Channels channelStep_;
 };
 
 } // namespace
 
-void drawRefinedLinearGradient(MMContext2D& context, bool translucent)
+void drawRefinedLinearGradient(MMContext2D& context, bool translucent, const SpanRows& rows)
 {
-    drawRefinedSpan<RowOfGradient>(context, translucent);
+    if (StopList(context.currentPaint).isEmpty()) return;
+    RefinedGradientTarget target(context, translucent);
+    RowOfGradient row(context.currentPaint, context.spanRow);
+    const int32_t first = fixFloor(context.spanStart);
+    const int32_t count = spanLength(context);
+    row.draw(target, first, count);
+    if (target.takeTail()) row.draw(target, first + count, 1);
+    for (int32_t i = 1; i < rows.count; ++i) {
+        row.goDown();
+        target.goTo(spanFirstPixel(context) + i * rows.pixels);
+        row.draw(target, first, count);
+    }
 }
 
 } // namespace MM2D_LEVEL

@@ -351,7 +351,13 @@ private:
 
 void drawRefinedRadialGradient(MMContext2D& context, bool translucent)
 {
-    drawRefinedSpan<RowOfCircles>(context, translucent);
+    if (StopList(context.currentPaint).isEmpty()) return;
+    RefinedGradientTarget target(context, translucent);
+    const RowOfCircles row(context.currentPaint, context.spanRow);
+    const int32_t first = fixFloor(context.spanStart);
+    const int32_t count = spanLength(context);
+    row.draw(target, first, count);
+    if (target.takeTail()) row.draw(target, first + count, 1);
 }
 
 } // namespace MM2D_LEVEL

@@ -34,6 +34,7 @@ struct Segment {
     Fixed offset;
     Fixed length;
 
+    Segment() = default; // none
     Segment(const StopList& stops, uint32_t i);
 
     // The part of the difference that a fraction stands for: as fixMul of each channel, which is a

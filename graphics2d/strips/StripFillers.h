@@ -6,7 +6,7 @@
 #pragma once
 
 #include "graphics2d/Level.h"
-#include "graphics2d/MMContext2D.h"
+#include "graphics2d/LevelTable.h"
 
 namespace KAVO {
 namespace Graphics2D {
@@ -19,6 +19,7 @@ void drawTranslucentRefinedColour(MMContext2D& context);
 
 void drawLinearGradient(MMContext2D& context);
 void drawTranslucentLinearGradient(MMContext2D& context);
+void drawLinearGradientRows(MMContext2D& context, const SpanRows& rows); // opaque
 
 void drawNearestPattern(MMContext2D& context);
 void drawTranslucentNearestPattern(MMContext2D& context);

@@ -13,15 +13,9 @@ inline namespace MM2D_LEVEL {
 
 void blendClassicColour(const GlyphRows& glyph);
 void blendRefinedColour(const GlyphRows& glyph);
-
-} // namespace MM2D_LEVEL
-
-// Drawing the pixels takes longer than blending them.
-inline namespace MM2D_NARROW_LEVEL {
-
 void blendClassicPixels(const GlyphRows& glyph);
 void blendRefinedPixels(const GlyphRows& glyph); // premultiplied
 
-} // namespace MM2D_NARROW_LEVEL
+} // namespace MM2D_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

@@ -9,12 +9,12 @@ inline namespace MM2D_LEVEL {
 
 void blendClassicColour(const GlyphRows& glyph)
 {
-    blendRows<ClassicGlyphRule, true>(glyph);
+    blendRows<ClassicGlyphRule, true>(glyph, {});
 }
 
 void blendRefinedColour(const GlyphRows& glyph)
 {
-    blendRows<RefinedGlyphRule, true>(glyph);
+    blendRows<RefinedGlyphRule, true>(glyph, {});
 }
 
 } // namespace MM2D_LEVEL

@@ -22,6 +22,8 @@ inline Lanes by255(Lanes product)
 // levels, 0 to 15, and the opacity make of a weight.
 
 struct ClassicGlyphRule : ClassicBlend {
+    static constexpr int32_t background() { return kBackground; } // pixels to the right
+
     // 0 to 255; the opacity is too.
     template <class Lanes>
     static Lanes coverage(Lanes levels, uint16_t opacity)
@@ -31,6 +33,8 @@ struct ClassicGlyphRule : ClassicBlend {
 };
 
 struct RefinedGlyphRule : RefinedBlend {
+    static constexpr int32_t background() { return kBackground; }
+
     // 0 to 256; the opacity is 8.8.
     template <class Lanes>
     static Lanes coverage(Lanes levels, uint16_t opacity)
@@ -143,7 +147,7 @@ private:
 // Blends up to as many columns as there are lanes, row after row. The paint is one colour, or rows
 // of pixels.
 template <class Rule, bool kIsFlat>
-inline void blendColumns(const GlyphRows& glyph, int32_t column, int32_t width)
+inline void blendColumns(const GlyphRows& glyph, Rule rule, int32_t column, int32_t width)
 {
     const ptrdiff_t rowPixels = glyph.rowPixels, stride = glyph.stride, paintRow = glyph.paintRow;
     const uint16_t opacity = glyph.opacity;
@@ -152,10 +156,10 @@ inline void blendColumns(const GlyphRows& glyph, int32_t column, int32_t width)
     Pixel* pixels = glyph.pixels + column;
     const Pixel* paint = kIsFlat ? glyph.paint : glyph.paint + column;
     const GlyphPixels colour = all<GlyphPixels>(*paint);
-    const auto move = [](auto from, auto to, auto by) { return Rule::move(from, to, by); };
+    const auto move = [=](auto from, auto to, auto by) { return rule.move(from, to, by); };
     for (int32_t y = glyph.height; y > 0; --y) {
-        const auto pairs = (GlyphPixels)Rule::coverage(columns.levels(levels), opacity);
-        const GlyphPixels background = columns.load(pixels + Rule::kBackground);
+        const auto pairs = (GlyphPixels)rule.coverage(columns.levels(levels), opacity);
+        const GlyphPixels background = columns.load(pixels + rule.background());
         const GlyphPixels over = kIsFlat ? colour : columns.load(paint);
         columns.store(pixels, blendByPairs(background, over, pairs, move));
         levels += stride;
@@ -166,14 +170,14 @@ inline void blendColumns(const GlyphRows& glyph, int32_t column, int32_t width)
 
 // Columns left of others are blended before, so that these still see them as they were.
 template <class Rule, bool kIsFlat>
-void blendRows(const GlyphRows& glyph)
+void blendRows(const GlyphRows& glyph, Rule rule)
 {
     constexpr int32_t kColumns = sizeof(GlyphPixels) / sizeof(Pixel);
     int32_t column = 0;
     for (int32_t rest; (rest = glyph.width - column) > 0;) {
         int32_t width = std::min(rest, kColumns);
         if (kColumns == 8 && rest > 8 && rest < 12) width = rest - 4;
-        blendColumns<Rule, kIsFlat>(glyph, column, width);
+        blendColumns<Rule, kIsFlat>(glyph, rule, column, width);
         column += width;
     }
 }

@@ -6,8 +6,6 @@
 #include "graphics2d/Redirection.h"
 #include "graphics2d/strips/Blending.h"
 #include "graphics2d/strips/SourceStrip.h"
-#include "graphics2d/strips/Span.h"
-#include "graphics2d/strips/StripDispatch.h"
 #include "memory/ScratchArray.h"
 
 #include <algorithm>
@@ -19,6 +17,7 @@ namespace Graphics2D {
 namespace {
 
 constexpr int32_t kPiece = 4;          // pixels that are read at once
+constexpr int32_t kVector = 8;         // and that any level's fillers write at once
 constexpr int32_t kBufferPixels = 256; // of a paint's rows at once, unless one row is longer
 
 } // namespace
@@ -156,17 +155,15 @@ void GlyphCompositor::movePaintLeft(int32_t columns)
 
 void GlyphCompositor::drawThroughBuffer()
 {
-    const bool isSource = record_->paintType == kPaintSource;
     const SpanFiller paint = chooseSpanFiller(context_);
     if (paint.filler == nullptr) return;
-    // With the pixel past the last that the translucent fillers read, and as many as narrow glyphs
-    // do.
-    const int32_t rowWords = rows_.width + kPiece;
+    // More than the width, for the translucent fillers read the pixel past the last.
+    const int32_t rowWords = (rows_.width / kVector + 1) * kVector;
     const int32_t rowsAtOnce = std::clamp(kBufferPixels / rowWords, 1, rows_.height);
-    const int32_t words = rowsAtOnce * rowWords;
-    ScratchArray<Pixel> buffer(context_.scratchStack, static_cast<uint32_t>(words));
+    const uint32_t words = static_cast<uint32_t>(rowsAtOnce * rowWords);
+    ScratchArray<Pixel> buffer(context_.scratchStack, words);
     if (!buffer) return noteOutOfMemory(context_);
-    if (!isSource) movePaintLeft(column_);
+    if (record_->paintType != kPaintSource) movePaintLeft(column_);
     context_.spanEnd = fixFromInt(rows_.width);
     context_.spanRow = row_;
     rows_.paint = buffer.data();
@@ -174,20 +171,34 @@ void GlyphCompositor::drawThroughBuffer()
     const int32_t height = rows_.height;
     for (int32_t y = 0; y < height; y += rowsAtOnce) {
         // Translucent fillers blend over what is there.
-        if (y == 0 || paint.flatCoverage)
-            std::memset(buffer.data(), 0, static_cast<size_t>(words) * sizeof(Pixel));
+        if (y == 0 || paint.flatCoverage) std::memset(buffer.data(), 0, words * sizeof(Pixel));
         rows_.height = std::min(rowsAtOnce, height - y);
         context_.spanPixels = buffer.data();
-        for (int32_t k = 0; k < rows_.height; ++k, ++context_.spanRow) {
-            if (isSource)
-                readSource(*record_, context_.spanRow, column_, rows_.width, context_.spanPixels);
-            else
-                drawSpan(context_, paint);
-            context_.spanPixels += rowWords;
-        }
+        drawPaint(paint);
         blend();
         rows_.pixels += rows_.height * rows_.rowPixels;
         rows_.levels += rows_.height * rows_.stride;
+    }
+}
+
+// Fills rows of the buffer from the span's on.
+void GlyphCompositor::drawPaint(const SpanFiller& paint)
+{
+    if (paint.filler == context_.level->linearGradient.opaque) {
+        // Whole vectors are quicker than what is left of one.
+        const Fixed end = context_.spanEnd;
+        context_.spanEnd = fixFromInt((rows_.width + kVector - 1) / kVector * kVector);
+        context_.level->linearGradientRows(context_, {rows_.height, rows_.paintRow});
+        context_.spanEnd = end;
+        context_.spanRow += rows_.height;
+        return;
+    }
+    for (int32_t k = 0; k < rows_.height; ++k, ++context_.spanRow) {
+        if (record_->paintType == kPaintSource)
+            readSource(*record_, context_.spanRow, column_, rows_.width, context_.spanPixels);
+        else
+            drawSpan(context_, paint);
+        context_.spanPixels += rows_.paintRow;
     }
 }
 

@@ -2,8 +2,8 @@
 // Drawing one glyph image into the target. Internal.
 #pragma once
 
-#include "graphics2d/LevelTable.h"
 #include "graphics2d/PixelBox.h"
+#include "graphics2d/strips/StripDispatch.h"
 #include "platform/FontEngine.h"
 
 namespace KAVO {
@@ -57,6 +57,7 @@ private:
     void drawIntoMask();
     void drawThroughMask();
     void drawThroughBuffer();
+    void drawPaint(const SpanFiller& paint);
     void blend() const;
     void blendAside() const;
     void movePaintLeft(int32_t columns);

@@ -18,36 +18,55 @@ inline Lanes scaleChannels(Lanes channels, Lanes factor)
 
 // The paint's pixel scaled by the coverage, over the background scaled by what its alpha leaves.
 // Sums above 255 become 255.
-struct ClassicPixels : ClassicGlyphRule {
-    template <class Lanes>
-    static Lanes move(Lanes from, Lanes colour, Lanes coverage)
+template <class Lanes>
+inline Lanes moveClassicPixels(Lanes from, Lanes colour, Lanes coverage)
+{
+    const Lanes rest = 255 - by255(alphasOf(colour) * coverage);
+    const Lanes sum = scaleChannels(colour, coverage) + scaleChannels(from, rest);
+    using Signed = decltype(from < colour);
+    return (sum | (Lanes)((Signed)sum > 255)) << 8;
+}
+
+// The rules of both modes. One loop asks for the mode in each row: two would be as fast, and
+// larger.
+struct PixelRule {
+    bool refined;
+
+    int32_t background() const
     {
-        const Lanes rest = 255 - by255(alphasOf(colour) * coverage);
-        const Lanes sum = scaleChannels(colour, coverage) + scaleChannels(from, rest);
-        using Signed = decltype(from < colour);
-        return (sum | (Lanes)((Signed)sum > 255)) << 8;
+        return refined ? RefinedBlend::kBackground : ClassicBlend::kBackground;
+    }
+
+    template <class Lanes>
+    Lanes coverage(Lanes levels, uint16_t opacity) const
+    {
+        return refined ? RefinedGlyphRule::coverage(levels, opacity)
+                       : ClassicGlyphRule::coverage(levels, opacity);
+    }
+
+    template <class Lanes>
+    Lanes move(Lanes from, Lanes colour, Lanes weight) const
+    {
+        return refined ? movePremultiplied(from, colour, weight)
+                       : moveClassicPixels(from, colour, weight);
     }
 };
 
-// Of premultiplied pixels.
-struct RefinedPixels : RefinedGlyphRule {
-    template <class Lanes>
-    static Lanes move(Lanes from, Lanes colour, Lanes weight)
-    {
-        return movePremultiplied(from, colour, weight);
-    }
-};
+[[gnu::noinline]] void blendPixels(const GlyphRows& glyph, bool refined)
+{
+    blendRows<PixelRule, false>(glyph, PixelRule{refined});
+}
 
 } // namespace
 
 void blendClassicPixels(const GlyphRows& glyph)
 {
-    blendRows<ClassicPixels, false>(glyph);
+    blendPixels(glyph, false);
 }
 
 void blendRefinedPixels(const GlyphRows& glyph)
 {
-    blendRows<RefinedPixels, false>(glyph);
+    blendPixels(glyph, true);
 }
 
 } // namespace MM2D_LEVEL
