@@ -40,6 +40,18 @@ template <class Add>
     if (context.spanTailCoverage > 0) add(end, coarseCoverage(context.spanTailCoverage));
 }
 
+// Coverage times the paint's alpha, through the clip if there is one.
+[[gnu::noinline]] void drawWeighedRun(const MMContext2D& context, uint32_t alpha)
+{
+    uint8_t* const levels = maskRow(*context.maskTarget, context.spanRow);
+    const uint8_t* const clip = clipRow(context);
+    forEachOfRun(context, [=](int32_t column, uint32_t coverage) {
+        if (alpha != kWholeLevel) coverage = shareOfLevel(coverage, alpha);
+        if (clip != nullptr) coverage = shareOfLevel(coverage, clip[column]);
+        addLevel(levels[column], coverage);
+    });
+}
+
 } // namespace
 
 void drawSpanIntoMask(MMContext2D& context)
@@ -60,18 +72,11 @@ void drawSpanIntoMask(MMContext2D& context)
 
 void drawRunIntoMask(MMContext2D& context)
 {
-    uint8_t* const levels = maskRow(*context.maskTarget, context.spanRow);
-    const uint8_t* const clip = clipRow(context);
     const uint32_t alpha = maskAlpha(context);
-    if (clip == nullptr && alpha == kWholeLevel)
-        return forEachOfRun(context, [=](int32_t column, uint32_t coverage) {
-            addLevel(levels[column], coverage);
-        });
-    forEachOfRun(context, [=](int32_t column, uint32_t coverage) {
-        if (alpha != kWholeLevel) coverage = shareOfLevel(coverage, alpha);
-        if (clip != nullptr) coverage = shareOfLevel(coverage, clip[column]);
-        addLevel(levels[column], coverage);
-    });
+    if (context.clipMask != nullptr || alpha != kWholeLevel) return drawWeighedRun(context, alpha);
+    uint8_t* const levels = maskRow(*context.maskTarget, context.spanRow);
+    forEachOfRun(context,
+                 [=](int32_t column, uint32_t coverage) { addLevel(levels[column], coverage); });
 }
 
 void addAlphas(uint8_t* to, const Pixel* drawn, const uint8_t* levels, uint32_t opacity,

@@ -316,15 +316,21 @@ void pickThroughMasks(MMContext2D& context)
 
 PixelBox withoutHiddenRows(const MMContext2D& context, PixelBox box)
 {
-    const auto isHidden = [&](int32_t row) {
-        const uint8_t* levels = maskRow(*context.clipMask, row);
-        return context.level->endOfLevel(levels, box.left, box.right, 0) == box.right;
+    const MMMask& mask = *context.clipMask;
+    const int32_t width = box.right - box.left;
+    if (width <= 0) return box;
+    const auto areHidden = [&](int32_t row, int32_t rows) {
+        const int32_t count = rows * width;
+        return context.level->endOfLevel(maskRow(mask, row) + box.left, 0, count, 0) == count;
     };
-    if (box.left >= box.right) return box;
-    while (box.top < box.bottom && isHidden(box.top))
-        ++box.top;
-    while (box.top < box.bottom && isHidden(box.bottom - 1))
-        --box.bottom;
+    constexpr int32_t kManyRows = 16; // where they follow each other without a gap
+    for (int32_t rows = mask.rowBytes == static_cast<uint32_t>(width) ? kManyRows : 1; rows > 0;
+         rows /= kManyRows) {
+        while (box.bottom - box.top >= rows && areHidden(box.top, rows))
+            box.top += rows;
+        while (box.bottom - box.top >= rows && areHidden(box.bottom - rows, rows))
+            box.bottom -= rows;
+    }
     return box;
 }
 
