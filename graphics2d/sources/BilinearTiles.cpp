@@ -12,22 +12,32 @@ inline namespace MM2D_LEVEL {
 
 namespace {
 
-constexpr int32_t kPrepared = 132; // columns for 128 pixels, and up to the next four
+constexpr int32_t kMixed = 129; // columns that 128 pixels may lie between
 constexpr uint32_t kWeightShift = kTexelBits - 8;
 
 // The rows that a pixel lies between, and the weight of the lower one.
 struct RowPair {
     const Pixel* upper;
     const Pixel* lower;
-    U16x8 weight;
+    uint32_t weight;
 
     RowPair(const MMTileSource& source, const TileWalk& v)
         : upper(tileRow(source, v.inImage(v.texel()))),
-          lower(tileRow(source, v.inImage(v.after(v.texel())))), weight(all8(v.fraction() >> 8))
+          lower(tileRow(source, v.inImage(v.after(v.texel())))), weight(v.fraction() >> 8)
     {
     }
     // The channels of two texels.
-    U16x8 mixed(U16x8 above, U16x8 below) const { return moveRounded(above, below, weight) >> 8; }
+    U16x8 mixed(U16x8 above, U16x8 below) const
+    {
+        return moveRounded(above, below, all8(weight)) >> 8;
+    }
+    // A texel of the image, or as many as a vector holds.
+    template <class Pixels>
+    Pixels mixedAt(int32_t texel) const
+    {
+        return blendPixels<RefinedBlend>(load<Pixels>(upper + texel), load<Pixels>(lower + texel),
+                                         all<Pixels>(weight));
+    }
 };
 
 // What lies between a column of texels and the next one: the first one's channels times 256, half
@@ -72,25 +82,28 @@ inline ColumnStep stepFrom(const RowPair& rows, const TileWalk& u, int32_t texel
                   U32x4{rows.upper[left], rows.upper[right], rows.lower[left], rows.lower[right]});
 }
 
-// From count texels of the period on, in runs inside the image.
-void prepareSteps(RowPair rows, const TileWalk& u, int32_t texel, ColumnStep* steps, int32_t count)
+// Mixes both rows at count texels of the period.
+void mixColumns(const RowPair& rows, const TileWalk& u, int32_t texel, Pixel* mixed, int32_t count)
 {
-    for (int32_t i = 0; i < count;) {
-        const int32_t end = std::min(i + u.size() - 1 - texel, count);
-        for (; i < end; ++i, ++texel)
-            steps[i] = stepOf(rows, load2And2(rows.upper + texel, rows.lower + texel));
-        if (i == count) return;
-        steps[i++] = stepFrom(rows, u, texel);
-        texel = u.after(texel);
+    for (int32_t i = 0; i < count; texel = u.after(texel)) {
+        if (std::min(u.size() - texel, count - i) >= kFewLanes) {
+            store(mixed + i, rows.mixedAt<FewPixels>(texel));
+            i += kFewLanes;
+            texel += kFewLanes - 1;
+        } else {
+            mixed[i++] = rows.mixedAt<Pixel>(u.inImage(texel));
+        }
     }
 }
 
-// Pixels that all lie between the same rows, no further apart than texels: each column is prepared
+// Pixels that all lie between the same rows, no further apart than texels: each column is mixed
 // once.
-void magnifyRow(const RowPair& rows, TileWalk u, Pixel alphaBits, Pixel* pixels, int32_t count)
+void magnifyRow(const RowPair& rows, const TileWalk& u, Pixel alphaBits, Pixel* pixels,
+                int32_t count)
 {
     // From the leftmost texel on, which for a negative step is the last pixel's.
-    const int64_t way = u.step() * (count - 1);
+    const int64_t step = u.step();
+    const int64_t way = step * (count - 1);
     int64_t at = u.position() & ((int64_t{1} << kTexelBits) - 1);
     const int64_t least = way < 0 ? (at + way) >> kTexelBits : 0;
     const int64_t most = ((way < 0 ? at : at + way) >> kTexelBits) - least;
@@ -98,28 +111,29 @@ void magnifyRow(const RowPair& rows, TileWalk u, Pixel alphaBits, Pixel* pixels,
     for (int64_t i = least; i < 0; ++i)
         texel = u.before(texel);
     at -= least * (int64_t{1} << kTexelBits);
-    ColumnStep steps[kPrepared];
-    prepareSteps(rows, u, texel, steps, static_cast<int32_t>(most) + 1);
+    Pixel mixed[kMixed];
+    mixColumns(rows, u, texel, mixed, static_cast<int32_t>(most) + 2);
 
-    const int64_t step = u.step();
-    const auto lowStep = static_cast<uint32_t>(step);
-    U32x4 fractions = all4(static_cast<uint32_t>(at)) + U32x4{0, 1, 2, 3} * lowStep;
-    const auto next = [&] {
-        const U32x4 weights = fractions >> kWeightShift & 0xFF;
-        fractions += 4 * lowStep;
-        return weights;
-    };
+    // The column left of the pixel k further on.
+    const auto columnAt = [&](int k) { return mixed + ((at + k * step) >> kTexelBits); };
     int32_t i = 0;
-    for (; i + 4 <= count; i += 4, at += 4 * step)
-        store4(pixels + i,
-               fourBetween([&](int k) { return steps[(at + k * step) >> kTexelBits]; }, next()) |
-                   alphaBits);
-    if (i == count) return;
-    const int32_t rest = count - i;
-    const auto stepAt = [&](int k) {
-        return k < rest ? steps[(at + k * step) >> kTexelBits] : ColumnStep{};
-    };
-    storeFew(pixels + i, fourBetween(stepAt, next()) | alphaBits, rest);
+    if constexpr (kFewLanes == 4) {
+        const auto lowStep = static_cast<uint32_t>(step);
+        U32x4 fractions = all4(static_cast<uint32_t>(at)) + U32x4{0, 1, 2, 3} * lowStep;
+        for (; i + 4 <= count; i += 4, at += 4 * step, fractions += 4 * lowStep) {
+            const U32x4 a = load2And2(columnAt(0), columnAt(1));
+            const U32x4 b = load2And2(columnAt(2), columnAt(3));
+            const U32x4 left = __builtin_shufflevector(a, b, 0, 2, 4, 6);
+            const U32x4 right = __builtin_shufflevector(a, b, 1, 3, 5, 7);
+            const U32x4 weights = fractions >> kWeightShift & 0xFF;
+            store4(pixels + i, blendPixels<RefinedBlend>(left, right, weights) | alphaBits);
+        }
+    }
+    for (; i < count; ++i, at += step) {
+        const Pixel* const column = columnAt(0);
+        const auto weight = static_cast<uint32_t>(at >> kWeightShift) & 0xFF;
+        pixels[i] = blendPixel<RefinedBlend>(column[0], column[1], weight) | alphaBits;
+    }
 }
 
 } // namespace
