@@ -19,11 +19,6 @@ constexpr uint32_t signMaskOf(int32_t v)
 }
 
 // Shifts by 32 or more give 0.
-constexpr uint32_t shiftLeft(uint32_t v, uint32_t n)
-{
-    return n < 32 ? v << n : 0;
-}
-
 constexpr uint32_t shiftRight(uint32_t v, uint32_t n)
 {
     return n < 32 ? v >> n : 0;
@@ -46,6 +41,10 @@ constexpr Fixed fixMulSHRInline(Fixed a, Fixed b, uint8_t shift)
 {
     const uint32_t magA = magnitudeOf(a);
     const uint32_t magB = magnitudeOf(b);
+    const uint32_t signMask = signMaskOf(a) ^ signMaskOf(b);
+    if (shift <= 16)
+        return applySign(static_cast<uint32_t>(uint64_t{magA} * magB >> (16 + shift)), signMask);
+    // From there on a carry out of the low product is lost.
     const uint32_t highA = magA >> 16;
     const uint32_t lowA = magA & 0xFFFFu;
     const uint32_t highB = magB >> 16;
@@ -53,9 +52,7 @@ constexpr Fixed fixMulSHRInline(Fixed a, Fixed b, uint8_t shift)
     const uint32_t middle = highB * lowA + ((lowB * lowA) >> 16);
     const uint32_t high = highB * highA + (middle >> 16);
     const uint32_t low = highA * lowB + (middle & 0xFFFFu);
-    const uint32_t shiftedHigh =
-        shift < 16 ? shiftLeft(high, 16u - shift) : shiftRight(high, shift - 16u);
-    return applySign(shiftedHigh + shiftRight(low, shift), signMaskOf(a) ^ signMaskOf(b));
+    return applySign(shiftRight(high, shift - 16u) + shiftRight(low, shift), signMask);
 }
 
 } // namespace KAVO
