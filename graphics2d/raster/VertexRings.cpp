@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "graphics2d/raster/VertexRings.h"
 
+#include "graphics2d/raster/LinkedSort.h"
 #include "math/Points.h"
 
 #include <algorithm>
@@ -28,7 +29,8 @@ VertexRings::VertexRings(MMStackContext& stack, const PixelGrid& grid, bool cutL
     for (uint32_t i = 0; i < contours.count; ++i)
         appendRing(contours.begin(i), contours.end(i));
     vertices_.resize(size_);
-    firstMinimum_ = sortedByY(firstMinimum_, minimumCount_);
+    firstMinimum_ = sortLinked<&RingVertex::nextMinimum>(vertices_.data(), firstMinimum_,
+                                                         minimumCount_, isAbove);
 }
 
 void VertexRings::appendLink(uint32_t firstOfRing)
@@ -90,38 +92,6 @@ void VertexRings::addMinimum(uint32_t i)
     vertices_[i].nextMinimum = kNoVertex;
     lastMinimum_ = i;
     ++minimumCount_;
-}
-
-bool VertexRings::isAbove(uint32_t a, uint32_t b) const
-{
-    const MMPoint2D& p = vertices_[a].point;
-    const MMPoint2D& q = vertices_[b].point;
-    return p.y < q.y || (p.y == q.y && p.x < q.x);
-}
-
-// Merge sort of count linked minima; returns the new first one. The recursion is as deep as the
-// binary logarithm of the count.
-uint32_t VertexRings::sortedByY(uint32_t first, uint32_t count)
-{
-    if (count < 2) return first;
-    uint32_t middle = first;
-    for (uint32_t i = 1; i < count / 2; ++i)
-        middle = vertices_[middle].nextMinimum;
-    uint32_t b = vertices_[middle].nextMinimum;
-    vertices_[middle].nextMinimum = kNoVertex;
-    uint32_t a = sortedByY(first, count / 2);
-    b = sortedByY(b, count - count / 2);
-
-    uint32_t head = kNoVertex;
-    uint32_t* link = &head;
-    while (a != kNoVertex && b != kNoVertex) {
-        uint32_t& lesser = isAbove(b, a) ? b : a;
-        *link = lesser;
-        link = &vertices_[lesser].nextMinimum;
-        lesser = *link;
-    }
-    *link = a != kNoVertex ? a : b;
-    return head;
 }
 
 } // namespace Graphics2D

@@ -75,8 +75,12 @@ private:
     void append(const MMPoint2D& vertex) { vertices_[size_++].point = vertex; }
     bool linkMinima(uint32_t first);
     void addMinimum(uint32_t i);
-    uint32_t sortedByY(uint32_t first, uint32_t count);
-    bool isAbove(uint32_t a, uint32_t b) const;
+    static bool isAbove(const RingVertex& a, const RingVertex& b)
+    {
+        const MMPoint2D& p = a.point;
+        const MMPoint2D& q = b.point;
+        return p.y < q.y || (p.y == q.y && p.x < q.x);
+    }
 
     const PixelGrid grid_;
     bool cutLongEdges_;

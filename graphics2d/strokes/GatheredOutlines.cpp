@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "graphics2d/strokes/GatheredOutlines.h"
 
-#include "graphics2d/raster/NearlySorted.h"
+#include "graphics2d/raster/LinkedSort.h"
 #include "graphics2d/raster/PolygonBounds.h"
 #include "graphics2d/raster/Rasteriser.h"
 
@@ -17,46 +17,42 @@ constexpr uint32_t kFirstRoom = 256; // points
 
 // The pixels that an outline can touch, ends included.
 struct TouchedBox {
-    int32_t top;
     int32_t left;
-    int32_t bottom;
+    int32_t top;
     int32_t right;
+    int32_t bottom;
+    uint32_t next; // the box that follows in the order of the tops
     bool meetsOthers;
 };
 
 // Whatever the pixel grid.
 TouchedBox touchedBy(const BoundsUnion& bounds)
 {
-    return {fixFloor(bounds.minY), fixFloor(bounds.minX), fixFloor(bounds.maxY) + 1,
-            fixFloor(bounds.maxX) + 1, false};
+    return {fixFloor(bounds.minX),
+            fixFloor(bounds.minY),
+            fixFloor(bounds.maxX) + 1,
+            fixFloor(bounds.maxY) + 1,
+            kNoLink,
+            false};
 }
 
-struct BoxByTop {
-    int32_t top;
-    int32_t index;
-};
-
-bool isBefore(const BoxByTop& a, const BoxByTop& b)
+// Marks the boxes that overlap, or all when to find out would take long.
+void markMeetings(TouchedBox* boxes, uint32_t count)
 {
-    return a.top < b.top || (a.top == b.top && a.index < b.index);
-}
-
-// Marks the boxes that overlap, or all when to find out would take long. The order is that of their
-// tops.
-void markMeetings(TouchedBox* boxes, const BoxByTop* order, uint32_t count)
-{
+    if (count == 0) return;
+    const auto isAbove = [](const TouchedBox& a, const TouchedBox& b) { return a.top < b.top; };
     uint64_t budget = uint64_t{64} * count; // comparisons
-    for (uint32_t i = 0; i < count; ++i) {
-        TouchedBox& box = boxes[order[i].index];
-        for (uint32_t j = i + 1; j < count && order[j].top <= box.bottom; ++j) {
+    for (uint32_t i = sortLinked<&TouchedBox::next>(boxes, 0, count, isAbove); i != kNoLink;) {
+        TouchedBox& box = boxes[i];
+        i = box.next;
+        for (uint32_t j = i; j != kNoLink && boxes[j].top <= box.bottom; j = boxes[j].next) {
             if (budget-- == 0) {
                 for (uint32_t k = 0; k < count; ++k)
                     boxes[k].meetsOthers = true;
                 return;
             }
-            TouchedBox& other = boxes[order[j].index];
-            if (other.left > box.right || box.left > other.right) continue;
-            box.meetsOthers = other.meetsOthers = true;
+            if (boxes[j].left > box.right || box.left > boxes[j].right) continue;
+            box.meetsOthers = boxes[j].meetsOthers = true;
         }
     }
 }
@@ -92,14 +88,12 @@ bool GatheredOutlines::grow()
 uint32_t GatheredOutlines::fillApart()
 {
     ScratchArray<TouchedBox> boxes(context_.scratchStack, count_);
-    ScratchArray<BoxByTop> order(context_.scratchStack, count_);
-    if (!boxes || !order) return count_;
+    if (!boxes) return count_;
     for (uint32_t i = 0; i < count_; ++i) {
         boxes[i] = touchedBy(boundsOfPolygon(&points_[beginOf(i)], ends_[i] - beginOf(i)));
-        order[i] = {boxes[i].top, static_cast<int32_t>(i)};
+        if (i + 1 < count_) boxes[i].next = i + 1;
     }
-    sortNearlySorted(order.data(), count_);
-    markMeetings(boxes.data(), order.data(), count_);
+    markMeetings(boxes.data(), count_);
     uint32_t left = count_;
     for (uint32_t i = 0; i < count_; ++i) {
         if (boxes[i].meetsOthers) continue;
