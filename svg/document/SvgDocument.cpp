@@ -68,6 +68,22 @@ void setDefaults(const std::vector<AttributeDefault>& defaults, pugi::xml_docume
     document.traverse(setter);
 }
 
+// One of the wanted languages is, or is the beginning of, one of the list.
+bool listsLanguage(std::string_view list, const std::vector<std::string>& wanted)
+{
+    while (!list.empty()) {
+        const size_t comma = list.find(',');
+        const std::string_view language = trimmed(list.substr(0, comma));
+        for (const std::string& want : wanted) {
+            if (equalsIgnoringCase(language.substr(0, want.size()), want) &&
+                (language.size() == want.size() || language[want.size()] == '-'))
+                return true;
+        }
+        list = comma == list.npos ? std::string_view() : list.substr(comma + 1);
+    }
+    return false;
+}
+
 } // namespace
 
 std::string SvgDocument::parse(std::string text)
@@ -199,6 +215,14 @@ pugi::xml_node SvgDocument::target(pugi::xml_node node) const
 {
     const std::string_view href = trimmed(hrefOf(node));
     return href.size() > 1 && href[0] == '#' ? find(href.substr(1)) : pugi::xml_node();
+}
+
+bool SvgDocument::meetsConditions(pugi::xml_node node) const
+{
+    if (const pugi::xml_attribute languages = node.attribute("systemLanguage")) {
+        if (!listsLanguage(languages.value(), options_.languages)) return false;
+    }
+    return !node.attribute("requiredExtensions");
 }
 
 Style SvgDocument::styleOf(pugi::xml_node node, const Viewport& viewport) const

@@ -42,6 +42,9 @@ public:
     // The element that the href attribute of this one names, or a null node.
     pugi::xml_node target(pugi::xml_node node) const;
 
+    // Whether its systemLanguage and requiredExtensions let the element be drawn.
+    bool meetsConditions(pugi::xml_node node) const;
+
     // The style that an element has where it stands, whoever refers to it.
     Style styleOf(pugi::xml_node node, const Viewport& viewport) const;
 

@@ -43,22 +43,6 @@ bool isDrawn(std::string_view name)
     return contains(kDrawn, name) || isShape(name);
 }
 
-// One of the wanted languages is, or is the beginning of, one of the list.
-bool listsLanguage(std::string_view list, const std::vector<std::string>& wanted)
-{
-    while (!list.empty()) {
-        const size_t comma = list.find(',');
-        const std::string_view language = trimmed(list.substr(0, comma));
-        for (const std::string& want : wanted) {
-            if (equalsIgnoringCase(language.substr(0, want.size()), want) &&
-                (language.size() == want.size() || language[want.size()] == '-'))
-                return true;
-        }
-        list = comma == list.npos ? std::string_view() : list.substr(comma + 1);
-    }
-    return false;
-}
-
 } // namespace
 
 Renderer::Renderer(const SvgDocument& document, Graphics2D::MMContext2D& context, Session& session,
@@ -110,7 +94,7 @@ bool Renderer::enter(pugi::xml_node node, const Properties& properties, State& s
     state.style = state.style.child(properties, state.viewport);
     // A symbol that is used is always displayed.
     const bool displayed = state.style.displayed || node.name() == std::string_view("symbol");
-    if (!displayed || !meetsConditions(node)) return false;
+    if (!displayed || !document_.meetsConditions(node)) return false;
     if (!properties.unknownFunction().empty()) {
         note("a value that " + std::string(properties.unknownFunction()) + ") computes", node);
         return false;
@@ -164,14 +148,6 @@ void Renderer::applyOwnTransform(pugi::xml_node node, const Properties& properti
     state.toDevice = state.toDevice * around(o, before * *transform);
 }
 
-bool Renderer::meetsConditions(pugi::xml_node node) const
-{
-    if (const pugi::xml_attribute languages = node.attribute("systemLanguage")) {
-        if (!listsLanguage(languages.value(), document_.options().languages)) return false;
-    }
-    return !node.attribute("requiredExtensions");
-}
-
 void Renderer::drawEntered(pugi::xml_node node, const Properties& properties, const State& state)
 {
     const std::string_view name = node.name();
@@ -205,7 +181,7 @@ void Renderer::drawSwitch(pugi::xml_node node, const State& state)
     pugi::xml_node passedOver;
     for (const pugi::xml_node child : node.children()) {
         const std::string_view name = child.name();
-        if (isSilent(name) || isAnimation(name) || !meetsConditions(child)) continue;
+        if (isSilent(name) || isAnimation(name) || !document_.meetsConditions(child)) continue;
         if (isDrawn(name)) {
             drawElement(child, state);
             return;
@@ -260,6 +236,12 @@ void Renderer::noteUndrawnValues(pugi::xml_node node, const Properties& properti
         if (isUrl(properties[marker]) && referenceIn(properties[marker]).empty())
             note("marker of another document", node);
     }
+    forWords(properties[Property::TextDecoration], [&](std::string_view word) {
+        static constexpr std::string_view kKnown[] = {"auto", "blink",    "inherit", "line-through",
+                                                      "none", "overline", "solid",   "underline"};
+        if (!contains(kKnown, word) && !isValid(Property::Color, word))
+            note("text-decoration: " + std::string(word), node);
+    });
     const std::string_view effect = properties[Property::VectorEffect];
     for (const std::string_view name : {"fixed-position", "non-rotation", "non-scaling-size"}) {
         if (effect.find(name) != effect.npos) note("vector-effect: " + std::string(name), node);

@@ -95,7 +95,6 @@ private:
     bool enter(pugi::xml_node node, const Properties& properties, State& state);
     void applyTransform(pugi::xml_node node, const Properties& properties, State& state);
     void applyOwnTransform(pugi::xml_node node, const Properties& properties, State& state);
-    bool meetsConditions(pugi::xml_node node) const;
     void drawElement(pugi::xml_node node, const State& parent);
     // With its filters, clip path, mask and opacity.
     void drawLayered(pugi::xml_node node, const Properties& properties, const State& state,

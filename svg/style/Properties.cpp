@@ -13,6 +13,47 @@ namespace Svg {
 
 namespace {
 
+// [style || variant || weight || stretch] size[/line height] family: what is not named gets its
+// initial value. One without a size or a family, as those for parts of windows, is none.
+void addFont(std::string_view value, bool important, std::vector<Declaration>& declarations)
+{
+    constexpr Property kReset[] = {Property::FontStyle, Property::FontVariant, Property::FontWeight,
+                                   Property::FontStretch};
+    std::vector<Declaration> parts;
+    for (const Property property : kReset)
+        parts.push_back({property, "normal", important, {}});
+    while (!value.empty()) {
+        const size_t end = value.find_first_of(" \t\r\n");
+        const std::string_view word = value.substr(0, end);
+        const std::string lower = lowerCase(word);
+        value = end == value.npos ? std::string_view() : trimmed(value.substr(end));
+        const bool isNumber = word.find_first_not_of("0123456789.") == word.npos;
+        if (lower == "inherit" || lower == "initial" || lower == "unset") {
+            for (Declaration& part : parts)
+                part.value = word;
+            parts.push_back({Property::FontSize, word, important, {}});
+            declarations.insert(declarations.end(), parts.begin(), parts.end());
+            return;
+        }
+        if (lower == "italic" || lower == "oblique") {
+            parts.push_back({Property::FontStyle, word, important, {}});
+        } else if (lower == "bold" || lower == "bolder" || lower == "lighter" || isNumber) {
+            parts.push_back({Property::FontWeight, word, important, {}});
+        } else if (lower == "small-caps") {
+            parts.push_back({Property::FontVariant, word, important, {}});
+        } else if (lower.find("condensed") != lower.npos || lower.find("expanded") != lower.npos) {
+            parts.push_back({Property::FontStretch, word, important, {}});
+        } else if (lower != "normal") {
+            if (value.empty()) return;
+            const std::string_view size = word.substr(0, word.find('/'));
+            parts.push_back({Property::FontSize, size, important, {}});
+            parts.push_back({Property::FontFamily, value, important, {}});
+            declarations.insert(declarations.end(), parts.begin(), parts.end());
+            return;
+        }
+    }
+}
+
 void addShorthand(std::string_view name, std::string_view value, bool important,
                   std::vector<Declaration>& declarations)
 {
@@ -25,28 +66,7 @@ void addShorthand(std::string_view name, std::string_view value, bool important,
             declarations.push_back({p, value, important, {}});
         return;
     }
-    // font: [style || weight || ...] size[/line height] family
-    if (name != "font") return;
-    while (!value.empty()) {
-        const size_t end = value.find_first_of(" \t\r\n");
-        std::string_view word = value.substr(0, end);
-        value = end == value.npos ? std::string_view() : trimmed(value.substr(end));
-        if (word == "italic" || word == "oblique") {
-            declarations.push_back({Property::FontStyle, word, important, {}});
-        } else if (word == "bold" || word == "bolder" || word == "lighter" ||
-                   (word.size() == 3 && word.substr(1) == "00")) {
-            declarations.push_back({Property::FontWeight, word, important, {}});
-        } else if (word == "small-caps") {
-            declarations.push_back({Property::FontVariant, word, important, {}});
-        } else if (word.find("condensed") != word.npos || word.find("expanded") != word.npos) {
-            declarations.push_back({Property::FontStretch, word, important, {}});
-        } else if (word != "normal") {
-            declarations.push_back(
-                {Property::FontSize, word.substr(0, word.find('/')), important, {}});
-            declarations.push_back({Property::FontFamily, value, important, {}});
-            return;
-        }
-    }
+    if (name == "font") addFont(value, important, declarations);
 }
 
 // Properties that change a picture in ways that are not known here, as all further ones of fills

@@ -85,14 +85,21 @@ void setFontSize(double& size, std::string_view text, const Viewport& viewport)
     if (length >= 0) size = length;
 }
 
-// A list of kinds of lines, painted as the style is by now.
+// A list of kinds of lines, painted as the style is by now, or in a colour of their own. Those of
+// elements around stay.
 void setDecoration(Style& style, std::string_view text)
 {
-    if (text == "none") style.underline = style.overline = style.lineThrough = nullptr;
-    for (const auto& [kind, line] : {std::pair{"underline", &Style::underline},
-                                     {"overline", &Style::overline},
-                                     {"line-through", &Style::lineThrough}}) {
-        if (text.find(kind) != text.npos) style.*line = std::make_shared<const Style>(style);
+    Style line = style;
+    forWords(text, [&](std::string_view word) {
+        if (const auto colour = findColour(word, style.colour)) {
+            line.fill = {PaintValue::Colour, *colour, false, false, {}};
+            line.stroke = {};
+        }
+    });
+    for (const auto& [kind, target] : {std::pair{"underline", &Style::underline},
+                                       {"overline", &Style::overline},
+                                       {"line-through", &Style::lineThrough}}) {
+        if (text.find(kind) != text.npos) style.*target = std::make_shared<const Style>(line);
     }
 }
 

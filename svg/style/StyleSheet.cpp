@@ -122,7 +122,9 @@ void StyleSheet::parse(std::string_view text, const Surroundings& around, int de
         if (brace == text.npos) return;
         const std::string_view selectors = text.substr(0, brace);
         text.remove_prefix(brace);
-        addRule(selectors, takeBlock(text));
+        const std::string_view body = takeBlock(text);
+        if (findOutsideQuotes(body, "{") != body.npos) around.note("style rules inside rules");
+        addRule(selectors, body);
     }
 }
 

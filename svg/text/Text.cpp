@@ -121,7 +121,9 @@ void TextReader::read(pugi::xml_node node, const Style& style, int depth)
             continue;
         }
         const std::string_view name = child.name();
-        const bool spans = name == "tspan" || name == "a" || name == "textPath" || name == "tref";
+        const bool spans =
+            (name == "tspan" || name == "a" || name == "textPath" || name == "tref") &&
+            document_.meetsConditions(child);
         const Properties properties(child, document_.sheet());
         const Style childStyle = style.child(properties, viewport_);
         if (name == "tbreak") {

@@ -183,6 +183,8 @@ TEST(SvgInterface, EveryThingThatIsNotDrawnHasAName)
         {rect + "style='stroke-dash-corner:2'/>", "stroke-dash-corner"},
         {"<g style='font:condensed 9px serif'/>", "font-stretch"},
         {"<g font-stretch='expanded'/>", "font-stretch"},
+        {"<g style='text-decoration:underline wavy'/>", "text-decoration: wavy"},
+        {"<style>g { rect { fill: red } }</style>", "style rules inside rules"},
         {rect + "fill='rgb(var(--r), 0, 0)'/>", "a value that var() computes"},
         {rect + "style='width:min(1px,2px)'/>", "a value that min() computes"},
         {"<linearGradient id='g' color-interpolation='linearRGB'><stop/><stop offset='1'/>"

@@ -39,6 +39,9 @@ TEST(SvgText, ListsGoOnThroughSpansWhichGoBefore)
         {"<text>  a <tspan x='1'> b </tspan> c\n</text>", "a; ;b x1; ;c;"},
         {"<text xml:space='preserve'>a\t <tspan xml:space='default'>  b</tspan></text>",
          "a; ; ;b;"},
+        {"<text>a<tspan systemLanguage='xx'>b</tspan><tspan systemLanguage='en'>c</tspan>"
+         "<tspan requiredExtensions='http://x'>d</tspan></text>",
+         "a;c;"},
         {"<textArea>a <tbreak/> b <tbreak/></textArea>", "a;|;b;|;"}};
     for (const auto& [text, expected] : cases) {
         SvgDocument document({}, {"", false, 0});
@@ -60,7 +63,12 @@ TEST(SvgText, FontProperties)
     };
     const Case cases[] = {{"font-size: 150%; font-weight: lighter", 30, 400, true},
                           {"font-size: -5px; font-weight: bolder", 20, 900, true},
-                          {"font-size: 2em; text-decoration: none", 40, 700, false},
+                          {"font-size: 2em; text-decoration: none", 40, 700, true},
+                          {"font: 30px serif", 30, 400, true},
+                          {"font: 550 150%/ 2 serif", 30, 550, true},
+                          {"font: 30px", 20, 700, true}, // of no family
+                          {"font: inherit", 20, 700, true},
+                          {"font: initial", 16, 400, true},
                           {"text-decoration: overline underline; font-weight: 300", 20, 300, true}};
     for (const Case& c : cases) {
         pugi::xml_document document;
