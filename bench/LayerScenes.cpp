@@ -20,10 +20,14 @@ namespace {
 
 constexpr int16_t kSide = kSceneSize;
 constexpr int kSmallShapes = 20;
+constexpr int kLargeRadius = 480;
+constexpr int kSmallRadius = 100;
 
 enum class LayerScene {
     kPlain,         // nothing but the fill: what the others are compared with
     kCircleClip,    // the mask of a circle drawn, then a fill through it
+    kSmallClip,     // the same of a small circle, in a mask of the target's size
+    kSmallPart,     // the same by the part of the mask that it touches
     kGreyMask,      // a fill through levels of 128
     kGreyGradient,  // a gradient through them
     kEmptyLayer,    // opened and closed
@@ -67,15 +71,34 @@ struct Ours {
                 MMPathBuilder().circle(fixFromInt(100 + 40 * i), 500_fx, 15_fx).words());
     }
 
-    void circleClip()
+    void drawCircle(int radius)
     {
-        fillMask(mask, 0);
         context.maskTarget = &mask;
-        context.drawPath(MMPathBuilder().circle(500_fx, 500_fx, 480_fx).words());
+        context.drawPath(MMPathBuilder().circle(500_fx, 500_fx, fixFromInt(radius)).words());
         context.maskTarget = nullptr;
-        context.clipMask = &mask;
+    }
+
+    void fillThrough(const MMMask& clip)
+    {
+        context.clipMask = &clip;
         fill();
         context.clipMask = nullptr;
+    }
+
+    void circleClip(int radius)
+    {
+        fillMask(mask, 0);
+        drawCircle(radius);
+        fillThrough(mask);
+    }
+
+    // In a mask that is clear.
+    void circlePart(int radius)
+    {
+        drawCircle(radius);
+        const MMMask part = drawnPart(mask, context);
+        fillThrough(part);
+        fillMask(part, 0);
     }
 
     void draw()
@@ -83,7 +106,11 @@ struct Ours {
         MMLayerOptions options;
         switch (scene) {
         case LayerScene::kCircleClip:
-            return circleClip();
+            return circleClip(kLargeRadius);
+        case LayerScene::kSmallClip:
+            return circleClip(kSmallRadius);
+        case LayerScene::kSmallPart:
+            return circlePart(kSmallRadius);
         case LayerScene::kEmptyLayer: {
             const MMLayer layer(context);
             return;
@@ -145,6 +172,15 @@ struct Peer {
         }
     }
 
+    void circleClip(int radius)
+    {
+        cairo_save(cairo);
+        cairo_arc(cairo, 500, 500, radius, 0, 6.2831853);
+        cairo_clip(cairo);
+        cairo_paint(cairo);
+        cairo_restore(cairo);
+    }
+
     void draw()
     {
         colour();
@@ -153,11 +189,11 @@ struct Peer {
             cairo_paint(cairo);
             break;
         case LayerScene::kCircleClip:
-            cairo_save(cairo);
-            cairo_arc(cairo, 500, 500, 480, 0, 6.2831853);
-            cairo_clip(cairo);
-            cairo_paint(cairo);
-            cairo_restore(cairo);
+            circleClip(kLargeRadius);
+            break;
+        case LayerScene::kSmallClip:
+        case LayerScene::kSmallPart:
+            circleClip(kSmallRadius);
             break;
         case LayerScene::kGreyGradient:
             cairo_set_source(cairo, gradient);
@@ -205,6 +241,8 @@ std::vector<Scene> layerScenes()
         LayerScene scene;
     } kScenes[] = {{"fill 1000 x 1000", LayerScene::kPlain},
                    {"circle as a mask, fill through it", LayerScene::kCircleClip},
+                   {"small circle as a mask, fill through it", LayerScene::kSmallClip},
+                   {"small circle, fill through its part", LayerScene::kSmallPart},
                    {"fill through a grey mask", LayerScene::kGreyMask},
                    {"gradient through a grey mask", LayerScene::kGreyGradient},
                    {"empty layer", LayerScene::kEmptyLayer},

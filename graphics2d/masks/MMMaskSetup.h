@@ -11,8 +11,9 @@
 //     context.clipMask = nullptr;
 #pragma once
 
-#include "../MMMask.h"
-#include "../MMPixmap.h"
+#include "../MMContext2D.h"
+
+#include <algorithm>
 
 namespace KAVO {
 namespace Graphics2D {
@@ -33,6 +34,28 @@ MMMask makeMask(uint8_t* levels, int16_t left, int16_t top, int16_t right, int16
 
 // Gives all pixels of the mask one level.
 void fillMask(const MMMask& mask, uint8_t level);
+
+// The part of a mask that the shape drawn last may have touched: what lies within the context's
+// bounds fields, which accumulateBounds has cover strokes and text whole. Draw through it, and
+// nothing outside is looked at; clear it, and a mask that was clear before is so again. So a small
+// shape in a mask of the whole target costs no more than in one of its own size. Without levels
+// when nothing was touched.
+inline MMMask drawnPart(const MMMask& mask, const MMContext2D& context)
+{
+    // Pixels may lie half a coordinate off.
+    const int32_t left = std::max<int32_t>(mask.left, fixFloor(context.boundsMinX) - 1);
+    const int32_t top = std::max<int32_t>(mask.top, fixFloor(context.boundsMinY) - 1);
+    const int32_t right = std::min<int32_t>(mask.right, fixFloor(context.boundsMaxX) + 2);
+    const int32_t bottom = std::min<int32_t>(mask.bottom, fixFloor(context.boundsMaxY) + 2);
+    if (left >= right || top >= bottom || mask.levels == nullptr) return {0, 0, 0, 0, 0, nullptr};
+    return {static_cast<int16_t>(left),
+            static_cast<int16_t>(top),
+            static_cast<int16_t>(right),
+            static_cast<int16_t>(bottom),
+            mask.rowBytes,
+            mask.levels + static_cast<size_t>(top - mask.top) * mask.rowBytes +
+                static_cast<size_t>(left - mask.left)};
+}
 
 // 255 - level in place of each level.
 void invertMask(const MMMask& mask);

@@ -254,6 +254,36 @@ TEST(MaskTarget, TakesCoverageAndOpacityOfEveryPaint)
 }
 
 // drawImage brings its own paint along.
+// The part that a drawing has touched shows all of it, and nothing else is left to be cleared.
+TEST(MaskTarget, PartsThatWereTouchedAreTheWholeDrawing)
+{
+    for (const uint8_t refined : {0, 1})
+        for (const Draw draw : kDrawings) {
+            LevelledMask shape;
+            fillMask(shape.mask, 0);
+            Canvas canvas, whole, part;
+            canvas.context.refined = refined;
+            canvas.context.accumulateBounds = 1;
+            canvas.context.maskTarget = &shape.mask;
+            draw(canvas);
+            const MMMask touched = drawnPart(shape.mask, canvas.context);
+            whole.context.clipMask = &shape.mask;
+            part.context.clipMask = &touched;
+            for (Canvas* c : {&whole, &part}) {
+                c->solid(kRed);
+                c->polygon({at(0, 0), at(kSide, 0), at(kSide, kSide), at(0, kSide)});
+            }
+            EXPECT_EQ(part.pixels, whole.pixels) << "drawing " << &draw - kDrawings;
+            fillMask(touched, 0);
+            EXPECT_EQ(shape.levels, std::vector<uint8_t>(kPixels, 0));
+        }
+    MMContext2D idle;
+    LevelledMask none;
+    idle.boundsMinX = idle.boundsMinY = kEmptyBoundsMin;
+    idle.boundsMaxX = idle.boundsMaxY = kEmptyBoundsMax;
+    EXPECT_EQ(drawnPart(none.mask, idle).levels, nullptr);
+}
+
 TEST(MaskTarget, TakesImages)
 {
     LevelledMask levelled;
