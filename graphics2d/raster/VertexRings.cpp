@@ -29,8 +29,7 @@ VertexRings::VertexRings(MMStackContext& stack, const PixelGrid& grid, bool cutL
     for (uint32_t i = 0; i < contours.count; ++i)
         appendRing(contours.begin(i), contours.end(i));
     vertices_.resize(size_);
-    firstMinimum_ = sortLinked<&RingVertex::nextMinimum>(vertices_.data(), firstMinimum_,
-                                                         minimumCount_, isAbove);
+    firstMinimum_ = sortedMinima(stack);
 }
 
 void VertexRings::appendLink(uint32_t firstOfRing)
@@ -91,7 +90,49 @@ void VertexRings::addMinimum(uint32_t i)
         vertices_[lastMinimum_].nextMinimum = i;
     vertices_[i].nextMinimum = kNoVertex;
     lastMinimum_ = i;
+    highest_ = std::min(highest_, vertices_[i].point.y);
+    lowest_ = std::max(lowest_, vertices_[i].point.y);
     ++minimumCount_;
+}
+
+// Parts many minima into bands of equal height, no more of them than minima, and sorts each band:
+// where minima are spread evenly this takes but a few steps for each.
+uint32_t VertexRings::sortedMinima(MMStackContext& stack)
+{
+    struct Band {
+        uint32_t first;
+        uint32_t count;
+    };
+    constexpr uint32_t kMany = 32;
+    const auto sorted = [this](uint32_t first, uint32_t count) {
+        return sortLinked<&RingVertex::nextMinimum>(vertices_.data(), first, count, isAbove);
+    };
+    if (minimumCount_ < kMany) return sorted(firstMinimum_, minimumCount_);
+    const uint32_t range = static_cast<uint32_t>(wrapSub(lowest_, highest_));
+    uint32_t shift = 0; // from a distance in y to a band
+    while (range >> shift >= minimumCount_)
+        ++shift;
+    const uint32_t bandCount = (range >> shift) + 1;
+    ScratchArray<Band> bands(stack, bandCount);
+    if (!bands) return sorted(firstMinimum_, minimumCount_);
+    std::fill_n(bands.data(), bandCount, Band{kNoVertex, 0});
+    for (uint32_t i = firstMinimum_; i != kNoVertex;) {
+        RingVertex& vertex = vertices_[i];
+        Band& band = bands[static_cast<uint32_t>(wrapSub(vertex.point.y, highest_)) >> shift];
+        const uint32_t following = vertex.nextMinimum;
+        vertex.nextMinimum = band.first;
+        band.first = i;
+        ++band.count;
+        i = following;
+    }
+    uint32_t head = kNoVertex;
+    uint32_t* link = &head;
+    for (uint32_t i = 0; i < bandCount; ++i) {
+        *link = sorted(bands[i].first, bands[i].count);
+        while (*link != kNoVertex)
+            link = &vertices_[*link].nextMinimum;
+    }
+    return head;
 }
 
 } // namespace Graphics2D

@@ -48,8 +48,8 @@ public:
         return true;
     }
 
-    // Local minima of y, the topmost vertices of the shape's parts, in the order of y, then of x;
-    // kNoVertex after the last.
+    // Local minima of y, the topmost vertices of the shape's parts, in the order of y, then of x,
+    // then of their indices; kNoVertex after the last.
     uint32_t firstMinimum() const { return firstMinimum_; }
     uint32_t nextMinimum(uint32_t i) const { return vertices_[i].nextMinimum; }
     uint32_t minimumCount() const { return minimumCount_; }
@@ -79,8 +79,10 @@ private:
     {
         const MMPoint2D& p = a.point;
         const MMPoint2D& q = b.point;
-        return p.y < q.y || (p.y == q.y && p.x < q.x);
+        if (p.y != q.y) return p.y < q.y;
+        return p.x != q.x ? p.x < q.x : &a < &b;
     }
+    uint32_t sortedMinima(MMStackContext& stack);
 
     const PixelGrid grid_;
     bool cutLongEdges_;
@@ -88,6 +90,8 @@ private:
     uint32_t firstMinimum_ = kNoVertex;
     uint32_t lastMinimum_ = kNoVertex; // while the minima are being collected
     uint32_t minimumCount_ = 0;
+    Fixed highest_ = 0x7FFFFFFF; // of the minima, by y
+    Fixed lowest_ = kLinkY;
     ScratchArray<RingVertex> vertices_;
 };
 
