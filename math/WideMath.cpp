@@ -32,7 +32,8 @@ int32_t shiftTo29Bits(int64_t v)
 uint32_t integerRoot(uint64_t v)
 {
     uint64_t root = 0;
-    for (uint64_t bit = uint64_t{1} << 31; bit != 0; bit >>= 1) {
+    const int highest = 63 - __builtin_clzll(v | 1); // its bit in v; in the root half of that
+    for (uint64_t bit = uint64_t{1} << highest / 2; bit != 0; bit >>= 1) {
         const uint64_t trial = root | bit;
         if (trial * trial <= v) root = trial;
     }
