@@ -24,6 +24,15 @@ struct SpanRows {
     ptrdiff_t pixels; // from spanPixels to those of the next row
 };
 
+// Blends pixels of a solid colour by the coverage of the first, the second, and a step from there
+// on. The translucent filler without the context, for spans of a pixel or two.
+using ColourRun = void (*)(Pixel* pixels, int32_t count, Pixel colour, Coverage coverage,
+                           Coverage next, Coverage step);
+
+struct ColourFillers : PaintFillers {
+    ColourRun run;
+};
+
 // A box of a glyph image, on its way into the target.
 struct GlyphRows {
     Pixel* pixels;         // the target's, where the box begins
@@ -57,8 +66,8 @@ struct Tint {
 // The same pixels at every level. Apart from the colours' fillers all ask for the mode themselves.
 struct LevelTable {
     const char* name;
-    PaintFillers classicColour;
-    PaintFillers refinedColour;
+    ColourFillers classicColour;
+    ColourFillers refinedColour;
     PaintFillers linearGradient;
     void (*linearGradientRows)(MMContext2D&, const SpanRows&); // opaque
     PaintFillers radialGradient;
@@ -79,7 +88,7 @@ struct LevelTable {
 };
 
 // The solid colours' by the context's mode.
-inline const PaintFillers& coloursOf(const MMContext2D& context)
+inline const ColourFillers& coloursOf(const MMContext2D& context)
 {
     return context.refined != 0 ? context.level->refinedColour : context.level->classicColour;
 }

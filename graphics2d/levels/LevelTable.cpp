@@ -22,8 +22,8 @@ inline namespace MM2D_LEVEL {
 extern const LevelTable kLevelTable; // LevelChoice.cpp declares them too
 const LevelTable kLevelTable = {
     MM2D_NAME(MM2D_LEVEL),
-    {drawClassicColour, drawTranslucentClassicColour},
-    {drawRefinedColour, drawTranslucentRefinedColour},
+    {{drawClassicColour, drawTranslucentClassicColour}, blendClassicRun},
+    {{drawRefinedColour, drawTranslucentRefinedColour}, blendRefinedRun},
     {drawLinearGradient, drawTranslucentLinearGradient},
     drawLinearGradientRows,
     {drawRadialGradient, drawTranslucentRadialGradient},

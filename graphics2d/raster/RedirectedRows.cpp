@@ -37,18 +37,18 @@ void drawRunIntoLayer(MMContext2D& context)
 void RowPainter::redirect()
 {
     if (!draws()) return;
-    own_ = {span_, anyEdge_};
+    own_ = {span_, edge_};
     context_.ownFillers = &own_;
     const bool isMasked = usesMasks(context_);
     if (!isMasked && context_.refined != 0) {
         span_ = {drawSpanIntoLayer, false};
-        anyEdge_ = drawRunIntoLayer;
+        edge_ = drawRunIntoLayer;
         return;
     }
     prepareTarget(context_, visible_);
     if (!isMasked) return;
     span_ = maskedSpanFiller(context_);
-    anyEdge_ = maskedEdgeFiller(context_);
+    edge_ = maskedEdgeFiller(context_);
     edgeIgnoresCoverage_ = context_.currentPaint.paintType == kPaintPicking ||
                            (edgeIgnoresCoverage_ && context_.maskTarget == nullptr);
 }

@@ -30,14 +30,15 @@ RunLimits limitsFor(const MMPaint& paint)
 
 RowPainter::RowPainter(MMContext2D& context, const PixelBox& visible)
     : context_(context), visible_(visible), span_(chooseSpanFiller(context)),
-      anyEdge_(chooseEdgeFiller(context)), opacity_(context.currentPaint.paintOpacity),
+      edge_(chooseEdgeFiller(context)), opacity_(context.currentPaint.paintOpacity),
       limits_(limitsFor(context.currentPaint)),
       edgeIgnoresCoverage_(context.currentPaint.paintType == kPaintXOR ||
                            context.currentPaint.paintType == kPaintPicking)
 {
     if constexpr (kHasLayers)
         if (isRedirected(context)) redirect();
-    edge_ = limits_ == RunLimits::kNone ? anyEdge_ : nullptr;
+    const ColourFillers& colours = coloursOf(context);
+    colourRun_ = edge_ == colours.translucent ? colours.run : nullptr;
     const PixelBox drawable = drawableBox(context);
     drawableStart_ = fixFromInt(drawable.left);
     drawableEnd_ = fixFromInt(drawable.right);
@@ -69,7 +70,7 @@ void RowPainter::addConstant(int32_t first, int32_t end, Area area)
     }
 }
 
-[[gnu::always_inline]] inline void RowPainter::drawRun(StripFiller filler, const Run& run)
+void RowPainter::drawRun(const Run& run)
 {
     const int32_t end = run.first + run.count;
     context_.spanStart = fixFromInt(run.first);
@@ -78,31 +79,34 @@ void RowPainter::addConstant(int32_t first, int32_t end, Area area)
     context_.spanCoverageNext = run.next;
     context_.spanCoverageStep = run.step;
     context_.spanTailCoverage = run.tail;
-    filler(context_);
+    edge_(context_);
 }
 
 void RowPainter::drawPartial(int32_t first, int32_t count, Area start, Area next, int32_t step,
                              Area tail)
 {
-    const auto run = [=] {
-        return Run{first,
-                   count,
-                   start * opacity_,
-                   next * opacity_,
-                   static_cast<Coverage>(static_cast<int64_t>(step) * opacity_ >> 8),
-                   tail * opacity_};
-    };
-    if (edge_ == nullptr) return drawLimited(run());
-    drawRun(edge_, run());
+    const Run run = {first,
+                     count,
+                     start * opacity_,
+                     next * opacity_,
+                     static_cast<Coverage>(static_cast<int64_t>(step) * opacity_ >> 8),
+                     tail * opacity_};
+    if (colourRun_ == nullptr || context_.spanRows != 1) return drawAny(run);
+    Pixel* const pixels = context_.spanPixels + first;
+    const Pixel colour = context_.currentPaint.paintColour;
+    colourRun_(pixels, count, colour, run.start, run.next, run.step);
+    if (tail > 0) colourRun_(pixels + count, 1, colour, run.tail, 0, 0);
 }
 
-[[gnu::noinline]] void RowPainter::drawLimited(const Run& run)
+[[gnu::noinline]] void RowPainter::drawAny(const Run& run)
 {
-    if (anyEdge_ == nullptr) return;
+    if (edge_ == nullptr) return;
     if (limits_ == RunLimits::kHalfWeight)
         drawInHalves(run);
-    else
+    else if (limits_ == RunLimits::kThreePixels)
         drawInThrees(run);
+    else
+        drawRun(run);
 }
 
 // Some of the run's pixels; with the last of them comes its tail.
@@ -120,11 +124,11 @@ void RowPainter::drawInHalves(const Run& run)
     else if (run.step < 0 && run.next >= kHalfWeight)
         split = 1 + (run.next - kHalfWeight) / -run.step + 1;
     if (split >= run.count) {
-        drawRun(anyEdge_, run);
+        drawRun(run);
         return;
     }
-    drawRun(anyEdge_, run.part(0, split));
-    drawRun(anyEdge_, run.part(split, run.count - split));
+    drawRun(run.part(0, split));
+    drawRun(run.part(split, run.count - split));
 }
 
 // Three pixels at a time and a fourth as their tail, which the filler computes anew.
@@ -134,9 +138,8 @@ void RowPainter::drawInThrees(const Run& run)
         const int32_t left = run.count - i;
         Run part = run.part(i, std::min(left, 3));
         if (left > 3) part.tail = run.at(i + 3);
-        drawRun(anyEdge_, part);
-        if (left == 4 && run.tail > 0)
-            drawRun(anyEdge_, {run.first + run.count, 1, run.tail, 0, 0, 0});
+        drawRun(part);
+        if (left == 4 && run.tail > 0) drawRun({run.first + run.count, 1, run.tail, 0, 0, 0});
     }
 }
 

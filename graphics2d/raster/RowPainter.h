@@ -40,7 +40,7 @@ public:
     RowPainter& operator=(const RowPainter&) = delete;
 
     // False when the paint draws nothing at all.
-    bool draws() const { return span_.filler != nullptr || anyEdge_ != nullptr; }
+    bool draws() const { return span_.filler != nullptr || edge_ != nullptr; }
 
     const PixelBox& visible() const { return visible_; }
 
@@ -113,8 +113,8 @@ private:
     };
 
     [[gnu::noinline]] void redirect();
-    void drawRun(StripFiller filler, const Run& run);
-    void drawLimited(const Run& run);
+    void drawRun(const Run& run);
+    void drawAny(const Run& run);
     void drawInHalves(const Run& run);
     void drawInThrees(const Run& run);
     void addWhole(int32_t first, int32_t end)
@@ -131,8 +131,8 @@ private:
     Fixed drawableStart_; // the columns of the clip rectangle within the target
     Fixed drawableEnd_;
     SpanFiller span_;
-    StripFiller edge_;    // of partial pixels, in any run; null where there are limits
-    StripFiller anyEdge_; // of partial pixels, within the limits; null draws nothing
+    StripFiller edge_;    // of partial pixels, within the limits; null draws nothing
+    ColourRun colourRun_; // the same of a solid colour that is not redirected; null of others
     int32_t opacity_;
     RunLimits limits_;
     OwnFillers own_;           // where those above are a mask's or a layer's

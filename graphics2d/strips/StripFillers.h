@@ -16,6 +16,10 @@ void drawClassicColour(MMContext2D& context);
 void drawRefinedColour(MMContext2D& context);
 void drawTranslucentClassicColour(MMContext2D& context);
 void drawTranslucentRefinedColour(MMContext2D& context);
+void blendClassicRun(Pixel* pixels, int32_t count, Pixel colour, Coverage coverage, Coverage next,
+                     Coverage step);
+void blendRefinedRun(Pixel* pixels, int32_t count, Pixel colour, Coverage coverage, Coverage next,
+                     Coverage step);
 
 void drawLinearGradient(MMContext2D& context);
 void drawTranslucentLinearGradient(MMContext2D& context);
