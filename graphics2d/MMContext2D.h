@@ -469,8 +469,8 @@ public:
     // first.
     const OwnFillers* ownFillers;
 
-    // INNER: rows from spanRow on that the fillers of solid colours, and those of patterns but for
-    // the T fillers, draw alike; 1 but while they are called.
+    // INNER: rows from spanRow on that the fillers of solid colours and patterns draw alike; 1 but
+    // while they are called.
     uint32_t spanRows;
 };
 

@@ -60,14 +60,43 @@ inline Pixels blendLanes(Pixels destination, Pixels source, Pixels weights, Move
     return blendByPairs(destination, source, inBothHalves(weights), move);
 }
 
+// The high bytes of both: of even channels and of odd ones.
+template <class Lanes>
+inline Lanes joinHighBytes(Lanes even, Lanes odd)
+{
+#if defined(__ARM_NEON)
+    return (Lanes)vsriq_n_u16((uint16x8_t)odd, (uint16x8_t)even, 8);
+#else
+    return even >> 8 | (odd & 0xFF00);
+#endif
+}
+
+// A vector of pixels by pairs of the same weight and a rule of those below: the even channels and
+// the odd ones, which need not be unpacked.
+template <class Rule, class Pixels>
+inline Pixels blendPairs(Pixels destination, Pixels source, Pixels pairs)
+{
+    using Lanes = decltype(widenLow(pairs));
+    const Lanes weights = (Lanes)pairs;
+    const Lanes evenFrom = (Lanes)destination & 0xFF, evenTo = (Lanes)source & 0xFF;
+    const Lanes oddFrom = (Lanes)destination >> 8, oddTo = (Lanes)source >> 8;
+#if defined(__AVX2__)
+    if constexpr (Rule::kRounds && sizeof(Pixels) == sizeof(U32x8)) { // in fewer steps
+        const Lanes even = evenFrom + mulRounded((evenTo - evenFrom) << 7, weights);
+        const Lanes odd = oddFrom + mulRounded((oddTo - oddFrom) << 7, weights);
+        return (Pixels)(even | odd << 8);
+    }
+#endif
+    return (Pixels)joinHighBytes(Rule::move(evenFrom, evenTo, weights),
+                                 Rule::move(oddFrom, oddTo, weights));
+}
+
 // A pixel or a vector of them by a rule of those below.
 template <class Rule, class Pixels>
 inline Pixels blendPixels(Pixels destination, Pixels source, Pixels weights)
 {
     if constexpr (sizeof(Pixels) > sizeof(Pixel))
-        return blendLanes(destination, source, weights, [](auto from, auto to, auto weight) {
-            return Rule::move(from, to, weight);
-        });
+        return blendPairs<Rule>(destination, source, inBothHalves(weights));
     else
         return blendPixel<Rule>(destination, source, weights);
 }

@@ -39,6 +39,20 @@ inline U16x16 alphasOf(U16x16 channels)
     return (U16x16)_mm256_shufflehi_epi16(_mm256_shufflelo_epi16((__m256i)channels, 0xFF), 0xFF);
 }
 
+// The alpha of each pixel in both halves of its lane.
+inline U32x8 alphasInBothHalves(U32x8 pixels)
+{
+    constexpr U32x8 kAlphas = {0x80038003, 0x80078007, 0x800B800B, 0x800F800F,
+                               0x80038003, 0x80078007, 0x800B800B, 0x800F800F};
+    return (U32x8)_mm256_shuffle_epi8((__m256i)pixels, (__m256i)kAlphas);
+}
+
+// The signed products by 2^15, rounded.
+inline U16x16 mulRounded(U16x16 a, U16x16 b)
+{
+    return (U16x16)_mm256_mulhrs_epi16((__m256i)a, (__m256i)b);
+}
+
 inline U16x16 mulHigh(U16x16 a, U16x16 b)
 {
     return (U16x16)_mm256_mulhi_epu16((__m256i)a, (__m256i)b);

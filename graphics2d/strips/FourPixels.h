@@ -95,6 +95,12 @@ inline U16x8 upperHalvesOf(U32x4 a, U32x4 b)
 #endif
 }
 
+// The alpha of each pixel in both halves of its lane.
+inline U32x4 alphasInBothHalves(U32x4 pixels)
+{
+    return inBothHalves(pixels >> 24);
+}
+
 // Each of the two lower or two upper lanes twice.
 inline U32x4 twiceLow(U32x4 lanes)
 {

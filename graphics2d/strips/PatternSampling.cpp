@@ -21,21 +21,31 @@ uint32_t patternWeight(Coverage opacity, uint32_t alpha)
     return (product >= 0x007F8000u ? weight + 1 : weight) & 0xFFu;
 }
 
-// The same for a vector of colours and an opacity of 0 to 255 without a fraction. The products fit
-// 16 bits; they are the exact weight times 256, and reach 0x7F80 just when the rounded weight
-// reaches 128.
+// The same for pixels of an opacity of 0 to 255 without a fraction, blended. The products fit 16
+// bits; they are the exact weight times 256, and reach 0x7F80 just when the rounded weight reaches
+// 128.
 template <class Pixels>
-inline Pixels patternWeights(Pixels colours, uint32_t opacity)
+inline Pixels blendByAlpha(Pixels backgrounds, Pixels colours, uint32_t opacity)
 {
-    Pixels products;
     if constexpr (sizeof(Pixels) > sizeof(Pixel)) {
         using Lanes = decltype(widenLow(colours));
-        products = (Pixels)((Lanes)(colours >> 24) * (Lanes{} + static_cast<uint16_t>(opacity)));
+        const Lanes products =
+            (Lanes)alphasInBothHalves(colours) * (Lanes{} + static_cast<uint16_t>(opacity));
+        const Lanes weights = (products + 0x80) >> 8;
+        return blendPairs<ClassicBlend>(backgrounds, colours, (Pixels)(weights + (weights >> 7)));
     } else {
-        products = (colours >> 24) * opacity;
+        const uint32_t weight = ((colours >> 24) * opacity + 0x80) >> 8;
+        return blendPixel<ClassicBlend>(backgrounds, colours, weight + (weight >> 7));
     }
-    const Pixels weights = (products + 0x80) >> 8;
-    return weights + (weights >> 7);
+}
+
+void blendByAlpha(TranslucentRun<ClassicBlend>& run, const Pixel* colours, int32_t count)
+{
+    const uint32_t opacity = static_cast<uint32_t>(fixFloor(run.coverage.current()));
+    run.blendBy(count, [=](auto backgrounds, int32_t i) {
+        return blendByAlpha(backgrounds, load<decltype(backgrounds)>(colours + i), opacity);
+    });
+    run.coverage.advance(count);
 }
 
 // The texels that the next count pixels are copies of, which are inside the image; or null. One
@@ -78,17 +88,9 @@ void sample(PatternWalk& walk, const PatternFilter& filter, Pixel* colours, uint
 
 void drawByAlpha(TranslucentRun<ClassicBlend>& run, PaintPiece& piece, int32_t count)
 {
-    const Pixel* colours = piece.colours;
-    if (run.coverage.isFlatAndWhole()) {
-        const uint32_t opacity = static_cast<uint32_t>(fixFloor(run.coverage.current()));
-        run.blend(
-            colours, [=](auto sources, int32_t) { return patternWeights(sources, opacity); },
-            count);
-        run.coverage.advance(count);
-        return;
-    }
+    if (run.coverage.isFlatAndWhole()) return blendByAlpha(run, piece.colours, count);
     for (int32_t i = 0; i < count; ++i) {
-        piece.weights[i] = patternWeight(run.coverage.current(), colours[i] >> 24);
+        piece.weights[i] = patternWeight(run.coverage.current(), piece.colours[i] >> 24);
         run.coverage.advance(1);
     }
     run.drawPiece(piece, count);
@@ -160,12 +162,28 @@ void drawTranslucent(MMContext2D& context, const PatternFilter& filter, PatternW
     } while (run.takeTail());
 }
 
+// Whether all that texels are blended by is their alpha and one opacity.
+bool isBlendedByAlpha(const MMContext2D& context)
+{
+    if (context.spanTailCoverage > 0) return false;
+    const CoverageSequence coverage(context);
+    return context.refined == 0 ? coverage.isFlatAndWhole()
+                                : coverage.isFlat() && context.currentPaint.patternHasAlpha != 0;
+}
+
+template <class Rule>
+void blendTexels(MMContext2D& context, const Pixel* texels, int32_t count)
+{
+    TranslucentRun<Rule> run(context);
+    blendByAlpha(run, texels, count);
+}
+
 // Most images are upright and at their own size. The texels of a span that copies such a one, found
 // without a walk; null where it does not in all of its rows. Under a scale of 1.0, or of one unit
 // less, the centre of column i is mapped to where it is, or i + 1 units less, by either mode's
-// arithmetic.
+// arithmetic. Those that are blended are read to the end of the last few.
 inline const Pixel* texelsOfSpan(const MMContext2D& context, const PatternFilter& filter,
-                                 uint32_t count)
+                                 uint32_t count, bool translucent)
 {
     const Matrix2D& m = context.currentPaint.patternTransform;
     const MMPixmap& image = context.currentPaint.patternImage;
@@ -173,7 +191,8 @@ inline const Pixel* texelsOfSpan(const MMContext2D& context, const PatternFilter
     const uint32_t vShortfall = static_cast<uint32_t>(kFixedOne) - static_cast<uint32_t>(m.d);
     if ((uShortfall | vShortfall) > 1 || (m.b | m.c) != 0) return nullptr;
     const bool isRefined = context.refined != 0;
-    if (filter.mixes() && !isRefined) return nullptr;
+    if (filter.mixes() && (!isRefined || translucent)) return nullptr;
+    if (translucent && !isBlendedByAlpha(context)) return nullptr;
 
     const auto column = static_cast<uint32_t>(fixFloor(context.spanStart));
     const auto row = static_cast<uint32_t>(context.spanRow);
@@ -185,12 +204,16 @@ inline const Pixel* texelsOfSpan(const MMContext2D& context, const PatternFilter
     if (bits >= kAlwaysMixes || ((bits | kAlwaysMixes) & filter.mixingBits) != 0) return nullptr;
     const uint64_t texel = static_cast<uint64_t>(u) >> 16;
     const uint64_t texelRow = static_cast<uint64_t>(v) >> 16;
+    if (texel + count > image.width) return nullptr;
     const uint32_t rows = context.spanRows;
-    if (texel + count > image.width || texelRow + rows > image.height) return nullptr;
     if (uShortfall * (count - 1) > (u & 0xFFFF) || vShortfall * (rows - 1) > (v & 0xFFFF))
         return nullptr;
     if (image.pixels == nullptr) return nullptr;
-    return image.pixels + texelRow * image.width + texel;
+    const uint64_t first = texelRow * image.width + texel;
+    const uint64_t read = translucent ? (count + kFewLanes - 1) & ~(kFewLanes - 1u) : count;
+    if (first + (rows - 1) * image.width + read > uint64_t{image.width} * image.height)
+        return nullptr;
+    return image.pixels + first;
 }
 
 [[gnu::noinline]] void drawWalk(MMContext2D& context, const PatternFilter& filter, bool translucent)
@@ -210,17 +233,21 @@ inline const Pixel* texelsOfSpan(const MMContext2D& context, const PatternFilter
 
 void drawPattern(MMContext2D& context, const PatternFilter& filter, bool translucent)
 {
+    const int32_t count = spanLength(context);
+    const Pixel* texels = texelsOfSpan(context, filter, static_cast<uint32_t>(count), translucent);
+    const uint32_t width = context.currentPaint.patternImage.width;
     const uint32_t rowBytes = context.target.rowBytes;
-    if (!translucent) {
-        const int32_t count = spanLength(context);
-        const Pixel* const texels = texelsOfSpan(context, filter, static_cast<uint32_t>(count));
-        if (texels != nullptr)
-            return copyTexels(
-                texels, spanFirstPixel(context), count, context.refined != 0,
-                {context.spanRows, context.currentPaint.patternImage.width, rowBytes});
-    }
+    if (texels != nullptr && !translucent)
+        return copyTexels(texels, spanFirstPixel(context), count, context.refined != 0,
+                          {context.spanRows, width, rowBytes});
     for (uint32_t rows = context.spanRows;;) {
-        drawWalk(context, filter, translucent);
+        if (texels == nullptr) {
+            drawWalk(context, filter, translucent);
+        } else {
+            context.refined == 0 ? blendTexels<ClassicBlend>(context, texels, count)
+                                 : blendTexels<RefinedBlend>(context, texels, count);
+            texels += width;
+        }
         if (--rows == 0) return;
         ++context.spanRow;
         context.spanPixels = pixelBelow(context.spanPixels, rowBytes);

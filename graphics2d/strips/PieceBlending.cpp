@@ -9,39 +9,27 @@ inline namespace MM2D_LEVEL {
 
 namespace {
 
-// All alphas of at least one colour combined by op, which takes pixels and vectors of them.
-template <class Op>
-uint32_t combinedAlphas(const Pixel* colours, int32_t count, Op op)
+// Whether at least one colour has this alpha, and all have.
+[[gnu::noinline]] bool haveAlpha(const Pixel* colours, int32_t count, uint32_t alpha)
 {
-    PixelVector vector = all<PixelVector>(colours[0]);
+    const Pixel first = colours[0];
+    if (first >> 24 != alpha) return false;
+    PixelVector differences = {};
     int32_t i = 0;
     for (; i + kLanes <= count; i += kLanes)
-        vector = op(vector, load<PixelVector>(colours + i));
+        differences |= load<PixelVector>(colours + i) ^ first;
     Pixel lanes[kLanes];
-    store(lanes, vector);
-    Pixel common = lanes[0];
-    for (int32_t k = 1; k < kLanes; ++k)
-        common = op(common, lanes[k]);
+    store(lanes, differences);
+    Pixel difference = 0;
+    for (const Pixel lane : lanes)
+        difference |= lane;
     for (; i < count; ++i)
-        common = op(common, colours[i]);
-    return common >> 24;
-}
-
-// Whether every alpha of at least one colour is 255.
-bool areOpaque(const Pixel* colours, int32_t count)
-{
-    if (colours[0] >> 24 != 0xFF) return false;
-    return combinedAlphas(colours, count, [](auto a, auto b) { return a & b; }) == 0xFF;
-}
-
-bool areTransparent(const Pixel* colours, int32_t count)
-{
-    if (colours[0] >> 24 != 0) return false;
-    return combinedAlphas(colours, count, [](auto a, auto b) { return a | b; }) == 0;
+        difference |= colours[i] ^ first;
+    return difference >> 24 == 0;
 }
 
 // Weights of the coverage alone, for a piece whose colours hold all else.
-[[gnu::noinline]] void weighByCoverage(PaintPiece& piece, CoverageSequence& coverage, int32_t count)
+void weighByCoverage(PaintPiece& piece, CoverageSequence& coverage, int32_t count)
 {
     const uint32_t first = refinedWeight(coarseCoverage(coverage.current()), kWholeAlpha);
     const bool isFlat = coverage.isFlat();
@@ -52,20 +40,13 @@ bool areTransparent(const Pixel* colours, int32_t count)
         weighAlphas(piece, coverage, count);
 }
 
-void drawOpaque(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, int32_t count)
+void drawPremultiplied(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, int32_t count)
 {
-    const uint32_t weight = refinedWeight(coarseCoverage(run.coverage.current()), kWholeAlpha);
-    if (run.coverage.isFlat() && weight == 256) {
-        std::memcpy(run.take(count), piece.colours, static_cast<size_t>(count) * sizeof(Pixel));
+    if (haveAlpha(piece.colours, count, 0)) {
+        run.take(count);
         run.coverage.advance(count);
         return;
     }
-    weighByCoverage(piece, run.coverage, count);
-    run.drawPiece(piece, count);
-}
-
-void drawPremultiplied(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, int32_t count)
-{
     weighByCoverage(piece, run.coverage, count);
     run.blendBy(count, [&](auto backgrounds, int32_t i) {
         using Pixels = decltype(backgrounds);
@@ -77,16 +58,6 @@ void drawPremultiplied(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, int
 // Colours with an alpha of their own that none of their channels has been multiplied with.
 void drawStraight(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, int32_t count)
 {
-    if (run.coverage.isFlat()) {
-        const uint32_t opacity = coarseCoverage(run.coverage.current());
-        run.blendBy(count, [&](auto backgrounds, int32_t i) {
-            const auto colours = load<decltype(backgrounds)>(piece.colours + i);
-            return blendPixels<RefinedBlend>(backgrounds, colours | kOpaque,
-                                             weighedAlphas(colours >> 24 << 8, opacity));
-        });
-        run.coverage.advance(count);
-        return;
-    }
     for (int32_t i = 0; i < count; i += kLanes) {
         const PixelVector colours = load<PixelVector>(piece.colours + i);
         store(piece.weights + i, colours >> 24 << 8);
@@ -96,19 +67,48 @@ void drawStraight(TranslucentRun<RefinedBlend>& run, PaintPiece& piece, int32_t 
     run.drawPiece(piece, count);
 }
 
+// Pixels of one coverage, 8.8.
+template <class Pixels>
+inline Pixels blendByAlpha(Pixels backgrounds, Pixels colours, uint32_t coverage)
+{
+#if defined(__AVX2__)
+    if constexpr (sizeof(Pixels) == sizeof(U32x8)) {
+        const U16x16 alphas = (U16x16)alphasInBothHalves(colours) << 8;
+        const U16x16 weights = refinedWeights(U16x16{} + static_cast<uint16_t>(coverage), alphas);
+        return blendPairs<RefinedBlend>(backgrounds, colours | kOpaque, (U32x8)weights);
+    }
+#endif
+    return blendPixels<RefinedBlend>(backgrounds, colours | kOpaque,
+                                     weighedAlphas(colours >> 24 << 8, coverage));
+}
+
 } // namespace
+
+void blendByAlpha(TranslucentRun<RefinedBlend>& run, const Pixel* colours, int32_t count)
+{
+    const uint32_t coverage = coarseCoverage(run.coverage.current());
+    const bool isWhole = refinedWeight(coverage, kWholeAlpha) == 256;
+    run.coverage.advance(count);
+    for (int32_t length; count > 0; colours += length, count -= length) {
+        length = std::min(count, kPieceLength);
+        if (isWhole && haveAlpha(colours, length, 0xFF))
+            std::memcpy(run.take(length), colours, static_cast<size_t>(length) * sizeof(Pixel));
+        else if (haveAlpha(colours, length, 0))
+            run.take(length);
+        else
+            run.blendBy(length, [=](auto backgrounds, int32_t i) {
+                return blendByAlpha(backgrounds, load<decltype(backgrounds)>(colours + i),
+                                    coverage);
+            });
+    }
+}
 
 void blendRefined(TranslucentRun<RefinedBlend>& run, TexelAlpha alpha, PaintPiece& piece,
                   int32_t count)
 {
-    if (alpha == TexelAlpha::kMadeWhole || areOpaque(piece.colours, count))
-        return drawOpaque(run, piece, count);
-    if (areTransparent(piece.colours, count)) {
-        run.take(count);
-        run.coverage.advance(count);
-        return;
-    }
-    if (alpha == TexelAlpha::kPremultiplied) return drawPremultiplied(run, piece, count);
+    if (alpha == TexelAlpha::kPremultiplied && !haveAlpha(piece.colours, count, 0xFF))
+        return drawPremultiplied(run, piece, count);
+    if (run.coverage.isFlat()) return blendByAlpha(run, piece.colours, count);
     drawStraight(run, piece, count);
 }
 

@@ -65,7 +65,7 @@ SpanFiller chooseSpanFiller(const MMContext2D& context)
         if (paint.patternHasAlpha == 0) return {patternsOf(context).opaque, false, kMoreRows};
         [[fallthrough]];
     case kPaintPattern + kTranslucentBit:
-        return {patternsOf(context).translucent, true};
+        return {patternsOf(context).translucent, true, kMoreRows};
     case kPaintPicking:
     case kPaintPicking + kTranslucentBit:
         return {call<&MMContext2D::drawPickingStrip>, false};

@@ -55,9 +55,11 @@ void TranslucentRun<Rule>::drawColour(Pixel colour, int32_t count)
 template <class Rule>
 void TranslucentRun<Rule>::drawPiece(const PaintPiece& piece, int32_t count)
 {
-    blend(
-        piece.colours,
-        [&](auto sources, int32_t i) { return load<decltype(sources)>(piece.weights + i); }, count);
+    blendBy(count, [&](auto backgrounds, int32_t i) {
+        using Pixels = decltype(backgrounds);
+        return blendPixels<Rule>(backgrounds, load<Pixels>(piece.colours + i),
+                                 load<Pixels>(piece.weights + i));
+    });
 }
 
 template <class Rule>

@@ -44,18 +44,8 @@ public:
     // Blends the first count pixels of a piece. The coverage is the caller's to advance.
     void drawPiece(const PaintPiece& piece, int32_t count);
 
-    // The same with the weights of weightsOf(colours, i), a vector at a time. Colours and weights
-    // are read to the end of the last few pixels.
-    template <class WeightsOf>
-    void blend(const Pixel* colours, WeightsOf weightsOf, int32_t count)
-    {
-        blendBy(count, [=](auto backgrounds, int32_t i) {
-            const auto sources = load<decltype(backgrounds)>(colours + i);
-            return blendPixels<Rule>(backgrounds, sources, weightsOf(sources, i));
-        });
-    }
-
-    // Replaces count pixels by the results of blended(backgrounds, i), a vector at a time.
+    // Replaces count pixels by the results of blended(backgrounds, i), a vector at a time. What it
+    // reads for the last few pixels reaches to the end of their vector.
     template <class Blended>
     void blendBy(int32_t count, Blended blended)
     {
