@@ -96,25 +96,10 @@ public:
 
     // Moves to the first edge that reaches below the level, or that ends on it when inclusive.
     // False when the chain has no such edge.
-    [[gnu::noinline]] bool advance(Fixed level, bool inclusive)
+    bool advance(Fixed level, bool inclusive)
     {
-        bool moved = false;
-        while (line_.endY < level || (!inclusive && line_.endY == level)) {
-            if (vertex_ == end_) return false;
-            const MMPoint2D& from = *vertex_;
-            vertex_ += step_;
-            if (vertex_->y < from.y)
-                line_ = EdgeLine::at(*vertex_); // upward: only skipped
-            else
-                line_ = EdgeLine::between(from, *vertex_);
-            moved = true;
-        }
-        if (moved) {
-            coverageSlope_ = 0;
-            level_ = line_.y;
-            levelX_ = line_.x;
-        }
-        return true;
+        const Fixed least = inclusive ? level : level + 1; // of its end
+        return line_.endY >= least || walkTo(least);
     }
 
     Fixed endX() const { return line_.endX; }
@@ -140,6 +125,24 @@ public:
     }
 
 private:
+    // As advance, from an edge that does not; least is how far down it has to end.
+    [[gnu::noinline]] bool walkTo(Fixed least)
+    {
+        do {
+            if (vertex_ == end_) return false;
+            const MMPoint2D& from = *vertex_;
+            vertex_ += step_;
+            if (vertex_->y < from.y)
+                line_ = EdgeLine::at(*vertex_); // upward: only skipped
+            else
+                line_ = EdgeLine::between(from, *vertex_);
+        } while (line_.endY < least);
+        coverageSlope_ = 0;
+        level_ = line_.y;
+        levelX_ = line_.x;
+        return true;
+    }
+
     static Fixed coverageSlopeOf(Fixed slope)
     {
         // Slopes below 3 / 65536 have no 16.16 reciprocal. They never leave a column far enough
@@ -217,7 +220,7 @@ Fixed drawSlabs(RowPainter& painter, CoverageRow& coverage, SlabFill& slabs, Wal
     SlabEdge a = {0, forward.xAt(level), 1};
     SlabEdge b = {0, backward.xAt(level), -1};
     for (;;) {
-        const Fixed slabBottom = std::min({rowBottom, forward.endY(), backward.endY()});
+        const Fixed slabBottom = std::min(std::min(rowBottom, forward.endY()), backward.endY());
         a.topX = a.bottomX;
         b.topX = b.bottomX;
         a.bottomX = forward.endY() == slabBottom ? forward.endX() : forward.xAt(slabBottom);
