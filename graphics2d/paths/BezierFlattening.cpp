@@ -213,7 +213,7 @@ private:
 
     // A cubic curve strays from its chord by at most 3/4 of what its controls do. What cannot be
     // seen is flat too.
-    bool isFlat(const BezierCurve& c) const
+    [[gnu::always_inline]] bool isFlat(const BezierCurve& c) const
     {
         const Wide first = between(c.start, c.control1);
         const Wide last = between(c.control2, c.end);
@@ -241,14 +241,97 @@ private:
     int64_t tiny_ = 0;
 };
 
-// Halves a curve and hands its points to take. Returns how many they are, or kMaxCurvePoints + 1 as
-// soon as there are more than that.
-template <class Rule, class Take>
-uint32_t subdivide(Rule rule, const BezierCurve& curve, uint32_t maxLevel, Take take)
+// Takes the points of a curve. Halving, with all that it asks, is compiled once for all sinks.
+class PointSink {
+public:
+    virtual void start() = 0; // before the first point, also of a second attempt
+    virtual void take(const MMPoint2D& point) = 0;
+
+protected:
+    ~PointSink() = default;
+};
+
+// Writes all points, as flattenBezier.
+class PointWriter final : public PointSink {
+public:
+    PointWriter(MMPoint2D* out, uint32_t capacity, int32_t step)
+        : out_(out), capacity_(capacity), step_(step)
+    {
+    }
+
+    void start() override { written_ = 0; }
+    void take(const MMPoint2D& point) override
+    {
+        if (written_ < capacity_) out_[static_cast<ptrdiff_t>(written_) * step_] = point;
+        ++written_;
+    }
+
+private:
+    MMPoint2D* out_;
+    uint32_t capacity_;
+    int32_t step_;
+    uint32_t written_ = 0;
+};
+
+// Keeps the points that are needed for what can be seen.
+class NeededPoints final : public PointSink {
+public:
+    NeededPoints(const Matrix2D& transform, const ClipWindow& window, const MMPoint2D& curveStart,
+                 MMPoint2D* out, uint32_t capacity, BoundsUnion& bounds)
+        : transform_(transform), window_(window), curveStart_(curveStart), out_(out),
+          capacity_(capacity), bounds_(bounds)
+    {
+    }
+
+    void start() override
+    {
+        count_ = 0;
+        last_ = window_.sidesOf(onDevice(curveStart_));
+        before_ = 0;
+    }
+    void take(const MMPoint2D& point) override
+    {
+        const MMPoint2D device = onDevice(point);
+        bounds_.addPoint(device);
+        const ClipWindow::Sides sides = window_.sidesOf(device);
+        if (count_ == 0 || (sides & last_ & before_) == 0) {
+            ++count_;
+            before_ = last_;
+        }
+        last_ = sides;
+        if (count_ <= capacity_) out_[count_ - 1] = point;
+    }
+
+    uint32_t count() const { return count_; }
+
+private:
+    MMPoint2D onDevice(MMPoint2D p) const
+    {
+        transform_.transform(&p, &p, 1);
+        return p;
+    }
+
+    const Matrix2D& transform_;
+    const ClipWindow& window_;
+    const MMPoint2D& curveStart_;
+    MMPoint2D* out_;
+    uint32_t capacity_;
+    BoundsUnion& bounds_; // of all points
+    uint32_t count_ = 0;
+    ClipWindow::Sides last_ = 0;
+    ClipWindow::Sides before_ = 0;
+};
+
+// Halves a curve and hands its points to the sink. Returns how many they are, or
+// kMaxCurvePoints + 1 as soon as there are more than that.
+template <class Rule>
+[[gnu::noinline]] uint32_t subdivide(const Rule& rule, typename Rule::Piece whole,
+                                     uint32_t maxLevel, PointSink& sink)
 {
+    sink.start();
     typename Rule::Piece pieces[Rule::kMaxPending + 1]; // and the one to be halved
     typename Rule::Piece* piece = pieces;               // those before it wait
-    *piece = rule.whole(curve);
+    *piece = whole;
     uint32_t count = 0;
     for (;;) {
         const bool mayGoOn = piece < pieces + Rule::kMaxPending && piece->level < maxLevel;
@@ -257,28 +340,27 @@ uint32_t subdivide(Rule rule, const BezierCurve& curve, uint32_t maxLevel, Take 
             continue;
         }
         if (++count > kMaxCurvePoints) return count;
-        take(piece->curve.end);
+        sink.take(piece->curve.end);
         if (piece == pieces) return count;
         --piece;
     }
 }
 
 // The stack of second halves bounds the first halves only: halving that goes on toward the end of a
-// curve can still make too many points of a vast one. It then gets even pieces instead. Sinks are
-// made anew for these.
-template <class Rule, class MakeTake>
-uint32_t subdivideBounded(const Rule& rule, const BezierCurve& curve, MakeTake makeTake)
+// curve can still make too many points of a vast one. It then gets even pieces instead.
+template <class Rule>
+uint32_t subdivideBounded(Rule rule, const BezierCurve& curve, PointSink& sink)
 {
-    const uint32_t count = subdivide(rule, curve, UINT32_MAX, makeTake());
+    const typename Rule::Piece whole = rule.whole(curve);
+    const uint32_t count = subdivide(rule, whole, UINT32_MAX, sink);
     if (count <= kMaxCurvePoints) return count;
-    return subdivide(rule, curve, kEvenLevels, makeTake());
+    return subdivide(rule, whole, kEvenLevels, sink);
 }
 
-template <class MakeTake>
-uint32_t subdivideBounded(const CurveRule& rule, const BezierCurve& curve, MakeTake makeTake)
+uint32_t subdivideBounded(const CurveRule& rule, const BezierCurve& curve, PointSink& sink)
 {
-    return rule.refined ? subdivideBounded(RefinedRule(rule.transform), curve, makeTake)
-                        : subdivideBounded(ClassicRule(rule.transform), curve, makeTake);
+    return rule.refined ? subdivideBounded(RefinedRule(rule.transform), curve, sink)
+                        : subdivideBounded(ClassicRule(rule.transform), curve, sink);
 }
 
 } // namespace
@@ -286,13 +368,8 @@ uint32_t subdivideBounded(const CurveRule& rule, const BezierCurve& curve, MakeT
 uint32_t flattenBezier(const CurveRule& rule, const BezierCurve& curve, MMPoint2D* out,
                        uint32_t capacity, int32_t step)
 {
-    const auto write = [=] {
-        return [=, written = uint32_t{0}](const MMPoint2D& point) mutable {
-            if (written < capacity) out[static_cast<ptrdiff_t>(written) * step] = point;
-            ++written;
-        };
-    };
-    return subdivideBounded(rule, curve, write);
+    PointWriter writer(out, capacity, step);
+    return subdivideBounded(rule, curve, writer);
 }
 
 // True when the whole curve may be seen, and where the mapping of points could wrap. A curve within
@@ -311,30 +388,10 @@ bool VisibleCurves::needsAllOf(const BezierCurve& curve) const
 uint32_t VisibleCurves::flatten(const BezierCurve& curve, MMPoint2D* out, uint32_t capacity)
 {
     if (needsAllOf(curve)) return flattenBezier(rule_, curve, out, capacity);
-    uint32_t kept = 0;
-    const auto mapCurvePoint = [this](MMPoint2D p) {
-        rule_.transform.transform(&p, &p, 1);
-        return p;
-    };
-    const auto keep = [&] {
-        kept = 0;
-        ClipWindow::Sides last = window_.sidesOf(mapCurvePoint(curve.start));
-        ClipWindow::Sides before = 0;
-        return [&, last, before](const MMPoint2D& point) mutable {
-            const MMPoint2D device = mapCurvePoint(point);
-            bounds_.addPoint(device);
-            const ClipWindow::Sides sides = window_.sidesOf(device);
-            if (kept == 0 || (sides & last & before) == 0) {
-                ++kept;
-                before = last;
-            }
-            last = sides;
-            if (kept <= capacity) out[kept - 1] = point;
-        };
-    };
-    const uint32_t count = subdivideBounded(rule_, curve, keep);
-    if (kept <= capacity) leftOut_ += count - kept; // else the caller comes again
-    return kept;
+    NeededPoints needed(rule_.transform, window_, curve.start, out, capacity, bounds_);
+    const uint32_t count = subdivideBounded(rule_, curve, needed);
+    if (needed.count() <= capacity) leftOut_ += count - needed.count(); // else it comes again
+    return needed.count();
 }
 
 int32_t MMContext2D::getBezierPts(MMPoint2D* out, MMPoint2D start, MMPoint2D control1,
