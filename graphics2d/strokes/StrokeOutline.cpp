@@ -119,12 +119,12 @@ void StrokeOutline::put(Side side, const MMPoint2D& vertex, const Offset& offset
 void StrokeOutline::putDevice(Side side, const MMPoint2D& point)
 {
     bounds_.addPoint(point);
+    const bool isSeen = window_.contains(point.x, point.y, point.x, point.y);
     const uint32_t written = side == kLeft ? front_ : capacity_ - keptFree_ - back_;
-    const ClipWindow::Sides sides = window_.sidesOf(point);
-    if (sides != 0 && written >= 2) {
+    if (!isSeen && written >= 2) {
         MMPoint2D& last = side == kLeft ? points_[front_ - 1] : points_[back_];
         const MMPoint2D& before = side == kLeft ? points_[front_ - 2] : points_[back_ + 1];
-        if ((sides & window_.sidesOf(last) & window_.sidesOf(before)) != 0) {
+        if ((window_.sidesOf(point) & window_.sidesOf(last) & window_.sidesOf(before)) != 0) {
             last = point;
             return;
         }
