@@ -67,9 +67,11 @@ public:
     {
         const int32_t end = first + count;
         int32_t column = first;
-        int64_t low = INT64_MIN; // of the segment that ends at stop i; stops out of order are
-                                 // moved up to their predecessor
-        for (uint32_t i = 0; column < end; ++i) {
+        // The segment ends at stop i and begins at low; stops out of order are moved up to their
+        // predecessor. What lies left of the one that was drawn last need not be looked at again.
+        const bool goesOn = segment_ != 0 && parameter(column) >= segmentLow_;
+        int64_t low = goesOn ? segmentLow_ : INT64_MIN;
+        for (uint32_t i = goesOn ? segment_ : 0; column < end; ++i) {
             if (i == stops_.count()) return target.pad(stops_.colour(i - 1), end - column);
             const int64_t offset = stops_.offset(i);
             const int64_t high = offset > low ? offset : low;
@@ -107,10 +109,11 @@ private:
     }
 
     // Makes the segment that ends at stop i the current one, unless it is.
-    void enter(uint32_t i, int64_t length)
+    void enter(uint32_t i, int64_t low, int64_t length)
     {
         if (segment_ == i) return;
         segment_ = i;
+        segmentLow_ = low;
         const bool isStepped = step_ < length; // or else there is only one column
         const int64_t shareStep = isStepped ? (step_ << kShareBits) / length : 0;
         start_ = channelsOf(stops_.colour(i - 1));
@@ -129,7 +132,7 @@ private:
                      int32_t column, int32_t count)
     {
         const int64_t length = high - low;
-        enter(i, length);
+        enter(i, low, length);
         const int32_t anchor = parameter(0) >= low ? 0 : columnOf(low, 0, column);
         const int64_t share = ((parameter(anchor) - low) << kShareBits) / length;
         const Channels step = channelStep_;
@@ -149,6 +152,7 @@ private:
 
     // The segment that was drawn last.
     uint32_t segment_ = 0; // the stop that ends it, or 0: none
+    int64_t segmentLow_;   // t where it begins
     Channels start_;
     Channels difference_; // to its end, whole units
     Channels channelStep_;

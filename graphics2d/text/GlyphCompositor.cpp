@@ -6,6 +6,7 @@
 #include "graphics2d/Redirection.h"
 #include "graphics2d/strips/Blending.h"
 #include "graphics2d/strips/SourceStrip.h"
+#include "graphics2d/strips/StopList.h"
 #include "memory/ScratchArray.h"
 
 #include <algorithm>
@@ -168,10 +169,12 @@ void GlyphCompositor::drawThroughBuffer()
     context_.spanRow = row_;
     rows_.paint = buffer.data();
     rows_.paintRow = rowWords;
+    const bool hidesAll = isPlainGradient(paint) && !StopList(*record_).isEmpty();
     const int32_t height = rows_.height;
     for (int32_t y = 0; y < height; y += rowsAtOnce) {
-        // Translucent fillers blend over what is there.
-        if (y == 0 || paint.flatCoverage) std::memset(buffer.data(), 0, words * sizeof(Pixel));
+        // Translucent fillers blend over what is there, and others may draw nothing.
+        if (paint.flatCoverage || (y == 0 && !hidesAll))
+            std::memset(buffer.data(), 0, words * sizeof(Pixel));
         rows_.height = std::min(rowsAtOnce, height - y);
         context_.spanPixels = buffer.data();
         drawPaint(paint);
@@ -184,7 +187,7 @@ void GlyphCompositor::drawThroughBuffer()
 // Fills rows of the buffer from the span's on.
 void GlyphCompositor::drawPaint(const SpanFiller& paint)
 {
-    if (paint.filler == context_.level->linearGradient.opaque) {
+    if (isPlainGradient(paint)) {
         // Whole vectors are quicker than what is left of one.
         const Fixed end = context_.spanEnd;
         context_.spanEnd = fixFromInt((rows_.width + kVector - 1) / kVector * kVector);

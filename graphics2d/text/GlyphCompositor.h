@@ -51,6 +51,10 @@ public:
     void draw(const FS_GrayMap& glyph);
 
 private:
+    bool isPlainGradient(const SpanFiller& paint) const
+    {
+        return paint.filler == context_.level->linearGradient.opaque;
+    }
     size_t rowBytes() const { return static_cast<size_t>(rows_.rowPixels) * sizeof(Pixel); }
     void drawOver();
     void drawRedirected();
