@@ -86,8 +86,9 @@ void Renderer::drawImageIn(pugi::xml_node node, const LoadedImage& image, const 
     const Size size{box.width(), box.height()};
     if (!(size.width > 0 && size.height > 0)) return;
     const Affine frame = state.toDevice * translation(box.left, box.top);
-    if (isOutside(frame.mapBox({0, 0, size.width, size.height}))) return;
     const char* aspectRatio = node.attribute("preserveAspectRatio").value();
+    const bool overflows = !image.drawing && state.style.overflows();
+    if (!overflows && isOutside(frame.mapBox({0, 0, size.width, size.height}))) return;
 
     if (!image.drawing) {
         drawPicture(image, frame, size, aspectRatio, state.style);
@@ -113,7 +114,8 @@ void Renderer::drawPicture(const LoadedImage& image, const Affine& frame, const 
     const Picture& picture = image.picture;
     const Box texels{0, 0, static_cast<double>(picture.width), static_cast<double>(picture.height)};
     const Affine fit = fitViewBox(aspectRatio, texels, size.width, size.height);
-    const Box shown = fit.mapBox(texels).common({0, 0, size.width, size.height});
+    const Box placed = fit.mapBox(texels);
+    const Box shown = style.overflows() ? placed : placed.common({0, 0, size.width, size.height});
     if (session_.pick) {
         const std::optional<PathSpace> space = PathSpace::make(frame, targetCentre());
         if (!space) return;

@@ -103,11 +103,10 @@ void Renderer::drawMarker(pugi::xml_node marker, const Vertex& vertex, bool firs
     inner.toDevice = inner.toDevice * translation(-x, -y);
     if (!inner.toDevice.isFinite()) return;
 
-    const bool overflows = inner.style.overflow == "visible" || inner.style.overflow == "auto";
     const Properties properties(marker, document_.sheet());
     drawLayered(marker, properties, inner, [&](Renderer& renderer, const State& content) {
         const auto draw = [&] { renderer.drawChildren(marker, content); };
-        if (overflows)
+        if (content.style.overflows())
             draw();
         else
             renderer.drawInside(clippedViewport(visible, content.style.clip, lengths),

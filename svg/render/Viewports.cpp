@@ -135,8 +135,7 @@ void Renderer::drawViewport(pugi::xml_node node, State state, const Frame& frame
     Affine outer;
     const LengthContext lengths = state.style.lengths(state.viewport);
     if (!enterViewport(node, frame, state, outer)) return;
-    const std::string_view overflow = state.style.overflow;
-    if (overflow == "visible" || overflow == "auto") {
+    if (state.style.overflows()) {
         drawChildren(node, state);
         return;
     }

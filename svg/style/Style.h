@@ -84,6 +84,9 @@ struct Style {
     // How far a stroke reaches from its line at most, user units.
     double strokeReach() const { return strokeWidth * std::max(miterLimit, 1.5); }
 
+    // Whether what leaves a viewport is shown.
+    bool overflows() const { return overflow == "visible" || overflow == "auto"; }
+
     bool isTransformed() const
     {
         return !(transform.empty() && transformOrigin.empty() && translate.empty() &&

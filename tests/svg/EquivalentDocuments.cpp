@@ -57,6 +57,20 @@ TEST(SvgEquivalents, StyleSheets)
           green}});
 }
 
+TEST(SvgEquivalents, ImagesOverflowTheirBoxes)
+{
+    // A black pixel with a white one on its right.
+    const std::string image = "<image href='data:;base64,iVBORw0KGgoAAAANSUhEUgAAAAIAAAABAQAAAADcWU"
+                              "InAAAACklEQVR4nGNwAAAAQgBBKTf07wAAAABJRU5ErkJggg==' "
+                              "image-rendering='pixelated' height='16' ";
+    const std::string sliced = image + "width='8' x='4' preserveAspectRatio='xMinYMin slice' ";
+    expectSameElements({{sliced + "/>", "<rect x='4' width='8' height='16'/>"},
+                        {sliced + "overflow='visible'/>", "<rect x='4' width='16' height='16'/>"},
+                        {image + "width='8' x='-16' preserveAspectRatio='xMinYMin slice' "
+                                 "overflow='visible' transform='translate(10)'/>",
+                         "<rect width='10' height='16'/>"}});
+}
+
 TEST(SvgEquivalents, StyleElementsOfWebPages)
 {
     const std::string page = "http://www.w3.org/1999/xhtml";
