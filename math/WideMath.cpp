@@ -31,11 +31,16 @@ int32_t shiftTo29Bits(int64_t v)
 
 uint32_t integerRoot(uint64_t v)
 {
+    // Digit by digit, from the pair of bits of v that holds the highest one. The root so far stands
+    // twice as high as the digits still to come.
     uint64_t root = 0;
-    const int highest = 63 - __builtin_clzll(v | 1); // its bit in v; in the root half of that
-    for (uint64_t bit = uint64_t{1} << highest / 2; bit != 0; bit >>= 1) {
-        const uint64_t trial = root | bit;
-        if (trial * trial <= v) root = trial;
+    for (uint64_t bit = uint64_t{1} << ((63 - __builtin_clzll(v | 1)) & ~1); bit != 0; bit >>= 2) {
+        const uint64_t trial = root + bit;
+        root >>= 1;
+        if (v >= trial) {
+            v -= trial;
+            root += bit;
+        }
     }
     return static_cast<uint32_t>(root);
 }
