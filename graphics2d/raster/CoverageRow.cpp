@@ -30,11 +30,12 @@ uint32_t triangle(uint32_t height, uint32_t width)
 
 CoverageRow::CoverageRow(MMStackContext& stack, const PixelBox& visible)
     : left_(visible.left), columns_(visible.right - visible.left),
-      deltas_(stack, static_cast<uint32_t>(columns_) + 1), touched_(stack, bitmapWords(columns_))
+      words_(stack, static_cast<uint32_t>(columns_) + 1 + bitmapWords(columns_))
 {
-    if (!deltas_ || !touched_) return;
-    std::fill_n(deltas_.data(), columns_ + 1, 0);
-    std::fill_n(touched_.data(), bitmapWords(columns_), 0u);
+    if (!words_) return;
+    int32_t* const bitmap = words_.data() + columns_ + 1;
+    std::fill(words_.data(), bitmap + bitmapWords(columns_), 0);
+    touched_ = reinterpret_cast<uint32_t*>(bitmap);
 }
 
 void CoverageRow::addPiece(Fixed topX, Fixed bottomX, uint32_t height, int32_t sign)
@@ -105,8 +106,8 @@ void CoverageRow::sweep(RowPainter& painter)
     Area area = 0;
     const int32_t words = static_cast<int32_t>(bitmapWords(columns_));
     for (int32_t w = 0; w < words; ++w) {
-        uint32_t bits = touched_[static_cast<uint32_t>(w)];
-        touched_[static_cast<uint32_t>(w)] = 0;
+        uint32_t bits = touched_[w];
+        touched_[w] = 0;
         while (bits != 0) {
             // A stretch of touched columns, and what lies before it.
             const uint32_t rest = bits & (bits + (bits & (0u - bits)));
@@ -118,13 +119,16 @@ void CoverageRow::sweep(RowPainter& painter)
             Area areas[32];
             Area* last = areas;
             for (column = first; column < end; ++column) {
-                int32_t& delta = deltas_[static_cast<uint32_t>(column)];
+                int32_t& delta = words_[static_cast<uint32_t>(column)];
                 area += delta;
                 delta = 0;
                 *last++ = area;
             }
-            // The entry behind the last column only takes what is left over.
-            painter.addAreas(left_ + first, areas, std::min(end, columns_) - first);
+            // What goes on behind the last one is drawn together with it. The entry behind the
+            // last column of all only takes what is left over.
+            if (!isPartial(area)) --column;
+            if (column != first)
+                painter.addAreas(left_ + first, areas, std::min(column, columns_) - first);
         }
     }
     if (area >= kLeastArea && column < columns_)

@@ -20,7 +20,7 @@ public:
     CoverageRow(MMStackContext& stack, const PixelBox& visible);
 
     // False when there was no memory; nothing else may be called then.
-    explicit operator bool() const { return deltas_ && touched_; }
+    explicit operator bool() const { return static_cast<bool>(words_); }
 
     // Where the visible columns begin and end. What lies left of them only counts for its height,
     // what lies right of them not at all.
@@ -38,15 +38,16 @@ private:
     void addDelta(int32_t column, int32_t delta)
     {
         const uint32_t i = static_cast<uint32_t>(column);
-        deltas_[i] += delta;
+        words_[i] += delta;
         touched_[i / 32] |= 1u << (i % 32);
     }
     void addSloped(Fixed low, Fixed high, uint32_t height, int32_t sign);
 
     int32_t left_;    // the first visible column is index 0
     int32_t columns_; // number of visible columns; the sums have one entry more
-    ScratchArray<int32_t> deltas_;
-    ScratchArray<uint32_t> touched_;
+    // The differences, and behind them the bitmap.
+    ScratchArray<int32_t> words_;
+    uint32_t* touched_ = nullptr;
 };
 
 } // namespace Graphics2D
