@@ -349,6 +349,8 @@ bool drawChains(MMContext2D& context, const PixelBox& visible, Fixed lowest, boo
     WalkedChain backward(list.last(), list.first(), -1);
     const Fixed top = list.first()->y;
     const Fixed bottom = grid.moved(lowest);
+    for (int32_t row = 0; row < 2; ++row)
+        painter.expect(fixFloor(top) + row, list.first()->x);
     if ((context.antiAlias & 1) == 0) {
         drawSharp(painter, forward, backward, top, bottom);
         context.spanRows = 1;

@@ -9,11 +9,6 @@ namespace Graphics2D {
 
 namespace {
 
-bool isPartial(Area area)
-{
-    return area >= kLeastArea && area < kMostArea;
-}
-
 // How far an area may lie from the arithmetic run it is drawn with: a tenth of a weight.
 constexpr Area kRunTolerance = 26;
 
@@ -39,6 +34,7 @@ RowPainter::RowPainter(MMContext2D& context, const PixelBox& visible)
         if (isRedirected(context)) redirect();
     const ColourFillers& colours = coloursOf(context);
     colourRun_ = edge_ == colours.translucent ? colours.run : nullptr;
+    fillsColour_ = span_.filler == colours.opaque;
     const PixelBox drawable = drawableBox(context);
     drawableStart_ = fixFromInt(drawable.left);
     drawableEnd_ = fixFromInt(drawable.right);
@@ -54,6 +50,14 @@ void RowPainter::beginRow(int32_t row, int32_t rows)
 
 void RowPainter::drawWhole(int32_t first, int32_t end)
 {
+    constexpr int32_t kFewPixels = 8;
+    if (fillsColour_ && end - first < kFewPixels && context_.spanRows == 1) {
+        const Pixel colour = context_.currentPaint.paintColour;
+        Pixel* const pixels = context_.spanPixels;
+        for (int32_t column = first; column < end; ++column)
+            pixels[column] = colour;
+        return;
+    }
     if (first >= end) return;
     context_.spanStart = fixFromInt(first);
     context_.spanEnd = fixFromInt(end);
@@ -66,7 +70,11 @@ void RowPainter::addConstant(int32_t first, int32_t end, Area area)
         addWhole(first, end);
     } else if (area >= kLeastArea) {
         flush();
-        drawPartial(first, end - first, area, area, 0, 0);
+        const Coverage coverage = area * opacity_;
+        if (blendsColour())
+            blendColour(first, end - first, coverage, coverage, 0);
+        else
+            drawAny({first, end - first, coverage, coverage, 0, 0});
     }
 }
 
@@ -85,17 +93,21 @@ void RowPainter::drawRun(const Run& run)
 void RowPainter::drawPartial(int32_t first, int32_t count, Area start, Area next, int32_t step,
                              Area tail)
 {
+    const Coverage startCoverage = start * opacity_;
+    const Coverage tailCoverage = tail * opacity_;
+    if (count == 1 && blendsColour()) { // two pixels are as good as one and a tail
+        blendColour(first, tail > 0 ? 2 : 1, startCoverage, tailCoverage, 0);
+        return;
+    }
     const Run run = {first,
                      count,
-                     start * opacity_,
+                     startCoverage,
                      next * opacity_,
                      static_cast<Coverage>(static_cast<int64_t>(step) * opacity_ >> 8),
-                     tail * opacity_};
-    if (colourRun_ == nullptr || context_.spanRows != 1) return drawAny(run);
-    Pixel* const pixels = context_.spanPixels + first;
-    const Pixel colour = context_.currentPaint.paintColour;
-    colourRun_(pixels, count, colour, run.start, run.next, run.step);
-    if (tail > 0) colourRun_(pixels + count, 1, colour, run.tail, 0, 0);
+                     tailCoverage};
+    if (!blendsColour()) return drawAny(run);
+    blendColour(first, count, run.start, run.next, run.step);
+    if (tail > 0) blendColour(first + count, 1, run.tail, 0, 0);
 }
 
 [[gnu::noinline]] void RowPainter::drawAny(const Run& run)

@@ -24,6 +24,11 @@ constexpr Area kWholeArea = 0x10000;
 constexpr Area kLeastArea = 129;
 constexpr Area kMostArea = kWholeArea - 128;
 
+inline bool isPartial(Area area)
+{
+    return area >= kLeastArea && area < kMostArea;
+}
+
 // How far the filler of linear gradients can be trusted with an arithmetic run: it computes the
 // weights of a run's first three pixels and extrapolates the others.
 enum class RunLimits {
@@ -112,6 +117,12 @@ private:
         Run part(int32_t from, int32_t length) const;
     };
 
+    bool blendsColour() const { return colourRun_ != nullptr && context_.spanRows == 1; }
+    void blendColour(int32_t first, int32_t count, Coverage start, Coverage next, Coverage step)
+    {
+        colourRun_(context_.spanPixels + first, count, context_.currentPaint.paintColour, start,
+                   next, step);
+    }
     [[gnu::noinline]] void redirect();
     void drawRun(const Run& run);
     void drawAny(const Run& run);
@@ -133,6 +144,7 @@ private:
     SpanFiller span_;
     StripFiller edge_;    // of partial pixels, within the limits; null draws nothing
     ColourRun colourRun_; // the same of a solid colour that is not redirected; null of others
+    bool fillsColour_;    // span_ only writes the solid colour
     int32_t opacity_;
     RunLimits limits_;
     OwnFillers own_;           // where those above are a mask's or a layer's
