@@ -314,24 +314,23 @@ void pickThroughMasks(MMContext2D& context)
 
 } // namespace
 
-PixelBox withoutHiddenRows(const MMContext2D& context, PixelBox box)
+int32_t hiddenRows(const MMContext2D& context, const PixelBox& box, BoxSide side)
 {
     const MMMask& mask = *context.clipMask;
     const int32_t width = box.right - box.left;
-    if (width <= 0) return box;
-    const auto areHidden = [&](int32_t row, int32_t rows) {
-        const int32_t count = rows * width;
-        return context.level->endOfLevel(maskRow(mask, row) + box.left, 0, count, 0) == count;
-    };
+    if (width <= 0) return 0;
+    int32_t hidden = 0;
     constexpr int32_t kManyRows = 16; // where they follow each other without a gap
     for (int32_t rows = mask.rowBytes == static_cast<uint32_t>(width) ? kManyRows : 1; rows > 0;
-         rows /= kManyRows) {
-        while (box.bottom - box.top >= rows && areHidden(box.top, rows))
-            box.top += rows;
-        while (box.bottom - box.top >= rows && areHidden(box.bottom - rows, rows))
-            box.bottom -= rows;
-    }
-    return box;
+         rows /= kManyRows)
+        while (box.bottom - box.top - hidden >= rows) {
+            const int32_t row =
+                side == BoxSide::kTop ? box.top + hidden : box.bottom - hidden - rows;
+            const uint8_t* const levels = maskRow(mask, row) + box.left;
+            if (context.level->endOfLevel(levels, 0, rows * width, 0) != rows * width) break;
+            hidden += rows;
+        }
+    return hidden;
 }
 
 SpanFiller maskedSpanFiller(const MMContext2D& context)

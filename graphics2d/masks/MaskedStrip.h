@@ -27,9 +27,11 @@ inline bool usesMasks(const MMContext2D& context)
            (context.layer != nullptr && context.currentPaint.paintType == kPaintPicking);
 }
 
-// A box inside the clipMask without the rows at its top and bottom that it hides: they take less
-// time to be looked through here than to be rasterised.
-PixelBox withoutHiddenRows(const MMContext2D& context, PixelBox box);
+enum class BoxSide { kTop, kBottom };
+
+// How many rows of a box inside the clipMask it hides from a side on: they take less time to be
+// looked through here than to be rasterised.
+int32_t hiddenRows(const MMContext2D& context, const PixelBox& box, BoxSide side);
 
 // For the interior of shapes, and for runs of edge pixels.
 SpanFiller maskedSpanFiller(const MMContext2D& context);

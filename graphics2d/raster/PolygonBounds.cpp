@@ -22,12 +22,12 @@ PixelBox reachableBox(const MMContext2D& context, const BoundsUnion& bounds)
     if (context.drawSuppressed) return {0, 0, 0, 0};
     const PixelBox drawable = drawableBox(context);
     const PixelGrid grid(context);
-    const PixelBox box = {std::max(drawable.left, fixFloor(grid.moved(bounds.minX))),
-                          std::max(drawable.top, fixFloor(grid.moved(bounds.minY))),
-                          std::min(drawable.right, fixFloor(grid.moved(bounds.maxX)) + 1),
-                          std::min(drawable.bottom, fixFloor(grid.moved(bounds.maxY)) + 1)};
+    PixelBox box = {std::max(drawable.left, fixFloor(grid.moved(bounds.minX))),
+                    std::max(drawable.top, fixFloor(grid.moved(bounds.minY))),
+                    std::min(drawable.right, fixFloor(grid.moved(bounds.maxX)) + 1),
+                    std::min(drawable.bottom, fixFloor(grid.moved(bounds.maxY)) + 1)};
     if constexpr (kHasLayers)
-        if (context.clipMask != nullptr) return withoutHiddenRows(context, box);
+        if (context.clipMask != nullptr) box.bottom -= hiddenRows(context, box, BoxSide::kBottom);
     return box;
 }
 

@@ -17,7 +17,7 @@ inline bool spansTooFar(const BoundsUnion& bounds)
 BoundsUnion boundsOfPolygon(const MMPoint2D* points, uint32_t count);
 
 // The pixels of the clip rectangle and the target that a polygon with these bounds can reach,
-// without rows that a mask hides at their top and bottom; an empty box when drawing is suppressed.
+// without rows at its bottom that a mask hides; an empty box when drawing is suppressed.
 PixelBox reachableBox(const MMContext2D& context, const BoundsUnion& bounds);
 
 } // namespace Graphics2D

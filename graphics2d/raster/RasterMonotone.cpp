@@ -16,6 +16,7 @@
 #include "graphics2d/raster/RasterMonotone.h"
 
 #include "graphics2d/OutOfMemory.h"
+#include "graphics2d/Redirection.h"
 #include "graphics2d/raster/EdgeLine.h"
 #include "graphics2d/raster/EdgeRow.h"
 #include "graphics2d/raster/PixelGrid.h"
@@ -295,6 +296,8 @@ int32_t drawWholeRows(MMContext2D& context, RowPainter& painter, WalkedChain& fo
         // Between upright edges all rows are alike.
         const bool upright = a.slope == 0 && b.slope == 0;
         const int32_t end = upright ? count : drawn + 1;
+        if constexpr (kHasLayers)
+            if (upright) drawn += painter.hiddenRows(row + drawn, count - drawn);
         const int32_t rows =
             upright ? painter.rowsAtOnce(leftRamp.columns() == 0 && rightRamp.columns() == 0) : 1;
         for (; drawn < end; drawn += rows) {

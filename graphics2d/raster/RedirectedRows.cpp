@@ -34,6 +34,13 @@ void drawRunIntoLayer(MMContext2D& context)
 
 } // namespace
 
+int32_t RowPainter::hiddenRows(int32_t row, int32_t rows) const
+{
+    if (context_.clipMask == nullptr) return 0;
+    const PixelBox box = {visible_.left, row, visible_.right, row + rows};
+    return Graphics2D::hiddenRows(context_, box, BoxSide::kTop);
+}
+
 void RowPainter::redirect()
 {
     if (!draws()) return;

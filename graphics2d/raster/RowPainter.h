@@ -59,6 +59,9 @@ public:
         return 1 + (areSharp ? span_.moreSharp : span_.moreSmooth);
     }
 
+    // How many of the next rows a mask hides, of so many that would be drawn alike.
+    int32_t hiddenRows(int32_t row, int32_t rows) const;
+
     // Has the memory of a pixel fetched that will be drawn soon. Shapes begin each row in a place
     // that the processor does not foresee, and waiting for it is what a small shape costs most.
     void expect(int32_t row, Fixed x) const
