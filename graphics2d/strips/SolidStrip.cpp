@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The strip fillers of a solid colour.
+// The translucent strip fillers of a solid colour.
 //
 // Both modes blend a colour over the pixel itself; what they differ in is the weight.
 #include "graphics2d/strips/SolidStrip.h"
@@ -14,16 +14,6 @@ namespace Graphics2D {
 inline namespace MM2D_LEVEL {
 
 namespace {
-
-// All rows of the span in one colour.
-[[gnu::noinline]] void fillRows(MMContext2D& context, Pixel colour)
-{
-    const int32_t count = spanLength(context);
-    Pixel* pixels = spanFirstPixel(context);
-    for (uint32_t rows = context.spanRows; rows > 0;
-         --rows, pixels = pixelBelow(pixels, context.target.rowBytes))
-        fillPixels(pixels, count, colour);
-}
 
 // Moves single pixels toward a colour, their channels at once where there are lanes for them and
 // they get there and back as quickly as into other registers.
@@ -91,16 +81,6 @@ void drawTranslucentColour(MMContext2D& context, ColourRun blend)
 }
 
 } // namespace
-
-void drawClassicColour(MMContext2D& context)
-{
-    fillRows(context, context.currentPaint.paintColour);
-}
-
-void drawRefinedColour(MMContext2D& context)
-{
-    fillRows(context, context.currentPaint.paintColour | kOpaque);
-}
 
 void blendClassicRun(Pixel* pixels, int32_t count, Pixel colour, Coverage coverage, Coverage next,
                      Coverage step)

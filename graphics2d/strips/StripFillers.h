@@ -12,8 +12,6 @@ namespace KAVO {
 namespace Graphics2D {
 inline namespace MM2D_LEVEL {
 
-void drawClassicColour(MMContext2D& context);
-void drawRefinedColour(MMContext2D& context);
 void drawTranslucentClassicColour(MMContext2D& context);
 void drawTranslucentRefinedColour(MMContext2D& context);
 void blendClassicRun(Pixel* pixels, int32_t count, Pixel colour, Coverage coverage, Coverage next,
@@ -32,8 +30,12 @@ void drawTranslucentSource(MMContext2D& context);
 
 } // namespace MM2D_LEVEL
 
-// They work on one pixel after the other, or on the four channels of one.
+// They work on one pixel after the other, or on the four channels of one, or leave long spans to
+// the C library, which knows the processor.
 inline namespace MM2D_NARROW_LEVEL {
+
+void drawClassicColour(MMContext2D& context);
+void drawRefinedColour(MMContext2D& context);
 
 void drawRadialGradient(MMContext2D& context);
 void drawTranslucentRadialGradient(MMContext2D& context);
