@@ -30,6 +30,11 @@ struct ClassicGlyphRule : ClassicBlend {
     {
         return by255(levels * (Lanes{} + static_cast<uint16_t>(17 * opacity)));
     }
+
+    static Pixel pixel(Pixel background, Pixel colour, uint32_t weight)
+    {
+        return blendPixel<ClassicBlend>(background, colour, weight);
+    }
 };
 
 struct RefinedGlyphRule : RefinedBlend {
@@ -39,7 +44,15 @@ struct RefinedGlyphRule : RefinedBlend {
     template <class Lanes>
     static Lanes coverage(Lanes levels, uint16_t opacity)
     {
-        return refinedWeights(levels * (17 << 8), Lanes{} + opacity);
+        if constexpr (sizeof(Lanes) == sizeof(Pixel))
+            return refinedWeight(levels * (17 << 8), opacity);
+        else
+            return refinedWeights(levels * (17 << 8), Lanes{} + opacity);
+    }
+
+    static Pixel pixel(Pixel background, Pixel colour, uint32_t weight)
+    {
+        return blendPixel<RefinedBlend>(background, colour, weight);
     }
 };
 
@@ -106,7 +119,7 @@ private:
     U32x8 shifts_; // and its level in there
 };
 
-#else
+#elif defined(__SSE2__) || defined(__ARM_NEON)
 
 using GlyphPixels = U32x4;
 
@@ -142,7 +155,38 @@ private:
     int32_t shift_; // brings the first level to the top
 };
 
+#else
+
+using GlyphPixels = Pixel;
+
+// One column.
+class Columns {
+public:
+    Columns(int32_t, int32_t level, const uint8_t*& levels) : shift_(level % 2 == 0 ? 4 : 0)
+    {
+        levels += level / 2;
+    }
+
+    uint32_t levels(const uint8_t* from) const { return *from >> shift_ & 15; }
+    Pixel load(const Pixel* from) const { return *from; }
+    void store(Pixel* to, Pixel pixel) const { *to = pixel; }
+
+private:
+    int32_t shift_; // brings the level to the bottom
+};
+
 #endif
+
+// Paint over a background by weights for whole pixels.
+template <class Rule, class Pixels>
+inline Pixels blended(Rule rule, Pixels background, Pixels paint, Pixels weights)
+{
+    if constexpr (sizeof(Pixels) > sizeof(Pixel))
+        return blendByPairs(background, paint, weights,
+                            [=](auto from, auto to, auto by) { return rule.move(from, to, by); });
+    else
+        return rule.pixel(background, paint, weights);
+}
 
 // Blends up to as many columns as there are lanes, row after row. The paint is one colour, or rows
 // of pixels.
@@ -156,12 +200,11 @@ inline void blendColumns(const GlyphRows& glyph, Rule rule, int32_t column, int3
     Pixel* pixels = glyph.pixels + column;
     const Pixel* paint = kIsFlat ? glyph.paint : glyph.paint + column;
     const GlyphPixels colour = all<GlyphPixels>(*paint);
-    const auto move = [=](auto from, auto to, auto by) { return rule.move(from, to, by); };
     for (int32_t y = glyph.height; y > 0; --y) {
-        const auto pairs = (GlyphPixels)rule.coverage(columns.levels(levels), opacity);
+        const auto weights = (GlyphPixels)rule.coverage(columns.levels(levels), opacity);
         const GlyphPixels background = columns.load(pixels + rule.background());
         const GlyphPixels over = kIsFlat ? colour : columns.load(paint);
-        columns.store(pixels, blendByPairs(background, over, pairs, move));
+        columns.store(pixels, blended(rule, background, over, weights));
         levels += stride;
         pixels += rowPixels;
         paint += paintRow;

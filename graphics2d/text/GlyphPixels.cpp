@@ -27,6 +27,27 @@ inline Lanes moveClassicPixels(Lanes from, Lanes colour, Lanes coverage)
     return (sum | (Lanes)((Signed)sum > 255)) << 8;
 }
 
+// The same of two channels, 16 bits apart.
+inline uint32_t moveClassicPair(uint32_t from, uint32_t colour, uint32_t coverage, uint32_t rest)
+{
+    const auto scaled = [](uint32_t pair, uint32_t factor) {
+        return (pair + (pair >> 7 & 0x00010001u)) * factor >> 8 & kEvenChannels;
+    };
+    const uint32_t sum = scaled(colour, coverage) + scaled(from, rest);
+    return (sum | (sum >> 8 & 0x00010001u) * 255) & kEvenChannels;
+}
+
+// And of a pixel.
+inline Pixel classicPixel(Pixel from, Pixel colour, uint32_t coverage)
+{
+    const uint32_t rest = 255 - by255((colour >> 24) * coverage);
+    const auto pair = [=](uint32_t shift) {
+        return moveClassicPair(from >> shift & kEvenChannels, colour >> shift & kEvenChannels,
+                               coverage, rest);
+    };
+    return pair(0) | pair(8) << 8;
+}
+
 // The rules of both modes. One loop asks for the mode in each row: two would be as fast, and
 // larger.
 struct PixelRule {
@@ -49,6 +70,12 @@ struct PixelRule {
     {
         return refined ? movePremultiplied(from, colour, weight)
                        : moveClassicPixels(from, colour, weight);
+    }
+
+    Pixel pixel(Pixel from, Pixel colour, uint32_t weight) const
+    {
+        return refined ? blendPremultiplied(from, colour, weight)
+                       : classicPixel(from, colour, weight);
     }
 };
 
