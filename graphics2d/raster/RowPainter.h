@@ -96,6 +96,7 @@ public:
         context_.spanEnd = end;
         drawSpan(context_, span_);
     }
+
     // Gives the columns from first on an area each. Likewise.
     void addAreas(int32_t first, const Area* areas, int32_t count);
 

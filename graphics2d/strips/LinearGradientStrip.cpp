@@ -143,7 +143,7 @@ private:
     {
         if (rampSegment_ == segment_) return;
         rampSegment_ = segment_;
-        ramp_ = Segment(stops_, segment_);
+        ramp_.set(stops_, segment_);
         rampStep_ = ramp_.part(fixDiv(step_, ramp_.length));
     }
 

@@ -8,10 +8,12 @@ namespace KAVO {
 namespace Graphics2D {
 inline namespace MM2D_LEVEL {
 
-Segment::Segment(const StopList& stops, uint32_t i)
-    : start(channelsOf(stops.colours[i])), difference(channelsOf(stops.colours[i + 1]) - start),
-      offset(stops.offsets[i]), length(wrapSub(stops.offsets[i + 1], stops.offsets[i]))
+void Segment::set(const StopList& stops, uint32_t i)
 {
+    start = channelsOf(stops.colours[i]);
+    difference = channelsOf(stops.colours[i + 1]) - start;
+    offset = stops.offsets[i];
+    length = wrapSub(stops.offsets[i + 1], offset);
 }
 
 Channels Segment::at(Fixed position) const

@@ -35,7 +35,10 @@ struct Segment {
     Fixed length;
 
     Segment() = default; // none
-    Segment(const StopList& stops, uint32_t i);
+    Segment(const StopList& stops, uint32_t i) { set(stops, i); }
+
+    // Becomes the i-th one, in place: a copy would wait for what has just been written.
+    void set(const StopList& stops, uint32_t i);
 
     // The part of the difference that a fraction stands for: as fixMul of each channel, which is a
     // plain product because the channels' differences are whole.
