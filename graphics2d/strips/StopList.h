@@ -31,8 +31,8 @@ struct StopList {
 struct Segment {
     Channels start;
     Channels difference;
-    Fixed offset;
-    Fixed length;
+    Fixed offset = 0;
+    Fixed length = 0;
 
     Segment() = default; // none
     Segment(const StopList& stops, uint32_t i) { set(stops, i); }
