@@ -13,7 +13,7 @@ inline namespace MM2D_LEVEL {
 enum class TexelAlpha { kKept, kPremultiplied, kMadeWhole };
 
 // Blends colours that are not multiplied with their alpha by the run's coverage, which is flat and
-// moves on. They are read to the end of the last vector.
+// moves on. They are read to the end of the last few.
 void blendByAlpha(TranslucentRun<RefinedBlend>& run, const Pixel* colours, int32_t count);
 
 // Blends the first count pixels of a piece by the run's coverage, which moves on. Colours are read
