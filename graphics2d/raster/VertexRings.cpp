@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "graphics2d/raster/VertexRings.h"
 
-#include "graphics2d/raster/LinkedSort.h"
 #include "math/Points.h"
 
 #include <algorithm>
@@ -90,8 +89,6 @@ void VertexRings::addMinimum(uint32_t i)
         vertices_[lastMinimum_].nextMinimum = i;
     vertices_[i].nextMinimum = kNoVertex;
     lastMinimum_ = i;
-    highest_ = std::min(highest_, vertices_[i].point.y);
-    lowest_ = std::max(lowest_, vertices_[i].point.y);
     ++minimumCount_;
 }
 
@@ -108,7 +105,13 @@ uint32_t VertexRings::sortedMinima(MMStackContext& stack)
         return sortLinked<&RingVertex::nextMinimum>(vertices_.data(), first, count, isAbove);
     };
     if (minimumCount_ < kMany) return sorted(firstMinimum_, minimumCount_);
-    const uint32_t range = static_cast<uint32_t>(wrapSub(lowest_, highest_));
+    Fixed highest = vertices_[firstMinimum_].point.y;
+    Fixed lowest = highest;
+    for (uint32_t i = firstMinimum_; i != kNoVertex; i = vertices_[i].nextMinimum) {
+        highest = std::min(highest, vertices_[i].point.y);
+        lowest = std::max(lowest, vertices_[i].point.y);
+    }
+    const uint32_t range = static_cast<uint32_t>(wrapSub(lowest, highest));
     uint32_t shift = 0; // from a distance in y to a band
     while (range >> shift >= minimumCount_)
         ++shift;
@@ -118,7 +121,7 @@ uint32_t VertexRings::sortedMinima(MMStackContext& stack)
     std::fill_n(bands.data(), bandCount, Band{kNoVertex, 0});
     for (uint32_t i = firstMinimum_; i != kNoVertex;) {
         RingVertex& vertex = vertices_[i];
-        Band& band = bands[static_cast<uint32_t>(wrapSub(vertex.point.y, highest_)) >> shift];
+        Band& band = bands[static_cast<uint32_t>(wrapSub(vertex.point.y, highest)) >> shift];
         const uint32_t following = vertex.nextMinimum;
         vertex.nextMinimum = band.first;
         band.first = i;

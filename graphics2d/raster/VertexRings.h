@@ -3,13 +3,14 @@
 #pragma once
 
 #include "graphics2d/raster/Contours.h"
+#include "graphics2d/raster/LinkedSort.h"
 #include "graphics2d/raster/PixelGrid.h"
 #include "memory/ScratchArray.h"
 
 namespace KAVO {
 namespace Graphics2D {
 
-constexpr uint32_t kNoVertex = 0xFFFFFFFF;
+constexpr uint32_t kNoVertex = kNoLink;
 
 // All rings share one array, with a link before, between and behind them:
 //
@@ -90,8 +91,6 @@ private:
     uint32_t firstMinimum_ = kNoVertex;
     uint32_t lastMinimum_ = kNoVertex; // while the minima are being collected
     uint32_t minimumCount_ = 0;
-    Fixed highest_ = 0x7FFFFFFF; // of the minima, by y
-    Fixed lowest_ = kLinkY;
     ScratchArray<RingVertex> vertices_;
 };
 
