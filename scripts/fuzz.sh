@@ -6,8 +6,8 @@
 #
 # SECONDS is the time for each (60). Installs what is missing. What the fuzzers find on the way is
 # kept in build/fuzz/corpus; an input that breaks something, or takes 25 seconds (the sanitizers map
-# and unmap every large scratch block, so not less), is named at the end and left in
-# build/fuzz/findings.
+# and unmap every large scratch block, so not less), is named at the end, left in
+# build/fuzz/findings, and printed with what was said of it, for who sees the output alone.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:-60}
@@ -38,6 +38,7 @@ run() {
         echo "$name: $(sed -n 's/stat::number_of_executed_units: *//p' "$log") inputs, nothing found"
     else
         echo "$name: $(sed -n 's/.*Test unit written to //p' "$log") FOUND, see $log"
+        sed -n '/runtime error:\|ERROR:\|does not hold:/,$p' "$log"
         return 1
     fi
 }

@@ -346,7 +346,8 @@ SpanFiller maskedSpanFiller(const MMContext2D& context)
 StripFiller maskedEdgeFiller(const MMContext2D& context)
 {
     if (context.currentPaint.paintType == kPaintPicking) return pickThroughMasks;
-    return context.maskTarget != nullptr ? drawRunIntoMask : drawRunThroughMask;
+    if (context.maskTarget != nullptr) return drawRunIntoMask;
+    return context.ownFillers->edge != nullptr ? drawRunThroughMask : nullptr;
 }
 
 } // namespace Graphics2D

@@ -76,6 +76,27 @@ const Draw kDrawings[] = {
     [](Canvas& c) { c.text(u"gag", 6, 60, 30); },
 };
 
+// Codes between the paints draw whole spans and no edges, others draw nothing.
+TEST(ClipMask, LeavesCodesWithoutEdgesWithoutThem)
+{
+    LevelledMask all;
+    fillMask(all.mask, 255);
+    for (const Paint& paint : kPaints)
+        for (const Draw draw : kDrawings)
+            for (const uint32_t beyond : {1u, 14u, 255u, UINT32_MAX - kPaintPattern}) {
+                Canvas plain, masked;
+                for (Canvas* c : {&plain, &masked}) {
+                    paint.set(*c);
+                    c->context.fillPaint.paintType += beyond;
+                }
+                masked.context.clipMask = &all.mask;
+                draw(plain);
+                draw(masked);
+                EXPECT_EQ(masked.pixels, plain.pixels)
+                    << paint.name << " + " << beyond << ", drawing " << &draw - kDrawings;
+            }
+}
+
 double channelOf(Pixel pixel, int k)
 {
     return pixel >> 8 * k & 0xFF;
@@ -253,7 +274,6 @@ TEST(MaskTarget, TakesCoverageAndOpacityOfEveryPaint)
         }
 }
 
-// drawImage brings its own paint along.
 // The part that a drawing has touched shows all of it, and nothing else is left to be cleared.
 TEST(MaskTarget, PartsThatWereTouchedAreTheWholeDrawing)
 {
@@ -284,6 +304,7 @@ TEST(MaskTarget, PartsThatWereTouchedAreTheWholeDrawing)
     EXPECT_EQ(drawnPart(none.mask, idle).levels, nullptr);
 }
 
+// drawImage brings its own paint along.
 TEST(MaskTarget, TakesImages)
 {
     LevelledMask levelled;
