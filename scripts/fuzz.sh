@@ -5,9 +5,9 @@
 #   scripts/fuzz.sh [SECONDS [FUZZER...]]
 #
 # SECONDS is the time for each (60). Installs what is missing. What the fuzzers find on the way is
-# kept in build/fuzz/corpus; an input that breaks something, or takes 25 seconds (the sanitizers map
-# and unmap every large scratch block, so not less), is named at the end, left in
-# build/fuzz/findings, and printed with what was said of it, for who sees the output alone.
+# kept in build/fuzz/corpus; an input that breaks something, or takes 100 seconds (about two without
+# the sanitizers), is named at the end, left in build/fuzz/findings, and printed with what was said
+# of it, for who sees the output alone.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:-60}
@@ -32,7 +32,7 @@ echo "== ${fuzzers[*]}: $seconds s each"
 run() {
     local name=$1 log=$build/$1.log
     mkdir -p "$build/corpus/$name"
-    if $build/fuzz/fuzz_"$name" -max_total_time="$seconds" -timeout=25 -rss_limit_mb=2048 \
+    if $build/fuzz/fuzz_"$name" -max_total_time="$seconds" -timeout=100 -rss_limit_mb=2048 \
         -print_final_stats=1 -artifact_prefix="$build/findings/$name-" \
         "$build/corpus/$name" "fuzz/corpus/$name" > "$log" 2>&1; then
         echo "$name: $(sed -n 's/stat::number_of_executed_units: *//p' "$log") inputs, nothing found"
