@@ -6,7 +6,9 @@
 // image is copied. By the refined ones it is the pixel's centre, and the colour lies at the texel's
 // centre. Four texels are interpolated first along the rows, then across, all channels alike. The
 // weights are the top eight bits of the coordinates' fractions.
+#include "graphics2d/strips/MagnifiedRows.h"
 #include "graphics2d/strips/PatternSampling.h"
+#include "graphics2d/strips/PixelMixing.h"
 #include "graphics2d/strips/StripFillers.h"
 
 namespace KAVO {
@@ -111,18 +113,12 @@ struct SteppedWeights {
     void goBack(int32_t pixels) { v -= step * static_cast<uint16_t>(pixels); }
 };
 
-// From an array, for fours of pixels, or always the same.
-struct PreparedWeights {
-    const U16x8* weights;
-    ptrdiff_t step; // 1 or 0
+// Always the same.
+struct SameWeights {
+    U16x8 weights;
 
-    const U16x8& next()
-    {
-        const U16x8& now = *weights;
-        weights += step;
-        return now;
-    }
-    void goBack(int32_t) {}
+    U16x8 next() const { return weights; }
+    void goBack(int32_t) const {}
 };
 
 // Interpolates count pixels, four at a time and at least four. texels.next() gives the RowStep of
@@ -197,22 +193,13 @@ struct PreparedTexels {
     void goBack(int32_t pixels) { u -= uStep * static_cast<uint32_t>(pixels); }
 };
 
-// A call, to have the code once.
-template <class Mix>
-[[gnu::noinline]] void mixPrepared(const Mix& mix, const TexelAxis& axis,
-                                   const PreparedTexels& texels, const PreparedWeights& across,
-                                   Pixel* out, int32_t count)
-{
-    mixPixels(mix, axis, texels, across, out, count);
-}
-
 // Texels from two rows, and no more of them than pixels: each is prepared once. At the image's ends
 // the outermost ones repeat.
 template <class Mix>
 void magnifyRows(const Mix& mix, PatternWalk walk, Pixel* out, int32_t count)
 {
     RowStep steps[kPrepared];
-    const U16x8 weights = all8(walk.v.fraction() >> 8);
+    const SameWeights across = {all8(walk.v.fraction() >> 8)};
     const int32_t row = fixFloor(walk.v.position());
     const int32_t below = row + 1 < walk.v.size() ? walk.width() : 0;
     while (count > 0) {
@@ -231,15 +218,23 @@ void magnifyRows(const Mix& mix, PatternWalk walk, Pixel* out, int32_t count)
         }
         const PreparedTexels texels = {steps, static_cast<uint32_t>(range.start),
                                        static_cast<uint32_t>(walk.u.step())};
-        mixPrepared(mix, walk.u, texels, {&weights, 0}, out, length);
+        mixPixels(mix, walk.u, texels, across, out, length);
         walk.advance(length);
         out += length;
         count -= length;
     }
 }
 
-// The texels around a pixel, row by row.
-using FourTexels = Pixel[4];
+// The texels around a few pixels: those at the upper left, upper right, lower left and lower right.
+using Corners = Pixel[4][kFewPixels];
+
+// As the taps 0 and 1 find them.
+[[gnu::noinline, gnu::cold]] void takeFourAnywhere(const PatternWalk& walk, Corners& corners,
+                                                   int32_t i)
+{
+    for (int corner = 0; corner < 4; ++corner)
+        corners[corner][i] = walk.texelAt(walk.u.tap(corner % 2), walk.v.tap(corner / 2));
+}
 
 // The taps 0 and 1 of an axis's next four pixels. False where an index is not the coordinate's
 // texel, or one is far away.
@@ -266,57 +261,66 @@ inline bool findTaps(const TexelAxis& axis, U32x4 (&taps)[2])
     return true;
 }
 
-// Finds the texels of pixels anywhere: fours of them, as many as hold count.
-[[gnu::noinline]] void takeTexels(PatternWalk walk, FourTexels* out, int32_t count)
+// 32 bits count all texels of an image.
+[[gnu::noinline]] void takeFour(const Pixel* texels, U32x4 indices, Pixel* out)
+{
+    for (int i = 0; i < 4; ++i)
+        out[i] = texels[indices[i]];
+}
+
+// Finds the texels of as many fours of pixels as hold count.
+[[gnu::noinline]] void takeTexels(PatternWalk walk, Corners& corners, int32_t count)
 {
     const Pixel* const pixels = walk.pixels();
     const auto width = static_cast<uint32_t>(walk.width());
-    for (; count > 0; count -= 4, out += 4) {
+    for (int32_t i = 0; i < count; i += 4) {
         U32x4 columns[2], rows[2];
         if (!findTaps(walk.u, columns) || !findTaps(walk.v, rows)) {
-            for (int i = 0; i < 4; ++i, walk.advance(1))
-                walk.takeFourAnywhere(out[i]);
+            for (int32_t k = i; k < i + 4; ++k, walk.advance(1))
+                takeFourAnywhere(walk, corners, k);
             continue;
         }
-        uint32_t indices[4][4]; // 32 bits count all texels of an image
-        const U32x4 upper = rows[0] * width;
-        const U32x4 lower = rows[1] * width;
-        store4(indices[0], upper + columns[0]);
-        store4(indices[1], upper + columns[1]);
-        store4(indices[2], lower + columns[0]);
-        store4(indices[3], lower + columns[1]);
-        for (int i = 0; i < 4; ++i) {
-            const Pixel texels[4] = {pixels[indices[0][i]], pixels[indices[1][i]],
-                                     pixels[indices[2][i]], pixels[indices[3][i]]};
-            std::memcpy(out[i], texels, sizeof texels);
+        for (int side = 0; side < 2; ++side) {
+            const U32x4 row = rows[side] * width;
+            takeFour(pixels, row + columns[0], corners[2 * side] + i);
+            takeFour(pixels, row + columns[1], corners[2 * side + 1] + i);
         }
         walk.advance(4);
     }
 }
 
-// A few pixels anywhere.
-template <class Mix>
-void sampleFew(const Mix& mix, const PatternWalk& walk, Pixel* out, int32_t count)
+// The weights of pixels one after the other.
+void findWeights(const TexelAxis& axis, uint32_t (&weights)[kFewPixels])
 {
-    FourTexels texels[kFewPixels];
-    RowStep steps[kFewPixels];
-    Pixel pixels[kFewPixels];
-    U16x8 weights[kFewPixels / 2];
-    const int32_t whole = (count + 3) & ~3;
-    takeTexels(walk, texels, count);
-    SteppedWeights across(walk.v);
-    for (int32_t i = 0; i < whole; ++i) {
-        steps[i] = stepAt(mix, texels[i], 2);
-        if (i % 2 == 0) weights[i / 2] = across.next();
+    uint32_t position = axis.fraction();
+    for (uint32_t& weight : weights) {
+        weight = (position >> 8 & 0xFF) * 0x10001u;
+        position += static_cast<uint32_t>(axis.step());
     }
-    const PreparedTexels prepared = {steps, 0, kFixedOne};
-    mixPrepared(mix, walk.u, prepared, {weights, 1}, pixels, whole);
-    std::memcpy(out, pixels, static_cast<size_t>(count) * sizeof(Pixel));
+}
+
+// A few pixels anywhere.
+[[gnu::noinline]] void sampleFew(const PatternWalk& walk, Pixel* out, int32_t count)
+{
+    Corners corners;
+    uint32_t along[kFewPixels], across[kFewPixels];
+    takeTexels(walk, corners, count);
+    if (walk.alpha == TexelAlpha::kPremultiplied)
+        for (Pixel(&texels)[kFewPixels] : corners)
+            for (int32_t i = 0; i < count; ++i)
+                texels[i] = premultiplied(texels[i]);
+    findWeights(walk.u, along);
+    findWeights(walk.v, across);
+    const MixPixels mix = mixerOf(walk.isRefined);
+    mix(corners[0], corners[1], along, kLanes, 0, corners[0], count);
+    mix(corners[2], corners[3], along, kLanes, 0, corners[2], count);
+    const Pixel alphaBits = walk.alpha == TexelAlpha::kMadeWhole ? kOpaque : 0;
+    mix(corners[0], corners[2], across, kLanes, alphaBits, out, count);
 }
 
 // Without vector registers: two channels in one word, a pixel after the other.
 template <class Mix>
-void sampleOneByOne(const Mix& mix, PatternWalk walk, bool inside, Pixel* out, int32_t count)
+void sampleOneByOne(const Mix& mix, const PatternWalk& walk, Pixel* out, int32_t count)
 {
     using Rule = typename Mix::Rule;
     const auto mixed = [&mix](const Pixel(&texels)[4], uint32_t u, uint32_t v) {
@@ -332,14 +336,6 @@ void sampleOneByOne(const Mix& mix, PatternWalk walk, bool inside, Pixel* out, i
         };
         return mix.finished(pair(0) | pair(8) << 8);
     };
-    if (!inside) {
-        for (int32_t i = 0; i < count; ++i, walk.advance(1)) {
-            Pixel texels[4];
-            walk.takeFour(texels);
-            out[i] = mixed(texels, walk.u.fraction(), walk.v.fraction());
-        }
-        return;
-    }
     const int32_t width = walk.width();
     const Fixed uStep = walk.u.step(), vStep = walk.v.step();
     Fixed u = walk.u.indexPosition(), v = walk.v.indexPosition();
@@ -358,8 +354,9 @@ void sampleOneByOne(const Mix& mix, PatternWalk walk, bool inside, Pixel* out, i
 template <class Mix>
 void samplePixels(const Mix& mix, const PatternWalk& walk, bool inside, Pixel* out, int32_t count)
 {
-    if constexpr (kLanes == 1) return sampleOneByOne(mix, walk, inside, out, count);
-    if (!inside || count < 4) return sampleFew(mix, walk, out, count);
+    if (!inside) return sampleFew(walk, out, count);
+    if constexpr (kLanes == 1) return sampleOneByOne(mix, walk, out, count);
+    if (count < 4) return sampleFew(walk, out, count);
     if (walk.v.step() == 0 && magnitudeOf(walk.u.step()) <= kFixedOne)
         return magnifyRows(mix, walk, out, count);
     const TexelsInside<Mix> texels = {mix, walk, walk.u.indexPosition(), walk.v.indexPosition()};
@@ -389,7 +386,7 @@ constexpr PatternFilter kBilinear = {
 
 void drawBilinearPattern(MMContext2D& context)
 {
-    drawPattern(context, kBilinear, false);
+    if (!drawMagnifiedRows(context, kBilinear)) drawPattern(context, kBilinear, false);
 }
 
 void drawTranslucentBilinearPattern(MMContext2D& context)

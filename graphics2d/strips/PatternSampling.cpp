@@ -96,18 +96,6 @@ void drawByAlpha(TranslucentRun<ClassicBlend>& run, PaintPiece& piece, int32_t c
     run.drawPiece(piece, count);
 }
 
-} // namespace
-
-PatternWalk::PatternWalk(const MMPaint& patternPaint, TexelPoint start, bool byRefinedRules)
-    : paint(patternPaint),
-      u(start.u, paint.patternTransform.a, paint.patternImage.width, byRefinedRules),
-      v(start.v, paint.patternTransform.b, paint.patternImage.height, byRefinedRules),
-      alpha(byRefinedRules ? TexelAlpha::kMadeWhole : TexelAlpha::kKept), isRefined(byRefinedRules)
-{
-}
-
-namespace {
-
 // By the classic rules the filters that mix sample from the span's exact left end on the row's top
 // edge, the nearest one at pixel centres. The refined ones sample at the centre of the span's first
 // column, moved by an offset along both axes, which is the same for a pixel wherever its span
@@ -218,18 +206,22 @@ inline const Pixel* texelsOfSpan(const MMContext2D& context, const PatternFilter
 
 [[gnu::noinline]] void drawWalk(MMContext2D& context, const PatternFilter& filter, bool translucent)
 {
-    const MMPaint& paint = context.currentPaint;
-    PatternWalk walk(paint, startOf(context, filter), context.refined != 0);
+    PatternWalk walk = walkOf(context, filter);
     if (walk.isEmpty()) return;
     if (!translucent)
         return sample(walk, filter, spanFirstPixel(context), nullptr, spanLength(context));
     if (!walk.isRefined) return drawTranslucent<ClassicBlend>(context, filter, walk);
-    if (paint.patternHasAlpha != 0)
+    if (context.currentPaint.patternHasAlpha != 0)
         walk.alpha = filter.mixes() ? TexelAlpha::kPremultiplied : TexelAlpha::kKept;
     drawTranslucent<RefinedBlend>(context, filter, walk);
 }
 
 } // namespace
+
+[[gnu::noinline]] PatternWalk walkOf(const MMContext2D& context, const PatternFilter& filter)
+{
+    return {context.currentPaint, startOf(context, filter), context.refined != 0};
+}
 
 void drawPattern(MMContext2D& context, const PatternFilter& filter, bool translucent)
 {

@@ -117,7 +117,14 @@ struct TexelPoint {
 
 // From a point of the paint's image on, by either mode's rules.
 struct PatternWalk {
-    PatternWalk(const MMPaint& patternPaint, TexelPoint start, bool byRefinedRules);
+    PatternWalk(const MMPaint& patternPaint, TexelPoint start, bool byRefinedRules)
+        : paint(patternPaint),
+          u(start.u, paint.patternTransform.a, paint.patternImage.width, byRefinedRules),
+          v(start.v, paint.patternTransform.b, paint.patternImage.height, byRefinedRules),
+          alpha(byRefinedRules ? TexelAlpha::kMadeWhole : TexelAlpha::kKept),
+          isRefined(byRefinedRules)
+    {
+    }
 
     bool isEmpty() const { return pixels() == nullptr || u.size() == 0 || v.size() == 0; }
     const Pixel* pixels() const { return paint.patternImage.pixels; }
@@ -145,24 +152,6 @@ struct PatternWalk {
         if (index < 0) index = index >= -width ? index + width : 0;
         if (index >= end) index = index < end + width ? index - width : end - 1;
         return pixels()[index];
-    }
-
-    // The four texels around the coordinates, row by row, as the taps 0 and 1 find them.
-    [[gnu::always_inline]] void takeFour(Pixel (&texels)[4]) const
-    {
-        int32_t columns[2], rows[2];
-        if (!u.hasShortTaps(columns) || !v.hasShortTaps(rows)) return takeFourAnywhere(texels);
-        const Pixel* const upper = row(fixFromInt(rows[0]));
-        const Pixel* const lower = row(fixFromInt(rows[1]));
-        texels[0] = upper[columns[0]];
-        texels[1] = upper[columns[1]];
-        texels[2] = lower[columns[0]];
-        texels[3] = lower[columns[1]];
-    }
-    void takeFourAnywhere(Pixel (&texels)[4]) const
-    {
-        for (int i = 0; i < 4; ++i)
-            texels[i] = texelAt(u.tap(i % 2), v.tap(i / 2));
     }
 
     void advance(int32_t pixels)
@@ -206,6 +195,9 @@ struct PatternFilter {
     uint32_t mixingBits;
     constexpr bool mixes() const { return mixingBits != 0; }
 };
+
+// From the start of the context's current span on.
+PatternWalk walkOf(const MMContext2D& context, const PatternFilter& filter);
 
 // The strip fillers, in both modes.
 void drawPattern(MMContext2D& context, const PatternFilter& filter, bool translucent);

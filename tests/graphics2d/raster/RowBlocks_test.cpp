@@ -49,6 +49,10 @@ Scene randomScene(std::mt19937& random, const std::vector<Pixel>& texels)
     const MMPixmap image = {
         32, 32, 32 * 4, 0, const_cast<Pixel*>(texels.data()), static_cast<uint32_t>(below(2))};
     Matrix2D transform = kIdentityMatrix;
+    if (below(2) != 0) { // magnified, or nearly as large as it is, or smaller
+        constexpr Fixed kScales[] = {0x53333, 0x10003, 0xE000};
+        transform.scale(kScales[below(3)], kScales[below(3)]);
+    }
     transform.translate(place(kSide), place(kSide)); // the image may end within a block of rows
     setPattern(paint, image, transform, static_cast<MMPatternFilter>(scene.filter), scene.refined);
     paint.patternTransform.a -= below(2); // as inverted identities come out
