@@ -87,7 +87,9 @@ void sampleRow(const Pixel* texels, TileWalk u, Pixel alphaBits, Pixel* pixels, 
 
 } // namespace
 
-void writeUprightTiles(const void* state, int32_t row, int32_t column, int32_t count, Pixel* pixels)
+// Aligned, as a fifth of its time depends on where in the lines of the cache its loop lies.
+[[gnu::aligned(64)]] void writeUprightTiles(const void* state, int32_t row, int32_t column,
+                                            int32_t count, Pixel* pixels)
 {
     const auto& source = *static_cast<const MMTileSource*>(state);
     const TileWalk u(source.across, row, column);

@@ -9,9 +9,10 @@ namespace {
 
 constexpr uint32_t kTranslucentBit = 1; // set in a paint code whose opacity is below 255
 
-// Rows after the first that are drawn at once: few enough for the pixels at their sides to stay at
-// hand.
-constexpr uint8_t kMoreRows = 15;
+// Rows after the first that are drawn at once: any number of whole pixels; with partial ones few
+// enough for those at their sides to stay at hand.
+constexpr uint8_t kMoreSharp = 255;
+constexpr uint8_t kMoreSmooth = 15;
 
 // A plain call costs short spans less than one through a pointer to a member.
 template <void (MMContext2D::*filler)()>
@@ -44,10 +45,10 @@ SpanFiller chooseSpanFiller(const MMContext2D& context)
     case kPaintSolid:
         // By the refined rules the colour's own alpha is an opacity.
         if (context.refined == 0 || paint.paintColour >> 24 == 0xFF)
-            return {coloursOf(context).opaque, false, kMoreRows, kMoreRows};
+            return {coloursOf(context).opaque, false, kMoreSharp, kMoreSmooth};
         [[fallthrough]];
     case kPaintSolid + kTranslucentBit:
-        return {coloursOf(context).translucent, true, kMoreRows, kMoreRows};
+        return {coloursOf(context).translucent, true, kMoreSharp, kMoreSmooth};
     case kPaintXOR:
     case kPaintXOR + kTranslucentBit:
         return {call<&MMContext2D::drawSolidXORStrip>, false};
@@ -62,10 +63,10 @@ SpanFiller chooseSpanFiller(const MMContext2D& context)
     case kPaintRadialGradient + kTranslucentBit:
         return {context.level->radialGradient.translucent, true};
     case kPaintPattern:
-        if (paint.patternHasAlpha == 0) return {patternsOf(context).opaque, false, kMoreRows};
+        if (paint.patternHasAlpha == 0) return {patternsOf(context).opaque, false, kMoreSharp};
         [[fallthrough]];
     case kPaintPattern + kTranslucentBit:
-        return {patternsOf(context).translucent, true, kMoreRows};
+        return {patternsOf(context).translucent, true, kMoreSharp};
     case kPaintPicking:
     case kPaintPicking + kTranslucentBit:
         return {call<&MMContext2D::drawPickingStrip>, false};

@@ -37,9 +37,9 @@ inline void copyRow(const Pixel* texels, Pixel* out, int32_t count, bool makeOpa
     int32_t i = 0;
 #if defined(__AVX2__)
     constexpr int32_t kBlock = 4 * kLanes;
-    if (count >= kBlock) { // stores across the lines of the cache take longer
+    if (count >= kBlock) { // loads across the lines of the cache take longer
         store(out, load<PixelVector>(texels) | alphaBits);
-        i = static_cast<int32_t>(-reinterpret_cast<uintptr_t>(out) / sizeof(Pixel) % kLanes);
+        i = static_cast<int32_t>(-reinterpret_cast<uintptr_t>(texels) / sizeof(Pixel) % kLanes);
     }
     for (; i + kBlock <= count; i += kBlock)
 #pragma GCC unroll 4

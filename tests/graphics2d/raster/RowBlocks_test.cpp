@@ -14,7 +14,7 @@ namespace {
 
 using namespace KAVO::Graphics2D;
 
-constexpr int kSide = 50; // more rows than are drawn at once
+constexpr int kSide = 270; // more rows than are drawn at once
 
 struct Scene {
     MMPaint paint = {};
@@ -38,7 +38,7 @@ Scene randomScene(std::mt19937& random, const std::vector<Pixel>& texels)
     scene.left = place(kSide);
     scene.top = place(kSide / 2);
     scene.width = place(kSide) + 3 * kFixedOne;
-    scene.height = place(kSide) + 3 * kFixedOne;
+    scene.height = place(2 * kSide) + 3 * kFixedOne;
     constexpr MMPaintType kTypes[] = {kPaintSolid, kPaintXOR, kPaintPattern, kPaintPattern};
     MMPaint& paint = scene.paint;
     paint.paintType = kTypes[below(4)];
@@ -89,7 +89,7 @@ TEST(RowBlocks, ComeOutAsTheirRows)
     std::vector<Pixel> texels(32 * 32);
     for (Pixel& texel : texels)
         texel = static_cast<Pixel>(random());
-    for (int n = 0; n < 2000; ++n) {
+    for (int n = 0; n < 300; ++n) {
         const Scene scene = randomScene(random, texels);
         ASSERT_EQ(drawn(scene, kSide), drawn(scene, 1))
             << "scene " << n << ": paint " << scene.paint.paintType << ", opacity "
