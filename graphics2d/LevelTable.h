@@ -33,6 +33,13 @@ struct ColourFillers : PaintFillers {
     ColourRun run;
 };
 
+// Rows of an image.
+struct TexelRows {
+    uint32_t count = 1;
+    uint32_t width = 0;    // from one to the next, texels
+    uint32_t outBytes = 0; // from one to the next where they are copied to
+};
+
 // A box of a glyph image, on its way into the target.
 struct GlyphRows {
     Pixel* pixels;         // the target's, where the box begins
@@ -72,6 +79,9 @@ struct LevelTable {
     void (*linearGradientRows)(MMContext2D&, const SpanRows&); // opaque
     PaintFillers radialGradient;
     PaintFillers patterns[3]; // by MMPatternFilter
+    // Of strips/TexelCopy.h: the patterns of another level copy by it too.
+    void (*copyTexels)(const Pixel* texels, Pixel* out, int32_t count, bool makeOpaque,
+                       TexelRows rows);
     PaintFillers source;
     GlyphBlenders classicGlyphs; // of text/GlyphBlending.h
     GlyphBlenders refinedGlyphs;

@@ -3,6 +3,7 @@
 #include "graphics2d/LevelTable.h"
 
 #include "graphics2d/strips/StripFillers.h"
+#include "graphics2d/strips/TexelCopy.h"
 #include "graphics2d/text/GlyphBlending.h"
 
 #if !defined(MM2D_WITHOUT_LAYERS)
@@ -30,6 +31,7 @@ const LevelTable kLevelTable = {
     {{drawNearestPattern, drawTranslucentNearestPattern},
      {drawBilinearPattern, drawTranslucentBilinearPattern},
      {drawBicubicPattern, drawTranslucentBicubicPattern}},
+    copyTexels,
     {drawSource, drawTranslucentSource},
     {blendClassicColour, blendClassicPixels},
     {blendRefinedColour, blendRefinedPixels},

@@ -230,8 +230,8 @@ void drawPattern(MMContext2D& context, const PatternFilter& filter, bool translu
     const uint32_t width = context.currentPaint.patternImage.width;
     const uint32_t rowBytes = context.target.rowBytes;
     if (texels != nullptr && !translucent)
-        return copyTexels(texels, spanFirstPixel(context), count, context.refined != 0,
-                          {context.spanRows, width, rowBytes});
+        return context.level->copyTexels(texels, spanFirstPixel(context), count,
+                                         context.refined != 0, {context.spanRows, width, rowBytes});
     for (uint32_t rows = context.spanRows;;) {
         if (texels == nullptr) {
             drawWalk(context, filter, translucent);

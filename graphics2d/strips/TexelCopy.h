@@ -3,18 +3,11 @@
 #pragma once
 
 #include "graphics2d/Level.h"
-#include "math/Fixed.h"
+#include "graphics2d/LevelTable.h"
 
 namespace KAVO {
 namespace Graphics2D {
 inline namespace MM2D_LEVEL {
-
-// Rows of an image.
-struct TexelRows {
-    uint32_t count = 1;
-    uint32_t width = 0;    // from one to the next, texels
-    uint32_t outBytes = 0; // from one to the next where they are copied to
-};
 
 // Copies texels that follow each other, of a row or more, as they are or opaque.
 void copyTexels(const Pixel* texels, Pixel* out, int32_t count, bool makeOpaque,
