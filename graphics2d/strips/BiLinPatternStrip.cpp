@@ -261,7 +261,7 @@ inline bool findTaps(const TexelAxis& axis, U32x4 (&taps)[2])
     return true;
 }
 
-// 32 bits count all texels of an image.
+// Four texels by their indices: 32 bits count all of an image.
 [[gnu::noinline]] void takeFour(const Pixel* texels, U32x4 indices, Pixel* out)
 {
     for (int i = 0; i < 4; ++i)

@@ -39,6 +39,10 @@ Scene randomScene(std::mt19937& random, const std::vector<Pixel>& texels)
     scene.top = place(kSide / 2);
     scene.width = place(kSide) + 3 * kFixedOne;
     scene.height = place(2 * kSide) + 3 * kFixedOne;
+    if (below(4) == 0) { // whole rows, which follow each other without a gap
+        scene.left = -kFixedOne;
+        scene.width = fixFromInt(2 * kSide);
+    }
     constexpr MMPaintType kTypes[] = {kPaintSolid, kPaintXOR, kPaintPattern, kPaintPattern};
     MMPaint& paint = scene.paint;
     paint.paintType = kTypes[below(4)];
