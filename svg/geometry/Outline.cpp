@@ -112,7 +112,12 @@ void Outline::arcTo(double rx, double ry, double rotation, bool large, bool incr
                     0};
     }
     const Point half = (q - p) * 0.5;
-    const double halfLength = std::min(1.0, std::hypot(half.x, half.y));
+    double halfLength = std::hypot(half.x, half.y);
+    if (!std::isnormal(halfLength)) { // lost far from the origin, or beyond all numbers
+        lineTo(end);
+        return;
+    }
+    halfLength = std::min(1.0, halfLength);
     const double distance = std::sqrt(1 - halfLength * halfLength) / halfLength;
     const double side = large == increasing ? 1 : -1; // of the chord, where the centre is
     const Point centre = p + half + Point{half.y, -half.x} * (side * distance);

@@ -52,6 +52,7 @@ TEST(SvgPath, CommandsShorthandsAndErrors)
         {"M10 0A10 10 0 010 10", "M10,0C10,5.52 5.52,10 0,10", true},
         {"M0 0A0 5 0 1 1 7 7", "M0,0L7,7", true},
         {"M0 0a5 5 0 1 1 0 0", "M0,0", true},
+        {"M1e21 0A9 9 20 0 0 1e21 1", "M1e+21,0L1e+21,1", true}, // turned, the chord is lost
         {"", "", true},
         {"M5 5", "M5,5", true},
         {"M5 5m1 1M2 2", "M5,5M6,6M2,2", true},
