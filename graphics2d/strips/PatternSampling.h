@@ -53,16 +53,6 @@ public:
         const int64_t wanted = at + offset;
         return index() - at + (wanted < 0 ? 0 : wanted < last ? wanted : last);
     }
-    // The taps 0 and 1 in short numbers. False where the index is not the coordinate's texel, or
-    // one is far away.
-    bool hasShortTaps(int32_t (&taps)[2]) const
-    {
-        const Fixed at = position();
-        if (at != distance_ || fixFloor(wrapAdd(at, bias_)) != fixFloor(at)) return false;
-        taps[0] = std::clamp(fixFloor(at), 0, size_ - 1);
-        taps[1] = std::clamp(fixFloor(at) + 1, 0, size_ - 1);
-        return true;
-    }
     // The position whose whole part is the index, as long as the coordinate has not wrapped.
     Fixed indexPosition() const { return static_cast<Fixed>(distance_ + bias_); }
     uint32_t fraction() const { return fixFraction(position()); }
