@@ -79,7 +79,8 @@ struct LevelTable {
     void (*linearGradientRows)(MMContext2D&, const SpanRows&); // opaque
     PaintFillers radialGradient;
     PaintFillers patterns[3]; // by MMPatternFilter
-    // Of strips/TexelCopy.h: the patterns of another level copy by it too.
+    // Of strips/TexelCopy.h. Patterns of the base that stand in another level's table copy by that
+    // level's.
     void (*copyTexels)(const Pixel* texels, Pixel* out, int32_t count, bool makeOpaque,
                        TexelRows rows);
     PaintFillers source;

@@ -14,7 +14,7 @@ void fillRow(Pixel* pixels, int32_t count, Pixel colour)
 {
 #if defined(__x86_64__) || defined(__i386__)
     // The processor's own loop fills lines of the cache without reading them, but starts slowly.
-    constexpr int32_t kLongRow = 4096;
+    constexpr int32_t kLongRow = 4096; // pixels
     if (count >= kLongRow) {
         auto left = static_cast<size_t>(count);
         __asm__ volatile("rep stosl" : "+D"(pixels), "+c"(left) : "a"(colour) : "memory");

@@ -9,8 +9,8 @@ namespace {
 
 constexpr uint32_t kTranslucentBit = 1; // set in a paint code whose opacity is below 255
 
-// Rows after the first that are drawn at once: any number of whole pixels; with partial ones few
-// enough for those at their sides to stay at hand.
+// Rows after the first that are drawn at once: of whole pixels as many as SpanFiller can say; with
+// partial ones few enough for those at their sides to stay at hand.
 constexpr uint8_t kMoreSharp = 255;
 constexpr uint8_t kMoreSmooth = 15;
 
