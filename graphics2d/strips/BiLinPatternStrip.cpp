@@ -124,7 +124,7 @@ struct SameWeights {
 // Interpolates count pixels, four at a time and at least four. texels.next() gives the RowStep of
 // one after the other, across.next() the weights of two; goBack(pixels) returns to earlier ones.
 template <class Mix, class Texels, class Weights>
-inline void mixPixels(const Mix& mix, const TexelAxis& axis, Texels texels, Weights across,
+inline void mixTexels(const Mix& mix, const TexelAxis& axis, Texels texels, Weights across,
                       Pixel* out, int32_t count)
 {
     const U16x8 uStep = all8(fixFraction(axis.step()));
@@ -196,7 +196,7 @@ struct PreparedTexels {
 // Texels from two rows, and no more of them than pixels: each is prepared once. At the image's ends
 // the outermost ones repeat.
 template <class Mix>
-void magnifyRows(const Mix& mix, PatternWalk walk, Pixel* out, int32_t count)
+void magnifyRow(const Mix& mix, PatternWalk walk, Pixel* out, int32_t count)
 {
     RowStep steps[kPrepared];
     const SameWeights across = {all8(walk.v.fraction() >> 8)};
@@ -218,7 +218,7 @@ void magnifyRows(const Mix& mix, PatternWalk walk, Pixel* out, int32_t count)
         }
         const PreparedTexels texels = {steps, static_cast<uint32_t>(range.start),
                                        static_cast<uint32_t>(walk.u.step())};
-        mixPixels(mix, walk.u, texels, across, out, length);
+        mixTexels(mix, walk.u, texels, across, out, length);
         walk.advance(length);
         out += length;
         count -= length;
@@ -294,7 +294,7 @@ void findWeights(const TexelAxis& axis, uint32_t (&weights)[kFewPixels])
 {
     uint32_t position = axis.fraction();
     for (uint32_t& weight : weights) {
-        weight = (position >> 8 & 0xFF) * 0x10001u;
+        weight = weightsOf(position);
         position += static_cast<uint32_t>(axis.step());
     }
 }
@@ -311,11 +311,11 @@ void findWeights(const TexelAxis& axis, uint32_t (&weights)[kFewPixels])
                 texels[i] = premultiplied(texels[i]);
     findWeights(walk.u, along);
     findWeights(walk.v, across);
-    const MixPixels mix = mixerOf(walk.isRefined);
-    mix(corners[0], corners[1], along, kLanes, 0, corners[0], count);
-    mix(corners[2], corners[3], along, kLanes, 0, corners[2], count);
+    const MixPixels mixPixels = mixerOf(walk.isRefined);
+    mixPixels(corners[0], corners[1], along, kLanes, 0, corners[0], count);
+    mixPixels(corners[2], corners[3], along, kLanes, 0, corners[2], count);
     const Pixel alphaBits = walk.alpha == TexelAlpha::kMadeWhole ? kOpaque : 0;
-    mix(corners[0], corners[2], across, kLanes, alphaBits, out, count);
+    mixPixels(corners[0], corners[2], across, kLanes, alphaBits, out, count);
 }
 
 // Without vector registers: two channels in one word, a pixel after the other.
@@ -358,9 +358,9 @@ void samplePixels(const Mix& mix, const PatternWalk& walk, bool inside, Pixel* o
     if constexpr (kLanes == 1) return sampleOneByOne(mix, walk, out, count);
     if (count < 4) return sampleFew(walk, out, count);
     if (walk.v.step() == 0 && magnitudeOf(walk.u.step()) <= kFixedOne)
-        return magnifyRows(mix, walk, out, count);
+        return magnifyRow(mix, walk, out, count);
     const TexelsInside<Mix> texels = {mix, walk, walk.u.indexPosition(), walk.v.indexPosition()};
-    mixPixels(mix, walk.u, texels, SteppedWeights(walk.v), out, count);
+    mixTexels(mix, walk.u, texels, SteppedWeights(walk.v), out, count);
 }
 
 void sampleBilinear(const PatternWalk& walk, bool inside, Pixel* out, uint32_t*, int32_t count)

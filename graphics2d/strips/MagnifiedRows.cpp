@@ -18,26 +18,25 @@ namespace {
 constexpr int32_t kColumns = 64; // that are drawn at once
 
 // Where pixels lie between the texels of an axis, one after the other.
-struct Walk {
+struct ForwardAxis {
     Fixed at;
     Fixed step;   // 0 or more
     int32_t last; // texel
 
-    Walk(const TexelAxis& axis, Fixed pixelStep)
+    ForwardAxis(const TexelAxis& axis, Fixed pixelStep)
         : at(axis.position()), step(pixelStep), last(axis.size() - 1)
     {
     }
     int32_t before() const { return std::clamp(fixFloor(at), 0, last); }
     int32_t behind() const { return std::clamp(fixFloor(at) + 1, 0, last); }
-    // In both halves of a word.
-    uint32_t weights() const { return (fixFraction(at) >> 8) * 0x10001u; }
+    uint32_t weights() const { return weightsOf(fixFraction(at)); }
     void advance() { at = wrapAdd(at, step); }
 };
 
 // Some pixels of a row and the columns of texels between which they lie.
 class Columns {
 public:
-    Columns(Walk& u, int32_t count) : count_(count)
+    Columns(ForwardAxis& u, int32_t count) : count_(count)
     {
         for (int32_t i = 0; i < count; ++i, u.advance()) {
             left_[i] = static_cast<uint16_t>(u.before());
@@ -47,14 +46,14 @@ public:
     }
 
     // The texels of a row mixed along it.
-    void mix(MixPixels mixed, const Pixel* texels, Pixel* out) const
+    void mix(MixPixels mixPixels, const Pixel* texels, Pixel* out) const
     {
         Pixel lefts[kColumns], rights[kColumns];
         for (int32_t i = 0; i < count_; ++i) {
             lefts[i] = texels[left_[i]];
             rights[i] = texels[right_[i]];
         }
-        mixed(lefts, rights, weights_, kLanes, 0, out, count_);
+        mixPixels(lefts, rights, weights_, kLanes, 0, out, count_);
     }
 
     int32_t count() const { return count_; }
@@ -67,9 +66,9 @@ private:
 };
 
 // Draws the columns in all rows of the span.
-void drawColumns(const MMContext2D& context, const Columns& columns, Walk v, Pixel* out)
+void drawColumns(const MMContext2D& context, const Columns& columns, ForwardAxis v, Pixel* out)
 {
-    const MixPixels mix = mixerOf(context.refined != 0);
+    const MixPixels mixPixels = mixerOf(context.refined != 0);
     const MMPixmap& image = context.currentPaint.patternImage;
     const Pixel alphaBits = context.refined != 0 ? kOpaque : 0;
     Pixel mixed[2][kColumns]; // of an even and an odd row of texels
@@ -79,12 +78,13 @@ void drawColumns(const MMContext2D& context, const Columns& columns, Walk v, Pix
         for (const int32_t row : taps) {
             if (held[row & 1] == row) continue;
             held[row & 1] = row;
-            columns.mix(mix, image.pixels + static_cast<ptrdiff_t>(row) * image.width,
+            columns.mix(mixPixels, image.pixels + static_cast<ptrdiff_t>(row) * image.width,
                         mixed[row & 1]);
         }
         uint32_t weights[kLanes];
         store(weights, all<PixelVector>(v.weights()));
-        mix(mixed[taps[0] & 1], mixed[taps[1] & 1], weights, 0, alphaBits, out, columns.count());
+        mixPixels(mixed[taps[0] & 1], mixed[taps[1] & 1], weights, 0, alphaBits, out,
+                  columns.count());
         v.advance();
         out = pixelBelow(out, context.target.rowBytes);
     }
@@ -102,6 +102,7 @@ bool isShort(const TexelAxis& axis, Fixed step, uint32_t pixels)
 bool drawMagnifiedRows(MMContext2D& context, const PatternFilter& filter)
 {
     const Matrix2D& m = context.currentPaint.patternTransform;
+    // Inverted identities come out one unit short of 1.0, and are copied.
     const auto magnifies = [](Fixed scale) { return 0 <= scale && scale < kFixedOne - 1; };
     if (context.spanRows < 2 || (m.b | m.c) != 0 || !magnifies(m.a) || !magnifies(m.d))
         return false;
@@ -112,8 +113,8 @@ bool drawMagnifiedRows(MMContext2D& context, const PatternFilter& filter)
         !isShort(walk.v, m.d, context.spanRows))
         return false;
 
-    Walk u(walk.u, m.a);
-    const Walk v(walk.v, m.d);
+    ForwardAxis u(walk.u, m.a);
+    const ForwardAxis v(walk.v, m.d);
     Pixel* out = spanFirstPixel(context);
     for (int32_t length; count > 0; count -= length, out += length) {
         length = std::min(count, kColumns);

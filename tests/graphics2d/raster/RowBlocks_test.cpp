@@ -99,7 +99,8 @@ TEST(RowBlocks, ComeOutAsTheirRows)
             << "scene " << n << ": paint " << scene.paint.paintType << ", opacity "
             << int{scene.paint.paintOpacity} << ", filter " << int{scene.filter} << ", refined "
             << scene.refined << ", smooth " << scene.antiAlias << ", at " << scene.left << " "
-            << scene.top << ", size " << scene.width << " " << scene.height;
+            << scene.top << ", size " << scene.width << " " << scene.height << ", scale "
+            << scene.paint.patternTransform.a << " " << scene.paint.patternTransform.d;
     }
 }
 
