@@ -12,7 +12,8 @@
 #define MM2D_LEVEL base
 #endif
 
-// The level whose fillers stand in for those of this one that it would make no faster.
-#if !defined(MM2D_NARROW_LEVEL)
-#define MM2D_NARROW_LEVEL MM2D_LEVEL
+// The level whose fillers the table of this one has. Where loops over many pixels are all that a
+// level's instructions make faster, these loops alone are compiled for it.
+#if !defined(MM2D_FILLER_LEVEL)
+#define MM2D_FILLER_LEVEL MM2D_LEVEL
 #endif

@@ -33,6 +33,30 @@ struct ColourFillers : PaintFillers {
     ColourRun run;
 };
 
+// Pixels of the target on their way to being blended by a rule of strips/Blending.h.
+struct BlendedRun {
+    Pixel* pixels;
+    int32_t count;
+    int32_t pairs; // so many have the background that the rule gives them, the others themselves
+};
+
+// The loops of strips/RunBlending.h for one rule.
+struct RunBlenders {
+    // By one colour and one weight.
+    void (*flat)(BlendedRun run, Pixel colour, uint32_t weight);
+    // By a colour and a weight each.
+    void (*byWeights)(BlendedRun run, const Pixel* colours, const uint32_t* weights);
+    // By a colour each, its alpha, and one opacity: 0 to 255, by the refined rule 8.8.
+    void (*byAlpha)(BlendedRun run, const Pixel* colours, uint32_t opacity);
+};
+
+// A colour that changes by a constant per pixel: its channels, in the order and the format of
+// strips/Channels.h, and their steps.
+struct RampStart {
+    uint32_t channels[4];
+    uint32_t steps[4];
+};
+
 // Rows of an image.
 struct TexelRows {
     uint32_t count = 1;
@@ -75,6 +99,14 @@ struct LevelTable {
     const char* name;
     ColourFillers classicColour;
     ColourFillers refinedColour;
+    RunBlenders classicRuns;
+    RunBlenders refinedRuns;
+    // Of strips/RunBlending.h too, by the refined rule.
+    void (*blendPremultiplied)(BlendedRun run, const Pixel* colours, const uint32_t* weights);
+    void (*weighAlphas)(uint32_t* alphas, uint32_t opacity, int32_t count);
+    bool (*haveAlpha)(const Pixel* colours, int32_t count, uint32_t alpha);
+    // Of strips/ColourRamp.h.
+    void (*writeRamp)(const RampStart& ramp, Pixel* out, uint32_t* alphas, int32_t count);
     PaintFillers linearGradient;
     void (*linearGradientRows)(MMContext2D&, const SpanRows&); // opaque
     PaintFillers radialGradient;

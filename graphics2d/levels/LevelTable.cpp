@@ -2,6 +2,8 @@
 // The table of the level that this file is compiled for.
 #include "graphics2d/LevelTable.h"
 
+#include "graphics2d/strips/ColourRamp.h"
+#include "graphics2d/strips/RunBlending.h"
 #include "graphics2d/strips/StripFillers.h"
 #include "graphics2d/strips/TexelCopy.h"
 #include "graphics2d/text/GlyphBlending.h"
@@ -25,6 +27,12 @@ const LevelTable kLevelTable = {
     MM2D_NAME(MM2D_LEVEL),
     {{drawClassicColour, drawTranslucentClassicColour}, blendClassicRun},
     {{drawRefinedColour, drawTranslucentRefinedColour}, blendRefinedRun},
+    {blendColour<ClassicBlend>, blendByWeights<ClassicBlend>, blendByAlpha<ClassicBlend>},
+    {blendColour<RefinedBlend>, blendByWeights<RefinedBlend>, blendByAlpha<RefinedBlend>},
+    blendPremultipliedRun,
+    weighAlphaRun,
+    haveAlpha,
+    writeRamp,
     {drawLinearGradient, drawTranslucentLinearGradient},
     drawLinearGradientRows,
     {drawRadialGradient, drawTranslucentRadialGradient},

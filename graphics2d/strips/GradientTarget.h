@@ -2,6 +2,7 @@
 // The current span as a gradient's walk fills it from left to right. Internal.
 #pragma once
 
+#include "graphics2d/strips/ColourRamp.h"
 #include "graphics2d/strips/StopList.h"
 #include "graphics2d/strips/TranslucentRun.h"
 
@@ -27,8 +28,18 @@ public:
         pixels_ += count;
     }
 
+    // Draws count pixels opaquely.
+    void rampOpaque(ColourRamp& colours, int32_t count)
+    {
+        colours.write(pixels_, nullptr, count);
+        pixels_ += count;
+    }
+
     // Goes to where the next row is drawn opaquely.
     void goTo(Pixel* pixels) { pixels_ = pixels; }
+
+    bool isTranslucent() const { return translucent_; }
+    const LevelTable& level() const { return run_.level(); }
 
     bool takeTail() { return translucent_ && run_.takeTail(); }
 
@@ -45,7 +56,7 @@ public:
 
     // Draws count pixels. write(colours, alphas, length) gives the next opaque colours, at most
     // kPieceLength of them, and unless alphas is null their 8.8 alphas, for which there is room up
-    // to the next multiple of eight.
+    // to the end of the widest vector.
     template <class Write>
     void ramp(int32_t count, Write write)
     {
@@ -54,7 +65,7 @@ public:
             const int32_t length = count < kPieceLength ? count : kPieceLength;
             if (translucent_) {
                 write(piece.colours, piece.weights, length);
-                weighAlphas(piece, run_.coverage, length);
+                weighAlphas(run_.level(), piece, run_.coverage, length);
                 run_.drawPiece(piece, length);
             } else {
                 write(pixels_, nullptr, length);

@@ -5,7 +5,6 @@
 // first and last colour outside the stops, and one ramp per segment between two stops. Where a run
 // starts, t is divided into the segment once; from there the channels are stepped by addition.
 // t is taken at the pixel's left end, without half a pixel.
-#include "graphics2d/strips/ColourRamp.h"
 #include "graphics2d/strips/GradientTarget.h"
 #include "graphics2d/strips/RefinedLinearGradient.h"
 #include "graphics2d/strips/StopList.h"
@@ -24,15 +23,15 @@ public:
 
     void ramp(Channels first, Channels step, int32_t count)
     {
-        if (translucent_) return translucentRamp(first, step, count);
-        ColourRamp(first, step).write(pixels_, count);
-        pixels_ += count;
+        ColourRamp colours(level(), first, step);
+        if (!translucent_) return rampOpaque(colours, count);
+        translucentRamp(colours, first, step, count);
     }
 
 private:
     // The weight is extrapolated from the segment's first three pixels rather than computed for
     // each: it is exact where opacity or alpha is constant, and a ramp anyway where both change.
-    void translucentRamp(Channels first, Channels step, int32_t count)
+    void translucentRamp(ColourRamp& colours, Channels first, Channels step, int32_t count)
     {
         const Coverage opacity = run_.coverage.next();
         const int32_t alphaStep = static_cast<int32_t>(step[kAlpha]);
@@ -44,11 +43,10 @@ private:
             wrapSub(rampWeight(wrapAdd(opacity, run_.coverage.step()), wrapAdd(alpha, alphaStep)),
                     nextWeight);
         run_.coverage.advance(count);
-        ColourRamp colours(first, step);
         PaintPiece piece;
         while (count > 0) {
             const int32_t length = count < kPieceLength ? count : kPieceLength;
-            colours.write(piece.colours, length);
+            colours.write(piece.colours, nullptr, length);
             piece.weights[0] = roundedWeight(weight);
             for (int32_t i = 1; i < length; ++i) {
                 piece.weights[i] = roundedWeight(nextWeight);

@@ -21,30 +21,11 @@ uint32_t patternWeight(Coverage opacity, uint32_t alpha)
     return (product >= 0x007F8000u ? weight + 1 : weight) & 0xFFu;
 }
 
-// The same for pixels of an opacity of 0 to 255 without a fraction, blended. The products fit 16
-// bits; they are the exact weight times 256, and reach 0x7F80 just when the rounded weight reaches
-// 128.
-template <class Pixels>
-inline Pixels blendByAlpha(Pixels backgrounds, Pixels colours, uint32_t opacity)
-{
-    if constexpr (sizeof(Pixels) > sizeof(Pixel)) {
-        using Lanes = decltype(widenLow(colours));
-        const Lanes products =
-            (Lanes)alphasInBothHalves(colours) * (Lanes{} + static_cast<uint16_t>(opacity));
-        const Lanes weights = (products + 0x80) >> 8;
-        return blendPairs<ClassicBlend>(backgrounds, colours, (Pixels)(weights + (weights >> 7)));
-    } else {
-        const uint32_t weight = ((colours >> 24) * opacity + 0x80) >> 8;
-        return blendPixel<ClassicBlend>(backgrounds, colours, weight + (weight >> 7));
-    }
-}
-
+// By an opacity of 0 to 255 without a fraction.
 void blendByAlpha(TranslucentRun<ClassicBlend>& run, const Pixel* colours, int32_t count)
 {
     const uint32_t opacity = static_cast<uint32_t>(fixFloor(run.coverage.current()));
-    run.blendBy(count, [=](auto backgrounds, int32_t i) {
-        return blendByAlpha(backgrounds, load<decltype(backgrounds)>(colours + i), opacity);
-    });
+    run.blenders().byAlpha(run.take(count), colours, opacity);
     run.coverage.advance(count);
 }
 

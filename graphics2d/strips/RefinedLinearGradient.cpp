@@ -8,7 +8,6 @@
 // does not depend on how its row is cut into spans.
 #include "graphics2d/strips/RefinedLinearGradient.h"
 
-#include "graphics2d/strips/ColourRamp.h"
 #include "graphics2d/strips/GradientTarget.h"
 #include "graphics2d/strips/StopList.h"
 
@@ -137,11 +136,10 @@ private:
         const int64_t share = ((parameter(anchor) - low) << kShareBits) / length;
         const Channels step = channelStep_;
         const Channels first = start_ + part(share) + step * static_cast<uint32_t>(column - anchor);
-        ColourRamp colours(first, step);
-        AlphaRamp alphas(first, step);
+        ColourRamp colours(target.level(), first, step);
+        if (!target.isTranslucent()) return target.rampOpaque(colours, count);
         target.ramp(count, [&](Pixel* pixels, uint32_t* weights, int32_t pixelCount) {
-            colours.write(pixels, pixelCount);
-            if (weights != nullptr) alphas.write(weights, pixelCount);
+            colours.write(pixels, weights, pixelCount);
         });
     }
 

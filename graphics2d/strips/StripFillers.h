@@ -19,6 +19,15 @@ void blendClassicRun(Pixel* pixels, int32_t count, Pixel colour, Coverage covera
 void blendRefinedRun(Pixel* pixels, int32_t count, Pixel colour, Coverage coverage, Coverage next,
                      Coverage step);
 
+} // namespace MM2D_LEVEL
+
+// They work on one pixel after the other, or on the four channels of one, or leave long runs to the
+// loops of the context's level.
+inline namespace MM2D_FILLER_LEVEL {
+
+void drawClassicColour(MMContext2D& context);
+void drawRefinedColour(MMContext2D& context);
+
 void drawLinearGradient(MMContext2D& context);
 void drawTranslucentLinearGradient(MMContext2D& context);
 void drawLinearGradientRows(MMContext2D& context, const SpanRows& rows); // opaque
@@ -28,15 +37,6 @@ void drawTranslucentNearestPattern(MMContext2D& context);
 void drawSource(MMContext2D& context);
 void drawTranslucentSource(MMContext2D& context);
 
-} // namespace MM2D_LEVEL
-
-// They work on one pixel after the other, or on the four channels of one, or leave long spans to
-// the C library, which knows the processor.
-inline namespace MM2D_NARROW_LEVEL {
-
-void drawClassicColour(MMContext2D& context);
-void drawRefinedColour(MMContext2D& context);
-
 void drawRadialGradient(MMContext2D& context);
 void drawTranslucentRadialGradient(MMContext2D& context);
 
@@ -45,6 +45,6 @@ void drawTranslucentBilinearPattern(MMContext2D& context);
 void drawBicubicPattern(MMContext2D& context);
 void drawTranslucentBicubicPattern(MMContext2D& context);
 
-} // namespace MM2D_NARROW_LEVEL
+} // namespace MM2D_FILLER_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

@@ -6,12 +6,11 @@ namespace KAVO {
 namespace Graphics2D {
 inline namespace MM2D_LEVEL {
 
-void weighAlphas(PaintPiece& piece, CoverageSequence& coverage, int32_t count)
+void weighAlphas(const LevelTable& level, PaintPiece& piece, CoverageSequence& coverage,
+                 int32_t count)
 {
     if (coverage.isFlat()) {
-        const uint32_t opacity = coarseCoverage(coverage.current());
-        for (int32_t i = 0; i < count; i += kLanes)
-            store(piece.weights + i, weighedAlphas(load<PixelVector>(piece.weights + i), opacity));
+        level.weighAlphas(piece.weights, coarseCoverage(coverage.current()), count);
         coverage.advance(count);
         return;
     }
@@ -46,7 +45,8 @@ void TranslucentRun<Rule>::drawColour(Pixel colour, int32_t count)
 {
     while (count > 0) {
         const int32_t length = coverage.isFlat() ? count : 1;
-        drawFlat(Rule::sourceOf(colour), Rule::weightOf(colour, coverage.current()), length);
+        blenders().flat(take(length), Rule::sourceOf(colour),
+                        Rule::weightOf(colour, coverage.current()));
         coverage.advance(length);
         count -= length;
     }
@@ -55,24 +55,7 @@ void TranslucentRun<Rule>::drawColour(Pixel colour, int32_t count)
 template <class Rule>
 void TranslucentRun<Rule>::drawPiece(const PaintPiece& piece, int32_t count)
 {
-    blendBy(count, [&](auto backgrounds, int32_t i) {
-        using Pixels = decltype(backgrounds);
-        return blendPixels<Rule>(backgrounds, load<Pixels>(piece.colours + i),
-                                 load<Pixels>(piece.weights + i));
-    });
-}
-
-template <class Rule>
-void TranslucentRun<Rule>::drawFlat(Pixel colour, uint32_t weight, int32_t count)
-{
-    const int32_t pairs = pixelsWithBackground(count);
-    int32_t i = 0;
-    if (pairs >= kFewLanes)
-        i = blendFlat<Rule, Rule::kBackground>(pixels_, 0, pairs, colour, weight);
-    for (; i < count; ++i)
-        pixels_[i] =
-            blendPixel<Rule>(pixels_[i < pairs ? i + Rule::kBackground : i], colour, weight);
-    pixels_ += count;
+    blenders().byWeights(take(count), piece.colours, piece.weights);
 }
 
 template class TranslucentRun<ClassicBlend>;

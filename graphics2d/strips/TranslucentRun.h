@@ -6,6 +6,7 @@
 // code knows nothing of backgrounds, and the blending nothing of paints.
 #pragma once
 
+#include "graphics2d/LevelTable.h"
 #include "graphics2d/strips/Blending.h"
 #include "graphics2d/strips/Span.h"
 
@@ -23,10 +24,12 @@ struct PaintPiece {
 
 // Turns the 8.8 alphas of a piece, which stand in place of its weights, into the refined rule's
 // weights, and moves the coverage on.
-void weighAlphas(PaintPiece& piece, CoverageSequence& coverage, int32_t count);
+void weighAlphas(const LevelTable& level, PaintPiece& piece, CoverageSequence& coverage,
+                 int32_t count);
 
-// Pixels are drawn from left to right by one of the rules of Blending.h. Where the background of a
-// pixel would be the word past the end of the target's last row, the pixel reads itself.
+// Pixels are drawn from left to right by one of the rules of Blending.h, and by the context's
+// level. Where the background of a pixel would be the word past the end of the target's last row,
+// the pixel reads itself.
 template <class Rule>
 class TranslucentRun {
 public:
@@ -44,39 +47,23 @@ public:
     // Blends the first count pixels of a piece. The coverage is the caller's to advance.
     void drawPiece(const PaintPiece& piece, int32_t count);
 
-    // Replaces count pixels by the results of blended(backgrounds, i), a vector at a time. What it
-    // reads for the last few pixels reaches to the end of their vector.
-    template <class Blended>
-    void blendBy(int32_t count, Blended blended)
+    // The next count pixels, for a caller that blends them itself.
+    BlendedRun take(int32_t count)
     {
-        const int32_t pairs = pixelsWithBackground(count);
-        Pixel* to = pixels_; // a copy: a store of pixels may alias the member
-        int32_t i = 0;
-        for (; i + kLanes <= pairs; i += kLanes)
-            store(to + i, blended(load<PixelVector>(to + i + Rule::kBackground), i));
-        for (; i < count; i += kFewLanes) {
-            Pixel backgrounds[kFewLanes] = {};
-            const int32_t rest = count - i < kFewLanes ? count - i : kFewLanes;
-            for (int32_t k = 0; k < rest; ++k)
-                backgrounds[k] = to[i + k < pairs ? i + k + Rule::kBackground : i + k];
-            storeFew(to + i, blended(load<FewPixels>(backgrounds), i), rest);
-        }
-        pixels_ += count;
-    }
-
-    // The next pixels, for a caller that replaces count of them itself.
-    Pixel* take(int32_t count)
-    {
-        Pixel* const taken = pixels_;
+        const BlendedRun taken = {pixels_, count, pixelsWithBackground(count)};
         pixels_ += count;
         return taken;
+    }
+
+    const LevelTable& level() const { return *context_.level; }
+    const RunBlenders& blenders() const
+    {
+        return Rule::kRounds ? level().refinedRuns : level().classicRuns;
     }
 
     CoverageSequence coverage;
 
 private:
-    void drawFlat(Pixel colour, uint32_t weight, int32_t count);
-
     // count, or one less when the background of the last pixel lies past the target.
     int32_t pixelsWithBackground(int32_t count) const
     {
