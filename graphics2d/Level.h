@@ -17,3 +17,8 @@
 #if !defined(MM2D_FILLER_LEVEL)
 #define MM2D_FILLER_LEVEL MM2D_LEVEL
 #endif
+
+// The level whose loops stand in where wider vectors would be no faster.
+#if !defined(MM2D_NARROW_LEVEL)
+#define MM2D_NARROW_LEVEL MM2D_LEVEL
+#endif

@@ -137,7 +137,7 @@ inline const ColourFillers& coloursOf(const MMContext2D& context)
 }
 
 // The widest level that the processor has, or the one that the environment variable MM2D_LEVEL
-// names, if there is one of that name and the processor has it: "base", "avx2" or "neon".
+// names, if there is one of that name and the processor has it: "base", "avx2", "avx512" or "neon".
 const LevelTable* chooseLevel();
 
 } // namespace Graphics2D

@@ -462,7 +462,8 @@ public:
 
     // INNER: the drawing code of the processor's level, chosen by the constructor: the widest that
     // the processor has, with the same pixels at each. The environment variable MM2D_LEVEL may name
-    // another: "base", which there always is, "avx2" or "neon". A name of none counts for nothing.
+    // another: "base", which there always is, "avx2", "avx512" or "neon". A name of none counts for
+    // nothing.
     const LevelTable* level;
 
     // INNER: what the paint itself draws the current polygon by where a mask or a layer comes

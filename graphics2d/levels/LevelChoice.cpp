@@ -17,6 +17,12 @@ namespace base {
 extern const LevelTable kLevelTable;
 }
 
+#if defined(MM2D_WITH_AVX512)
+namespace avx512 {
+extern const LevelTable kLevelTable;
+}
+#endif
+
 #if defined(MM2D_WITH_AVX2)
 namespace avx2 {
 extern const LevelTable kLevelTable;
@@ -29,19 +35,39 @@ extern const LevelTable kLevelTable;
 }
 #endif
 
+namespace {
+
+struct Choice {
+    const LevelTable* table;
+    bool isThere; // the processor has it
+};
+
+} // namespace
+
 const LevelTable* chooseLevel()
 {
-    const LevelTable* best = &base::kLevelTable;
+    const Choice choices[] = { // the widest first
+#if defined(MM2D_WITH_AVX512)
+        // The first processors with such registers, which lack this, slow down while they use them.
+        {&avx512::kLevelTable,
+         __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vbmi2")},
+#endif
 #if defined(MM2D_WITH_AVX2)
-    if (__builtin_cpu_supports("avx2")) best = &avx2::kLevelTable;
+        {&avx2::kLevelTable, __builtin_cpu_supports("avx2") != 0},
 #endif
 #if defined(MM2D_WITH_NEON)
-    if ((getauxval(AT_HWCAP) & HWCAP_NEON) != 0) best = &neon::kLevelTable;
+        {&neon::kLevelTable, (getauxval(AT_HWCAP) & HWCAP_NEON) != 0},
 #endif
-    // No build has more than one level beside the base.
+        {&base::kLevelTable, true}
+    };
     const char* wanted = std::getenv("MM2D_LEVEL");
-    const bool wantsBase = wanted != nullptr && std::strcmp(wanted, base::kLevelTable.name) == 0;
-    return wantsBase ? &base::kLevelTable : best;
+    const LevelTable* best = nullptr;
+    for (const Choice& choice : choices) {
+        if (!choice.isThere) continue;
+        if (best == nullptr) best = choice.table;
+        if (wanted != nullptr && std::strcmp(wanted, choice.table->name) == 0) return choice.table;
+    }
+    return best;
 }
 
 } // namespace Graphics2D

@@ -4,6 +4,7 @@
 
 #include "graphics2d/strips/ColourRamp.h"
 #include "graphics2d/strips/RunBlending.h"
+#include "graphics2d/strips/SolidStrip.h"
 #include "graphics2d/strips/StripFillers.h"
 #include "graphics2d/strips/TexelCopy.h"
 #include "graphics2d/text/GlyphBlending.h"

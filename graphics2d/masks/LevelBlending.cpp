@@ -4,8 +4,10 @@
 #include "graphics2d/masks/LevelBlending.h"
 
 #include "graphics2d/masks/LevelRuns.h"
+#include "graphics2d/strips/SolidStrip.h"
 #include "graphics2d/strips/Span.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace KAVO {
@@ -37,17 +39,18 @@ inline Pixels movedByLevels(Pixels from, Pixels to, Pixels levels)
 #if defined(__AVX2__)
 // The same by multiplying bytes in pairs: 255 - level and level with channels less 128, for these
 // are signed.
-inline U32x8 movedByLevels(U32x8 from, U32x8 to, U32x8 levels)
+inline PixelVector movedByLevels(PixelVector from, PixelVector to, PixelVector levels)
 {
-    const U32x8 shares = inBothHalves((levels << 8) + (255 - levels));
-    const __m256i start = (__m256i)(from ^ 0x80808080u);
-    const __m256i end = (__m256i)(to ^ 0x80808080u);
-    const auto moved = [](U32x8 pairs, __m256i channels) {
-        const auto less = (U16x16)_mm256_maddubs_epi16((__m256i)pairs, channels);
-        return (__m256i)mulHigh(less + (255 * 128 + 128), U16x16{} + 257); // by 255
+    const PixelVector shares = inBothHalves((levels << 8) + (255 - levels));
+    const WideRegister start = (WideRegister)(from ^ 0x80808080u);
+    const WideRegister end = (WideRegister)(to ^ 0x80808080u);
+    const auto moved = [](PixelVector pairs, WideRegister channels) {
+        const auto less = (WideLanes)MM2D_WIDE(maddubs_epi16)((WideRegister)pairs, channels);
+        return (WideRegister)mulHigh(less + (255 * 128 + 128), WideLanes{} + 257); // by 255
     };
-    return (U32x8)_mm256_packus_epi16(moved(twiceLow(shares), _mm256_unpacklo_epi8(start, end)),
-                                      moved(twiceHigh(shares), _mm256_unpackhi_epi8(start, end)));
+    return (PixelVector)MM2D_WIDE(packus_epi16)(
+        moved(twiceLow(shares), MM2D_WIDE(unpacklo_epi8)(start, end)),
+        moved(twiceHigh(shares), MM2D_WIDE(unpackhi_epi8)(start, end)));
 }
 #endif
 
@@ -84,18 +87,23 @@ struct MoveToColour {
     {
         const uint32_t weight = refinedWeight(uint32_t{level} << 8, tint.opacity);
         if (weight == 256) return fillPixels(pixels + i, end - i, tint.source);
-        blendFlat<RefinedBlend, 0>(pixels, i, end, tint.source, weight);
+        blendColour<RefinedBlend>({pixels + i, end - i, end - i}, tint.source, weight);
     }
 };
 
-constexpr int32_t kGroup = 8;
+constexpr int32_t kWord = 8; // levels
+constexpr int32_t kGroup = std::max(kWord, kLanes);
 constexpr int32_t kLeastRun = 3 * kGroup; // it takes time to find where a run ends
 
-uint64_t groupOf(const uint8_t* levels)
+// Whether a group's levels are all this one.
+bool isAlike(const uint8_t* levels, uint8_t level)
 {
-    uint64_t group;
-    std::memcpy(&group, levels, sizeof group);
-    return group;
+    uint64_t words[kGroup / kWord];
+    std::memcpy(words, levels, sizeof words);
+    uint64_t others = 0;
+    for (const uint64_t word : words)
+        others |= word ^ level * 0x0101010101010101u;
+    return others == 0;
 }
 
 // Replaces pixels by what the move makes of them.
@@ -109,11 +117,12 @@ inline void blendByLevels(Pixel* pixels, const uint8_t* levels, int32_t count, M
     int32_t i = 0;
     while (count - i >= kGroup) {
         const uint8_t level = levels[i];
-        const uint64_t group = groupOf(levels + i);
-        const bool isRun = count - i >= kLeastRun && group == level * 0x0101010101010101u &&
-                           group == groupOf(levels + i + 2 * kGroup);
+        const bool isOneLevel = isAlike(levels + i, level);
+        const bool isRun =
+            count - i >= kLeastRun && isOneLevel && isAlike(levels + i + 2 * kGroup, level);
         if (!isRun) {
-            for (int32_t k = 0; k < kGroup && group != 0; k += kLanes)
+            const bool isClear = isOneLevel && level == 0;
+            for (int32_t k = 0; k < kGroup && !isClear; k += kLanes)
                 blendAt(i + k, PixelVector{});
             i += kGroup;
             continue;

@@ -43,9 +43,14 @@ inline U32x4 levelsOf(const uint8_t* levels)
 
 #if defined(__AVX2__)
 template <>
-inline U32x8 levelsOf(const uint8_t* levels)
+inline PixelVector levelsOf(const uint8_t* levels)
 {
-    return (U32x8)_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(levels)));
+    const auto* bytes = reinterpret_cast<const __m128i*>(levels);
+#if defined(__AVX512BW__) // GCC 12 warns of what its own header has without a mask
+    return (PixelVector)_mm512_maskz_cvtepu8_epi32(0xFFFF, _mm_loadu_si128(bytes));
+#else
+    return (PixelVector)_mm256_cvtepu8_epi32(_mm_loadl_epi64(bytes));
+#endif
 }
 #endif
 

@@ -9,16 +9,21 @@
 
 namespace KAVO {
 namespace Graphics2D {
+inline namespace MM2D_NARROW_LEVEL {
+
+// Texels are those of the whole part of a coordinate, where a row of pixels meets one row of
+// texels; of any count.
+void writeUprightTiles(const void* state, int32_t row, int32_t column, int32_t count,
+                       Pixel* pixels);
+
+} // namespace MM2D_NARROW_LEVEL
+
 inline namespace MM2D_LEVEL {
 
 constexpr int32_t kTexelBits = 28; // of a coordinate's fraction
 
-// Texels are those of the whole part of a coordinate ...
+// The same for any rows ...
 void writeNearestTiles(const void* state, int32_t row, int32_t column, int32_t count,
-                       Pixel* pixels);
-
-// ... likewise, where a row of pixels meets one row of texels; of any count ...
-void writeUprightTiles(const void* state, int32_t row, int32_t column, int32_t count,
                        Pixel* pixels);
 
 // ... and those of the next one, by the upper 8 bits of the fraction ...

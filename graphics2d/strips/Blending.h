@@ -2,7 +2,7 @@
 // How a weight moves a pixel of the target toward a source pixel, by either mode's rules. Internal.
 //
 // Pixels are 0xAARRGGBB, and all four channels are moved alike. Each rule comes for one pixel, for
-// a vector of them, and, as FlatBlend, for many pixels of one colour and weight.
+// a vector of them, and, in FlatBlending.h, for many pixels of one colour and weight.
 #pragma once
 
 #include "graphics2d/strips/PixelLanes.h"
@@ -81,7 +81,7 @@ inline Pixels blendPairs(Pixels destination, Pixels source, Pixels pairs)
     const Lanes evenFrom = (Lanes)destination & 0xFF, evenTo = (Lanes)source & 0xFF;
     const Lanes oddFrom = (Lanes)destination >> 8, oddTo = (Lanes)source >> 8;
 #if defined(__AVX2__)
-    if constexpr (Rule::kRounds && sizeof(Pixels) == sizeof(U32x8)) { // in fewer steps
+    if constexpr (Rule::kRounds && sizeof(Pixels) > sizeof(U32x4)) { // in fewer steps
         const Lanes even = evenFrom + mulRounded((evenTo - evenFrom) << 7, weights);
         const Lanes odd = oddFrom + mulRounded((oddTo - oddFrom) << 7, weights);
         return (Pixels)(even | odd << 8);
@@ -153,84 +153,6 @@ inline Pixel blendPremultiplied(Pixel destination, Pixel source, uint32_t weight
     const uint32_t rest = 256 - ((odd >> 16) * 257 >> 16); // the rounding is in odd
     return (((destination & kEvenChannels) * rest + even) >> 8 & kEvenChannels) |
            (((destination >> 8 & kEvenChannels) * rest + odd) & ~kEvenChannels);
-}
-
-// --- Many pixels of one colour and weight -----------------------------------------------------
-
-// A vector of pixels by either rule: d * (256 - w) + s * w + 128, or without the 128 but plus w
-// where d lies 128 below the colour's channel. Takes shorter vectors as well.
-template <class Rule, class Pixels>
-class FlatBlend {
-public:
-    FlatBlend(Pixel colour, uint32_t weight)
-        : raiseBelow_((Signed)widenLow(all<Pixels>(colour)) - 128), weight_(same(weight)),
-          rest_(same(256 - weight)),
-          share_(widenLow(all<Pixels>(colour)) * weight_ + same(Rule::kRounds ? 128 : 0))
-    {
-    }
-
-    template <class Some>
-    Some operator()(Some destination) const
-    {
-        return narrowHighBytes(moved(widenLow(destination)), moved(widenHigh(destination)));
-    }
-
-private:
-    using Lanes = decltype(widenLow(Pixels{}));
-    using Signed = decltype(Lanes{} < Lanes{});
-
-    static Lanes same(uint32_t v) { return Lanes{} + static_cast<uint16_t>(v); }
-
-    template <class Some>
-    Some moved(Some from) const
-    {
-        const Some sum = from * firstOf<Some>(rest_) + firstOf<Some>(share_);
-        if constexpr (Rule::kRounds) return sum;
-        using SomeSigned = decltype(Some{} < Some{});
-        const Some raised = (Some)(firstOf<SomeSigned>(raiseBelow_) > (SomeSigned)from);
-        return sum + (raised & firstOf<Some>(weight_));
-    }
-
-    Signed raiseBelow_;
-    Lanes weight_;
-    Lanes rest_;
-    Lanes share_;
-};
-
-// One pixel after the other.
-template <class Rule>
-class FlatBlend<Rule, Pixel> {
-public:
-    FlatBlend(Pixel colour, uint32_t weight) : colour_(colour), weight_(weight) {}
-
-    Pixel operator()(Pixel destination) const
-    {
-        return moved(destination, colour_) | moved(destination >> 8, colour_ >> 8) << 8;
-    }
-
-private:
-    uint32_t moved(uint32_t from, uint32_t to) const
-    {
-        return Rule::flatPair(from & kEvenChannels, to & kEvenChannels, weight_);
-    }
-
-    Pixel colour_;
-    uint32_t weight_;
-};
-
-// Blends pixels over those that lie kBackground to their right, from the index on as far as whole
-// vectors and then fewer pixels go; returns the index of the rest. A call, so that short spans need
-// none of it.
-template <class Rule, int32_t kBackground>
-[[gnu::noinline]] int32_t blendFlat(Pixel* pixels, int32_t i, int32_t end, Pixel colour,
-                                    uint32_t weight)
-{
-    const FlatBlend<Rule, PixelVector> blended(colour, weight);
-    for (; i + kLanes <= end; i += kLanes)
-        store(pixels + i, blended(load<PixelVector>(pixels + i + kBackground)));
-    for (; i + kFewLanes <= end; i += kFewLanes)
-        store(pixels + i, blended(load<FewPixels>(pixels + i + kBackground)));
-    return i;
 }
 
 // --- The classic rule ----------------------------------------------------------------------------

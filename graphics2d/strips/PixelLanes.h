@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: MIT
 // Several pixels at a time. Internal.
 //
-// Loops over many pixels work on PixelVector, which is what the level's registers hold: eight with
-// AVX2, four, or a single pixel where there are no vector registers. What they call is a template
-// of it or has an overload for each; all have the same results.
+// Loops over many pixels work on PixelVector, which is what the level's registers hold: sixteen
+// with AVX-512, eight with AVX2, four, or a single pixel where there are no vector registers. What
+// they call is a template of it or has an overload for each; all have the same results.
 #pragma once
 
 #include "graphics2d/strips/FourPixels.h"
 
 #if defined(__AVX2__)
-#include "graphics2d/strips/EightPixels.h"
+#include "graphics2d/strips/WidePixels.h"
 #endif
 
 namespace KAVO {

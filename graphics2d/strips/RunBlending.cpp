@@ -19,11 +19,15 @@ inline void blendBy(BlendedRun run, Blended blended)
     for (; i + kLanes <= run.pairs; i += kLanes)
         store(pixels + i, blended(load<PixelVector>(pixels + i + Rule::kBackground), i));
     for (; i < run.count; i += kFewLanes) {
-        Pixel backgrounds[kFewLanes] = {};
         const int32_t rest = std::min(run.count - i, kFewLanes);
-        for (int32_t k = 0; k < rest; ++k)
-            backgrounds[k] = pixels[i + k < run.pairs ? i + k + Rule::kBackground : i + k];
-        storeFew(pixels + i, blended(load<FewPixels>(backgrounds), i), rest);
+        const bool isWhole = kLanes > kFewLanes && i + kFewLanes <= run.pairs;
+        Pixel few[kFewLanes] = {};
+        if (!isWhole)
+            for (int32_t k = 0; k < rest; ++k)
+                few[k] = pixels[i + k < run.pairs ? i + k + Rule::kBackground : i + k];
+        const auto result =
+            blended(load<FewPixels>(isWhole ? pixels + i + Rule::kBackground : few), i);
+        isWhole ? store(pixels + i, result) : storeFew(pixels + i, result, rest);
     }
 }
 
@@ -48,10 +52,11 @@ template <class Pixels>
 inline Pixels blendedByAlpha(RefinedBlend, Pixels backgrounds, Pixels colours, uint32_t opacity)
 {
 #if defined(__AVX2__)
-    if constexpr (sizeof(Pixels) == sizeof(U32x8)) {
-        const U16x16 alphas = (U16x16)alphasInBothHalves(colours) << 8;
-        const U16x16 weights = refinedWeights(U16x16{} + static_cast<uint16_t>(opacity), alphas);
-        return blendPairs<RefinedBlend>(backgrounds, colours | kOpaque, (U32x8)weights);
+    if constexpr (sizeof(Pixels) > sizeof(U32x4)) {
+        using Lanes = decltype(widenLow(colours));
+        const Lanes alphas = (Lanes)alphasInBothHalves(colours) << 8;
+        const Lanes weights = refinedWeights(Lanes{} + static_cast<uint16_t>(opacity), alphas);
+        return blendPairs<RefinedBlend>(backgrounds, colours | kOpaque, (Pixels)weights);
     }
 #endif
     return blendPixels<RefinedBlend>(backgrounds, colours | kOpaque,
@@ -70,18 +75,6 @@ inline void blendAllByAlpha(BlendedRun run, const Pixel* colours, uint32_t opaci
 } // namespace
 
 template <class Rule>
-void blendColour(BlendedRun run, Pixel colour, uint32_t weight)
-{
-    Pixel* const pixels = run.pixels;
-    int32_t i = 0;
-    if (run.pairs >= kFewLanes)
-        i = blendFlat<Rule, Rule::kBackground>(pixels, 0, run.pairs, colour, weight);
-    for (; i < run.count; ++i)
-        pixels[i] =
-            blendPixel<Rule>(pixels[i < run.pairs ? i + Rule::kBackground : i], colour, weight);
-}
-
-template <class Rule>
 void blendByWeights(BlendedRun run, const Pixel* colours, const uint32_t* weights)
 {
     blendBy<Rule>(run, [=](auto backgrounds, int32_t i) {
@@ -90,8 +83,6 @@ void blendByWeights(BlendedRun run, const Pixel* colours, const uint32_t* weight
     });
 }
 
-template void blendColour<ClassicBlend>(BlendedRun, Pixel, uint32_t);
-template void blendColour<RefinedBlend>(BlendedRun, Pixel, uint32_t);
 template void blendByWeights<ClassicBlend>(BlendedRun, const Pixel*, const uint32_t*);
 template void blendByWeights<RefinedBlend>(BlendedRun, const Pixel*, const uint32_t*);
 

@@ -13,9 +13,6 @@ namespace Graphics2D {
 inline namespace MM2D_LEVEL {
 
 template <class Rule>
-void blendColour(BlendedRun run, Pixel colour, uint32_t weight);
-
-template <class Rule>
 void blendByWeights(BlendedRun run, const Pixel* colours, const uint32_t* weights);
 
 // Colours that are not multiplied with their alpha, by an opacity of 0 to 255, or of 8.8 by the

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-// The translucent strip fillers of a solid colour.
+// The translucent strip fillers of a solid colour, and runs of one in other paints.
 //
 // Both modes blend a colour over the pixel itself; what they differ in is the weight.
 #include "graphics2d/strips/SolidStrip.h"
 
 #include "graphics2d/LevelTable.h"
-#include "graphics2d/strips/Blending.h"
+#include "graphics2d/strips/FlatBlending.h"
 #include "graphics2d/strips/Span.h"
 #include "graphics2d/strips/StripFillers.h"
 
@@ -54,7 +54,7 @@ template <class Colour>
     constexpr int32_t kLongRun = 8;
     int32_t second = 1; // the pixel that is blended after the first
     if (step == 0 && count >= kLongRun)
-        second = blendFlat<Rule, 0>(pixels, 1, count, tint.source, tint.weightOf(next));
+        second = blendFlat<Rule, 0>(pixels, count, tint.source, tint.weightOf(next));
     const PixelBlend<Rule> blended(tint.source);
     for (int32_t i = 0; i < count;) {
         pixels[i] = blended(pixels[i], tint.weightOf(coverage));
@@ -81,6 +81,22 @@ void drawTranslucentColour(MMContext2D& context, ColourRun blend)
 }
 
 } // namespace
+
+template <class Rule>
+void blendColour(BlendedRun run, Pixel colour, uint32_t weight)
+{
+    Pixel* const pixels = run.pixels;
+    for (int32_t i = 0; i < run.count;) {
+        const int32_t background = i < run.pairs ? i + Rule::kBackground : i;
+        pixels[i] = blendPixel<Rule>(pixels[background], colour, weight);
+        i = i == 0 && run.pairs > kFewLanes
+                ? blendFlat<Rule, Rule::kBackground>(pixels, run.pairs, colour, weight)
+                : i + 1;
+    }
+}
+
+template void blendColour<ClassicBlend>(BlendedRun, Pixel, uint32_t);
+template void blendColour<RefinedBlend>(BlendedRun, Pixel, uint32_t);
 
 void blendClassicRun(Pixel* pixels, int32_t count, Pixel colour, Coverage coverage, Coverage next,
                      Coverage step)

@@ -2,6 +2,7 @@
 // Solid colours by the rules of both modes. Internal.
 #pragma once
 
+#include "graphics2d/LevelTable.h"
 #include "graphics2d/strips/Blending.h"
 
 namespace KAVO {
@@ -29,6 +30,10 @@ struct RefinedColour {
         return refinedWeight(coarseCoverage(coverage), alpha);
     }
 };
+
+// Blends a run by one colour and one weight of a rule.
+template <class Rule>
+void blendColour(BlendedRun run, Pixel colour, uint32_t weight);
 
 } // namespace MM2D_LEVEL
 } // namespace Graphics2D

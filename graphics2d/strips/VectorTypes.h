@@ -29,11 +29,14 @@ typedef int32_t I32x4 __attribute__((vector_size(16)));
 typedef uint64_t U64x2 __attribute__((vector_size(16)));
 
 // As many pixels as the level's registers hold, and not more than four of them, for what is left.
-#if defined(__AVX2__)
+#if defined(__AVX512BW__)
+typedef uint16_t U16x32 __attribute__((vector_size(64)));
+typedef uint32_t U32x16 __attribute__((vector_size(64)));
+using PixelVector = U32x16;
+using FewPixels = U32x4;
+#elif defined(__AVX2__)
 typedef uint16_t U16x16 __attribute__((vector_size(32)));
-typedef int16_t I16x16 __attribute__((vector_size(32)));
 typedef uint32_t U32x8 __attribute__((vector_size(32)));
-typedef int32_t I32x8 __attribute__((vector_size(32)));
 using PixelVector = U32x8;
 using FewPixels = U32x4;
 #elif defined(__SSE2__) || defined(__ARM_NEON)
@@ -45,7 +48,9 @@ using FewPixels = uint32_t;
 #endif
 
 // A pixel's place in its vector.
-#if defined(__AVX2__)
+#if defined(__AVX512BW__)
+constexpr PixelVector kPlaces = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
+#elif defined(__AVX2__)
 constexpr PixelVector kPlaces = {0, 1, 2, 3, 4, 5, 6, 7};
 #elif defined(__SSE2__) || defined(__ARM_NEON)
 constexpr PixelVector kPlaces = {0, 1, 2, 3};
@@ -82,7 +87,10 @@ inline bool isZero(Lanes lanes)
 {
     if constexpr (sizeof(Lanes) < sizeof(uint64_t)) {
         return lanes == 0;
-#if defined(__AVX2__)
+#if defined(__AVX512BW__)
+    } else if constexpr (sizeof(Lanes) == sizeof(U32x16)) {
+        return _mm512_test_epi32_mask((__m512i)lanes, (__m512i)lanes) == 0;
+#elif defined(__AVX2__)
     } else if constexpr (sizeof(Lanes) == sizeof(U32x8)) {
         return _mm256_testz_si256((__m256i)lanes, (__m256i)lanes) != 0;
 #endif

@@ -9,13 +9,13 @@
 
 namespace KAVO {
 namespace Graphics2D {
-inline namespace MM2D_LEVEL {
+inline namespace MM2D_NARROW_LEVEL {
 
 void blendClassicColour(const GlyphRows& glyph);
 void blendRefinedColour(const GlyphRows& glyph);
 void blendClassicPixels(const GlyphRows& glyph);
 void blendRefinedPixels(const GlyphRows& glyph); // premultiplied
 
-} // namespace MM2D_LEVEL
+} // namespace MM2D_NARROW_LEVEL
 } // namespace Graphics2D
 } // namespace KAVO

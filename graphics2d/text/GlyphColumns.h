@@ -67,7 +67,7 @@ inline void storeFirst(Pixel* to, U32x4 pixels, int32_t count)
     if ((count & 1) != 0) *to = pixels[0];
 }
 
-#if defined(__AVX2__)
+#if defined(__AVX2__) && !defined(__AVX512BW__)
 
 using GlyphPixels = U32x8;
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Colours blended by the refined rules, against double precision.
 #include "graphics2d/convenience/MMContextState.h"
-#include "graphics2d/strips/Blending.h"
+#include "graphics2d/strips/FlatBlending.h"
 #include "graphics2d/strips/StripDispatch.h"
 
 #include <gtest/gtest.h>
