@@ -256,7 +256,7 @@ void ChainClusters::addByMiddles(const SlabChain* chains, uint32_t count, int32_
         }
         order[i] = {middleOf(topX, chain.line.xAt(to)), static_cast<int32_t>(i)};
     }
-    sortNearlySorted(order.data(), count);
+    sortMiddles(order.data(), count);
     for (uint32_t i = 0; i < count; ++i) {
         const Chain& chain = chains[order[i].index];
         const bool was = slabs_.inside(winding);

@@ -43,13 +43,15 @@ public:
     {
         if (!vertices_) return;
         const uint32_t start = topmost(points, count);
-        for (uint32_t i = start; i < count; ++i)
-            append(points[i]);
-        for (uint32_t i = 0; i < start; ++i)
-            append(points[i]);
-        // The last vertex is compared with the first point before its shift. Without one the two
-        // may be the same, and the list would stay open.
-        if (!grid_.shifts() || vertices_[size_ - 1] != points[0]) append(points[start]);
+        const MMPoint2D* point = points + start;
+        uint32_t left = count + 1;
+        do {
+            append(*point);
+            if (++point == points + count) point = points;
+            // The last vertex is compared with the first point before its shift. Without one the
+            // two may be the same, and the list would stay open.
+        } while (--left > 1 ||
+                 (left == 1 && !(grid_.shifts() && vertices_[size_ - 1] == points[0])));
         vertices_.resize(size_);
     }
 

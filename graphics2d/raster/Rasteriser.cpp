@@ -9,8 +9,6 @@
 #include "graphics2d/raster/RasterComplex.h"
 #include "graphics2d/raster/RasterMonotone.h"
 
-#include <algorithm>
-
 namespace KAVO {
 namespace Graphics2D {
 
@@ -48,11 +46,13 @@ uint32_t countDirectionChanges(const MMPoint2D* points, uint32_t count)
 
 bool hasThreeVertices(const MMPoint2D* begin, const MMPoint2D* end)
 {
-    if (begin == end) return false;
-    const MMPoint2D first = *begin;
-    const MMPoint2D* second =
-        std::find_if(begin, end, [&](const MMPoint2D& p) { return p != first; });
-    return std::any_of(second, end, [&](const MMPoint2D& p) { return p != first && p != *second; });
+    const MMPoint2D* second = begin; // until there is one that differs from the first
+    for (const MMPoint2D* point = begin; point != end; ++point) {
+        if (*point == *begin || *point == *second) continue;
+        if (second != begin) return true;
+        second = point;
+    }
+    return false;
 }
 
 // The contours that can hold anything, as far as they have to be counted.
@@ -121,7 +121,9 @@ BoundsUnion fillContours(MMContext2D& context, const Contours& contours, MMFillR
     return bounds;
 }
 
-BoundsUnion fillMonotonePolygon(MMContext2D& context, const MMPoint2D* points, uint32_t count)
+// Kept out of the public operations below, which would hold it twice.
+[[gnu::noinline]] BoundsUnion fillMonotonePolygon(MMContext2D& context, const MMPoint2D* points,
+                                                  uint32_t count)
 {
     if (count < 3) return {};
     const BoundsUnion bounds = boundsOfPolygon(points, count);
@@ -129,8 +131,9 @@ BoundsUnion fillMonotonePolygon(MMContext2D& context, const MMPoint2D* points, u
     return bounds;
 }
 
-BoundsUnion fillComplexPolygon(MMContext2D& context, const MMPoint2D* points, uint32_t count,
-                               MMFillRule rule)
+// Likewise.
+[[gnu::noinline]] BoundsUnion fillComplexPolygon(MMContext2D& context, const MMPoint2D* points,
+                                                 uint32_t count, MMFillRule rule)
 {
     if (count < 3) return {};
     const BoundsUnion bounds = boundsOfPolygon(points, count);

@@ -22,6 +22,11 @@ bool isSortedByBottom(const SlabEdge* edges, uint32_t count)
 
 } // namespace
 
+void sortMiddles(MiddleX* middles, uint32_t count)
+{
+    sortNearlySorted(middles, count);
+}
+
 void SlabFill::add(SlabEdge* edges, uint32_t count, int32_t winding, uint32_t height)
 {
     if (isDeepInside(winding, count)) return;
@@ -116,7 +121,7 @@ void SlabFill::addByMiddles(const SlabEdge* edges, uint32_t count, int32_t windi
     }
     for (uint32_t i = 0; i < count; ++i)
         order[i] = {middleOf(edges[i].topX, edges[i].bottomX), static_cast<int32_t>(i)};
-    sortNearlySorted(order.data(), count);
+    sortMiddles(order.data(), count);
     for (uint32_t i = 0; i < count; ++i) {
         const SlabEdge& edge = edges[order[i].index];
         addOrdered(&edge, 1, winding, height);

@@ -32,6 +32,8 @@ inline bool isBefore(const MiddleX& a, const MiddleX& b)
     return a.x != b.x ? a.x < b.x : a.index < b.index;
 }
 
+void sortMiddles(MiddleX* middles, uint32_t count);
+
 // The middle of two places, without wrapping on the way.
 inline Fixed middleOf(Fixed a, Fixed b)
 {

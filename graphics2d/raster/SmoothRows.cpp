@@ -26,8 +26,6 @@
 #include "graphics2d/raster/ChainClusters.h"
 #include "graphics2d/raster/RowSeparators.h"
 
-#include <algorithm>
-
 namespace KAVO {
 namespace Graphics2D {
 
@@ -38,6 +36,13 @@ namespace {
 bool isPair(const RowPlace& left, const RowPlace& right)
 {
     return left.maxX <= right.minX && left.winding != right.winding;
+}
+
+bool areStraight(const RowPlace* first, const RowPlace* end)
+{
+    while (first != end && first->straight)
+        ++first;
+    return first == end;
 }
 
 class SmoothFill {
@@ -164,7 +169,7 @@ void SmoothFill::addBetween(RowPlace* first, RowPlace* end, int32_t winding)
     if (slabs_.isDeepInside(winding, count)) return;
     if (count == 1)
         addChain(slabs_, row_, *first, winding);
-    else if (std::all_of(first, end, [](const RowPlace& place) { return place.straight; }))
+    else if (areStraight(first, end))
         addStraight(first, end, winding);
     else
         addClusters(first, end, winding, true);
@@ -172,8 +177,10 @@ void SmoothFill::addBetween(RowPlace* first, RowPlace* end, int32_t winding)
 
 void SmoothFill::addStraight(const RowPlace* first, const RowPlace* end, int32_t winding)
 {
-    const Fixed visibleX = coverage_.startX();
-    if (std::all_of(first, end, [=](const RowPlace& place) { return place.maxX <= visibleX; })) {
+    const RowPlace* visible = first; // the first of them that is
+    while (visible != end && visible->maxX <= coverage_.startX())
+        ++visible;
+    if (visible == end) {
         addPassed(first, end, winding);
         return;
     }

@@ -40,13 +40,13 @@ void VertexRings::appendRing(const MMPoint2D* points, const MMPoint2D* end)
 {
     if (points == end) return;
     const uint32_t first = size_;
-    MMPoint2D previous = grid_.moved(*points);
-    append(previous);
-    for (const MMPoint2D* point = points; point != end;) {
-        ++point; // in the end back to the first one
+    MMPoint2D previous = {};
+    for (const MMPoint2D* point = points; point <= end; ++point) { // in the end the first one again
         const MMPoint2D vertex = grid_.moved(point != end ? *point : *points);
-        if (vertex == previous) continue;
-        if (cutLongEdges_) append(midPoint(previous, vertex));
+        if (point != points) {
+            if (vertex == previous) continue;
+            if (cutLongEdges_) append(midPoint(previous, vertex));
+        }
         append(vertex);
         previous = vertex;
     }
