@@ -8,14 +8,17 @@
 // Without anti-aliasing a row is decided on its lower boundary, which the pixel grid makes
 // the centre line of the pixels. Rows with anti-aliasing are the topic of SmoothRows.cpp.
 //
+// Of many small rectangles those that are alone need no sweep: LoneRectangles.cpp draws them first.
+//
 // Cost: n log n for the local minima, and for each row n log n for the chains in it, times the
 // slabs that it is cut into: one for most rows, never more than a constant number. Memory, all of
 // it from the scratch stack: three words per vertex, some forty per local minimum, and the row of
-// coverage.
+// coverage; before them up to sixteen per rectangle.
 #include "graphics2d/raster/RasterComplex.h"
 
 #include "graphics2d/OutOfMemory.h"
 #include "graphics2d/raster/ActiveEdges.h"
+#include "graphics2d/raster/LoneRectangles.h"
 #include "graphics2d/raster/SmoothRows.h"
 
 namespace KAVO {
@@ -63,22 +66,47 @@ void drawSharp(RowPainter& painter, ActiveEdges& active, MMFillRule rule)
     }
 }
 
+// Draws the rectangles that are alone, and gathers the others. False when scratch memory ran out.
+bool gatherOthers(VertexRings& rings, MMStackContext& stack, RowPainter& painter,
+                  const PixelGrid& grid, const Contours& contours)
+{
+    LoneRectangles rectangles(stack, painter, grid, contours);
+    if (!rectangles) return false;
+    const MMPoint2D* points = contours.points;
+    for (uint32_t i = 0; i < contours.count; ++i) {
+        const MMPoint2D* const end = contours.end(i);
+        if (!rectangles.draw(points)) rings.appendRing(points, end);
+        points = end;
+    }
+    return true;
+}
+
 // False when scratch memory ran out.
 bool draw(MMContext2D& context, const PixelBox& visible, const Contours& contours,
           bool cutLongEdges, MMFillRule rule)
 {
     RowPainter painter(context, visible);
     if (!painter.draws()) return true;
-    VertexRings rings(context.scratchStack, PixelGrid(context), cutLongEdges, contours);
+    MMStackContext& stack = context.scratchStack;
+    const PixelGrid grid(context);
+    VertexRings rings(stack, grid, cutLongEdges, contours);
     if (!rings) return false;
+    const bool isSmooth = (context.antiAlias & 1) != 0;
+    if (isSmooth && !cutLongEdges && painter.blendsColour() &&
+        LoneRectangles::areLikely(contours, visible)) {
+        if (!gatherOthers(rings, stack, painter, grid, contours)) return false;
+    } else {
+        rings.appendRings(contours);
+    }
+    rings.close(stack);
     if (rings.minimumCount() == 0) return true;
-    ActiveEdges active(context.scratchStack, rings);
+    ActiveEdges active(stack, rings);
     if (!active) return false;
-    if ((context.antiAlias & 1) == 0) {
+    if (!isSmooth) {
         drawSharp(painter, active, rule);
         return true;
     }
-    CoverageRow coverage(context.scratchStack, visible);
+    CoverageRow coverage(stack, visible);
     if (!coverage) return false;
     drawSmoothRows(context, painter, coverage, active, rule);
     return true;

@@ -49,6 +49,9 @@ public:
 
     const PixelBox& visible() const { return visible_; }
 
+    // Whether rows one at a time are drawn in a solid colour, each pixel by nothing but its area.
+    bool blendsColour() const { return colourRun_ != nullptr && context_.spanRows == 1; }
+
     // Rows that are drawn alike may be drawn at once by fillers that know how to.
     void beginRow(int32_t row, int32_t rows = 1);
 
@@ -121,7 +124,6 @@ private:
         Run part(int32_t from, int32_t length) const;
     };
 
-    bool blendsColour() const { return colourRun_ != nullptr && context_.spanRows == 1; }
     void blendColour(int32_t first, int32_t count, Coverage start, Coverage next, Coverage step)
     {
         colourRun_(context_.spanPixels + first, count, context_.currentPaint.paintColour, start,

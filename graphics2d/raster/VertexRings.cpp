@@ -23,10 +23,17 @@ VertexRings::VertexRings(MMStackContext& stack, const PixelGrid& grid, bool cutL
                          const Contours& contours)
     : grid_(grid), cutLongEdges_(cutLongEdges), vertices_(stack, roomFor(contours, cutLongEdges))
 {
-    if (!vertices_) return;
-    appendLink(0);
+    if (vertices_) appendLink(0);
+}
+
+void VertexRings::appendRings(const Contours& contours)
+{
     for (uint32_t i = 0; i < contours.count; ++i)
         appendRing(contours.begin(i), contours.end(i));
+}
+
+void VertexRings::close(MMStackContext& stack)
+{
     vertices_.resize(size_);
     firstMinimum_ = sortedMinima(stack);
 }

@@ -20,12 +20,21 @@ constexpr uint32_t kNoVertex = kNoLink;
 // vertices, so that who walks downward looks for them only where an edge goes up.
 class VertexRings {
 public:
-    // Takes the contours' points, on the pixel grid and without repetitions, from which long
-    // edges are cut into halves if wanted. Contours that lie on one horizontal line are left out.
+    // Takes room for the contours. Long edges are to be cut into halves if wanted.
     VertexRings(MMStackContext& stack, const PixelGrid& grid, bool cutLongEdges,
                 const Contours& contours);
 
     explicit operator bool() const { return static_cast<bool>(vertices_); }
+
+    // Takes a contour's points, on the pixel grid and without repetitions. A contour that lies on
+    // one horizontal line is left out.
+    void appendRing(const MMPoint2D* points, const MMPoint2D* end);
+    void appendRings(const Contours& contours);
+
+    // After the last one, with the stack as the constructor left it: gives back the room that is
+    // left, and makes the list of minima.
+    void close(MMStackContext& stack);
+
     const MMPoint2D& operator[](uint32_t i) const { return vertices_[i].point; }
 
     // The next vertex of the same ring, forward (winding 1) or backward (winding -1).
@@ -72,7 +81,6 @@ private:
     }
 
     void appendLink(uint32_t firstOfRing);
-    void appendRing(const MMPoint2D* points, const MMPoint2D* end);
     void append(const MMPoint2D& vertex) { vertices_[size_++].point = vertex; }
     bool linkMinima(uint32_t first);
     void addMinimum(uint32_t i);

@@ -107,15 +107,15 @@ TEST(RasterWork, GrowsNoFasterThanSorting)
     }
 }
 
-// Shapes scattered over the picture, in one path.
-std::vector<MMPoint2D> scattered(int shapes, int corners, double radius)
+// Shapes scattered over the picture, in one path. The first corner is a part of a corner's turn on.
+std::vector<MMPoint2D> scattered(int shapes, int corners, double radius, double first = 0)
 {
     Places places;
     std::vector<MMPoint2D> points;
     for (int i = 0; i < shapes; ++i) {
         const MMPoint2D centre = places.within(0, 100);
         for (int k = 0; k < corners; ++k) {
-            const double turn = (k + 0.5) * 2 * M_PI / corners;
+            const double turn = (k + first) * 2 * M_PI / corners;
             points.push_back(
                 {centre.x + fx(radius * std::cos(turn)), centre.y + fx(radius * std::sin(turn))});
         }
@@ -139,6 +139,16 @@ TEST(RasterWork, ScatteredShapesDoNotMeet)
             EXPECT_GT(few, uint64_t(c.few * c.corners));
             EXPECT_LT(many, few * 30) << c.corners << " corners, fill rule " << int(rule);
         }
+}
+
+// Small upright squares are drawn each by itself where they are alone, as most of these are, for a
+// fraction of what turned ones cost.
+TEST(RasterWork, LoneRectanglesAreCheap)
+{
+    const uint64_t turned = workOf(scattered(250, 4, 2), 4, kFillNonZero);
+    const uint64_t upright = workOf(scattered(250, 4, 2, 0.5), 4, kFillNonZero);
+    EXPECT_GT(upright, 250u * 4);
+    EXPECT_LT(upright * 3, turned);
 }
 
 // Chains left of all that is visible are not cut into slabs, and those right of it not either.
