@@ -55,7 +55,7 @@ public:
         return kWholeArea - static_cast<Area>(static_cast<uint64_t>(height) * width >> 17);
     }
 
-    Area areaOf(int32_t column) const
+    [[gnu::noinline]] Area areaOf(int32_t column) const
     {
         if (column < first_) return 0;
         if (column >= end_) return kWholeArea;

@@ -39,7 +39,8 @@ void addDifference(RowPainter& painter, const EdgeRamp& left, const EdgeRamp& ri
         // Nothing changes between the ramps.
         const int32_t next = inLeft || inRight ? column + 1 : std::min(end, right.firstColumn());
         const Area height = inLeft == inRight ? lesserHeight : inLeft ? leftHeight : rightHeight;
-        const Area area = left.areaOf(column) - right.areaOf(column);
+        const Area area =
+            (inLeft ? left.areaOf(column) : kWholeArea) - (inRight ? right.areaOf(column) : 0);
         painter.addConstant(column, next,
                             static_cast<Area>(static_cast<int64_t>(area) * height >> 16));
         column = next;

@@ -14,6 +14,8 @@
 // stack: 8 to 16 words for each.
 #include "graphics2d/raster/LoneRectangles.h"
 
+#include "graphics2d/raster/RasterRectangle.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -25,10 +27,7 @@ namespace {
 bool isSmallRectangle(const MMPoint2D* p, const MMPoint2D* end)
 {
     constexpr uint32_t kLongest = 32 << 16; // 16.16: so its cells lie in three words a row
-    if (end - p != 4 && (end - p != 5 || p[4] != p[0])) return false;
-    const MMPoint2D beside = {p[2].x, p[0].y};
-    const MMPoint2D below = {p[0].x, p[2].y};
-    return ((p[1] == beside && p[3] == below) || (p[1] == below && p[3] == beside)) &&
+    return isUprightRectangle(p, static_cast<uint32_t>(end - p)) &&
            magnitudeOf(wrapSub(p[2].x, p[0].x)) <= kLongest &&
            magnitudeOf(wrapSub(p[2].y, p[0].y)) <= kLongest;
 }

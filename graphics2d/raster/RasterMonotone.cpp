@@ -5,23 +5,25 @@
 // vertex list, one backward. Each row lies between them. There is no edge table and no sorting; a
 // row costs two additions and the strip calls, an edge one division (two with anti-aliasing). Which
 // chain is on the left is looked up anew in every row, so crossed chains do no harm. Rows between
-// upright edges are alike, and fillers that know how to draw several of them at once.
+// upright edges are alike, and so is all of a rectangle, which needs no chains
+// (RasterRectangle.cpp).
 //
 // Without anti-aliasing a row is the span between the chains' x at the row's lower boundary, which
 // the pixel grid makes the centre line of the pixels. With it, rows that hold no vertex take
-// the ramps of SmoothEdges.cpp, and the others are cut into slabs at their vertices and summed up
+// the ramps of EdgeRow.cpp, and the others are cut into slabs at their vertices and summed up
 // exactly in a CoverageRow.
 //
 // The list is the only memory taken: the vertices, and one row of coverage.
 #include "graphics2d/raster/RasterMonotone.h"
 
 #include "graphics2d/OutOfMemory.h"
-#include "graphics2d/Redirection.h"
 #include "graphics2d/raster/EdgeLine.h"
 #include "graphics2d/raster/EdgeRow.h"
 #include "graphics2d/raster/PixelGrid.h"
+#include "graphics2d/raster/RasterRectangle.h"
 #include "graphics2d/raster/SlabFill.h"
 #include "graphics2d/raster/ThinPolygon.h"
+#include "graphics2d/raster/UprightRows.h"
 #include "math/Points.h"
 #include "memory/ScratchArray.h"
 
@@ -150,7 +152,7 @@ private:
     {
         // Slopes below 3 / 65536 have no 16.16 reciprocal. They never leave a column far enough
         // to need it.
-        if (magnitudeOf(slope) < 3) return 0x7FFFFFFF;
+        if (magnitudeOf(slope) < 3) return kNoCoverageSlope;
         return fixDiv(kFixedOne, static_cast<Fixed>(magnitudeOf(slope)));
     }
 
@@ -176,21 +178,24 @@ void drawSharp(RowPainter& painter, WalkedChain& forward, WalkedChain& backward,
         Fixed backwardX = backward.xAt(boundary);
         const Fixed lowest =
             std::min({forward.endY(), backward.endY(), fixFromInt(visible.bottom)});
-        const bool upright = forward.isUpright() && backward.isUpright();
         // Rows to the end of the nearer edge; both edges continue straight.
-        for (;;) {
-            const int32_t left = fixFloor(lowest - boundary) + 1;
-            const int32_t rows = upright ? std::min(painter.rowsAtOnce(true), left) : 1;
-            painter.beginRow(row, rows);
-            painter.drawSharp(std::min(forwardX, backwardX), std::max(forwardX, backwardX));
-            row += rows;
-            boundary += fixFromInt(rows - 1);
-            if (boundary > lowest - kFixedOne) break;
-            boundary += kFixedOne;
-            forwardX = forward.endY() == boundary ? forward.xAt(boundary)
-                                                  : wrapAdd(forwardX, forward.slope());
-            backwardX = backward.endY() == boundary ? backward.xAt(boundary)
-                                                    : wrapAdd(backwardX, backward.slope());
+        if (forward.isUpright() && backward.isUpright()) {
+            const int32_t end = fixFloor(lowest);
+            drawSharpRows(painter, {std::min(forwardX, backwardX), std::max(forwardX, backwardX)},
+                          row, end);
+            row = end;
+            boundary = fixFromInt(end);
+        } else {
+            for (;;) {
+                painter.beginRow(row++);
+                painter.drawSharp(std::min(forwardX, backwardX), std::max(forwardX, backwardX));
+                if (boundary > lowest - kFixedOne) break;
+                boundary += kFixedOne;
+                forwardX = forward.endY() == boundary ? forward.xAt(boundary)
+                                                      : wrapAdd(forwardX, forward.slope());
+                backwardX = backward.endY() == boundary ? backward.xAt(boundary)
+                                                        : wrapAdd(backwardX, backward.slope());
+            }
         }
         forward.moveTo(boundary, forwardX);
         backward.moveTo(boundary, backwardX);
@@ -293,22 +298,16 @@ int32_t drawWholeRows(MMContext2D& context, RowPainter& painter, WalkedChain& fo
         exchanged = a.topX > b.topX || a.bottomX > b.bottomX;
         const RowEdge& left = exchanged ? b : a;
         const RowEdge& right = exchanged ? a : b;
-        const EdgeRamp leftRamp = rampOf(left);
-        const EdgeRamp rightRamp = rampOf(right);
-        // Between upright edges all rows are alike.
-        const bool upright = a.slope == 0 && b.slope == 0;
-        const int32_t end = upright ? count : drawn + 1;
-        if constexpr (kHasLayers)
-            if (upright) drawn += painter.hiddenRows(row + drawn, count - drawn);
-        const int32_t rows =
-            upright ? painter.rowsAtOnce(leftRamp.columns() == 0 && rightRamp.columns() == 0) : 1;
-        for (; drawn < end; drawn += rows) {
-            painter.beginRow(row + drawn, std::min(rows, end - drawn));
-            painter.expect(row + drawn + 2, left.bottomX);
-            painter.expect(row + drawn + 2, right.bottomX);
-            drawEdgeRow(painter, leftRamp, rightRamp);
+        if (a.slope == 0 && b.slope == 0) {
+            drawSmoothRows(painter, {left.bottomX, right.bottomX}, row + drawn, row + count);
+            drawn = count;
+            break;
         }
-        drawn = end;
+        painter.beginRow(row + drawn);
+        painter.expect(row + drawn + 2, left.bottomX);
+        painter.expect(row + drawn + 2, right.bottomX);
+        drawEdgeRow(painter, rampOf(left), rampOf(right));
+        ++drawn;
     }
     if (drawn != 0) {
         painter.beginRow(row + drawn - 1);
@@ -378,7 +377,9 @@ void drawMonotone(MMContext2D& context, const MMPoint2D* points, uint32_t count,
     if (visible.empty()) return;
     if (thinShapes == ThinShapes::kOneSpan && isThinPolygon(context, bounds))
         drawThinPolygon(context, bounds, visible);
-    else if (!drawChains(context, visible, bounds.maxY, cutLongEdges, points, count))
+    else if (!(!cutLongEdges && isPlainRectangle(points, count)
+                   ? drawRectangle(context, visible, points[0], points[2])
+                   : drawChains(context, visible, bounds.maxY, cutLongEdges, points, count)))
         noteOutOfMemory(context);
 }
 

@@ -2,12 +2,13 @@
 // The entries of the rasterisers: classification of polygons.
 //
 // A polygon whose outline changes its vertical direction exactly twice meets every horizontal line
-// at most twice and takes the quick two-chain walk of RasterMonotone.cpp. All others go through the
-// active edges of RasterComplex.cpp.
+// at most twice and takes the quick two-chain walk of RasterMonotone.cpp, unless it is a rectangle.
+// All others go through the active edges of RasterComplex.cpp.
 #include "graphics2d/raster/Rasteriser.h"
 
 #include "graphics2d/raster/RasterComplex.h"
 #include "graphics2d/raster/RasterMonotone.h"
+#include "graphics2d/raster/RasterRectangle.h"
 
 namespace KAVO {
 namespace Graphics2D {
@@ -106,6 +107,10 @@ BoundsUnion fillContours(MMContext2D& context, const Contours& contours, MMFillR
     BoundsUnion bounds = boundsOfPolygon(contours.points, total);
     bounds.add(leftOut);
     if (bounds.minY == bounds.maxY) return {};
+    if (contours.count == 1 && isPlainRectangle(contours.points, total)) {
+        drawMonotone(context, contours.points, total, bounds, spansTooFar(bounds), thinShapes);
+        return bounds;
+    }
     const UsefulContours useful = findUseful(contours);
     if (useful.count == 1) {
         const MMPoint2D* points = contours.begin(useful.last);

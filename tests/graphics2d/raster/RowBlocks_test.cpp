@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Rows between upright edges, which are alike, come out the same together and one at a time.
+// Rows between upright edges, which are alike, come out the same together and one at a time, and
+// those of a rectangle as those of any other outline.
 #include "graphics2d/PaintSetup.h"
 #include "graphics2d/convenience/MMPathBuilder.h"
 #include "tests/support/Picture.h"
@@ -64,8 +65,25 @@ Scene randomScene(std::mt19937& random, const std::vector<Pixel>& texels)
     return scene;
 }
 
+// A rectangle, or the same with one more point on its upper side, that is not known to be one.
+MMPathBuilder outlineOf(const Scene& scene, bool isRectangle)
+{
+    MMPathBuilder path;
+    if (isRectangle) {
+        path.rect(scene.left, scene.top, scene.width, scene.height);
+        return path;
+    }
+    path.moveTo(scene.left, scene.top);
+    path.lineTo(scene.left + scene.width / 2, scene.top);
+    path.lineTo(scene.left + scene.width, scene.top);
+    path.lineTo(scene.left + scene.width, scene.top + scene.height);
+    path.lineTo(scene.left, scene.top + scene.height);
+    path.close();
+    return path;
+}
+
 // Cut to some rows at a time.
-std::vector<Pixel> drawn(const Scene& scene, int32_t rowsAtOnce)
+std::vector<Pixel> drawn(const Scene& scene, int32_t rowsAtOnce, bool isRectangle = true)
 {
     Picture picture(kSide);
     MMContext2D& context = picture.context;
@@ -76,8 +94,7 @@ std::vector<Pixel> drawn(const Scene& scene, int32_t rowsAtOnce)
     context.antiAlias = scene.antiAlias;
     context.patternFilter = scene.filter;
     context.fillPaint = scene.paint;
-    MMPathBuilder path;
-    path.rect(scene.left, scene.top, scene.width, scene.height);
+    const MMPathBuilder path = outlineOf(scene, isRectangle);
     for (int32_t row = 0; row < kSide; row += rowsAtOnce) {
         context.clipTop = static_cast<int16_t>(row);
         context.clipBottom = static_cast<int16_t>(std::min(row + rowsAtOnce, kSide));
@@ -85,6 +102,16 @@ std::vector<Pixel> drawn(const Scene& scene, int32_t rowsAtOnce)
         EXPECT_EQ(context.spanRows, 1u);
     }
     return picture.pixels;
+}
+
+std::ostream& operator<<(std::ostream& out, const Scene& scene)
+{
+    const MMPaint& paint = scene.paint;
+    return out << "paint " << paint.paintType << ", opacity " << int{paint.paintOpacity}
+               << ", filter " << int{scene.filter} << ", refined " << scene.refined << ", smooth "
+               << scene.antiAlias << ", at " << scene.left << " " << scene.top << ", size "
+               << scene.width << " " << scene.height << ", scale " << paint.patternTransform.a
+               << " " << paint.patternTransform.d;
 }
 
 TEST(RowBlocks, ComeOutAsTheirRows)
@@ -95,12 +122,9 @@ TEST(RowBlocks, ComeOutAsTheirRows)
         texel = static_cast<Pixel>(random());
     for (int n = 0; n < 300; ++n) {
         const Scene scene = randomScene(random, texels);
-        ASSERT_EQ(drawn(scene, kSide), drawn(scene, 1))
-            << "scene " << n << ": paint " << scene.paint.paintType << ", opacity "
-            << int{scene.paint.paintOpacity} << ", filter " << int{scene.filter} << ", refined "
-            << scene.refined << ", smooth " << scene.antiAlias << ", at " << scene.left << " "
-            << scene.top << ", size " << scene.width << " " << scene.height << ", scale "
-            << scene.paint.patternTransform.a << " " << scene.paint.patternTransform.d;
+        const std::vector<Pixel> blocks = drawn(scene, kSide);
+        ASSERT_EQ(blocks, drawn(scene, 1)) << "scene " << n << ": " << scene;
+        ASSERT_EQ(blocks, drawn(scene, kSide, false)) << "as any outline, " << n << ": " << scene;
     }
 }
 
