@@ -71,6 +71,9 @@ inline void fillPixels(Pixel* pixels, int32_t count, Pixel colour)
     }
 #endif
     int32_t i = 0;
+    if constexpr (kLanes > 4)
+        for (; i + kLanes <= count; i += kLanes)
+            store(pixels + i, all<PixelVector>(colour));
     for (; i + 4 <= count; i += 4)
         store4(pixels + i, four);
     for (; i < count; ++i)

@@ -12,6 +12,8 @@ namespace KAVO {
 namespace Graphics2D {
 inline namespace MM2D_LEVEL {
 
+void drawClassicColour(MMContext2D& context);
+void drawRefinedColour(MMContext2D& context);
 void drawTranslucentClassicColour(MMContext2D& context);
 void drawTranslucentRefinedColour(MMContext2D& context);
 void blendClassicRun(Pixel* pixels, int32_t count, Pixel colour, Coverage coverage, Coverage next,
@@ -24,9 +26,6 @@ void blendRefinedRun(Pixel* pixels, int32_t count, Pixel colour, Coverage covera
 // They work on one pixel after the other, or on the four channels of one, or leave long runs to the
 // loops of the context's level.
 inline namespace MM2D_FILLER_LEVEL {
-
-void drawClassicColour(MMContext2D& context);
-void drawRefinedColour(MMContext2D& context);
 
 void drawLinearGradient(MMContext2D& context);
 void drawTranslucentLinearGradient(MMContext2D& context);
