@@ -2,9 +2,15 @@
 #include "graphics2d/raster/ActiveEdges.h"
 
 #include "graphics2d/raster/NearlySorted.h"
+#include "math/FixedInline.h"
 
 namespace KAVO {
 namespace Graphics2D {
+
+Fixed RowPlace::xAt(Fixed depth) const
+{
+    return wrapAdd(topX, fixMulInline(slope, depth));
+}
 
 ActiveEdges::ActiveEdges(MMStackContext& stack, const VertexRings& rings)
     : rings_(rings), order_(stack, 2 * rings.minimumCount()),

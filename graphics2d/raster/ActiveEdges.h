@@ -35,6 +35,9 @@ struct RowPlace {
     bool straight;  // crosses the whole row on one edge
     bool partial;   // starts or ends inside the row
     bool separates; // straight, and no other chain crosses it in this row
+
+    // x of a straight chain so far below the row's upper end.
+    Fixed xAt(Fixed depth) const;
 };
 
 inline bool isBefore(const RowPlace& a, const RowPlace& b)

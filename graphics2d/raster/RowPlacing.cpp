@@ -2,9 +2,9 @@
 #include "graphics2d/raster/RowPlacing.h"
 
 #include "graphics2d/raster/ChainClusters.h"
-#include "math/FixedInline.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace KAVO {
 namespace Graphics2D {
@@ -15,6 +15,12 @@ void setStraightExtent(RowPlace& place)
 {
     place.minX = std::min(place.topX, place.bottomX);
     place.maxX = std::max(place.topX, place.bottomX);
+}
+
+// Out of line: large, and seldom needed.
+[[gnu::noinline]] void exchange(RowPlace& a, RowPlace& b)
+{
+    std::swap(a, b);
 }
 
 } // namespace
@@ -174,18 +180,13 @@ bool RowPlacing::mergeNew(MMStackContext& stack)
 void RowPlacing::moveBirth(RowPlace* place, StepBudget& budget)
 {
     const Fixed depth = active_.chainOf(*place).startY - top_;
-    const auto xOf = [depth](const RowPlace& other) {
-        return wrapAdd(other.topX, fixMulInline(other.slope, depth));
-    };
-    const RowPlace moving = *place;
+    const Fixed x = place->topX;
     RowPlace* to = place;
-    for (; to != begin() && to[-1].straight && xOf(to[-1]) > moving.topX && budget.spend(); --to)
-        *to = to[-1];
-    if (to == place)
-        for (; to + 1 != end() && to[1].straight && xOf(to[1]) < moving.topX && budget.spend();
-             ++to)
-            *to = to[1];
-    *to = moving;
+    for (; to != begin() && to[-1].straight && to[-1].xAt(depth) > x && budget.spend(); --to)
+        exchange(to[-1], *to);
+    if (to != place) return;
+    for (; to + 1 != end() && to[1].straight && to[1].xAt(depth) < x && budget.spend(); ++to)
+        exchange(*to, to[1]);
 }
 
 } // namespace Graphics2D

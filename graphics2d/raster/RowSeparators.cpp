@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "graphics2d/raster/RowSeparators.h"
 
-#include "math/FixedInline.h"
 #include "memory/ScratchArray.h"
 
 #include <algorithm>
@@ -71,9 +70,7 @@ bool SeparatorSearch::staysBeside(const RowPlace& bent, const RowPlace& straight
 {
     Chain chain = row_.chainOf(bent);
     const auto isBeside = [&](Fixed x, Fixed y) {
-        const Fixed at = y == row_.bottom()
-                             ? straight.bottomX
-                             : wrapAdd(straight.topX, fixMulInline(straight.slope, y - row_.top()));
+        const Fixed at = y == row_.bottom() ? straight.bottomX : straight.xAt(y - row_.top());
         return side > 0 ? x >= at : x <= at;
     };
     for (;;) {
