@@ -10,8 +10,8 @@
 // drawn as one run. The map may be smaller than the target and begins anew where it ends, so that
 // rows far apart share cells, and some that are alone are not found.
 //
-// Cost: a few steps for each row of a rectangle, far less than drawing it. Memory, from the scratch
-// stack: 8 to 16 words for each.
+// Cost: a few steps for two rows of a rectangle, far less than drawing them. Memory, from the
+// scratch stack: some words for each rectangle, and at most two bits for each visible pixel.
 #include "graphics2d/raster/LoneRectangles.h"
 
 #include "graphics2d/raster/RasterRectangle.h"
@@ -32,52 +32,69 @@ bool isSmallRectangle(const MMPoint2D* p, const MMPoint2D* end)
            magnitudeOf(wrapSub(p[2].y, p[0].y)) <= kLongest;
 }
 
-// Draws a rectangle on the pixel grid whose columns are all visible.
-void drawRectangle(RowPainter& painter, const BoundsUnion& box)
+// Draws rows of a rectangle on the pixel grid, so much of each of which lies in it.
+void drawRows(RowPainter& painter, const BoundsUnion& box, int32_t row, int32_t rows, Area height)
 {
-    const PixelBox& visible = painter.visible();
+    // What lies left of an edge in the edge's column.
+    const auto leftOf = [height](Fixed x) {
+        return static_cast<Area>(static_cast<uint64_t>(height) * fixFraction(x) >> 16);
+    };
+    const Area left = height - leftOf(box.minX);
+    const Area right = leftOf(box.maxX);
     const int32_t first = fixFloor(box.minX);
     const int32_t last = fixFloor(box.maxX);
-    for (int32_t row = std::max(fixFloor(box.minY), visible.top); row < visible.bottom; ++row) {
+    painter.beginRow(row, rows);
+    if (first == last) {
+        painter.addConstant(first, first + 1, left + right - height);
+    } else {
+        painter.addConstant(first, first + 1, left);
+        painter.addConstant(first + 1, last, height);
+        painter.addConstant(last, last + 1, right);
+    }
+    painter.flush();
+}
+
+// Draws a rectangle on the pixel grid. None of its columns is hidden.
+void drawRectangle(RowPainter& painter, const BoundsUnion& box)
+{
+    constexpr int32_t kFewRows = 3; // whole ones that cost no more one at a time
+    const PixelBox& visible = painter.visible();
+    const int32_t wholeEnd = std::min(fixFloor(box.maxY), visible.bottom);
+    int32_t rows;
+    for (int32_t row = std::max(fixFloor(box.minY), visible.top); row < visible.bottom;
+         row += rows) {
         const Fixed top = std::max(box.minY, fixFromInt(row));
         const Area height = std::min(box.maxY, fixFromInt(row + 1)) - top;
-        if (height <= 0) return;
-        // What lies left of an edge in the edge's column.
-        const auto leftOf = [height](Fixed x) {
-            return static_cast<Area>(static_cast<uint64_t>(height) * fixFraction(x) >> 16);
-        };
-        const Area left = height - leftOf(box.minX);
-        const Area right = leftOf(box.maxX);
-        painter.beginRow(row);
-        if (first == last) {
-            painter.addConstant(first, first + 1, left + right - height);
-        } else {
-            painter.addConstant(first, first + 1, left);
-            painter.addConstant(first + 1, last, height);
-            painter.addConstant(last, last + 1, right);
-        }
-        painter.flush();
+        if (height <= 0) break;
+        const bool areMany = height == kWholeArea && wholeEnd - row > kFewRows;
+        rows = areMany ? std::min(wholeEnd - row, painter.rowsAtOnce(false)) : 1;
+        drawRows(painter, box, row, rows, height);
+        if (areMany) painter.beginRow(row);
     }
 }
 
 } // namespace
 
-bool LoneRectangles::areLikely(const Contours& contours, const PixelBox& visible)
+uint32_t LoneRectangles::mapSize(const Contours& contours, const PixelBox& visible)
 {
-    constexpr uint32_t kFew = 8;         // fewer are not worth a map
-    constexpr uint32_t kPixelsEach = 32; // with less room hardly any is alone
+    constexpr uint32_t kFew = 8;        // fewer are not worth a map
+    constexpr uint32_t kPixelsEach = 8; // with less room hardly any can be alone
     const int32_t pixels = (visible.right - visible.left) * (visible.bottom - visible.top);
     if (contours.count < kFew || contours.count > static_cast<uint32_t>(pixels) / kPixelsEach)
-        return false;
+        return 0;
     for (uint32_t i = 0; i < contours.count; ++i)
-        if (!isSmallRectangle(contours.begin(i), contours.end(i))) return false;
-    return true;
+        if (!isSmallRectangle(contours.begin(i), contours.end(i))) return 0;
+    const int32_t all = ((visible.bottom - visible.top) / 2 + 1) * pitchFor(visible);
+    uint32_t size = 1;
+    while (size / 16 < contours.count && size < static_cast<uint32_t>(all))
+        size *= 2;
+    return size;
 }
 
 LoneRectangles::LoneRectangles(MMStackContext& stack, RowPainter& painter, const PixelGrid& grid,
-                               const Contours& contours)
-    : painter_(painter), grid_(grid), size_(4u << (32 - __builtin_clz(contours.count))),
-      cells_(stack, size_), pitch_(((painter.visible().right - painter.visible().left) >> 5) + 1)
+                               const Contours& contours, uint32_t mapSize)
+    : painter_(painter), grid_(grid), size_(mapSize), cells_(stack, size_),
+      pitch_(pitchFor(painter.visible()))
 {
     if (!cells_) return;
     std::memset(cells_.data(), 0, sizeof(Cells) * size_);

@@ -12,13 +12,13 @@ namespace Graphics2D {
 
 class LoneRectangles {
 public:
-    // Whether it pays to look for them: among nothing but small upright rectangles, of which some
-    // are likely to be alone.
-    static bool areLikely(const Contours& contours, const PixelBox& visible);
+    // Words of the map that they are to be found on, a power of two; 0 unless it pays to look for
+    // them: among a good many contours that all are small upright rectangles, and have some room.
+    static uint32_t mapSize(const Contours& contours, const PixelBox& visible);
 
     // Looks for them among such contours.
     LoneRectangles(MMStackContext& stack, RowPainter& painter, const PixelGrid& grid,
-                   const Contours& contours);
+                   const Contours& contours, uint32_t mapSize);
 
     // False when there was no memory; nothing else may be called then.
     explicit operator bool() const { return static_cast<bool>(cells_); }
@@ -34,11 +34,15 @@ private:
         uint32_t shared; // taken twice
     };
 
+    static int32_t pitchFor(const PixelBox& visible)
+    {
+        return (visible.right - visible.left) / 32 + 1;
+    }
     bool visit(const MMPoint2D* corners, bool takes);
 
     RowPainter& painter_;
     const PixelGrid& grid_;
-    uint32_t size_; // of the map, a power of two
+    uint32_t size_;
     ScratchArray<Cells> cells_;
     int32_t pitch_;   // of the map, from one row to the next
     BoundsUnion box_; // of the rectangle visited last, on the pixel grid

@@ -13,7 +13,7 @@
 // Cost: n log n for the local minima, and for each row n log n for the chains in it, times the
 // slabs that it is cut into: one for most rows, never more than a constant number. Memory, all of
 // it from the scratch stack: three words per vertex, some forty per local minimum, and the row of
-// coverage; before them up to sixteen per rectangle.
+// coverage; before them the map of rectangles.
 #include "graphics2d/raster/RasterComplex.h"
 
 #include "graphics2d/OutOfMemory.h"
@@ -68,9 +68,9 @@ void drawSharp(RowPainter& painter, ActiveEdges& active, MMFillRule rule)
 
 // Draws the rectangles that are alone, and gathers the others. False when scratch memory ran out.
 bool gatherOthers(VertexRings& rings, MMStackContext& stack, RowPainter& painter,
-                  const PixelGrid& grid, const Contours& contours)
+                  const PixelGrid& grid, const Contours& contours, uint32_t mapSize)
 {
-    LoneRectangles rectangles(stack, painter, grid, contours);
+    LoneRectangles rectangles(stack, painter, grid, contours, mapSize);
     if (!rectangles) return false;
     const MMPoint2D* points = contours.points;
     for (uint32_t i = 0; i < contours.count; ++i) {
@@ -92,12 +92,13 @@ bool draw(MMContext2D& context, const PixelBox& visible, const Contours& contour
     VertexRings rings(stack, grid, cutLongEdges, contours);
     if (!rings) return false;
     const bool isSmooth = (context.antiAlias & 1) != 0;
-    if (isSmooth && !cutLongEdges && painter.blendsColour() &&
-        LoneRectangles::areLikely(contours, visible)) {
-        if (!gatherOthers(rings, stack, painter, grid, contours)) return false;
-    } else {
+    const uint32_t mapSize = isSmooth && !cutLongEdges && painter.blendsColour()
+                                 ? LoneRectangles::mapSize(contours, visible)
+                                 : 0;
+    if (mapSize == 0)
         rings.appendRings(contours);
-    }
+    else if (!gatherOthers(rings, stack, painter, grid, contours, mapSize))
+        return false;
     rings.close(stack);
     if (rings.minimumCount() == 0) return true;
     ActiveEdges active(stack, rings);

@@ -70,6 +70,7 @@ void expectNoDifference(const Shapes& shapes, uint32_t seed)
     }
     fill(alone, shapes);
     fill(together, withMiddles(shapes));
+    EXPECT_EQ(alone.context.spanRows, 1u);
     ASSERT_TRUE(alone.pixels == together.pixels)
         << "seed " << seed << ", refined " << int(alone.context.refined) << ":" << listOf(shapes);
 }
@@ -83,7 +84,7 @@ TEST(LoneRectangles, AreDrawnAsTogetherWithTheOthers)
         const auto below = [&](int32_t end) {
             return int32_t(random() % uint32_t(end * kFixedOne)) & -step;
         };
-        const int32_t largest = 1 + int32_t(random() % 6);
+        const int32_t largest = 1 + int32_t(random() % 15);
         Shapes shapes(8 + random() % 40);
         for (Polygon& shape : shapes) {
             const Fixed left = below(70) - 3 * kFixedOne, top = below(70) - 3 * kFixedOne;
@@ -138,7 +139,7 @@ TEST(LoneRectangles, CoverTheirShareOfEachPixel)
     EXPECT_NEAR(picture.coverage(0, 20), 128, 1);
 }
 
-// From no scratch memory to enough: vertices take some 900 words, and the map 512.
+// From no scratch memory to enough: vertices take some 900 words, and the map 256.
 TEST(LoneRectangles, WithoutMemoryNothingIsDrawn)
 {
     Shapes shapes;
@@ -161,7 +162,7 @@ TEST(LoneRectangles, WithoutMemoryNothingIsDrawn)
         EXPECT_EQ(picture.context.outOfMemory, failed ? kScratchExhausted : 0) << words;
         EXPECT_TRUE(failed ? picture.blank() : picture.pixels == whole.pixels) << words;
     }
-    EXPECT_TRUE(failures >= 14 && failures < 30) << failures;
+    EXPECT_TRUE(failures > 10 && failures < 20) << failures;
 }
 
 } // namespace
