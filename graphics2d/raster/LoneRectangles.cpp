@@ -11,7 +11,8 @@
 // rows far apart share cells, and some that are alone are not found.
 //
 // Cost: a few steps for two rows of a rectangle, far less than drawing them. Memory, from the
-// scratch stack: some words for each rectangle, and at most two bits for each visible pixel.
+// scratch stack: up to 64 words for each rectangle, but no more than two bits for each visible
+// pixel.
 #include "graphics2d/raster/LoneRectangles.h"
 
 #include "graphics2d/raster/RasterRectangle.h"
@@ -60,16 +61,14 @@ void drawRectangle(RowPainter& painter, const BoundsUnion& box)
     constexpr int32_t kFewRows = 3; // whole ones that cost no more one at a time
     const PixelBox& visible = painter.visible();
     const int32_t wholeEnd = std::min(fixFloor(box.maxY), visible.bottom);
-    int32_t rows;
-    for (int32_t row = std::max(fixFloor(box.minY), visible.top); row < visible.bottom;
-         row += rows) {
+    for (int32_t row = std::max(fixFloor(box.minY), visible.top); row < visible.bottom;) {
         const Fixed top = std::max(box.minY, fixFromInt(row));
         const Area height = std::min(box.maxY, fixFromInt(row + 1)) - top;
-        if (height <= 0) break;
-        const bool areMany = height == kWholeArea && wholeEnd - row > kFewRows;
-        rows = areMany ? std::min(wholeEnd - row, painter.rowsAtOnce(false)) : 1;
+        if (height <= 0) return;
+        const bool areMany = wholeEnd - row > kFewRows && height == kWholeArea;
+        const int32_t rows = areMany ? std::min(wholeEnd - row, painter.rowsAtOnce(false)) : 1;
         drawRows(painter, box, row, rows, height);
-        if (areMany) painter.beginRow(row);
+        row += rows;
     }
 }
 

@@ -25,6 +25,7 @@ public:
 
     // Draws the contour with these corners if it is one of them, with anti-aliasing and to the
     // pixel as it would be drawn together with the others. Only in a solid colour (blendsColour).
+    // The painter has to begin a row before it draws anything else.
     bool draw(const MMPoint2D* corners);
 
 private:

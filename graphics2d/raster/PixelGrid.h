@@ -31,7 +31,10 @@ public:
         constexpr Fixed kLeast = -0x7FFFFFFF - 1 + kFixedHalf;
         return v > 0x7FFFFFFF - shift_ ? 0x7FFFFFFF : std::max(v, kLeast - shift_) + shift_;
     }
-    MMPoint2D moved(const MMPoint2D& p) const { return {moved(p.x), moved(p.y)}; }
+    [[gnu::always_inline]] MMPoint2D moved(const MMPoint2D& p) const
+    {
+        return {moved(p.x), moved(p.y)};
+    }
 
 private:
     Fixed shift_;

@@ -78,6 +78,7 @@ bool gatherOthers(VertexRings& rings, MMStackContext& stack, RowPainter& painter
         if (!rectangles.draw(points)) rings.appendRing(points, end);
         points = end;
     }
+    painter.beginRow(painter.visible().top); // again one at a time
     return true;
 }
 
