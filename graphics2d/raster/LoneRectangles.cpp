@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Upright rectangles of a shape that no other comes near.
 //
-// Plots, maps and grids are paths of many small rectangles, most of which lie apart. What covers
-// the pixels of such a one is known without a sweep and without winding numbers.
+// Plots, maps and grids are paths of many rectangles, most of which lie apart. What covers the
+// pixels of such a one is known without a sweep and without winding numbers.
 //
 // Which ones lie apart is seen on a map of cells, one pixel wide and two high. Every rectangle
 // takes the cells of its box, and those that are taken twice are shared; one without shared cells
@@ -10,8 +10,8 @@
 // drawn as one run. The map may be smaller than the target and begins anew where it ends, so that
 // rows far apart share cells, and some that are alone are not found.
 //
-// Cost: a few steps for two rows of a rectangle, far less than drawing them. Memory, from the
-// scratch stack: up to 64 words for each rectangle, but no more than two bits for each visible
+// Cost: a few steps for each 32 columns of two rows, far less than drawing them. Memory, from the
+// scratch stack: some words for each of these steps, but no more than two bits for each visible
 // pixel.
 #include "graphics2d/raster/LoneRectangles.h"
 
@@ -24,14 +24,6 @@ namespace KAVO {
 namespace Graphics2D {
 
 namespace {
-
-bool isSmallRectangle(const MMPoint2D* p, const MMPoint2D* end)
-{
-    constexpr uint32_t kLongest = 32 << 16; // 16.16: so its cells lie in three words a row
-    return isUprightRectangle(p, static_cast<uint32_t>(end - p)) &&
-           magnitudeOf(wrapSub(p[2].x, p[0].x)) <= kLongest &&
-           magnitudeOf(wrapSub(p[2].y, p[0].y)) <= kLongest;
-}
 
 // Draws rows of a rectangle on the pixel grid, so much of each of which lies in it.
 void drawRows(RowPainter& painter, const BoundsUnion& box, int32_t row, int32_t rows, Area height)
@@ -78,14 +70,23 @@ uint32_t LoneRectangles::mapSize(const Contours& contours, const PixelBox& visib
 {
     constexpr uint32_t kFew = 8;        // fewer are not worth a map
     constexpr uint32_t kPixelsEach = 8; // with less room hardly any can be alone
-    const int32_t pixels = (visible.right - visible.left) * (visible.bottom - visible.top);
-    if (contours.count < kFew || contours.count > static_cast<uint32_t>(pixels) / kPixelsEach)
-        return 0;
-    for (uint32_t i = 0; i < contours.count; ++i)
-        if (!isSmallRectangle(contours.begin(i), contours.end(i))) return 0;
+    const auto pixels =
+        static_cast<uint32_t>((visible.right - visible.left) * (visible.bottom - visible.top));
+    if (contours.count < kFew || contours.count > pixels / kPixelsEach) return 0;
+    uint64_t cells = 0, words = 0; // that the rectangles take, about
+    for (uint32_t i = 0; i < contours.count; ++i) {
+        const MMPoint2D* const corners = contours.begin(i);
+        if (!isUprightRectangle(corners, static_cast<uint32_t>(contours.end(i) - corners)))
+            return 0;
+        const uint32_t width = magnitudeOf(wrapSub(corners[2].x, corners[0].x)) >> 16;
+        const uint32_t rows = (magnitudeOf(wrapSub(corners[2].y, corners[0].y)) >> 17) + 2;
+        cells += uint64_t{width + 2} * rows;
+        words += uint64_t{width / 32 + 1} * rows;
+        if (cells > pixels) return 0; // twice of all there are: few are alone, or visible
+    }
     const int32_t all = ((visible.bottom - visible.top) / 2 + 1) * pitchFor(visible);
     uint32_t size = 1;
-    while (size / 16 < contours.count && size < static_cast<uint32_t>(all))
+    while (size / 4 < words && size < static_cast<uint32_t>(all))
         size *= 2;
     return size;
 }

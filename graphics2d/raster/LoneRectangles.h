@@ -13,7 +13,7 @@ namespace Graphics2D {
 class LoneRectangles {
 public:
     // Words of the map that they are to be found on, a power of two; 0 unless it pays to look for
-    // them: among a good many contours that all are small upright rectangles, and have some room.
+    // them: among a good many contours that all are upright rectangles, and have some room.
     static uint32_t mapSize(const Contours& contours, const PixelBox& visible);
 
     // Looks for them among such contours.

@@ -8,7 +8,8 @@
 // Without anti-aliasing a row is decided on its lower boundary, which the pixel grid makes
 // the centre line of the pixels. Rows with anti-aliasing are the topic of SmoothRows.cpp.
 //
-// Of many small rectangles those that are alone need no sweep: LoneRectangles.cpp draws them first.
+// Of many upright rectangles those that are alone need no sweep: LoneRectangles.cpp draws them
+// first.
 //
 // Cost: n log n for the local minima, and for each row n log n for the chains in it, times the
 // slabs that it is cut into: one for most rows, never more than a constant number. Memory, all of
