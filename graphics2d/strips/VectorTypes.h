@@ -121,6 +121,13 @@ inline void storeFew(uint32_t* to, Lanes lanes, int32_t count)
         to[i] = lanes[i];
 }
 
+#if defined(__AVX512BW__)
+inline void storeFew(uint32_t* to, U32x16 lanes, int32_t count)
+{
+    _mm512_mask_storeu_epi32(to, static_cast<__mmask16>((1u << count) - 1), (__m512i)lanes);
+}
+#endif
+
 inline void storeFew(uint32_t* to, uint32_t lane, int32_t count)
 {
     if (count > 0) *to = lane;
