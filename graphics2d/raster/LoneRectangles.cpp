@@ -48,7 +48,7 @@ void drawRows(RowPainter& painter, const BoundsUnion& box, int32_t row, int32_t 
 }
 
 // Draws a rectangle on the pixel grid. None of its columns is hidden.
-void drawRectangle(RowPainter& painter, const BoundsUnion& box)
+void drawAlone(RowPainter& painter, const BoundsUnion& box)
 {
     constexpr int32_t kFewRows = 3; // whole ones that cost no more one at a time
     const PixelBox& visible = painter.visible();
@@ -107,7 +107,7 @@ bool LoneRectangles::draw(const MMPoint2D* corners)
     if (visit(corners, false)) return false;
     const PixelBox& visible = painter_.visible();
     if (fixFloor(box_.minX) < visible.left || fixFloor(box_.maxX) >= visible.right) return false;
-    drawRectangle(painter_, box_);
+    drawAlone(painter_, box_);
     return true;
 }
 

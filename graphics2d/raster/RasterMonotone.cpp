@@ -181,8 +181,8 @@ void drawSharp(RowPainter& painter, WalkedChain& forward, WalkedChain& backward,
         // Rows to the end of the nearer edge; both edges continue straight.
         if (forward.isUpright() && backward.isUpright()) {
             const int32_t end = fixFloor(lowest);
-            drawSharpRows(painter, {std::min(forwardX, backwardX), std::max(forwardX, backwardX)},
-                          row, end);
+            drawSharpUprightRows(
+                painter, {std::min(forwardX, backwardX), std::max(forwardX, backwardX)}, row, end);
             row = end;
             boundary = fixFromInt(end);
         } else {
@@ -299,7 +299,7 @@ int32_t drawWholeRows(MMContext2D& context, RowPainter& painter, WalkedChain& fo
         const RowEdge& left = exchanged ? b : a;
         const RowEdge& right = exchanged ? a : b;
         if (a.slope == 0 && b.slope == 0) {
-            drawSmoothRows(painter, {left.bottomX, right.bottomX}, row + drawn, row + count);
+            drawSmoothUprightRows(painter, {left.bottomX, right.bottomX}, row + drawn, row + count);
             drawn = count;
             break;
         }

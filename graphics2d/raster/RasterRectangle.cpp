@@ -51,7 +51,7 @@ bool drawSmooth(MMContext2D& context, RowPainter& painter, const UprightEdges& e
     }
     const int32_t end = std::min(fixFloor(bottom), visible.bottom);
     if (row < end) {
-        drawSmoothRows(painter, edges, row, end);
+        drawSmoothUprightRows(painter, edges, row, end);
         painter.beginRow(end - 1);
         storeEdges(context, edges);
         row = end;
@@ -92,8 +92,8 @@ bool drawRectangle(MMContext2D& context, const PixelBox& visible, const MMPoint2
     const UprightEdges edges = {std::min(a.x, b.x), std::max(a.x, b.x)};
     const Fixed top = std::min(a.y, b.y), bottom = std::max(a.y, b.y);
     if ((context.antiAlias & 1) != 0) return drawSmooth(context, painter, edges, top, bottom);
-    drawSharpRows(painter, edges, std::max(fixFloor(top), visible.top),
-                  std::min(fixFloor(bottom), visible.bottom));
+    drawSharpUprightRows(painter, edges, std::max(fixFloor(top), visible.top),
+                         std::min(fixFloor(bottom), visible.bottom));
     context.spanRows = 1;
     return true;
 }

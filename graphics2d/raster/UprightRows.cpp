@@ -7,7 +7,7 @@
 namespace KAVO {
 namespace Graphics2D {
 
-void drawSharpRows(RowPainter& painter, const UprightEdges& edges, int32_t row, int32_t end)
+void drawSharpUprightRows(RowPainter& painter, const UprightEdges& edges, int32_t row, int32_t end)
 {
     const int32_t atOnce = painter.rowsAtOnce(true);
     for (; row < end; row += atOnce) {
@@ -16,7 +16,7 @@ void drawSharpRows(RowPainter& painter, const UprightEdges& edges, int32_t row, 
     }
 }
 
-void drawSmoothRows(RowPainter& painter, const UprightEdges& edges, int32_t row, int32_t end)
+void drawSmoothUprightRows(RowPainter& painter, const UprightEdges& edges, int32_t row, int32_t end)
 {
     const EdgeRamp left(edges.left, edges.left, kNoCoverageSlope);
     const EdgeRamp right(edges.right, edges.right, kNoCoverageSlope);

@@ -18,10 +18,11 @@ struct UprightEdges {
 };
 
 // Draws rows from row on and before end, without anti-aliasing.
-void drawSharpRows(RowPainter& painter, const UprightEdges& edges, int32_t row, int32_t end);
+void drawSharpUprightRows(RowPainter& painter, const UprightEdges& edges, int32_t row, int32_t end);
 
 // The same with it.
-void drawSmoothRows(RowPainter& painter, const UprightEdges& edges, int32_t row, int32_t end);
+void drawSmoothUprightRows(RowPainter& painter, const UprightEdges& edges, int32_t row,
+                           int32_t end);
 
 } // namespace Graphics2D
 } // namespace KAVO
