@@ -16,13 +16,10 @@
 // The list is the only memory taken: the vertices, and one row of coverage.
 #include "graphics2d/raster/RasterMonotone.h"
 
-#include "graphics2d/OutOfMemory.h"
 #include "graphics2d/raster/EdgeLine.h"
 #include "graphics2d/raster/EdgeRow.h"
 #include "graphics2d/raster/PixelGrid.h"
-#include "graphics2d/raster/RasterRectangle.h"
 #include "graphics2d/raster/SlabFill.h"
-#include "graphics2d/raster/ThinPolygon.h"
 #include "graphics2d/raster/UprightRows.h"
 #include "math/Points.h"
 #include "memory/ScratchArray.h"
@@ -340,9 +337,10 @@ void drawSmooth(MMContext2D& context, RowPainter& painter, CoverageRow& coverage
     }
 }
 
-// False when scratch memory ran out.
-bool drawChains(MMContext2D& context, const PixelBox& visible, Fixed lowest, bool cutLongEdges,
-                const MMPoint2D* points, uint32_t count)
+} // namespace
+
+bool drawMonotone(MMContext2D& context, const PixelBox& visible, Fixed lowest, bool cutLongEdges,
+                  const MMPoint2D* points, uint32_t count)
 {
     RowPainter painter(context, visible);
     if (!painter.draws()) return true;
@@ -366,21 +364,6 @@ bool drawChains(MMContext2D& context, const PixelBox& visible, Fixed lowest, boo
     SlabFill slabs(context, coverage, kFillNonZero);
     drawSmooth(context, painter, coverage, slabs, forward, backward, top, bottom);
     return true;
-}
-
-} // namespace
-
-void drawMonotone(MMContext2D& context, const MMPoint2D* points, uint32_t count,
-                  const BoundsUnion& bounds, bool cutLongEdges, ThinShapes thinShapes)
-{
-    const PixelBox visible = reachableBox(context, bounds);
-    if (visible.empty()) return;
-    if (thinShapes == ThinShapes::kOneSpan && isThinPolygon(context, bounds))
-        drawThinPolygon(context, bounds, visible);
-    else if (!(!cutLongEdges && isPlainRectangle(points, count)
-                   ? drawRectangle(context, visible, points[0], points[2])
-                   : drawChains(context, visible, bounds.maxY, cutLongEdges, points, count)))
-        noteOutOfMemory(context);
 }
 
 } // namespace Graphics2D

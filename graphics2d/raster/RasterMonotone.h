@@ -2,16 +2,16 @@
 // The rasteriser for polygons that every horizontal line meets at most twice. Internal.
 #pragma once
 
-#include "graphics2d/raster/PolygonBounds.h"
-#include "graphics2d/raster/Rasteriser.h"
+#include "graphics2d/PixelBox.h"
+#include "math/MMPoint2D.h"
 
 namespace KAVO {
 namespace Graphics2D {
 
-// Draws a polygon of one point or more with the given bounds. Any other polygon than a monotone one
-// is drawn wrongly, but safely. Notes in the context when scratch memory runs out.
-void drawMonotone(MMContext2D& context, const MMPoint2D* points, uint32_t count,
-                  const BoundsUnion& bounds, bool cutLongEdges, ThinShapes thinShapes);
+// Draws a polygon of one point or more, whose lowest one is given. Any other polygon than a
+// monotone one is drawn wrongly, but safely. False when scratch memory ran out.
+bool drawMonotone(MMContext2D& context, const PixelBox& visible, Fixed lowest, bool cutLongEdges,
+                  const MMPoint2D* points, uint32_t count);
 
 } // namespace Graphics2D
 } // namespace KAVO

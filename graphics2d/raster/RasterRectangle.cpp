@@ -24,8 +24,8 @@ void storeEdges(MMContext2D& context, const UprightEdges& edges)
 }
 
 // Draws the part of a row between two levels. False when scratch memory ran out.
-bool drawPartOfRow(MMContext2D& context, RowPainter& painter, const UprightEdges& edges, Fixed top,
-                   Fixed bottom)
+[[gnu::noinline]] bool drawPartOfRow(MMContext2D& context, RowPainter& painter,
+                                     const UprightEdges& edges, Fixed top, Fixed bottom)
 {
     CoverageRow coverage(context.scratchStack, painter.visible());
     if (!coverage) return false;

@@ -6,9 +6,12 @@
 // All others go through the active edges of RasterComplex.cpp.
 #include "graphics2d/raster/Rasteriser.h"
 
+#include "graphics2d/OutOfMemory.h"
+#include "graphics2d/raster/PolygonBounds.h"
 #include "graphics2d/raster/RasterComplex.h"
 #include "graphics2d/raster/RasterMonotone.h"
 #include "graphics2d/raster/RasterRectangle.h"
+#include "graphics2d/raster/ThinPolygon.h"
 
 namespace KAVO {
 namespace Graphics2D {
@@ -70,6 +73,22 @@ UsefulContours findUseful(const Contours& contours)
     return useful;
 }
 
+// Draws a polygon with the given bounds that every horizontal line meets at most twice.
+void drawSimple(MMContext2D& context, const MMPoint2D* points, uint32_t count,
+                const BoundsUnion& bounds, bool cutLongEdges, ThinShapes thinShapes,
+                bool isRectangle)
+{
+    const PixelBox visible = reachableBox(context, bounds);
+    if (visible.empty()) return;
+    if (thinShapes == ThinShapes::kOneSpan && isThinPolygon(context, bounds))
+        return drawThinPolygon(context, bounds, visible);
+    const bool isDrawn =
+        isRectangle && !cutLongEdges
+            ? drawRectangle(context, visible, points[0], points[2])
+            : drawMonotone(context, visible, bounds.maxY, cutLongEdges, points, count);
+    if (!isDrawn) noteOutOfMemory(context);
+}
+
 BoundsUnion fillOne(MMContext2D& context, const MMPoint2D* points, uint32_t count, MMFillRule rule,
                     ThinShapes thinShapes, const BoundsUnion& leftOut)
 {
@@ -79,7 +98,8 @@ BoundsUnion fillOne(MMContext2D& context, const MMPoint2D* points, uint32_t coun
     BoundsUnion bounds = boundsOfPolygon(points, count);
     bounds.add(leftOut);
     if (changes == 2)
-        drawMonotone(context, points, count, bounds, spansTooFar(bounds), thinShapes);
+        drawSimple(context, points, count, bounds, spansTooFar(bounds), thinShapes,
+                   isPlainRectangle(points, count));
     else
         drawContours(context, {points, &count, 1}, bounds, rule);
     return bounds;
@@ -107,18 +127,15 @@ BoundsUnion fillContours(MMContext2D& context, const Contours& contours, MMFillR
     BoundsUnion bounds = boundsOfPolygon(contours.points, total);
     bounds.add(leftOut);
     if (bounds.minY == bounds.maxY) return {};
-    if (contours.count == 1 && isPlainRectangle(contours.points, total)) {
-        drawMonotone(context, contours.points, total, bounds, spansTooFar(bounds), thinShapes);
-        return bounds;
-    }
-    const UsefulContours useful = findUseful(contours);
+    const bool isRectangle = contours.count == 1 && isPlainRectangle(contours.points, total);
+    const UsefulContours useful = isRectangle ? UsefulContours{1, 0} : findUseful(contours);
     if (useful.count == 1) {
         const MMPoint2D* points = contours.begin(useful.last);
         const uint32_t count = static_cast<uint32_t>(contours.end(useful.last) - points);
-        if (countDirectionChanges(points, count) == 2) {
-            drawMonotone(context, points, count,
-                         contours.count == 1 ? bounds : boundsOfPolygon(points, count),
-                         spansTooFar(bounds), thinShapes);
+        if (isRectangle || countDirectionChanges(points, count) == 2) {
+            drawSimple(context, points, count,
+                       contours.count == 1 ? bounds : boundsOfPolygon(points, count),
+                       spansTooFar(bounds), thinShapes, isRectangle);
             return bounds;
         }
     }
@@ -132,7 +149,8 @@ BoundsUnion fillContours(MMContext2D& context, const Contours& contours, MMFillR
 {
     if (count < 3) return {};
     const BoundsUnion bounds = boundsOfPolygon(points, count);
-    drawMonotone(context, points, count, bounds, spansTooFar(bounds), ThinShapes::kOneSpan);
+    drawSimple(context, points, count, bounds, spansTooFar(bounds), ThinShapes::kOneSpan,
+               isPlainRectangle(points, count));
     return bounds;
 }
 
