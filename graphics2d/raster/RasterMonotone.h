@@ -8,8 +8,9 @@
 namespace KAVO {
 namespace Graphics2D {
 
-// Draws a polygon of one point or more, whose lowest one is given. Any other polygon than a
-// monotone one is drawn wrongly, but safely. False when scratch memory ran out.
+// Draws what is visible of a polygon of one point or more, which reaches down to y = lowest. Any
+// other polygon than a monotone one is drawn wrongly, but safely. Long edges are to be cut where it
+// spans too far (PolygonBounds.h). False when scratch memory ran out.
 bool drawMonotone(MMContext2D& context, const PixelBox& visible, Fixed lowest, bool cutLongEdges,
                   const MMPoint2D* points, uint32_t count);
 
