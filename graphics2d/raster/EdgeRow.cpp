@@ -103,6 +103,20 @@ EdgeRamp rampBetween(Fixed topX, Fixed bottomX, Fixed coverageSlope, uint8_t alp
 
 } // namespace
 
+void storeEdges(MMContext2D& context, const RowEdge& left, const RowEdge& right)
+{
+    context.leftPreviousX = left.topX;
+    context.rightPreviousX = right.topX;
+    context.spanStart = left.bottomX;
+    context.spanEnd = right.bottomX;
+    context.leftSlope = left.slope;
+    context.rightSlope = right.slope;
+    context.leftCoverageSlope = left.coverageSlope;
+    context.rightCoverageSlope = right.coverageSlope;
+    context.leftEdgeAlpha = 255;
+    context.rightEdgeAlpha = 255;
+}
+
 void drawEdgeRow(RowPainter& painter, const EdgeRamp& left, const EdgeRamp& right)
 {
     if (!isPlain(left, right, painter.visible())) {

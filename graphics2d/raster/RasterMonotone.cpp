@@ -246,29 +246,6 @@ Fixed drawSlabs(RowPainter& painter, CoverageRow& coverage, SlabFill& slabs, Wal
     return rowBottom;
 }
 
-// An edge in a row that it crosses wholly.
-struct RowEdge {
-    Fixed topX;
-    Fixed bottomX;
-    Fixed slope;
-    Fixed coverageSlope;
-};
-
-// Leaves in the context what smoothEdges would draw the same row from.
-void storeEdges(MMContext2D& context, const RowEdge& left, const RowEdge& right)
-{
-    context.leftPreviousX = left.topX;
-    context.rightPreviousX = right.topX;
-    context.spanStart = left.bottomX;
-    context.spanEnd = right.bottomX;
-    context.leftSlope = left.slope;
-    context.rightSlope = right.slope;
-    context.leftCoverageSlope = left.coverageSlope;
-    context.rightCoverageSlope = right.coverageSlope;
-    context.leftEdgeAlpha = 255;
-    context.rightEdgeAlpha = 255;
-}
-
 EdgeRamp rampOf(const RowEdge& edge)
 {
     return EdgeRamp(edge.topX, edge.bottomX, edge.coverageSlope);

@@ -5,6 +5,7 @@
 
 #include "graphics2d/raster/CoverageRow.h"
 #include "graphics2d/raster/EdgeLine.h"
+#include "graphics2d/raster/EdgeRow.h"
 #include "graphics2d/raster/PixelGrid.h"
 #include "graphics2d/raster/UprightRows.h"
 
@@ -12,16 +13,6 @@ namespace KAVO {
 namespace Graphics2D {
 
 namespace {
-
-// Leaves in the context what smoothEdges would draw a whole row from.
-void storeEdges(MMContext2D& context, const UprightEdges& edges)
-{
-    context.leftPreviousX = context.spanStart = edges.left;
-    context.rightPreviousX = context.spanEnd = edges.right;
-    context.leftSlope = context.rightSlope = 0;
-    context.leftCoverageSlope = context.rightCoverageSlope = kNoCoverageSlope;
-    context.leftEdgeAlpha = context.rightEdgeAlpha = 255;
-}
 
 // Draws the part of a row between two levels. False when scratch memory ran out.
 [[gnu::noinline]] bool drawPartOfRow(MMContext2D& context, RowPainter& painter,
@@ -53,7 +44,8 @@ bool drawSmooth(MMContext2D& context, RowPainter& painter, const UprightEdges& e
     if (row < end) {
         drawSmoothUprightRows(painter, edges, row, end);
         painter.beginRow(end - 1);
-        storeEdges(context, edges);
+        storeEdges(context, {edges.left, edges.left, 0, kNoCoverageSlope},
+                   {edges.right, edges.right, 0, kNoCoverageSlope});
         row = end;
     }
     const Fixed level = fixFromInt(row);
