@@ -107,7 +107,8 @@ TEST(RasterWork, GrowsNoFasterThanSorting)
     }
 }
 
-// Shapes scattered over the picture, in one path. The first corner is a part of a corner's turn on.
+// Regular shapes scattered over the picture, in one path. Their first corners lie at `first` of the
+// angle from one corner to the next.
 std::vector<MMPoint2D> scattered(int shapes, int corners, double radius, double first = 0)
 {
     Places places;
