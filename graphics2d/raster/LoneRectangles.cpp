@@ -82,7 +82,7 @@ uint32_t LoneRectangles::mapSize(const Contours& contours, const PixelBox& visib
         const uint32_t rows = (magnitudeOf(wrapSub(corners[2].y, corners[0].y)) >> 17) + 2;
         cells += uint64_t{width + 2} * rows;
         words += uint64_t{width / 32 + 1} * rows;
-        if (cells > pixels) return 0; // twice of all there are: few are alone, or visible
+        if (cells > pixels) return 0; // twice of all cells: few are alone, or visible
     }
     const int32_t all = ((visible.bottom - visible.top) / 2 + 1) * pitchFor(visible);
     uint32_t size = 1;

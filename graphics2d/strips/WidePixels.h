@@ -6,20 +6,16 @@
 
 #include "graphics2d/strips/VectorTypes.h"
 
-#if defined(__AVX512BW__)
-#define MM2D_WIDE(operation) _mm512_##operation
-#else
-#define MM2D_WIDE(operation) _mm256_##operation
-#endif
-
 namespace KAVO {
 namespace Graphics2D {
 inline namespace MM2D_LEVEL {
 
 #if defined(__AVX512BW__)
+#define MM2D_WIDE(operation) _mm512_##operation
 using WideRegister = __m512i;
 using WideLanes = U16x32;
 #else
+#define MM2D_WIDE(operation) _mm256_##operation
 using WideRegister = __m256i;
 using WideLanes = U16x16;
 #endif
